@@ -1,0 +1,22 @@
+#ifdef NAVREL_OWN_NETWORK
+#include "tests/NetworkNamespace.h"
+#endif
+
+#include <QCoreApplication>
+#include <gmock/gmock.h>
+
+#include <cstdio>
+
+int main(int argc, char** argv) {
+#ifdef NAVREL_OWN_NETWORK
+    // Before anything starts a thread: a namespace is entered by one thread alone.
+    if (const auto failure = navrel::enterOwnNetworkNamespace()) {
+        std::fprintf(stderr, "cannot run in a network namespace of its own: %s\n",
+                     failure->c_str());
+        return 1;
+    }
+#endif
+    QCoreApplication application(argc, argv);
+    ::testing::InitGoogleMock(&argc, argv);
+    return RUN_ALL_TESTS();
+}
