@@ -1,0 +1,65 @@
+#include "support/text/FilePath.h"
+
+#include <gtest/gtest.h>
+
+namespace navrel {
+namespace {
+
+TEST(FilePath, appendingJoinsWithOneSlash) {
+    EXPECT_EQ(appendingPathComponent("/a", "b"), "/a/b");
+    EXPECT_EQ(appendingPathComponent("/a/", "b"), "/a/b");
+    EXPECT_EQ(appendingPathComponent("/", "b"), "/b");
+    EXPECT_EQ(appendingPathComponent("/a", "/b"), "/a/b");
+    EXPECT_EQ(appendingPathComponent("/a//b", "c//d"), "/a/b/c/d");
+}
+
+TEST(FilePath, appendingDropsASlashAtTheEndAndKeepsDots) {
+    EXPECT_EQ(appendingPathComponent("/a", "b/"), "/a/b");
+    EXPECT_EQ(appendingPathComponent("/a", "../b/./c"), "/a/../b/./c");
+    EXPECT_EQ(appendingPathComponent("/", "/"), "/");
+}
+
+TEST(FilePath, appendingNothingLeavesThePath) {
+    EXPECT_EQ(appendingPathComponent("/a/b", ""), "/a/b");
+    EXPECT_EQ(appendingPathComponent("", "b"), "b");
+    EXPECT_EQ(appendingPathComponent("", ""), "");
+}
+
+TEST(FilePath, theLastComponentIsTakenWithoutItsSlash) {
+    EXPECT_EQ(lastPathComponent("/a/b.h"), "b.h");
+    EXPECT_EQ(lastPathComponent("/a/b/"), "b");
+    EXPECT_EQ(lastPathComponent("b"), "b");
+    EXPECT_EQ(lastPathComponent("/a"), "a");
+    EXPECT_EQ(lastPathComponent("/"), "/");
+    EXPECT_EQ(lastPathComponent(""), "");
+}
+
+TEST(FilePath, deletingTheLastComponentLeavesTheFolder) {
+    EXPECT_EQ(deletingLastPathComponent("/a/b"), "/a");
+    EXPECT_EQ(deletingLastPathComponent("/a/b/"), "/a");
+    EXPECT_EQ(deletingLastPathComponent("/a"), "/");
+    EXPECT_EQ(deletingLastPathComponent("/"), "/");
+    EXPECT_EQ(deletingLastPathComponent("a"), "");
+    EXPECT_EQ(deletingLastPathComponent(""), "");
+}
+
+TEST(FilePath, theExtensionIsWhatFollowsTheLastDotAsItIsSpelled) {
+    EXPECT_EQ(pathExtension("/a/Foo.h"), "h");
+    EXPECT_EQ(pathExtension("/a/Foo.tar.GZ"), "GZ");
+    EXPECT_EQ(pathExtension("/a/Base.lproj/"), "lproj");
+    EXPECT_EQ(pathExtension("/a.b/Makefile"), "");
+    EXPECT_EQ(pathExtension("/a/.profile"), "");
+    EXPECT_EQ(pathExtension("/a/Foo."), "");
+    EXPECT_EQ(pathExtension("/a/.."), "");
+    EXPECT_EQ(pathExtension(""), "");
+}
+
+TEST(FilePath, deletingTheExtensionTakesTheDotWithIt) {
+    EXPECT_EQ(deletingPathExtension("Foo.m"), "Foo");
+    EXPECT_EQ(deletingPathExtension("/a/Foo.tar.gz"), "/a/Foo.tar");
+    EXPECT_EQ(deletingPathExtension("/a.b/Makefile"), "/a.b/Makefile");
+    EXPECT_EQ(deletingPathExtension(".profile"), ".profile");
+}
+
+} // namespace
+} // namespace navrel
