@@ -1,0 +1,7 @@
+#import <UIKit/UIKit.h>
+
+@interface TideListController : UITableViewController
+
+- (void)reload;
+
+@end
