@@ -1,0 +1,41 @@
+#include "support/DesktopOpener.h"
+#include "tests/RecordingTool.h"
+#include "tests/WaitUntil.h"
+
+#include <gtest/gtest.h>
+
+namespace navrel {
+namespace {
+
+TEST(DesktopOpener, aPathReachesTheOpenerAsItIs) {
+    const RecordingTool opener(QStringLiteral("xdg-open"));
+    const QString path = QStringLiteral("/a b/$(id)`id`;'\"\n&|%20#é.html");
+
+    EXPECT_TRUE(openWithDesktop(path));
+    EXPECT_TRUE(waitUntil([&] { return !opener.arguments().isEmpty(); }));
+    EXPECT_EQ(opener.arguments(), QByteArrayList{path.toUtf8()});
+}
+
+TEST(DesktopOpener, aPathThatBeginsWithADashIsNoOption) {
+    const RecordingTool opener(QStringLiteral("xdg-open"));
+
+    EXPECT_TRUE(openWithDesktop(QStringLiteral("--help")));
+    EXPECT_TRUE(waitUntil([&] { return !opener.arguments().isEmpty(); }));
+    EXPECT_EQ(opener.arguments(), QByteArrayList{"./--help"});
+}
+
+TEST(DesktopOpener, withoutAnOpenerNothingIsOpened) {
+    const QByteArray path = qgetenv("PATH");
+    qputenv("PATH", "/nonexistent");
+    EXPECT_FALSE(openWithDesktop(QStringLiteral("/a")));
+    qputenv("PATH", path);
+}
+
+TEST(DesktopOpener, theEmptyPathIsRefused) {
+    const RecordingTool opener(QStringLiteral("xdg-open"));
+    EXPECT_FALSE(openWithDesktop(QStringLiteral("")));
+    EXPECT_EQ(opener.arguments(), QByteArrayList{});
+}
+
+} // namespace
+} // namespace navrel
