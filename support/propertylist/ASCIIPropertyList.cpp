@@ -1,0 +1,328 @@
+#include "support/propertylist/ASCIIPropertyList.h"
+
+#include "support/propertylist/ASCIIScanner.h"
+#include "support/propertylist/PropertyListLimits.h"
+
+#include <QByteArrayView>
+#include <unicode/utf8.h>
+
+namespace navrel::propertylist {
+
+namespace {
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr std::string_view kLineSeparator = "\xE2\x80\xA8";      // U+2028
+constexpr std::string_view kParagraphSeparator = "\xE2\x80\xA9"; // U+2029
+constexpr std::uint32_t kNoContainer = UINT32_MAX;
+
+/// Goes over the text once, without recursion: the containers that are open are their own stack,
+/// each keeping the one around it where its end will be written. Functions take the position where
+/// they begin and return the one where they stopped, or null after a failure.
+template <typename Scanner>
+class Parser {
+public:
+    Parser(std::string_view text, NodeArray& nodes)
+        : begin_(text.data()), end_(text.data() + text.size()), nodes_(nodes) {}
+
+    std::optional<ASCIIFailure> parse() {
+        if (readList()) {
+            return std::nullopt;
+        }
+        return failure_;
+    }
+
+private:
+    bool readList() {
+        const char* at = begin_;
+        if (std::string_view(at, size()).starts_with(kByteOrderMark)) {
+            at += kByteOrderMark.size();
+        }
+        at = readValue(skipBlank(at));
+        while (at != nullptr && open_ != kNoContainer) {
+            at = isArray(open_) ? readElements(at) : readEntries(at);
+        }
+        if (at == nullptr) {
+            return false;
+        }
+        at = skipBlank(at);
+        return at == end_ || fail(at, "expected nothing more after the list") != nullptr;
+    }
+
+    // From before a key or the closing brace to before the next container's inside, or past the
+    // end of this one.
+    const char* readEntries(const char* at) {
+        for (;;) {
+            at = skipBlank(at);
+            if (byteAt(at) == '}') {
+                return close(at + 1);
+            }
+            const std::uint32_t key = nodes_.size();
+            at = readString(at, "expected a key or \"}\"");
+            if (at == nullptr) {
+                return nullptr;
+            }
+            at = skipBlank(at);
+            if (byteAt(at) == '=') {
+                at = skipBlank(at + 1);
+                if (opensContainer(at)) {
+                    return open(at);
+                }
+                at = readScalar(at);
+            } else if (byteAt(at) == ';') {
+                nodes_.append(nodes_.at(key));
+            } else {
+                return fail(at, "expected \"=\" or \";\" after a key");
+            }
+            if (at == nullptr || (at = endEntry(at)) == nullptr) {
+                return nullptr;
+            }
+        }
+    }
+
+    // The same for an array.
+    const char* readElements(const char* at) {
+        for (;;) {
+            at = skipBlank(at);
+            if (byteAt(at) == ')') {
+                return close(at + 1);
+            }
+            if (opensContainer(at)) {
+                return open(at);
+            }
+            at = readScalar(at);
+            if (at == nullptr || (at = endElement(at)) == nullptr) {
+                return nullptr;
+            }
+        }
+    }
+
+    const char* endEntry(const char* at) {
+        at = skipBlank(at);
+        if (byteAt(at) != ';') {
+            return fail(at, "expected \";\" after a value");
+        }
+        countOne();
+        return at + 1;
+    }
+
+    const char* endElement(const char* at) {
+        at = skipBlank(at);
+        countOne();
+        if (byteAt(at) == ',') {
+            return at + 1;
+        }
+        return byteAt(at) == ')' ? at : fail(at, "expected \",\" or \")\" after an element");
+    }
+
+    const char* readValue(const char* at) { return opensContainer(at) ? open(at) : readScalar(at); }
+
+    bool opensContainer(const char* at) const { return byteAt(at) == '{' || byteAt(at) == '('; }
+
+    const char* open(const char* at) {
+        if (++depth_ > kMaxPropertyListDepth) {
+            return fail(at, "arrays and dictionaries are nested too deeply",
+                        PropertyListErrorCode::tooLarge);
+        }
+        const std::uint32_t around = open_;
+        open_ = nodes_.size();
+        nodes_.append({*at == '(' ? NodeKind::array : NodeKind::dictionary, around, 0});
+        return at + 1;
+    }
+
+    // Ends the innermost container, and with it a value of the one around it.
+    const char* close(const char* at) {
+        Node& closed = nodes_.at(open_);
+        open_ = closed.position();
+        closed.setPosition(nodes_.size());
+        --depth_;
+        if (open_ == kNoContainer) {
+            return at;
+        }
+        return isArray(open_) ? endElement(at) : endEntry(at);
+    }
+
+    const char* readScalar(const char* at) {
+        if (byteAt(at) == '<') {
+            return readData(at);
+        }
+        return readString(at, "expected a value");
+    }
+
+    const char* readString(const char* at, const char* expected) {
+        const char* const end = Scanner::endOfUnquoted(at, end_);
+        if (end != at) {
+            append(NodeKind::string, at, end);
+            return end;
+        }
+        if (byteAt(at) == '"' || byteAt(at) == '\'') {
+            return readQuoted(at);
+        }
+        return fail(at, expected);
+    }
+
+    const char* readQuoted(const char* quote) {
+        NodeKind kind = NodeKind::string;
+        const char* at = quote + 1;
+        for (;;) {
+            at = Scanner::quoteOrBackslash(at, end_, *quote);
+            if (at == end_) {
+                return fail(quote, "expected the string to be closed");
+            }
+            if (*at == *quote) {
+                append(kind, quote + 1, at);
+                return at + 1;
+            }
+            kind = NodeKind::escapedString;
+            at += end_ - at >= 2 ? 2 : 1; // an escaped quote does not end the string
+        }
+    }
+
+    const char* readData(const char* bracket) {
+        std::size_t digits = 0;
+        const char* at = bracket + 1;
+        for (; isOfClass(byteAt(at), kHexadecimal | kWhite); ++at) {
+            digits += isOfClass(*at, kHexadecimal) ? 1 : 0;
+        }
+        if (byteAt(at) != '>') {
+            return fail(at, "expected hexadecimal digits or \">\"");
+        }
+        if (digits % 2 != 0) {
+            return fail(at, "expected an even number of hexadecimal digits");
+        }
+        append(NodeKind::data, bracket + 1, at);
+        return at + 1;
+    }
+
+    const char* skipBlank(const char* at) const {
+        while (at != end_ && isOfClass(*at, kMaybeBlank)) {
+            const char* const next = isOfClass(*at, kWhite) ? endOfWhite(at) : endOfRareBlank(at);
+            if (next == at) {
+                break;
+            }
+            at = next;
+        }
+        return at;
+    }
+
+    // Most white space is a single blank.
+    const char* endOfWhite(const char* at) const {
+        ++at;
+        return isOfClass(byteAt(at), kWhite) ? Scanner::endOfWhite(at, end_) : at;
+    }
+
+    // From a slash or a byte 0xE2: unmoved where that begins a token.
+    const char* endOfRareBlank(const char* at) const {
+        const std::string_view rest(at, static_cast<std::size_t>(end_ - at));
+        if (rest.starts_with("/*")) {
+            return Scanner::pastCommentEnd(at + 2, end_);
+        }
+        if (rest.starts_with("//")) {
+            return endOfLine(at);
+        }
+        return startsWithSeparator(rest) ? at + kLineSeparator.size() : at;
+    }
+
+    const char* endOfLine(const char* at) const {
+        while (at != end_ && *at != '\n' && *at != '\r' &&
+               !startsWithSeparator({at, static_cast<std::size_t>(end_ - at)})) {
+            ++at;
+        }
+        return at;
+    }
+
+    static bool startsWithSeparator(std::string_view text) {
+        return text.starts_with(kLineSeparator) || text.starts_with(kParagraphSeparator);
+    }
+
+    // The byte, or 0, which is no token's, at the end.
+    char byteAt(const char* at) const { return at != end_ ? *at : '\0'; }
+
+    bool isArray(std::uint32_t node) const { return nodes_.at(node).kind() == NodeKind::array; }
+
+    void countOne() { nodes_.at(open_).countOne(); }
+
+    void append(NodeKind kind, const char* from, const char* to) {
+        nodes_.append({kind, static_cast<std::uint32_t>(from - begin_),
+                       static_cast<std::uint32_t>(to - from)});
+    }
+
+    std::size_t size() const { return static_cast<std::size_t>(end_ - begin_); }
+
+    const char* fail(const char* at, const char* reason,
+                     PropertyListErrorCode code = PropertyListErrorCode::malformed) {
+        failure_ = {static_cast<std::size_t>(at - begin_), code, reason};
+        return nullptr;
+    }
+
+    const char* const begin_;
+    const char* const end_;
+    NodeArray& nodes_;
+    std::uint32_t open_ = kNoContainer; // the innermost container that is open
+    int depth_ = 0;
+    ASCIIFailure failure_{0, PropertyListErrorCode::malformed, ""};
+};
+
+// Where strict UTF-8 ends; ICU's strictness is Qt's.
+std::size_t firstInvalidByte(std::string_view text) {
+    const auto length = static_cast<std::int64_t>(text.size());
+    std::int64_t at = 0;
+    while (at < length) {
+        const std::int64_t start = at;
+        UChar32 character = 0;
+        U8_NEXT(text.data(), at, length, character);
+        if (character < 0) {
+            return static_cast<std::size_t>(start);
+        }
+    }
+    return text.size();
+}
+
+template <typename Scanner>
+std::optional<ASCIIFailure> parseWith(std::string_view text, NodeArray& nodes) {
+    if (text.size() > kMaxPropertyListBytes) {
+        return ASCIIFailure{0, PropertyListErrorCode::tooLarge, "the list has too many bytes"};
+    }
+    if (!QByteArrayView(text.data(), static_cast<qsizetype>(text.size())).isValidUtf8()) {
+        return ASCIIFailure{firstInvalidByte(text), PropertyListErrorCode::malformed,
+                            "expected UTF-8"};
+    }
+    return Parser<Scanner>(text, nodes).parse();
+}
+
+} // namespace
+
+std::optional<ASCIIFailure> parseASCII(std::string_view text, NodeArray& nodes) {
+#ifdef __SSE2__
+    return parseWith<VectorScanner>(text, nodes);
+#else
+    return parseWith<PortableScanner>(text, nodes);
+#endif
+}
+
+std::optional<ASCIIFailure> parseASCIIPortably(std::string_view text, NodeArray& nodes) {
+    return parseWith<PortableScanner>(text, nodes);
+}
+
+QByteArray dataOfDigits(std::string_view digits) {
+    // Qt's reading of hexadecimal text passes over everything else.
+    return QByteArray::fromHex(QByteArray(digits.data(), static_cast<qsizetype>(digits.size())));
+}
+
+Error errorOfFailure(const ASCIIFailure& failure, std::string_view text) {
+    int line = 1;
+    int column = 1;
+    for (std::size_t i = 0; i < failure.position; ++i) {
+        const bool endsLine =
+            text[i] == '\n' || (text[i] == '\r' && (i + 1 == text.size() || text[i + 1] != '\n'));
+        const bool continuesCharacter = (static_cast<std::uint8_t>(text[i]) & 0xC0) == 0x80;
+        line += endsLine ? 1 : 0;
+        column = endsLine ? 1 : column + (continuesCharacter ? 0 : 1);
+    }
+    return {kPropertyListErrorDomain, static_cast<qint64>(failure.code),
+            QStringLiteral("line %1, column %2: %3")
+                .arg(line)
+                .arg(column)
+                .arg(QString::fromUtf8(failure.reason))};
+}
+
+} // namespace navrel::propertylist

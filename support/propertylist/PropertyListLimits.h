@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstddef>
+
+namespace navrel {
+
+// What a property list may ask for. All of it is far beyond what real lists hold (project files
+// nest 5 deep and reach 3.2 MB), and keeps a made-up one from taking the stack or the memory.
+
+/// Arrays and dictionaries within one another. Values are walked by recursion, which this many
+/// levels keep well within the smallest stack of a thread.
+inline constexpr int kMaxPropertyListDepth = 512;
+
+/// Values of one list, counted as they unfold: a shared array of a binary list counts wherever it
+/// stands, since whoever walks the result meets it there. A value takes about 100 bytes.
+inline constexpr std::size_t kMaxPropertyListValues = 4'000'000;
+
+/// Bytes of one list: 80 times the largest project file. Nodes keep positions in 32 bits and
+/// lengths in 29, and in the worst case take 8 bytes for each byte of the list.
+inline constexpr std::size_t kMaxPropertyListBytes = std::size_t{256} << 20;
+
+} // namespace navrel
