@@ -6,11 +6,12 @@
 #include <QByteArrayView>
 #include <unicode/utf8.h>
 
+#include <algorithm>
+
 namespace navrel::propertylist {
 
 namespace {
 
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view kLineSeparator = "\xE2\x80\xA8";      // U+2028
 constexpr std::string_view kParagraphSeparator = "\xE2\x80\xA9"; // U+2029
 constexpr std::uint32_t kNoContainer = UINT32_MAX;
@@ -193,21 +194,26 @@ private:
         return at + 1;
     }
 
+    // Between most tokens there is nothing or a single blank: that much is done in place, and the
+    // branch said to be likely, so that the next token does not wait for this byte.
     const char* skipBlank(const char* at) const {
-        while (at != end_ && isOfClass(*at, kMaybeBlank)) {
-            const char* const next = isOfClass(*at, kWhite) ? endOfWhite(at) : endOfRareBlank(at);
+        if (byteAt(at) == ' ') [[likely]] {
+            ++at;
+        }
+        return isOfClass(byteAt(at), kMaybeBlank) ? skipLongBlank(at) : at;
+    }
+
+    // Kept out of line: within the loops above it would crowd out what they keep in registers.
+    [[gnu::noinline]] const char* skipLongBlank(const char* at) const {
+        while (isOfClass(byteAt(at), kMaybeBlank)) {
+            const char* const next =
+                isOfClass(*at, kWhite) ? Scanner::endOfWhite(at, end_) : endOfRareBlank(at);
             if (next == at) {
                 break;
             }
             at = next;
         }
         return at;
-    }
-
-    // Most white space is a single blank.
-    const char* endOfWhite(const char* at) const {
-        ++at;
-        return isOfClass(byteAt(at), kWhite) ? Scanner::endOfWhite(at, end_) : at;
     }
 
     // From a slash or a byte 0xE2: unmoved where that begins a token.
@@ -262,19 +268,26 @@ private:
     ASCIIFailure failure_{0, PropertyListErrorCode::malformed, ""};
 };
 
-// Where strict UTF-8 ends; ICU's strictness is Qt's.
-std::size_t firstInvalidByte(std::string_view text) {
-    const auto length = static_cast<std::int64_t>(text.size());
-    std::int64_t at = 0;
-    while (at < length) {
-        const std::int64_t start = at;
-        UChar32 character = 0;
-        U8_NEXT(text.data(), at, length, character);
-        if (character < 0) {
-            return static_cast<std::size_t>(start);
+// Where strict UTF-8 ends: the first byte of what is none, or the end. Most text is ASCII, so only
+// the stretches between are looked at closely; no character begins in one and ends outside.
+template <typename Scanner>
+const char* endOfUTF8(const char* at, const char* end) {
+    for (;;) {
+        at = Scanner::firstNonASCII(at, end);
+        while (at != end && static_cast<std::uint8_t>(*at) >= 0x80) {
+            std::int32_t length = 0;
+            UChar32 character = 0;
+            const auto left = static_cast<std::int32_t>(std::min<std::ptrdiff_t>(end - at, 4));
+            U8_NEXT(at, length, left, character);
+            if (character < 0) {
+                return at;
+            }
+            at += length;
+        }
+        if (at == end) {
+            return end;
         }
     }
-    return text.size();
 }
 
 template <typename Scanner>
@@ -282,9 +295,10 @@ std::optional<ASCIIFailure> parseWith(std::string_view text, NodeArray& nodes) {
     if (text.size() > kMaxPropertyListBytes) {
         return ASCIIFailure{0, PropertyListErrorCode::tooLarge, "the list has too many bytes"};
     }
-    if (!QByteArrayView(text.data(), static_cast<qsizetype>(text.size())).isValidUtf8()) {
-        return ASCIIFailure{firstInvalidByte(text), PropertyListErrorCode::malformed,
-                            "expected UTF-8"};
+    const char* const end = text.data() + text.size();
+    if (const char* const stop = endOfUTF8<Scanner>(text.data(), end); stop != end) {
+        return ASCIIFailure{static_cast<std::size_t>(stop - text.data()),
+                            PropertyListErrorCode::malformed, "expected UTF-8"};
     }
     return Parser<Scanner>(text, nodes).parse();
 }

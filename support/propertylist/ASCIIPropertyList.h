@@ -21,6 +21,9 @@
 // a backslash begins an escape: see unescaped.
 namespace navrel::propertylist {
 
+inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+inline constexpr std::string_view kASCIIWhiteSpace = " \t\n\v\f\r";
+
 /// Why a text is no list: what was expected (or is too much) at a position of the text.
 struct ASCIIFailure {
     std::size_t position;

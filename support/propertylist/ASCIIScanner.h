@@ -84,17 +84,20 @@ struct PortableScanner {
         }
         return end;
     }
+
+    static const char* firstNonASCII(const char* at, const char* end) {
+        while (at != end && static_cast<std::uint8_t>(*at) < 0x80) {
+            ++at;
+        }
+        return at;
+    }
 };
 
 #ifdef __SSE2__
 struct VectorScanner {
     static const char* endOfWhite(const char* at, const char* end) {
         while (end - at >= kBlock) {
-            const __m128i bytes = load(at);
-            const unsigned others = ~mask(_mm_or_si128(isInRange(bytes, '\t', '\r'),
-                                                       _mm_cmpeq_epi8(bytes, _mm_set1_epi8(' ')))) &
-                                    kAll;
-            if (others != 0) {
+            if (const unsigned others = ~whiteMask(load(at)) & kAll; others != 0) {
                 return at + std::countr_zero(others);
             }
             at += kBlock;
@@ -102,13 +105,21 @@ struct VectorScanner {
         return PortableScanner::endOfWhite(at, end);
     }
 
+    // Two blocks at once, here and in comments: whether a token ends in its first or second block
+    // is nothing that a processor can foresee.
     static const char* endOfUnquoted(const char* at, const char* end) {
-        while (end - at >= kBlock) {
-            const unsigned others = ~unquotedMask(load(at)) & kAll;
+        while (end - at >= 2 * kBlock) {
+            const std::uint32_t others =
+                ~(unquotedMask(load(at)) | unquotedMask(load(at + kBlock)) << kBlock);
+            // Object identifiers have 24 bytes. Saying so lets the processor go on at once from
+            // where it foresees the end, instead of waiting for the end to be computed.
+            if ((others & kFirst25) == kOnly25th) {
+                return at + 24;
+            }
             if (others != 0) {
                 return at + std::countr_zero(others);
             }
-            at += kBlock;
+            at += 2 * kBlock;
         }
         return PortableScanner::endOfUnquoted(at, end);
     }
@@ -129,28 +140,43 @@ struct VectorScanner {
     }
 
     static const char* pastCommentEnd(const char* at, const char* end) {
-        const __m128i stars = _mm_set1_epi8('*');
-        const __m128i slashes = _mm_set1_epi8('/');
-        while (end - at > kBlock) {
-            const unsigned found = mask(_mm_and_si128(_mm_cmpeq_epi8(load(at), stars),
-                                                      _mm_cmpeq_epi8(load(at + 1), slashes)));
+        while (end - at > 2 * kBlock) {
+            const std::uint32_t found = commentEndMask(at) | commentEndMask(at + kBlock) << kBlock;
             if (found != 0) {
                 return at + std::countr_zero(found) + 2;
             }
-            at += kBlock;
+            at += 2 * kBlock;
         }
         return PortableScanner::pastCommentEnd(at, end);
     }
 
+    static const char* firstNonASCII(const char* at, const char* end) {
+        while (end - at >= 4 * kBlock) {
+            const __m128i bytes =
+                _mm_or_si128(_mm_or_si128(load(at), load(at + kBlock)),
+                             _mm_or_si128(load(at + 2 * kBlock), load(at + 3 * kBlock)));
+            if (mask(bytes) != 0) {
+                break;
+            }
+            at += 4 * kBlock;
+        }
+        return PortableScanner::firstNonASCII(at, end);
+    }
+
 private:
-    static constexpr std::ptrdiff_t kBlock = sizeof(__m128i);
+    static constexpr int kBlock = sizeof(__m128i);
     static constexpr unsigned kAll = 0xFFFF;
+    static constexpr std::uint32_t kOnly25th = std::uint32_t{1} << 24;
+    static constexpr std::uint32_t kFirst25 = kOnly25th * 2 - 1;
 
     static __m128i load(const char* at) {
         return _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
     }
 
-    static unsigned mask(__m128i bytes) { return static_cast<unsigned>(_mm_movemask_epi8(bytes)); }
+    // A bit for each byte whose uppermost bit is set, the first byte's lowest.
+    static std::uint32_t mask(__m128i bytes) {
+        return static_cast<std::uint32_t>(_mm_movemask_epi8(bytes));
+    }
 
     // Bytes from first to last: moved so that the range ends at the greatest signed byte.
     static __m128i isInRange(__m128i bytes, char first, char last) {
@@ -158,11 +184,22 @@ private:
         return _mm_cmpgt_epi8(moved, _mm_set1_epi8(static_cast<char>(126 - (last - first))));
     }
 
-    static unsigned unquotedMask(__m128i bytes) {
+    static std::uint32_t whiteMask(__m128i bytes) {
+        return mask(
+            _mm_or_si128(isInRange(bytes, '\t', '\r'), _mm_cmpeq_epi8(bytes, _mm_set1_epi8(' '))));
+    }
+
+    static std::uint32_t unquotedMask(__m128i bytes) {
         const __m128i letters = isInRange(_mm_or_si128(bytes, _mm_set1_epi8(0x20)), 'a', 'z');
         const __m128i marks = _mm_or_si128(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('_')),
                                            _mm_cmpeq_epi8(bytes, _mm_set1_epi8('$')));
         return mask(_mm_or_si128(_mm_or_si128(letters, isInRange(bytes, '-', ':')), marks));
+    }
+
+    // Reads one byte more than a block.
+    static std::uint32_t commentEndMask(const char* at) {
+        return mask(_mm_and_si128(_mm_cmpeq_epi8(load(at), _mm_set1_epi8('*')),
+                                  _mm_cmpeq_epi8(load(at + 1), _mm_set1_epi8('/'))));
     }
 };
 #endif
