@@ -1,17 +1,41 @@
 #include "support/propertylist/PropertyList.h"
 
+#include "support/propertylist/BinaryPropertyList.h"
 #include "support/propertylist/PropertyListDocument.h"
+#include "support/propertylist/PropertyListLimits.h"
+#include "support/propertylist/PropertyListValues.h"
+#include "support/propertylist/XMLPropertyList.h"
 
 namespace navrel {
 
 const QString kPropertyListErrorDomain = QStringLiteral("PropertyListError");
 
-std::optional<QVariant> propertyListWithData(QByteArrayView data, std::optional<Error>* error) {
+namespace {
+
+std::optional<QVariant> readASCII(const QByteArray& bytes, std::optional<Error>* error) {
     PropertyListDocument document;
-    if (!document.read(QByteArray::fromRawData(data.data(), data.size()), error)) {
+    if (!document.read(bytes, error)) {
+        return std::nullopt;
+    }
+    if (document.valueCount() > kMaxPropertyListValues) {
+        propertylist::report(error, PropertyListErrorCode::tooLarge,
+                             QStringLiteral("the list has too many values"));
         return std::nullopt;
     }
     return document.root().toVariant();
+}
+
+} // namespace
+
+std::optional<QVariant> propertyListWithData(QByteArrayView data, std::optional<Error>* error) {
+    if (data.startsWith(propertylist::kBinaryMagic)) {
+        return propertylist::readBinary(data, error);
+    }
+    const QByteArray bytes = QByteArray::fromRawData(data.data(), data.size());
+    if (propertylist::isXML({data.data(), static_cast<std::size_t>(data.size())})) {
+        return propertylist::readXML(bytes, error);
+    }
+    return readASCII(bytes, error);
 }
 
 } // namespace navrel

@@ -1,6 +1,7 @@
 #include "support/propertylist/PropertyListDocument.h"
 
 #include "support/propertylist/ASCIIPropertyList.h"
+#include "support/propertylist/XMLPropertyList.h"
 
 #include <algorithm>
 #include <utility>
@@ -25,6 +26,10 @@ void NodeArray::grow() {
 
 namespace {
 
+std::string_view viewOf(const QByteArray& bytes) {
+    return {bytes.constData(), static_cast<std::size_t>(bytes.size())};
+}
+
 QString stringOf(std::string_view utf8) {
     return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
 }
@@ -33,18 +38,65 @@ QString stringOf(std::string_view utf8) {
 
 bool PropertyListDocument::read(QByteArray bytes, std::optional<Error>* error) {
     clear();
+    const bool isRead = propertylist::isXML(viewOf(bytes)) ? readXML(bytes, error)
+                                                           : readASCII(std::move(bytes), error);
+    if (!isRead) {
+        clear();
+    }
+    return isRead;
+}
+
+bool PropertyListDocument::readASCII(QByteArray bytes, std::optional<Error>* error) {
     bytes_ = std::move(bytes);
-    const std::string_view text(bytes_.constData(), static_cast<std::size_t>(bytes_.size()));
     const std::optional<propertylist::ASCIIFailure> failure =
-        propertylist::parseASCII(text, nodes_);
-    if (!failure) {
-        return true;
+        propertylist::parseASCII(viewOf(bytes_), nodes_);
+    if (failure && error != nullptr) {
+        *error = propertylist::errorOfFailure(*failure, viewOf(bytes_));
     }
-    if (error != nullptr) {
-        *error = propertylist::errorOfFailure(*failure, text);
+    return !failure;
+}
+
+bool PropertyListDocument::readXML(const QByteArray& bytes, std::optional<Error>* error) {
+    const std::optional<QVariant> list = propertylist::readXML(bytes, error);
+    if (list) {
+        append(*list);
     }
-    clear();
-    return false;
+    return list.has_value();
+}
+
+void PropertyListDocument::append(const QVariant& value) {
+    if (value.typeId() == QMetaType::QVariantMap) {
+        const QVariantMap map = value.toMap();
+        const std::uint32_t node = open(NodeKind::dictionary, map.size());
+        for (auto entry = map.cbegin(); entry != map.cend(); ++entry) {
+            append(entry.key());
+            append(entry.value());
+        }
+        nodes_.at(node).setPosition(nodes_.size());
+    } else if (value.typeId() == QMetaType::QVariantList) {
+        const QVariantList list = value.toList();
+        const std::uint32_t node = open(NodeKind::array, list.size());
+        for (const QVariant& element : list) {
+            append(element);
+        }
+        nodes_.at(node).setPosition(nodes_.size());
+    } else if (value.typeId() == QMetaType::QString) {
+        append(value.toString());
+    } else {
+        nodes_.append({NodeKind::scalar, 0, 0});
+    }
+}
+
+void PropertyListDocument::append(const QString& string) {
+    const QByteArray text = string.toUtf8();
+    nodes_.append({NodeKind::string, static_cast<std::uint32_t>(bytes_.size()),
+                   static_cast<std::uint32_t>(text.size())});
+    bytes_ += text;
+}
+
+std::uint32_t PropertyListDocument::open(NodeKind kind, qsizetype count) {
+    nodes_.append({kind, 0, static_cast<std::uint32_t>(count)});
+    return nodes_.size() - 1;
 }
 
 void PropertyListDocument::clear() {

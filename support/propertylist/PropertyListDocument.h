@@ -41,8 +41,15 @@ public:
     /// The list's outermost value; nothing while the document is empty.
     Value root() const;
 
+    /// How many values the list has, at all levels, keys included.
+    std::size_t valueCount() const { return nodes_.size(); }
+
 private:
-    bool readXML(std::optional<Error>* error);
+    bool readASCII(QByteArray bytes, std::optional<Error>* error);
+    bool readXML(const QByteArray& bytes, std::optional<Error>* error);
+    void append(const QVariant& value);
+    void append(const QString& string);
+    std::uint32_t open(propertylist::NodeKind kind, qsizetype count);
     void clear();
 
     const propertylist::Node& nodeAt(std::uint32_t index) const { return nodes_.at(index); }
@@ -50,7 +57,7 @@ private:
     std::string_view bytesOf(const propertylist::Node& node) const;
     std::string_view textOf(std::uint32_t index) const;
 
-    QByteArray bytes_;
+    QByteArray bytes_; // what was read; for XML, the texts of its strings end to end
     propertylist::NodeArray nodes_;
     // The text of strings with escapes, by node, from the first look on.
     mutable std::unordered_map<std::uint32_t, std::string> unescaped_;

@@ -11,9 +11,10 @@ namespace navrel {
 /// levels keep well within the smallest stack of a thread.
 inline constexpr int kMaxPropertyListDepth = 512;
 
-/// Values of one list, counted as they unfold: a shared array of a binary list counts wherever it
-/// stands, since whoever walks the result meets it there. A value takes about 100 bytes.
-inline constexpr std::size_t kMaxPropertyListValues = 4'000'000;
+/// Values of one list that is read into QVariants, of which each takes some 100 bytes; counted as
+/// they unfold: a shared array of a binary list counts wherever it stands, since whoever walks the
+/// result meets it there. A project file of 20 MB has half as many.
+inline constexpr std::size_t kMaxPropertyListValues = 1'000'000;
 
 /// Bytes of one list: 80 times the largest project file. Nodes keep positions in 32 bits and
 /// lengths in 29, and in the worst case take 8 bytes for each byte of the list.

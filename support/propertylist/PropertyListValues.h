@@ -1,0 +1,48 @@
+#pragma once
+
+#include "support/propertylist/PropertyList.h"
+
+#include <QDateTime>
+#include <QString>
+
+#include <optional>
+#include <utility>
+
+// What the formats share about values and errors.
+namespace navrel::propertylist {
+
+/// Stores an error where the caller asked for one.
+void report(std::optional<Error>* error, PropertyListErrorCode code, const QString& text);
+
+/// True for the years 1 to 9999, which every format can carry.
+bool isInRange(const QDateTime& date);
+
+/// The integer of a variant of any integer or boolean type (true is 1); nothing for other types,
+/// and for what does not fit.
+std::optional<qlonglong> integerOf(const QVariant& value);
+
+/// A value that a format cannot hold: "at items[3].path: what is wrong with it". The place is put
+/// together while the error travels outwards.
+class UnwritableValue {
+public:
+    explicit UnwritableValue(QString reason,
+                             PropertyListErrorCode code = PropertyListErrorCode::notWritable)
+        : reason_(std::move(reason)), code_(code) {}
+
+    /// A variant that is no property-list value at all.
+    static UnwritableValue ofType(const QVariant& value);
+
+    UnwritableValue inEntry(const QString& key) &&;
+    UnwritableValue inElement(qsizetype index) &&;
+
+    void reportTo(std::optional<Error>* error) const;
+
+private:
+    UnwritableValue in(const QString& step) &&;
+
+    QString reason_;
+    PropertyListErrorCode code_;
+    QString place_;
+};
+
+} // namespace navrel::propertylist

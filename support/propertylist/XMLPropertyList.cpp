@@ -1,0 +1,398 @@
+#include "support/propertylist/XMLPropertyList.h"
+
+#include "support/propertylist/ASCIIPropertyList.h"
+#include "support/propertylist/PropertyListLimits.h"
+#include "support/propertylist/PropertyListValues.h"
+
+#include <QXmlStreamReader>
+#include <QXmlStreamWriter>
+
+#include <algorithm>
+#include <cctype>
+
+namespace navrel {
+
+namespace propertylist {
+
+namespace {
+
+constexpr QStringView kDocumentType = u"<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+                                      u"\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">";
+const QString kDateFormat = QStringLiteral("yyyy-MM-dd'T'HH:mm:ss'Z'");
+
+/// Reads the tokens of one list. A failure is raised on the stream reader, which then stands still
+/// and keeps the position; functions return an invalid variant after one.
+class Reader {
+public:
+    explicit Reader(const QByteArray& bytes) : xml_(bytes) {}
+
+    std::optional<QVariant> read(std::optional<Error>* error) {
+        const QVariant list = readRoot();
+        if (!xml_.hasError()) {
+            return list;
+        }
+        report(error, code_,
+               QStringLiteral("line %1, column %2: %3")
+                   .arg(xml_.lineNumber())
+                   .arg(xml_.columnNumber() + 1)
+                   .arg(xml_.errorString()));
+        return std::nullopt;
+    }
+
+private:
+    QVariant readRoot() {
+        if (!readPrologue()) {
+            return {};
+        }
+        if (xml_.name() != QLatin1String("plist")) {
+            fail(QStringLiteral("expected <plist>"));
+            return {};
+        }
+        if (!nextElement()) {
+            fail(QStringLiteral("expected a value"));
+            return {};
+        }
+        const QVariant list = readValue();
+        if (nextElement()) {
+            fail(QStringLiteral("expected nothing more after the list"));
+        }
+        readEpilogue();
+        return list;
+    }
+
+    // To the outermost element.
+    bool readPrologue() {
+        while (xml_.readNext() != QXmlStreamReader::StartElement && !xml_.hasError()) {
+            if (xml_.isDTD() && !xml_.entityDeclarations().isEmpty()) {
+                fail(QStringLiteral("expected no entity declarations"));
+            }
+        }
+        return !xml_.hasError();
+    }
+
+    // To the end of the bytes, which may hold a fault yet.
+    void readEpilogue() {
+        while (!xml_.atEnd()) {
+            xml_.readNext();
+        }
+    }
+
+    // To the next element within the current one; false at its end, and after a failure.
+    bool nextElement() {
+        while (!xml_.hasError()) {
+            switch (xml_.readNext()) {
+            case QXmlStreamReader::StartElement:
+                return true;
+            case QXmlStreamReader::EndElement:
+                return false;
+            case QXmlStreamReader::Comment:
+            case QXmlStreamReader::ProcessingInstruction:
+                break;
+            default:
+                if (!xml_.isWhitespace()) {
+                    fail(QStringLiteral("expected an element instead of text"));
+                }
+            }
+        }
+        return false;
+    }
+
+    // From a start tag to its end tag. Not the stream reader's own function, which passes over
+    // references to entities that nobody declared.
+    QString readText() {
+        QString text;
+        while (!xml_.hasError()) {
+            switch (xml_.readNext()) {
+            case QXmlStreamReader::Characters:
+                text += xml_.text();
+                break;
+            case QXmlStreamReader::EndElement:
+                return text;
+            case QXmlStreamReader::Comment:
+            case QXmlStreamReader::ProcessingInstruction:
+                break;
+            default:
+                fail(QStringLiteral("expected text"));
+            }
+        }
+        return text;
+    }
+
+    // From the start tag of a value to its end tag.
+    QVariant readValue() {
+        if (++values_ > kMaxPropertyListValues) {
+            fail(QStringLiteral("the list has too many values"), PropertyListErrorCode::tooLarge);
+            return {};
+        }
+        const QStringView name = xml_.name();
+        if (name == QLatin1String("dict") || name == QLatin1String("array")) {
+            return readContainer(name == QLatin1String("dict"));
+        }
+        return readScalar(name.toString());
+    }
+
+    QVariant readContainer(bool isDictionary) {
+        if (depth_ == kMaxPropertyListDepth) {
+            fail(QStringLiteral("arrays and dictionaries are nested too deeply"),
+                 PropertyListErrorCode::tooLarge);
+            return {};
+        }
+        ++depth_;
+        QVariant container = isDictionary ? QVariant(readEntries()) : QVariant(readElements());
+        --depth_;
+        return container;
+    }
+
+    QVariantList readElements() {
+        QVariantList list;
+        while (nextElement()) {
+            list.append(readValue());
+        }
+        return list;
+    }
+
+    QVariantMap readEntries() {
+        QVariantMap map;
+        while (nextElement()) {
+            if (xml_.name() != QLatin1String("key")) {
+                fail(QStringLiteral("expected a key"));
+                break;
+            }
+            const QString key = readText();
+            if (!nextElement()) {
+                fail(QStringLiteral("expected a value after a key"));
+                break;
+            }
+            map.insert(key, readValue());
+        }
+        return map;
+    }
+
+    QVariant readScalar(const QString& name) {
+        const QString text = readText();
+        if (xml_.hasError()) {
+            return {};
+        }
+        QVariant value;
+        if (name == QLatin1String("string")) {
+            value = text;
+        } else if (name == QLatin1String("integer")) {
+            value = integerOfText(text.trimmed());
+        } else if (name == QLatin1String("real")) {
+            value = realOfText(text.trimmed());
+        } else if (name == QLatin1String("true") || name == QLatin1String("false")) {
+            value = name == QLatin1String("true");
+        } else if (name == QLatin1String("date")) {
+            value = dateOfText(text.trimmed());
+        } else if (name == QLatin1String("data")) {
+            value = dataOfText(text);
+        } else {
+            fail(QStringLiteral("expected a value instead of <%1>").arg(name));
+            return {};
+        }
+        if (!value.isValid()) {
+            fail(QStringLiteral("expected the text of <%1>").arg(name));
+        }
+        return value;
+    }
+
+    static QVariant integerOfText(const QString& text) {
+        const bool isHexadecimal = text.startsWith(QLatin1String("0x"), Qt::CaseInsensitive);
+        bool isNumber = false;
+        const qlonglong number = text.toLongLong(&isNumber, isHexadecimal ? 16 : 10);
+        return isNumber ? QVariant(number) : QVariant();
+    }
+
+    static QVariant realOfText(const QString& text) {
+        bool isNumber = false;
+        const double number = text.toDouble(&isNumber);
+        return isNumber ? QVariant(number) : QVariant();
+    }
+
+    static QVariant dateOfText(const QString& text) {
+        const QDateTime date = QDateTime::fromString(text, Qt::ISODate);
+        return isInRange(date) && date.toString(kDateFormat) == text ? QVariant(date) : QVariant();
+    }
+
+    static QVariant dataOfText(const QString& text) {
+        QByteArray digits = text.toUtf8();
+        digits.removeIf([](char byte) { return std::isspace(static_cast<unsigned char>(byte)); });
+        const auto data =
+            QByteArray::fromBase64Encoding(digits, QByteArray::AbortOnBase64DecodingErrors);
+        return data ? QVariant(*data) : QVariant();
+    }
+
+    // The first failure stands.
+    void fail(const QString& expected,
+              PropertyListErrorCode code = PropertyListErrorCode::malformed) {
+        if (!xml_.hasError()) {
+            xml_.raiseError(expected);
+            code_ = code;
+        }
+    }
+
+    QXmlStreamReader xml_;
+    PropertyListErrorCode code_ = PropertyListErrorCode::malformed;
+    std::size_t values_ = 0;
+    int depth_ = 0;
+};
+
+/// Writes one list. Functions return what is wrong with a value.
+class Writer {
+public:
+    using Failure = std::optional<UnwritableValue>;
+
+    explicit Writer(QByteArray* bytes) : xml_(bytes) { xml_.setAutoFormatting(true); }
+
+    Failure write(const QVariant& list) {
+        xml_.writeStartDocument();
+        xml_.writeDTD(kDocumentType.toString());
+        xml_.writeStartElement(QStringLiteral("plist"));
+        xml_.writeAttribute(QStringLiteral("version"), QStringLiteral("1.0"));
+        Failure failure = writeValue(list);
+        xml_.writeEndDocument();
+        return failure;
+    }
+
+private:
+    Failure writeValue(const QVariant& value) {
+        switch (value.typeId()) {
+        case QMetaType::QVariantMap:
+            return writeContainer(value, QStringLiteral("dict"));
+        case QMetaType::QVariantList:
+            return writeContainer(value, QStringLiteral("array"));
+        case QMetaType::QString:
+            return writeText(QStringLiteral("string"), value.toString());
+        case QMetaType::QByteArray:
+            xml_.writeTextElement(QStringLiteral("data"),
+                                  QString::fromLatin1(value.toByteArray().toBase64()));
+            return std::nullopt;
+        case QMetaType::Double:
+        case QMetaType::Float:
+            xml_.writeTextElement(QStringLiteral("real"),
+                                  QString::number(value.toDouble(), 'g', 17));
+            return std::nullopt;
+        case QMetaType::QDateTime:
+            return writeDate(value.toDateTime());
+        default:
+            return writeInteger(value);
+        }
+    }
+
+    Failure writeContainer(const QVariant& value, const QString& name) {
+        if (depth_ == kMaxPropertyListDepth) {
+            return UnwritableValue(QStringLiteral("nested too deeply"),
+                                   PropertyListErrorCode::tooLarge);
+        }
+        ++depth_;
+        xml_.writeStartElement(name);
+        Failure failure = value.typeId() == QMetaType::QVariantMap ? writeEntries(value.toMap())
+                                                                   : writeElements(value.toList());
+        xml_.writeEndElement();
+        --depth_;
+        return failure;
+    }
+
+    Failure writeEntries(const QVariantMap& map) {
+        for (auto entry = map.cbegin(); entry != map.cend(); ++entry) {
+            Failure failure = writeText(QStringLiteral("key"), entry.key());
+            if (!failure) {
+                failure = writeValue(entry.value());
+            }
+            if (failure) {
+                return std::move(*failure).inEntry(entry.key());
+            }
+        }
+        return std::nullopt;
+    }
+
+    Failure writeElements(const QVariantList& list) {
+        for (qsizetype i = 0; i < list.size(); ++i) {
+            if (Failure failure = writeValue(list.at(i))) {
+                return std::move(*failure).inElement(i);
+            }
+        }
+        return std::nullopt;
+    }
+
+    // Carriage returns go out as references: readers of XML take plain ones for line feeds.
+    Failure writeText(const QString& name, const QString& text) {
+        if (!isCarriedByXML(text)) {
+            return UnwritableValue(QStringLiteral("text that XML cannot carry"));
+        }
+        xml_.writeStartElement(name);
+        const QList<QStringView> pieces = QStringView(text).split(u'\r');
+        for (qsizetype i = 0; i < pieces.size(); ++i) {
+            if (i > 0) {
+                xml_.writeEntityReference(QStringLiteral("#13"));
+            }
+            xml_.writeCharacters(pieces.at(i).toString());
+        }
+        xml_.writeEndElement();
+        return std::nullopt;
+    }
+
+    static bool isCarriedByXML(QStringView text) {
+        return text.isValidUtf16() && std::all_of(text.begin(), text.end(), [](QChar character) {
+                   const char16_t unit = character.unicode();
+                   return (unit >= 0x20 && unit < 0xFFFE) || unit == u'\t' || unit == u'\n' ||
+                          unit == u'\r';
+               });
+    }
+
+    Failure writeDate(const QDateTime& date) {
+        if (!isInRange(date)) {
+            return UnwritableValue(QStringLiteral("a date outside the years 1 to 9999"));
+        }
+        xml_.writeTextElement(QStringLiteral("date"), date.toUTC().toString(kDateFormat));
+        return std::nullopt;
+    }
+
+    Failure writeInteger(const QVariant& value) {
+        const std::optional<qlonglong> integer = integerOf(value);
+        if (!integer) {
+            return UnwritableValue::ofType(value);
+        }
+        xml_.writeTextElement(QStringLiteral("integer"), QString::number(*integer));
+        return std::nullopt;
+    }
+
+    QXmlStreamWriter xml_;
+    int depth_ = 0;
+};
+
+} // namespace
+
+bool isXML(std::string_view bytes) {
+    if (bytes.starts_with("\xFE\xFF") || bytes.starts_with("\xFF\xFE")) {
+        return true;
+    }
+    if (bytes.starts_with(kByteOrderMark)) {
+        bytes.remove_prefix(kByteOrderMark.size());
+    }
+    bytes.remove_prefix(std::min(bytes.find_first_not_of(kASCIIWhiteSpace), bytes.size()));
+    return bytes.starts_with("<?") || bytes.starts_with("<!") || bytes.starts_with("<plist");
+}
+
+std::optional<QVariant> readXML(const QByteArray& bytes, std::optional<Error>* error) {
+    if (static_cast<std::size_t>(bytes.size()) > kMaxPropertyListBytes) {
+        report(error, PropertyListErrorCode::tooLarge,
+               QStringLiteral("the list has too many bytes"));
+        return std::nullopt;
+    }
+    return Reader(bytes).read(error);
+}
+
+} // namespace propertylist
+
+std::optional<QByteArray> XMLDataWithPropertyList(const QVariant& propertyList,
+                                                  std::optional<Error>* error) {
+    QByteArray bytes;
+    if (const auto failure = propertylist::Writer(&bytes).write(propertyList)) {
+        failure->reportTo(error);
+        return std::nullopt;
+    }
+    return bytes;
+}
+
+} // namespace navrel
