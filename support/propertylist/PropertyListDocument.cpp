@@ -109,11 +109,6 @@ PropertyListDocument::Value PropertyListDocument::root() const {
     return nodes_.isEmpty() ? Value() : Value(this, 0);
 }
 
-std::uint32_t PropertyListDocument::indexAfter(std::uint32_t index) const {
-    const Node& node = nodes_.at(index);
-    return node.isContainer() ? node.position() : index + 1;
-}
-
 std::string_view PropertyListDocument::bytesOf(const Node& node) const {
     return {bytes_.constData() + node.position(), node.size()};
 }
@@ -128,10 +123,6 @@ std::string_view PropertyListDocument::textOf(std::uint32_t index) const {
         place->second = propertylist::unescaped(bytesOf(node));
     }
     return place->second;
-}
-
-bool PropertyListDocument::Value::isKind(NodeKind kind) const {
-    return document_ != nullptr && document_->nodeAt(index_).kind() == kind;
 }
 
 bool PropertyListDocument::Value::isString() const {
@@ -180,22 +171,8 @@ PropertyListDocument::Value::entries() const {
     return {EntryIterator(firstInside()), EntryIterator(next())};
 }
 
-PropertyListDocument::Value PropertyListDocument::Value::next() const {
-    return {document_, document_->indexAfter(index_)};
-}
-
 PropertyListDocument::Value PropertyListDocument::Value::firstInside() const {
     return {document_, index_ + 1};
-}
-
-PropertyListDocument::ElementIterator& PropertyListDocument::ElementIterator::operator++() {
-    position_ = position_.next();
-    return *this;
-}
-
-PropertyListDocument::EntryIterator& PropertyListDocument::EntryIterator::operator++() {
-    position_ = position_.next().next();
-    return *this;
 }
 
 QVariant PropertyListDocument::Value::toVariant() const {

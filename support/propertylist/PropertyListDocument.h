@@ -53,7 +53,10 @@ private:
     void clear();
 
     const propertylist::Node& nodeAt(std::uint32_t index) const { return nodes_.at(index); }
-    std::uint32_t indexAfter(std::uint32_t index) const;
+    std::uint32_t indexAfter(std::uint32_t index) const {
+        const propertylist::Node& node = nodeAt(index);
+        return node.isContainer() ? node.position() : index + 1;
+    }
     std::string_view bytesOf(const propertylist::Node& node) const;
     std::string_view textOf(std::uint32_t index) const;
 
@@ -108,8 +111,10 @@ private:
     Value(const PropertyListDocument* document, std::uint32_t index)
         : document_(document), index_(index) {}
     bool operator==(const Value& other) const = default;
-    bool isKind(propertylist::NodeKind kind) const;
-    Value next() const;
+    bool isKind(propertylist::NodeKind kind) const {
+        return document_ != nullptr && document_->nodeAt(index_).kind() == kind;
+    }
+    Value next() const { return {document_, document_->indexAfter(index_)}; }
     Value firstInside() const;
 
     const PropertyListDocument* document_ = nullptr;
@@ -126,7 +131,10 @@ class PropertyListDocument::ElementIterator {
 public:
     explicit ElementIterator(Value position) : position_(position) {}
     Value operator*() const { return position_; }
-    ElementIterator& operator++();
+    ElementIterator& operator++() {
+        position_ = position_.next();
+        return *this;
+    }
     bool operator==(const ElementIterator& other) const { return position_ == other.position_; }
 
 private:
@@ -137,7 +145,10 @@ class PropertyListDocument::EntryIterator {
 public:
     explicit EntryIterator(Value position) : position_(position) {}
     Entry operator*() const { return {position_, position_.next()}; }
-    EntryIterator& operator++();
+    EntryIterator& operator++() {
+        position_ = position_.next().next();
+        return *this;
+    }
     bool operator==(const EntryIterator& other) const { return position_ == other.position_; }
 
 private:
