@@ -1,0 +1,139 @@
+#pragma once
+
+#include "support/dispatch/DispatchData.h"
+#include "support/dispatch/ReadAhead.h"
+#include "support/dispatch/StreamDescriptor.h"
+
+#include <QSocketNotifier>
+
+#include <deque>
+#include <functional>
+#include <limits>
+#include <memory>
+
+namespace navrel {
+
+class DispatchQueue;
+class ReadOperation;
+
+/// Asynchronous reads and writes on a stream descriptor (socket, pipe, terminal).
+///
+/// Reads end in the order of their calls, and so do writes. Every operation ends exactly once, with
+/// a delivery that is told as done. Handlers run as jobs of the queue that the operation names,
+/// never inside the call that starts it.
+///
+/// The channel reads ahead: bytes behind what an operation asked for wait in it for the next one,
+/// so nobody else may read the descriptor. It reads only while an operation waits, a few times an
+/// event, and not while `kMostUnwrittenBytes` wait for a peer that does not read: its memory is
+/// bounded whatever a peer does.
+///
+/// Operations may be called on any thread; off the queue's thread they take effect in the order of
+/// their calls as soon as the queue gets there. The channel stays alive while operations are
+/// pending.
+class DispatchIO final : public std::enable_shared_from_this<DispatchIO> {
+public:
+    /// One delivery of a read: the next piece of its bytes, whether it is the last delivery, and
+    /// for the last one an errno value. At the end of the stream an unfinished read first delivers
+    /// what it has, if anything, and then an empty last piece with errno 0.
+    using ReadHandler = std::function<void(bool done, const DispatchData& data, int errnoValue)>;
+
+    /// The end of a write: 0 when all its bytes are written.
+    using WriteHandler = std::function<void(int errnoValue)>;
+
+    /// The end of the channel: EBADF when the descriptor turned out to be none, else 0. Whoever
+    /// owns the descriptor closes it here, not before.
+    using CleanupHandler = std::function<void(int errnoValue)>;
+
+    enum class Close {
+        afterPending, ///< pending operations finish first
+        stop,         ///< pending operations end with ECANCELED
+    };
+
+    /// A read with this piece size delivers all its bytes at once, in one region.
+    static constexpr size_t kWholeLength = std::numeric_limits<size_t>::max();
+
+    /// More than a device could wait for; beyond it, answering is pointless before the peer reads.
+    static constexpr size_t kMostUnwrittenBytes = 8 * 1024 * 1024;
+
+    /// A channel on the descriptor, which is made non-blocking and stays the caller's. Null, with
+    /// errno set and no handler called, when that is not possible or the queue is null. The
+    /// clean-up handler (may be null) runs once, on the queue, after the channel was closed or
+    /// dropped and the last handler of its operations has returned.
+    static std::shared_ptr<DispatchIO> create(int descriptor, std::shared_ptr<DispatchQueue> queue,
+                                              CleanupHandler cleanupHandler);
+    ~DispatchIO();
+    DispatchIO(const DispatchIO&) = delete;
+    DispatchIO& operator=(const DispatchIO&) = delete;
+
+    /// The descriptor, for information only; -1 once the clean-up handler has been called.
+    int descriptor() const { return descriptor_.value(); }
+
+    /// Reads exactly `length` bytes and delivers them in pieces of `largestPiece` bytes. The
+    /// announced length is not believed: memory grows with what arrives. ECANCELED after `close`.
+    void read(quint64 length, std::shared_ptr<DispatchQueue> handlerQueue, ReadHandler handler,
+              size_t largestPiece = kWholeLength);
+
+    /// Writes all bytes. The system is called at once when no earlier write waits. The handler may
+    /// be null. A peer that is gone is an errno value (EPIPE), never a signal. ECANCELED after
+    /// `close`.
+    void write(const DispatchData& data, std::shared_ptr<DispatchQueue> handlerQueue,
+               WriteHandler handler);
+
+    /// No operation is taken any more. May be called again, to stop what a first call lets finish.
+    void close(Close how);
+
+private:
+    struct Read;
+    struct Write;
+    using Notifier = std::unique_ptr<QSocketNotifier, QScopedPointerDeleteLater>;
+
+    DispatchIO(StreamDescriptor descriptor, std::shared_ptr<DispatchQueue> queue,
+               CleanupHandler cleanupHandler);
+
+    void addRead(const std::shared_ptr<Read>& read);
+    void addWrite(const std::shared_ptr<Write>& write);
+    void closeNow(Close how);
+
+    void readable();
+    void scheduleReading();
+    void serveReads();
+    bool receive(ReadOperation& bytes);
+    void deliverPiece();
+    void deliverEndOfStream();
+    void failRead(int errnoValue);
+    void arrangeReading();
+
+    void flushWrites();
+    bool send();
+    void retireWrites(size_t writtenBytes);
+
+    void endRead(const std::shared_ptr<Read>& read, const DispatchData& data, int errnoValue);
+    void endWrite(const std::shared_ptr<Write>& write, int errnoValue);
+    void beginOperation();
+    void finishOperation();
+    void abandonOperations();
+    void cleanUpIfEnded();
+    void noteDescriptorError(int errnoValue);
+    void listenFor(Notifier& notifier, QSocketNotifier::Type type, bool enabled);
+
+    StreamDescriptor descriptor_;
+    const std::shared_ptr<DispatchQueue> queue_;
+    CleanupHandler cleanupHandler_;
+
+    // Everything below: the queue's thread only.
+    std::deque<std::shared_ptr<Read>> reads_;
+    std::deque<std::shared_ptr<Write>> writes_;
+    ReadAhead ahead_;
+    size_t unwrittenBytes_ = 0;
+    int operationCount_ = 0; ///< begun, and the last handler not yet returned
+    int cleanupErrno_ = 0;
+    bool isClosed_ = false;
+    bool isCleanupScheduled_ = false;
+    bool isServing_ = false;
+    bool isReadingScheduled_ = false;
+    Notifier readNotifier_;
+    Notifier writeNotifier_;
+    std::shared_ptr<DispatchIO> keptWhileBusy_;
+};
+
+} // namespace navrel

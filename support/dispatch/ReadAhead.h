@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <span>
+
+namespace navrel {
+
+/// Bytes that were read before anybody asked for them, so that many small operations cost one
+/// system call. Its memory is allocated with the first use.
+class ReadAhead {
+public:
+    /// Holds hundreds of ordinary requests, and is small enough to stay in the processor's cache.
+    static constexpr size_t kCapacity = 64 * 1024;
+
+    bool isEmpty() const { return begin_ == end_; }
+
+    /// Room for a read, to be followed by `filled`. Only while empty.
+    std::span<char> room() {
+        if (!bytes_) {
+            bytes_ = std::make_unique_for_overwrite<char[]>(kCapacity);
+        }
+        return {bytes_.get(), kCapacity};
+    }
+    void filled(size_t count) {
+        begin_ = 0;
+        end_ = count;
+    }
+
+    /// What waits, and that the first `count` bytes of it have been taken.
+    std::span<const char> waiting() const { return {bytes_.get() + begin_, end_ - begin_}; }
+    void taken(size_t count) { begin_ += count; }
+
+private:
+    std::unique_ptr<char[]> bytes_;
+    size_t begin_ = 0;
+    size_t end_ = 0;
+};
+
+} // namespace navrel

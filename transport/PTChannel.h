@@ -1,0 +1,156 @@
+#pragma once
+
+#include "support/Described.h"
+#include "support/Error.h"
+#include "support/dispatch/DispatchData.h"
+#include "transport/PTChannelDelegate.h"
+#include "transport/PTProtocol.h"
+
+#include <QString>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace navrel {
+
+class DispatchIO;
+class DispatchSource;
+
+/// Domain of the one error of channels: code 0, a stream channel could not be made on the socket.
+extern const QString kPTErrorDomain;
+
+/// States of a channel.
+enum PTConnState : quint8 {
+    kConnStateNone = 0,
+    kConnStateConnecting = 1,
+    kConnStateConnected = 2,
+    kConnStateListening = 3,
+};
+
+/// One connection that carries frames, or one listening socket.
+///
+///   None ──connect──▶ Connecting ──▶ Connected ──close, cancel, end──▶ None
+///   None ──listen───▶ Listening
+///
+/// All calls on the queue of its protocol, where the delegate is called too. Callbacks may be null;
+/// connect, listen and send in the wrong state call theirs with the POSIX error EPERM. A channel
+/// that is connected or listening keeps itself alive until it has ended, whoever else lets go of
+/// it.
+class PTChannel final : public std::enable_shared_from_this<PTChannel> {
+public:
+    using Callback = std::function<void(const std::optional<Error>& error)>;
+    using ConnectCallback = std::function<void(const std::optional<Error>& error,
+                                               const std::shared_ptr<const PTAddress>& address)>;
+
+    /// On the shared protocol of the main queue.
+    static std::shared_ptr<PTChannel>
+    channelWithDelegate(std::shared_ptr<PTChannelDelegate> delegate);
+
+    static std::shared_ptr<PTChannel> initWithProtocol(std::shared_ptr<PTProtocol> protocol,
+                                                       std::shared_ptr<PTChannelDelegate> delegate);
+    static std::shared_ptr<PTChannel> initWithProtocol(std::shared_ptr<PTProtocol> protocol);
+
+    /// On the shared protocol of the main queue, without a delegate.
+    static std::shared_ptr<PTChannel> init();
+
+    PTChannel(const PTChannel&) = delete;
+    PTChannel& operator=(const PTChannel&) = delete;
+
+    const std::shared_ptr<PTProtocol>& protocol() const { return protocol_; }
+    void setProtocol(std::shared_ptr<PTProtocol> protocol) { protocol_ = std::move(protocol); }
+
+    /// Held strongly. Setting it asks it for its optional operations; null has none.
+    const std::shared_ptr<PTChannelDelegate>& delegate() const { return delegate_; }
+    void setDelegate(std::shared_ptr<PTChannelDelegate> delegate);
+
+    /// Whatever the application attaches; null at first.
+    const std::shared_ptr<const Described>& userInfo() const { return userInfo_; }
+    void setUserInfo(std::shared_ptr<const Described> userInfo) { userInfo_ = std::move(userInfo); }
+
+    /// Deliberately true while still connecting, too.
+    bool isConnected() const;
+    bool isListening() const { return connState_ == kConnStateListening; }
+
+    PTConnState connState() const { return connState_; }
+
+    /// Stores a state without any check.
+    void setConnState(PTConnState state) { connState_ = state; }
+
+    /// Connects over TCP; port and address in host byte order. Blocks until the connection is made
+    /// or refused; the callback is called before this returns, with the peer's address when there
+    /// is a connection. Deliberately, a channel whose attempt failed stays connecting for good:
+    /// every attempt takes a new channel.
+    void connectToPort(quint16 port, quint32 IPv4Address, const ConnectCallback& callback);
+
+    /// Listens on a TCP port of the given address, both in host byte order. The callback is called
+    /// before this returns.
+    void listenOnPort(quint16 port, quint32 IPv4Address, const Callback& callback);
+
+    /// Adopts a stream channel in place of any other, which is closed, and begins to read frames.
+    /// The error is EPERM for a listening channel, which goes on listening.
+    std::optional<Error>
+    startReadingFromConnectedChannel(const std::shared_ptr<DispatchIO>& channel);
+
+    /// Accepts one connection on a listening socket. False when no more should be tried now.
+    bool acceptIncomingConnection(int serverSocket);
+
+    /// Sends one frame; the callback runs when it has been written.
+    void sendFrameOfType(quint32 type, quint32 tag, const std::optional<DispatchData>& payload,
+                         PTProtocol::SendCallback callback);
+
+    /// Ends the connection and abandons what is still being read and written, or stops listening.
+    /// The delegate is told later, once the socket is closed.
+    void close();
+
+    /// The same, but what is being read and written is finished first.
+    void cancel();
+
+    /// The stream channel of a connection. Setting it in the listening state stops the program;
+    /// with neither channel nor source left the state is None.
+    const std::shared_ptr<DispatchIO>& dispatchChannel() const { return dispatchObj_channel_; }
+    void setDispatchChannel(std::shared_ptr<DispatchIO> channel);
+
+    /// The source of a listening socket. Setting it in the states Connecting and Connected stops
+    /// the program; with neither channel nor source left the state is None.
+    const std::shared_ptr<DispatchSource>& dispatchSource() const { return dispatchObj_source_; }
+    void setDispatchSource(std::shared_ptr<DispatchSource> source);
+
+    /// Text for the log: address, state, and the user information if there is any.
+    QString description() const;
+
+private:
+    PTChannel(std::shared_ptr<PTProtocol> protocol, std::shared_ptr<PTChannelDelegate> delegate);
+
+    bool delegateHas(PTChannelDelegate::OptionalOperation operation) const;
+    void becomeNoneIfIdle();
+    std::shared_ptr<DispatchIO> streamChannelOnSocket(int socket,
+                                                      std::shared_ptr<PTChannel> listener);
+    std::shared_ptr<DispatchSource> sourceOnListeningSocket(int socket);
+    void connectionDidEnd(int errnoValue);
+    void listeningDidEnd();
+    void tellDelegateOfEnd(const std::optional<Error>& error);
+    void adoptIncomingConnection(int socket, const PTAddress& address);
+
+    struct Frame;
+    void frameDidArrive(const std::shared_ptr<DispatchIO>& channel,
+                        const std::optional<Error>& error, const Frame& frame,
+                        const std::function<void()>& resume);
+    bool shouldAccept(const std::shared_ptr<DispatchIO>& channel, const Frame& frame);
+    void receivePayload(const std::shared_ptr<DispatchIO>& channel, const Frame& frame,
+                        const std::function<void()>& resume);
+    void discardPayload(const std::shared_ptr<DispatchIO>& channel, const Frame& frame,
+                        const std::function<void()>& resume);
+    bool hasEnded(const std::optional<Error>& error, bool endOfStream);
+
+    std::shared_ptr<PTProtocol> protocol_;
+    std::shared_ptr<PTChannelDelegate> delegate_;
+    quint8 delegateFlags_ = 0;
+    PTConnState connState_ = kConnStateNone;
+    std::shared_ptr<DispatchIO> dispatchObj_channel_;
+    std::shared_ptr<DispatchSource> dispatchObj_source_;
+    std::optional<Error> endError_; ///< until the delegate has been told
+    std::shared_ptr<const Described> userInfo_;
+};
+
+} // namespace navrel
