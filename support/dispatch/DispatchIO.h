@@ -24,8 +24,8 @@ class ReadOperation;
 ///
 /// The channel reads ahead: bytes behind what an operation asked for wait in it for the next one,
 /// so nobody else may read the descriptor. It reads only while an operation waits, a few times an
-/// event, and not while `kMostUnwrittenBytes` wait for a peer that does not read: its memory is
-/// bounded whatever a peer does.
+/// event, and not while more than `kMostUnwrittenBytes` or `kMostUnwrittenWrites` wait for a peer
+/// that does not read: its memory is bounded whatever a peer does.
 ///
 /// Operations may be called on any thread; off the queue's thread they take effect in the order of
 /// their calls as soon as the queue gets there. The channel stays alive while operations are
@@ -54,6 +54,7 @@ public:
 
     /// More than a device could wait for; beyond it, answering is pointless before the peer reads.
     static constexpr size_t kMostUnwrittenBytes = 8 * 1024 * 1024;
+    static constexpr size_t kMostUnwrittenWrites = 4096;
 
     /// A channel on the descriptor, which is made non-blocking and stays the caller's. Null, with
     /// errno set and no handler called, when that is not possible or the queue is null. The
@@ -99,6 +100,7 @@ private:
     void serveReads();
     bool receive(ReadOperation& bytes);
     void deliverPiece();
+    void deliver(const std::shared_ptr<Read>& read, const DispatchData& piece) const;
     void deliverEndOfStream();
     void failRead(int errnoValue);
     void arrangeReading();
@@ -106,6 +108,8 @@ private:
     void flushWrites();
     bool send();
     void retireWrites(size_t writtenBytes);
+    void failWrite(int errnoValue);
+    bool isPeerKeepingUp() const;
 
     void endRead(const std::shared_ptr<Read>& read, const DispatchData& data, int errnoValue);
     void endWrite(const std::shared_ptr<Write>& write, int errnoValue);
