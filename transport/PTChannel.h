@@ -3,6 +3,7 @@
 #include "support/Described.h"
 #include "support/Error.h"
 #include "support/dispatch/DispatchData.h"
+#include "support/dispatch/DispatchIO.h"
 #include "transport/PTChannelDelegate.h"
 #include "transport/PTProtocol.h"
 
@@ -10,12 +11,13 @@
 
 #include <functional>
 #include <memory>
+#include <netinet/in.h>
 #include <optional>
 
 namespace navrel {
 
-class DispatchIO;
 class DispatchSource;
+class OwnedDescriptor;
 
 /// Domain of the one error of channels: code 0, a stream channel could not be made on the socket.
 extern const QString kPTErrorDomain;
@@ -120,27 +122,27 @@ public:
     QString description() const;
 
 private:
-    PTChannel(std::shared_ptr<PTProtocol> protocol, std::shared_ptr<PTChannelDelegate> delegate);
+    struct IncomingFrame;
+
+    explicit PTChannel(std::shared_ptr<PTProtocol> protocol);
 
     bool delegateHas(PTChannelDelegate::OptionalOperation operation) const;
     void becomeNoneIfIdle();
-    std::shared_ptr<DispatchIO> streamChannelOnSocket(int socket,
+    void end(DispatchIO::Close how);
+    void connectionDidEnd(int errnoValue);
+    void tellDelegateOfEnd(const std::optional<Error>& error);
+
+    std::shared_ptr<DispatchIO> streamChannelOnSocket(OwnedDescriptor socket,
                                                       std::shared_ptr<PTChannel> listener);
     std::shared_ptr<DispatchSource> sourceOnListeningSocket(int socket);
-    void connectionDidEnd(int errnoValue);
-    void listeningDidEnd();
-    void tellDelegateOfEnd(const std::optional<Error>& error);
-    void adoptIncomingConnection(int socket, const PTAddress& address);
+    void listeningDidEnd(int socket);
+    void adoptIncomingConnection(OwnedDescriptor socket, const sockaddr_in& address);
 
-    struct Frame;
-    void frameDidArrive(const std::shared_ptr<DispatchIO>& channel,
-                        const std::optional<Error>& error, const Frame& frame,
-                        const std::function<void()>& resume);
-    bool shouldAccept(const std::shared_ptr<DispatchIO>& channel, const Frame& frame);
-    void receivePayload(const std::shared_ptr<DispatchIO>& channel, const Frame& frame,
-                        const std::function<void()>& resume);
-    void discardPayload(const std::shared_ptr<DispatchIO>& channel, const Frame& frame,
-                        const std::function<void()>& resume);
+    void frameDidBegin(const IncomingFrame& frame);
+    bool shouldAccept(const IncomingFrame& frame);
+    void receivePayload(const IncomingFrame& frame);
+    void deliverFrame(const IncomingFrame& frame, const std::shared_ptr<const PTData>& payload);
+    void discardPayload(const IncomingFrame& frame);
     bool hasEnded(const std::optional<Error>& error, bool endOfStream);
 
     std::shared_ptr<PTProtocol> protocol_;
