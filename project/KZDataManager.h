@@ -1,0 +1,146 @@
+#pragma once
+
+#include "project/ManagedObjectModel.h"
+
+#include <QString>
+#include <QStringList>
+#include <QTimer>
+#include <QVariantMap>
+
+#include <memory>
+#include <optional>
+
+namespace navrel {
+
+class Editor;
+class ManagedObjectContext;
+class MenuItem;
+class PersistentStoreCoordinator;
+class ProjectDialogs;
+class ProjectFile;
+class ProjectSnapshot;
+class PropertyListIndex;
+class SourceScanner;
+class UserDefaults;
+
+/// The project data manager: selects the project, mirrors it into the store once a second, owns the
+/// store, and answers the device's view requests. One per program, which it outlives nothing of:
+/// every collaborator lives longer. Main thread only.
+class KZDataManager {
+public:
+    /// The world as the manager sees it. None is owned.
+    struct Collaborators {
+        UserDefaults& userDefaults;
+        Editor& editor;
+        ProjectDialogs& dialogs;
+        SourceScanner& scanner;
+        /// The user's application-support folder: `$XDG_DATA_HOME`, in which the store's own folder
+        /// is made.
+        QString applicationSupportDirectory;
+    };
+
+    /// Makes the manager, selects the last known project or lets the person pick one (modal), and
+    /// schedules `update` every 1.0 s, the first time one second from now.
+    static std::shared_ptr<KZDataManager> init(Collaborators collaborators);
+
+    ~KZDataManager();
+    KZDataManager(const KZDataManager&) = delete;
+    KZDataManager& operator=(const KZDataManager&) = delete;
+
+    // Properties.
+
+    /// Folder that holds the .xcodeproj bundle; nil until the first pass over a project.
+    const std::optional<QString>& projectPath() const { return projectPath_; }
+    /// Path of the selected .xcodeproj bundle; nil when no project is selected. The empty string is
+    /// a selected project too: the one that automatic selection finds when nothing is active.
+    const std::optional<QString>& pbxProjPath() const { return pbxProjPath_; }
+    /// The "objects" of the last project file read; null when it could not be read. Valid until the
+    /// next pass.
+    const PropertyListIndex* pbxObjects() const;
+    /// Identifier of the project's main group; nil when nothing is loaded.
+    std::optional<QString> rootID() const;
+    /// Whether the project that is active in the editor is followed.
+    bool automaticProjectSelection() const { return automaticProjectSelection_; }
+    /// Plain setter: the user defaults stay as they are.
+    void setAutomaticProjectSelection(bool follow) { automaticProjectSelection_ = follow; }
+    /// The menu entry that shows the current project. Not owned; null, as at first, is allowed.
+    void setCurrentProjectItem(MenuItem* item) { currentProjectItem_ = item; }
+    /// The manager itself, held strongly despite the name, so that it is never released:
+    /// deliberate, it lives as long as the process. Tests set it to null to let a manager go.
+    const std::shared_ptr<KZDataManager>& weakSelf() const { return weakSelf_; }
+    void setWeakSelf(std::shared_ptr<KZDataManager> self) { weakSelf_ = std::move(self); }
+
+    // The store.
+
+    /// The folder of the store: "nl.kelvane.Navrel" in the application-support folder.
+    QString applicationDocumentsDirectory() const;
+    const ManagedObjectModel& managedObjectModel();
+    /// Opens the store on first use. Null when that failed: the error has been presented (modal),
+    /// and the next call tries, and presents, again.
+    PersistentStoreCoordinator* persistentStoreCoordinator();
+    /// The single context, made on first use. Null where the coordinator is.
+    ManagedObjectContext* managedObjectContext();
+    /// Saves at quit. True to terminate now, false to cancel.
+    bool applicationShouldTerminate();
+
+    // Selection.
+
+    /// Turns automatic selection off and lets the person pick a project (modal).
+    void open();
+    /// Path of the project that is active in the editor: the empty string when none is, nil when
+    /// the editor could not be asked.
+    std::optional<QString> activeProject();
+    /// Makes a path the selected project and empties the store of the former one, but for the file
+    /// types. The next `update` loads it. Nothing happens when it is selected already.
+    void changeProjectToPath(const std::optional<QString>& path);
+
+    // Loading.
+
+    /// What the timer calls: follows the editor where automatic selection is on, then runs a pass.
+    void update();
+    /// One pass: reads the project file, brings the records up to date, saves. Synchronous, despite
+    /// its name. A pass that follows one without changes costs one question to the file system a
+    /// record.
+    void updateInBackground();
+    /// Builds or refreshes the record of one project object and, depth first, those below it.
+    /// `referencePath` is the parent's resolved path.
+    void generateObjectForID(const QByteArray& identifier,
+                             const std::optional<QByteArray>& referencePath,
+                             const std::optional<QByteArray>& parentID, qint32 index);
+
+    // Views: property-list values for the device, booleans as the integers 0 and 1.
+
+    /// "identifier", "label", "items" and "path" of one group, or of the main group where nil is
+    /// asked for; nil when no project is loaded or the identifier is unknown.
+    std::optional<QVariantMap> navigatorDictionaryForID(const std::optional<QString>& identifier);
+    /// "title" and "items": the distinct superclass names, in order.
+    QVariantMap superclassDictionary();
+    /// "superclass", "label" and "items": the files whose superclass is the given one.
+    QVariantMap navigatorDictionaryForSuperclass(const QString& superclass);
+    /// "items": "extension" and "allowed" of every file type, ordered by extension.
+    QVariantMap allowedFileTypesDictionary();
+    /// The extensions that are switched on.
+    QStringList allowedFileTypes();
+    /// Switches the file type "extension" to "allowed" (a boolean or an integer) and returns the
+    /// new list. A request without either, or with another type of value, changes nothing. Saved by
+    /// the next pass.
+    QVariantMap changeFiletypeAllowanceWithDictionary(const QVariantMap& request);
+
+private:
+    explicit KZDataManager(Collaborators collaborators);
+
+    Collaborators collaborators_;
+    std::shared_ptr<KZDataManager> weakSelf_;
+    std::optional<QString> pbxProjPath_;
+    std::optional<QString> projectPath_;
+    bool automaticProjectSelection_ = true;
+    MenuItem* currentProjectItem_ = nullptr;
+    std::unique_ptr<ProjectFile> projectFile_;
+    std::unique_ptr<ProjectSnapshot> snapshot_;
+    std::unique_ptr<ManagedObjectModel> managedObjectModel_;
+    std::unique_ptr<PersistentStoreCoordinator> persistentStoreCoordinator_;
+    std::unique_ptr<ManagedObjectContext> managedObjectContext_;
+    QTimer updateTimer_;
+};
+
+} // namespace navrel

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "project/RecordTable.h"
+
+#include <QByteArray>
+
+#include <array>
+#include <cstddef>
+#include <limits>
+#include <optional>
+#include <utility>
+
+namespace navrel {
+
+/// An attribute of an entity: its name, which is also that of its column, and the record's field.
+template <typename Record, typename Value>
+struct Attribute {
+    const char* name;
+    std::optional<Value> Record::*field;
+};
+
+template <typename Record, typename Value>
+Attribute(const char*, std::optional<Value> Record::*) -> Attribute<Record, Value>;
+
+/// What the records of all entities have in common. A record belongs to its table, which a context
+/// owns: records are inserted and deleted through the context, and valid until then.
+///
+/// `Record` names its key attributes, those that are fetched by, as `kKeyCount` numbers from 0 and
+/// gives their values by `key(number)`.
+template <typename Record, std::size_t keyCount>
+class ManagedObject {
+public:
+    static constexpr std::size_t kKeyCount = keyCount;
+
+    /// The record's row in the store file; grows with insertion.
+    qint64 rowID() const { return rowID_; }
+
+protected:
+    /// Sets an attribute; one that has the value already does not count as changed.
+    template <typename Value>
+    void setAttribute(std::optional<Value>& attribute, std::optional<Value> value) {
+        if (attribute != value) {
+            attribute = std::move(value);
+            table_->noteChange(static_cast<Record&>(*this));
+        }
+    }
+
+    /// The same for a key attribute.
+    void setKey(std::size_t key, std::optional<QByteArray>& attribute,
+                std::optional<QByteArray> value) {
+        if (attribute != value) {
+            table_->setKey(key, static_cast<Record&>(*this), attribute, std::move(value));
+        }
+    }
+
+private:
+    friend class RecordTable<Record>;
+    friend class RecordIndex<Record>;
+
+    static constexpr std::size_t kUnchanged = std::numeric_limits<std::size_t>::max();
+
+    RecordLinks<Record>& links(std::size_t key) { return keyLinks_[key]; }
+
+    RecordTable<Record>* table_ = nullptr;
+    qint64 rowID_ = 0;
+    std::size_t changedPosition_ = kUnchanged;
+    RecordLinks<Record> tableLinks_;
+    std::array<RecordLinks<Record>, keyCount> keyLinks_;
+};
+
+} // namespace navrel

@@ -1,0 +1,272 @@
+#pragma once
+
+#include "project/RecordIndex.h"
+#include "support/Assertion.h"
+
+#include <QByteArray>
+#include <QByteArrayView>
+
+#include <array>
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace navrel {
+
+/// The records of one entity in memory: a list in the order of insertion, an index for each key
+/// attribute, and what the next save has to write. A record's address is stable until it is
+/// removed. Main thread only.
+///
+/// A row number is given at insertion and only ever grows, so that one number tells the records
+/// that the store file holds from those that it has not seen yet.
+template <typename Record>
+class RecordTable {
+public:
+    RecordTable();
+    RecordTable(const RecordTable&) = delete;
+    RecordTable& operator=(const RecordTable&) = delete;
+
+    /// A new record without any attribute, last in the list.
+    Record& insert();
+    /// A record that the store file holds; rows come in ascending order.
+    Record& insertStored(qint64 rowID);
+    /// Takes a record out. It must not be used any more.
+    void remove(Record& record);
+    void removeAll();
+
+    /// The records in the order of insertion; a snapshot, so that the caller may remove meanwhile.
+    std::vector<Record*> all() const;
+    std::vector<Record*> withKey(std::size_t key, QByteArrayView value) const;
+    /// The record of a key value that was inserted last, or null.
+    Record* lastWithKey(std::size_t key, QByteArrayView value) const {
+        return indexes_[key].last(value);
+    }
+    Record* first() const { return first_; }
+    std::size_t size() const { return size_; }
+
+    /// Differs from every earlier answer after any insertion, removal or change.
+    quint64 generation() const { return generation_; }
+
+    // What a save has to write, in this order.
+
+    /// Whether all rows of the file go before anything else is written.
+    bool isFileOutdated() const { return fileOutdated_; }
+    /// Rows of the file to be deleted, in the order of removal.
+    const std::vector<qint64>& removedRowIDs() const { return removedRowIDs_; }
+    const std::vector<Record*>& changedRecords() const { return changed_; }
+    /// The first record that the file has not seen; all that follow it are new too. Or null.
+    Record* firstNewRecord() const { return firstNew_; }
+
+    bool hasChanges() const;
+    /// To be called once the file holds what this table holds.
+    void markSaved();
+
+    // For the records' setters.
+
+    /// Takes note that an attribute of the record was changed.
+    void noteChange(Record& record);
+    /// Changes a key attribute, the index along with it.
+    void setKey(std::size_t key, Record& record, std::optional<QByteArray>& attribute,
+                std::optional<QByteArray> value);
+
+private:
+    // Large enough that allocation does not count, small enough for a project of ten files.
+    static constexpr std::size_t kRecordsInChunk = 64;
+    static constexpr std::size_t kKeyCount = Record::kKeyCount;
+    using Chunk = std::array<Record, kRecordsInChunk>;
+
+    template <std::size_t... keys>
+    static std::array<RecordIndex<Record>, kKeyCount> makeIndexes(std::index_sequence<keys...>) {
+        return {RecordIndex<Record>(keys)...};
+    }
+
+    Record& allocate(qint64 rowID);
+    void forgetChange(Record& record);
+    void unlink(Record& record);
+    bool isStored(const Record& record) const { return record.rowID() < firstNewRowID_; }
+
+    std::vector<std::unique_ptr<Chunk>> chunks_;
+    std::size_t usedInLastChunk_ = kRecordsInChunk;
+    std::vector<Record*> free_;
+
+    Record* first_ = nullptr;
+    Record* last_ = nullptr;
+    std::size_t size_ = 0;
+    std::array<RecordIndex<Record>, kKeyCount> indexes_;
+
+    qint64 nextRowID_ = 1;
+    qint64 firstNewRowID_ = 1;
+    std::size_t rowsInFile_ = 0;
+    quint64 generation_ = 0;
+    bool fileOutdated_ = false;
+    std::vector<qint64> removedRowIDs_;
+    std::vector<Record*> changed_;
+    Record* firstNew_ = nullptr;
+};
+
+template <typename Record>
+RecordTable<Record>::RecordTable() : indexes_(makeIndexes(std::make_index_sequence<kKeyCount>())) {}
+
+template <typename Record>
+Record& RecordTable<Record>::insert() {
+    Record& record = allocate(nextRowID_++);
+    if (firstNew_ == nullptr) {
+        firstNew_ = &record;
+    }
+    ++generation_;
+    return record;
+}
+
+template <typename Record>
+Record& RecordTable<Record>::insertStored(qint64 rowID) {
+    NAVREL_ASSERT(firstNew_ == nullptr && rowID >= nextRowID_);
+    nextRowID_ = rowID + 1;
+    firstNewRowID_ = nextRowID_;
+    ++rowsInFile_;
+    ++generation_;
+    return allocate(rowID);
+}
+
+template <typename Record>
+void RecordTable<Record>::remove(Record& record) {
+    for (std::size_t key = 0; key < kKeyCount; ++key) {
+        if (const auto& value = record.key(key)) {
+            indexes_[key].remove(record, *value);
+        }
+    }
+    forgetChange(record);
+    if (firstNew_ == &record) {
+        firstNew_ = record.tableLinks_.next;
+    }
+    if (isStored(record)) {
+        removedRowIDs_.push_back(record.rowID());
+    }
+    unlink(record);
+    record = Record();
+    free_.push_back(&record);
+    --size_;
+    ++generation_;
+}
+
+template <typename Record>
+void RecordTable<Record>::removeAll() {
+    for (RecordIndex<Record>& index : indexes_) {
+        index.clear();
+    }
+    chunks_.clear();
+    usedInLastChunk_ = kRecordsInChunk;
+    free_.clear();
+    first_ = nullptr;
+    last_ = nullptr;
+    size_ = 0;
+    changed_.clear();
+    firstNew_ = nullptr;
+    removedRowIDs_.clear();
+    fileOutdated_ = fileOutdated_ || rowsInFile_ > 0;
+    ++generation_;
+}
+
+template <typename Record>
+std::vector<Record*> RecordTable<Record>::all() const {
+    std::vector<Record*> records;
+    records.reserve(size_);
+    for (Record* record = first_; record != nullptr; record = record->tableLinks_.next) {
+        records.push_back(record);
+    }
+    return records;
+}
+
+template <typename Record>
+std::vector<Record*> RecordTable<Record>::withKey(std::size_t key, QByteArrayView value) const {
+    std::vector<Record*> records;
+    for (Record* record = indexes_[key].first(value); record != nullptr;
+         record = record->links(key).next) {
+        records.push_back(record);
+    }
+    return records;
+}
+
+template <typename Record>
+bool RecordTable<Record>::hasChanges() const {
+    return fileOutdated_ || firstNew_ != nullptr || !changed_.empty() || !removedRowIDs_.empty();
+}
+
+template <typename Record>
+void RecordTable<Record>::markSaved() {
+    for (Record* record : changed_) {
+        record->changedPosition_ = Record::kUnchanged;
+    }
+    changed_.clear();
+    removedRowIDs_.clear();
+    fileOutdated_ = false;
+    firstNew_ = nullptr;
+    firstNewRowID_ = nextRowID_;
+    rowsInFile_ = size_;
+}
+
+template <typename Record>
+void RecordTable<Record>::noteChange(Record& record) {
+    ++generation_;
+    if (isStored(record) && record.changedPosition_ == Record::kUnchanged) {
+        record.changedPosition_ = changed_.size();
+        changed_.push_back(&record);
+    }
+}
+
+template <typename Record>
+void RecordTable<Record>::setKey(std::size_t key, Record& record,
+                                 std::optional<QByteArray>& attribute,
+                                 std::optional<QByteArray> value) {
+    if (attribute) {
+        indexes_[key].remove(record, *attribute);
+    }
+    attribute = std::move(value);
+    if (attribute) {
+        indexes_[key].add(record, *attribute);
+    }
+    noteChange(record);
+}
+
+template <typename Record>
+Record& RecordTable<Record>::allocate(qint64 rowID) {
+    Record* record = nullptr;
+    if (!free_.empty()) {
+        record = free_.back();
+        free_.pop_back();
+    } else {
+        if (usedInLastChunk_ == kRecordsInChunk) {
+            chunks_.push_back(std::make_unique<Chunk>());
+            usedInLastChunk_ = 0;
+        }
+        record = &(*chunks_.back())[usedInLastChunk_++];
+    }
+    record->table_ = this;
+    record->rowID_ = rowID;
+    record->tableLinks_.previous = last_;
+    (last_ != nullptr ? last_->tableLinks_.next : first_) = record;
+    last_ = record;
+    ++size_;
+    return *record;
+}
+
+template <typename Record>
+void RecordTable<Record>::forgetChange(Record& record) {
+    if (record.changedPosition_ == Record::kUnchanged) {
+        return;
+    }
+    Record* moved = changed_.back();
+    changed_[record.changedPosition_] = moved;
+    moved->changedPosition_ = record.changedPosition_;
+    changed_.pop_back();
+}
+
+template <typename Record>
+void RecordTable<Record>::unlink(Record& record) {
+    const RecordLinks<Record>& links = record.tableLinks_;
+    (links.previous != nullptr ? links.previous->tableLinks_.next : first_) = links.next;
+    (links.next != nullptr ? links.next->tableLinks_.previous : last_) = links.previous;
+}
+
+} // namespace navrel

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "project/CDElement.h"
+#include "project/CDFiletype.h"
+#include "project/CDObject.h"
+#include "project/CDShortcut.h"
+#include "project/RecordTable.h"
+
+namespace navrel {
+
+/// The records of all entities.
+struct StoreTables {
+    RecordTable<CDObject> objects;
+    RecordTable<CDFiletype> filetypes;
+    RecordTable<CDShortcut> shortcuts;
+    RecordTable<CDElement> elements;
+
+    /// Calls `visit(table)` for each table until one call returns something true, and returns that.
+    template <typename Visit>
+    auto visitUntil(Visit visit) {
+        auto result = visit(objects);
+        if (!result) {
+            result = visit(filetypes);
+        }
+        if (!result) {
+            result = visit(shortcuts);
+        }
+        if (!result) {
+            result = visit(elements);
+        }
+        return result;
+    }
+};
+
+} // namespace navrel
