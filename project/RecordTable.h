@@ -30,8 +30,11 @@ public:
 
     /// A new record without any attribute, last in the list.
     Record& insert();
-    /// A record that the store file holds; rows come in ascending order.
-    Record& insertStored(qint64 rowID);
+    /// A record that the store file holds; rows come in ascending order. `fill(record)` sets its
+    /// fields and tells whether their values will do; where they do not, so does this, and the
+    /// table is of no further use.
+    template <typename Fill>
+    bool insertStored(qint64 rowID, Fill fill);
     /// Takes a record out. It must not be used any more.
     void remove(Record& record);
     void removeAll();
@@ -43,8 +46,11 @@ public:
     Record* lastWithKey(std::size_t key, QByteArrayView value) const {
         return indexes_[key].last(value);
     }
-    Record* first() const { return first_; }
     std::size_t size() const { return size_; }
+    /// The row number of the next record.
+    qint64 nextRowID() const { return nextRowID_; }
+    /// The record after the given one in the list, or null.
+    static const Record* next(const Record& record) { return record.tableLinks_.next; }
 
     /// Differs from every earlier answer after any insertion, removal or change.
     quint64 generation() const { return generation_; }
@@ -120,13 +126,23 @@ Record& RecordTable<Record>::insert() {
 }
 
 template <typename Record>
-Record& RecordTable<Record>::insertStored(qint64 rowID) {
+template <typename Fill>
+bool RecordTable<Record>::insertStored(qint64 rowID, Fill fill) {
     NAVREL_ASSERT(firstNew_ == nullptr && rowID >= nextRowID_);
     nextRowID_ = rowID + 1;
     firstNewRowID_ = nextRowID_;
     ++rowsInFile_;
     ++generation_;
-    return allocate(rowID);
+    Record& record = allocate(rowID);
+    if (!fill(record)) {
+        return false;
+    }
+    for (std::size_t key = 0; key < kKeyCount; ++key) {
+        if (const auto& value = record.key(key)) {
+            indexes_[key].add(record, *value);
+        }
+    }
+    return true;
 }
 
 template <typename Record>

@@ -1,0 +1,88 @@
+#pragma once
+
+#include "project/SQLiteDatabase.h"
+#include "project/StoreTables.h"
+#include "support/Error.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <functional>
+#include <optional>
+#include <tuple>
+
+namespace navrel {
+
+class ManagedObjectModel;
+struct EntityDescription;
+
+/// Domain of the errors of files that are no store of this program.
+extern const QString kStoreFileErrorDomain;
+
+/// The codes of that domain.
+enum class StoreFileError {
+    kNotARegularFile = 1,
+    /// The database belongs to something else, or its columns are not those of the model.
+    kForeignSchema = 2,
+    /// Made by a later version of the program.
+    kTooNew = 3,
+    /// Its pages or values are not what the program writes.
+    kDamaged = 4,
+    kTooLarge = 5,
+};
+
+/// The store as a file: one SQLite 3 database with a table an entity, whose columns are the
+/// attributes by name. Nothing of it is trusted. Main thread only.
+class StoreFile {
+public:
+    /// Opens the file, or makes it. On an error the file is left as it was and this object is of no
+    /// further use.
+    std::optional<Error> open(const QByteArray& path, const ManagedObjectModel& model);
+
+    /// Appends the file's records to empty tables, in the order of their insertion.
+    std::optional<Error> load(StoreTables& tables);
+
+    /// Writes what the tables have to save, all of it or nothing.
+    std::optional<Error> save(StoreTables& tables);
+
+private:
+    using RowReceiver = std::function<std::optional<Error>(const SQLiteStatement& row)>;
+
+    /// What is prepared once for an entity.
+    template <typename Record>
+    struct Statements {
+        SQLiteStatement read;
+        SQLiteStatement write;
+        SQLiteStatement removeRange;
+        SQLiteStatement removeAll;
+    };
+
+    std::optional<Error> configure();
+    std::optional<Error> makeOrCheckTables(const ManagedObjectModel& model);
+    std::optional<Error> makeTables(const ManagedObjectModel& model);
+    std::optional<Error> checkOwner();
+    std::optional<Error> checkTables(const ManagedObjectModel& model);
+    std::optional<Error> checkColumns(const EntityDescription& entity);
+    std::optional<Error> checkPages();
+    std::optional<Error> leaveWriteAheadLog();
+    template <typename Record>
+    std::optional<Error> prepareStatementsOf();
+    template <typename Record>
+    std::optional<Error> loadTable(RecordTable<Record>& table);
+    template <typename Record>
+    std::optional<Error> saveTable(const RecordTable<Record>& table);
+    template <typename Record>
+    std::optional<Error> saveRemovals(const RecordTable<Record>& table);
+    template <typename Record>
+    std::optional<Error> writeRecord(const Record& record);
+    /// Calls `receive` for each row of a query until it returns an error.
+    std::optional<Error> forEachRow(const QByteArray& sql, const RowReceiver& receive);
+    std::optional<Error> inTransaction(const std::function<std::optional<Error>()>& work);
+
+    SQLiteDatabase database_;
+    std::tuple<Statements<CDObject>, Statements<CDFiletype>, Statements<CDShortcut>,
+               Statements<CDElement>>
+        statements_;
+};
+
+} // namespace navrel
