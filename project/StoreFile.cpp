@@ -100,8 +100,11 @@ bool readNumber(const SQLiteStatement& row, int column, std::optional<Number>& a
 }
 
 bool readText(const SQLiteStatement& row, int column, std::optional<QByteArray>& attribute) {
+    if (row.columnType(column) != SQLITE_TEXT) {
+        return false;
+    }
     attribute = row.text(column);
-    return row.columnType(column) == SQLITE_TEXT;
+    return true;
 }
 
 /// Reads a column into an attribute of any type. False for a value that the attribute cannot have.

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "project/ManagedObjectContext.h"
+#include "project/ManagedObjectModel.h"
+#include "project/PersistentStoreCoordinator.h"
+#include "support/Assertion.h"
+
+#include <QString>
+
+#include <memory>
+#include <optional>
+
+namespace navrel {
+
+/// A store file opened as the program opens it, with a context on it.
+class OpenStore {
+public:
+    explicit OpenStore(const QString& path) : coordinator_(model_) {
+        error_ = coordinator_.addPersistentStoreAtPath(path);
+        if (!error_) {
+            context_ = std::make_unique<ManagedObjectContext>(coordinator_);
+        }
+    }
+
+    const std::optional<Error>& error() const { return error_; }
+
+    ManagedObjectContext& operator*() const {
+        NAVREL_ASSERT(context_ != nullptr);
+        return *context_;
+    }
+    ManagedObjectContext* operator->() const { return &**this; }
+
+private:
+    ManagedObjectModel model_;
+    PersistentStoreCoordinator coordinator_;
+    std::optional<Error> error_;
+    std::unique_ptr<ManagedObjectContext> context_;
+};
+
+} // namespace navrel
