@@ -1,7 +1,9 @@
 #pragma once
 
 #include "project/ManagedObjectModel.h"
+#include "support/Error.h"
 
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
 #include <QTimer>
@@ -13,22 +15,21 @@
 namespace navrel {
 
 class Editor;
+class FileSurvey;
 class ManagedObjectContext;
 class MenuItem;
 class PersistentStoreCoordinator;
 class ProjectDialogs;
 class ProjectFile;
-class ProjectSnapshot;
 class PropertyListIndex;
 class SourceScanner;
 class UserDefaults;
 
 /// The project data manager: selects the project, mirrors it into the store once a second, owns the
-/// store, and answers the device's view requests. One per program, which it outlives nothing of:
-/// every collaborator lives longer. Main thread only.
+/// store, and answers the device's view requests. There is one in the program. Main thread only.
 class KZDataManager {
 public:
-    /// The world as the manager sees it. None is owned.
+    /// The world as the manager sees it. Nothing is owned, and everything outlives the manager.
     struct Collaborators {
         UserDefaults& userDefaults;
         Editor& editor;
@@ -74,7 +75,7 @@ public:
 
     /// The folder of the store: "nl.kelvane.Navrel" in the application-support folder.
     QString applicationDocumentsDirectory() const;
-    const ManagedObjectModel& managedObjectModel();
+    const ManagedObjectModel& managedObjectModel() const { return managedObjectModel_; }
     /// Opens the store on first use. Null when that failed: the error has been presented (modal),
     /// and the next call tries, and presents, again.
     PersistentStoreCoordinator* persistentStoreCoordinator();
@@ -127,7 +128,24 @@ public:
     QVariantMap changeFiletypeAllowanceWithDictionary(const QVariantMap& request);
 
 private:
+    /// What a pass that changed no record was based on, beside its survey of the files.
+    struct QuietPass {
+        quint64 projectFileGeneration;
+        quint64 objectsGeneration;
+    };
+
     explicit KZDataManager(Collaborators collaborators);
+    void restoreSelection();
+    void scheduleUpdates();
+
+    bool openStore(QString& failureReason, std::optional<Error>& cause);
+    void presentStoreError(const QString& failureReason, std::optional<Error> cause);
+    bool shouldTerminateDespite(const Error& saveError);
+    void saveChanges(ManagedObjectContext& context);
+
+    void runPass(ManagedObjectContext& context);
+    void deleteVanishedObjects(ManagedObjectContext& context);
+    bool wouldChangeNothing(const ManagedObjectContext& context);
 
     Collaborators collaborators_;
     std::shared_ptr<KZDataManager> weakSelf_;
@@ -136,11 +154,15 @@ private:
     bool automaticProjectSelection_ = true;
     MenuItem* currentProjectItem_ = nullptr;
     std::unique_ptr<ProjectFile> projectFile_;
-    std::unique_ptr<ProjectSnapshot> snapshot_;
-    std::unique_ptr<ManagedObjectModel> managedObjectModel_;
+    std::unique_ptr<FileSurvey> survey_;
+    std::optional<QuietPass> quietPass_;
+    ManagedObjectModel managedObjectModel_;
     std::unique_ptr<PersistentStoreCoordinator> persistentStoreCoordinator_;
     std::unique_ptr<ManagedObjectContext> managedObjectContext_;
     QTimer updateTimer_;
+    // How many modal dialogs are open. Their event loops run the timer too; no update happens
+    // behind an open dialog.
+    int modalDialogs_ = 0;
 };
 
 } // namespace navrel

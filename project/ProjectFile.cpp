@@ -1,0 +1,140 @@
+#include "project/ProjectFile.h"
+
+#include "project/FileTime.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <ctime>
+#include <fcntl.h>
+#include <string_view>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+namespace navrel {
+
+namespace {
+
+// A file's times advance in steps of the kernel's clock tick, of which the longest is 10 ms: a file
+// written again within one keeps them. What is older than two when it is read cannot have.
+constexpr qint64 kClockTickNanoseconds = 10'000'000;
+constexpr qint64 kSettlingTime = 2 * kClockTickNanoseconds;
+
+// The bytes read at a time beyond the announced size, to notice a file that is growing.
+constexpr qsizetype kReadAhead = 4096;
+
+qint64 now() {
+    struct timespec time {};
+    ::clock_gettime(CLOCK_REALTIME, &time);
+    return nanosecondsOf(time);
+}
+
+class Descriptor {
+public:
+    explicit Descriptor(int descriptor) : descriptor_(descriptor) {}
+    ~Descriptor() {
+        if (descriptor_ >= 0) {
+            ::close(descriptor_);
+        }
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    int get() const { return descriptor_; }
+
+private:
+    int descriptor_;
+};
+
+bool isReadable(const struct stat& status) {
+    return S_ISREG(status.st_mode) && status.st_size <= kMaximumProjectFileSize;
+}
+
+QByteArray toByteArray(std::string_view text) {
+    return {text.data(), static_cast<qsizetype>(text.size())};
+}
+
+/// Everything from a descriptor to its end; nil on failure and beyond the largest size.
+std::optional<QByteArray> readToEnd(int descriptor, off_t announcedSize) {
+    QByteArray bytes(static_cast<qsizetype>(announcedSize) + kReadAhead, Qt::Uninitialized);
+    qsizetype size = 0;
+    for (;;) {
+        if (size == bytes.size()) {
+            bytes.resize(2 * size);
+        }
+        const ssize_t count =
+            ::read(descriptor, bytes.data() + size, static_cast<std::size_t>(bytes.size() - size));
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count < 0 || size + count > kMaximumProjectFileSize) {
+            return std::nullopt;
+        }
+        if (count == 0) {
+            bytes.truncate(size);
+            return bytes;
+        }
+        size += count;
+    }
+}
+
+} // namespace
+
+ProjectFile::Identity::Identity(const struct stat& status)
+    : device(status.st_dev), inode(status.st_ino), size(status.st_size),
+      modified(modificationDateIn(status)), statusChanged(statusChangeDateIn(status)) {}
+
+void ProjectFile::read(const QByteArray& path) {
+    struct stat status {};
+    const bool isThere =
+        !path.contains('\0') && ::stat(path.constData(), &status) == 0 && isReadable(status);
+    const Identity identity = isThere ? Identity(status) : Identity();
+    if (path == path_ && identity == identity_) {
+        return;
+    }
+    const bool hadContent = static_cast<bool>(document_.root());
+    path_ = path;
+    identity_ = identity;
+    take(isThere ? readContent() : std::nullopt);
+    if (hadContent || document_.root()) {
+        ++generation_;
+    }
+}
+
+std::optional<QByteArray> ProjectFile::readContent() {
+    identity_.reset();
+    const qint64 start = now();
+    // Not blocking: a pipe may have come in its place meanwhile.
+    const Descriptor file(::open(path_.constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    struct stat before {};
+    struct stat after {};
+    if (file.get() < 0 || ::fstat(file.get(), &before) != 0 || !isReadable(before)) {
+        return std::nullopt;
+    }
+    std::optional<QByteArray> bytes = readToEnd(file.get(), before.st_size);
+    const Identity identity(before);
+    const bool isSettled =
+        std::max(identity.modified, identity.statusChanged) + kSettlingTime < start;
+    if (bytes && isSettled && ::fstat(file.get(), &after) == 0 && identity == Identity(after)) {
+        identity_ = identity;
+    }
+    return bytes;
+}
+
+void ProjectFile::take(std::optional<QByteArray> bytes) {
+    document_.read(bytes ? std::move(*bytes) : QByteArray());
+    const PropertyListDocument::Value root = document_.root();
+    const PropertyListDocument::Value objects = root["objects"];
+    hasObjects_ = objects.isDictionary();
+    objects_.build(objects);
+    rootID_.reset();
+    if (root["rootObject"].isString()) {
+        const PropertyListDocument::Value mainGroup =
+            objects_.find(root["rootObject"].utf8())["mainGroup"];
+        if (mainGroup.isString()) {
+            rootID_ = toByteArray(mainGroup.utf8());
+        }
+    }
+}
+
+} // namespace navrel

@@ -1,0 +1,84 @@
+// The data manager's update pass: from the project file and the file system to the records.
+
+#include "project/FileSurvey.h"
+#include "project/KZDataManager.h"
+#include "project/ManagedObjectContext.h"
+#include "project/MenuItem.h"
+#include "project/ProjectFile.h"
+#include "project/ProjectWalk.h"
+#include "support/Log.h"
+#include "support/text/FilePath.h"
+
+namespace navrel {
+
+void KZDataManager::update() {
+    if (automaticProjectSelection_) {
+        changeProjectToPath(activeProject());
+    }
+    updateInBackground();
+}
+
+void KZDataManager::updateInBackground() {
+    if (!pbxProjPath_) {
+        return;
+    }
+    const QByteArray bundle = pbxProjPath_->toUtf8();
+    projectPath_ = QString::fromUtf8(deletingLastPathComponent(bundle));
+    if (currentProjectItem_ != nullptr) {
+        currentProjectItem_->setTitle(QStringLiteral("Current project: %1")
+                                          .arg(QString::fromUtf8(lastPathComponent(bundle))));
+    }
+    projectFile_->read(bundle + "/project.pbxproj");
+    if (ManagedObjectContext* context = managedObjectContext()) {
+        if (!wouldChangeNothing(*context)) {
+            runPass(*context);
+        }
+        saveChanges(*context);
+    }
+}
+
+void KZDataManager::generateObjectForID(const QByteArray& identifier,
+                                        const std::optional<QByteArray>& referencePath,
+                                        const std::optional<QByteArray>& parentID, qint32 index) {
+    if (ManagedObjectContext* context = managedObjectContext()) {
+        survey_->clear();
+        quietPass_.reset();
+        ProjectWalk(*context, projectFile_->objects(), collaborators_.scanner, *survey_)
+            .generateObjectForID(identifier, referencePath, parentID, index);
+    }
+}
+
+/// Whether a pass now would do what the last one did, which was nothing. A pass is a function of
+/// the project file, the records and what the file system says about the files: where none of the
+/// three has changed, neither has its outcome.
+bool KZDataManager::wouldChangeNothing(const ManagedObjectContext& context) {
+    return quietPass_ && quietPass_->projectFileGeneration == projectFile_->generation() &&
+           quietPass_->objectsGeneration == context.objectsGeneration() && survey_->stillHolds();
+}
+
+void KZDataManager::runPass(ManagedObjectContext& context) {
+    const quint64 generation = context.objectsGeneration();
+    survey_->clear();
+    quietPass_.reset();
+    if (const std::optional<QByteArray>& root = projectFile_->rootID()) {
+        ProjectWalk(context, projectFile_->objects(), collaborators_.scanner, *survey_)
+            .generateObjectForID(*root, projectPath_->toUtf8(), std::nullopt, 0);
+    }
+    deleteVanishedObjects(context);
+    if (context.objectsGeneration() == generation) {
+        quietPass_ = QuietPass{projectFile_->generation(), generation};
+    }
+}
+
+/// Deletes the records whose file is gone. Deliberately not those of objects that the project no
+/// longer lists, nor the shortcuts and elements of a deleted record.
+void KZDataManager::deleteVanishedObjects(ManagedObjectContext& context) {
+    for (CDObject* object : context.objects()) {
+        if (!object->path() || !survey_->exists(*object->path())) {
+            log(QStringLiteral("Deleted %1").arg(QString::fromUtf8(object->name().value_or(""))));
+            context.deleteObject(*object);
+        }
+    }
+}
+
+} // namespace navrel

@@ -1,0 +1,66 @@
+// The data manager's choice of project: the last one, the person's, or the one active in the
+// editor.
+
+#include "project/Editor.h"
+#include "project/KZDataManager.h"
+#include "project/ManagedObjectContext.h"
+#include "project/ProjectDialogs.h"
+#include "support/UserDefaults.h"
+
+#include <QScopedValueRollback>
+
+namespace navrel {
+
+namespace {
+
+const QString kAutomaticProjectSelectionKey = QStringLiteral("automaticProjectSelection");
+const QString kLastKnownProjectKey = QStringLiteral("lastKnownProject");
+
+} // namespace
+
+void KZDataManager::restoreSelection() {
+    const UserDefaults& defaults = collaborators_.userDefaults;
+    automaticProjectSelection_ = defaults.boolForKey(kAutomaticProjectSelectionKey).value_or(true);
+    if (const auto lastKnownProject = defaults.stringForKey(kLastKnownProjectKey)) {
+        changeProjectToPath(lastKnownProject);
+    } else {
+        open();
+    }
+}
+
+void KZDataManager::open() {
+    // Deliberate: off even when the person cancels, and nothing turns it on again.
+    automaticProjectSelection_ = false;
+    std::optional<QString> path;
+    {
+        const QScopedValueRollback modal(modalDialogs_, modalDialogs_ + 1);
+        path = collaborators_.dialogs.runOpenPanel(
+            QStringLiteral("Select *.xcodeproj file to use with Navrel"),
+            {QStringLiteral("xcodeproj")});
+    }
+    if (path) {
+        automaticProjectSelection_ = false;
+        collaborators_.userDefaults.setBool(kAutomaticProjectSelectionKey, false);
+        changeProjectToPath(path);
+    }
+}
+
+std::optional<QString> KZDataManager::activeProject() {
+    return collaborators_.editor.activeProjectPath();
+}
+
+void KZDataManager::changeProjectToPath(const std::optional<QString>& path) {
+    if (path && path == pbxProjPath_) {
+        return;
+    }
+    if (ManagedObjectContext* context = managedObjectContext()) {
+        context->deleteAllObjects();
+        context->deleteAllShortcuts();
+        context->deleteAllElements();
+        saveChanges(*context);
+    }
+    pbxProjPath_ = path;
+    collaborators_.userDefaults.setString(kLastKnownProjectKey, path);
+}
+
+} // namespace navrel

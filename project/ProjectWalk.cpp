@@ -1,0 +1,207 @@
+#include "project/ProjectWalk.h"
+
+#include "project/FileSurvey.h"
+#include "project/ManagedObjectContext.h"
+#include "project/SourceScanner.h"
+#include "support/propertylist/PropertyListIndex.h"
+#include "support/text/FilePath.h"
+
+#include <QByteArrayView>
+
+#include <algorithm>
+#include <array>
+
+namespace navrel {
+
+namespace {
+
+using Value = PropertyListDocument::Value;
+
+constexpr std::array<QByteArrayView, 6> kScannedExtensions{"h", "m", "swift", "c", "mm", "cpp"};
+
+QByteArray toByteArray(std::string_view text) {
+    return {text.data(), static_cast<qsizetype>(text.size())};
+}
+
+std::optional<QByteArray> toByteArray(const std::optional<std::string_view>& text) {
+    if (!text) {
+        return std::nullopt;
+    }
+    return toByteArray(*text);
+}
+
+std::string_view toStringView(const QByteArray& text) {
+    return {text.constData(), static_cast<std::size_t>(text.size())};
+}
+
+/// A string of an entry; nil where it is absent or of another kind.
+std::optional<QByteArray> textIn(Value entry, std::string_view key) {
+    const Value value = entry[key];
+    return value.isString() ? std::optional(toByteArray(value.utf8())) : std::nullopt;
+}
+
+/// The parent's path joined with the entry's own. Where the entry has none, that is the parent's:
+/// the entry's source tree is ignored, a deliberate simplification.
+std::optional<QByteArray> resolvedPath(const std::optional<QByteArray>& referencePath,
+                                       Value entry) {
+    const Value path = entry["path"];
+    if (!referencePath || !path.isString()) {
+        return referencePath;
+    }
+    return appendingPathComponent(*referencePath, path.utf8());
+}
+
+} // namespace
+
+ProjectWalk::ProjectWalk(ManagedObjectContext& context, const PropertyListIndex* objects,
+                         SourceScanner& scanner, FileSurvey& survey)
+    : context_(context), objects_(objects), scanner_(scanner), survey_(survey) {}
+
+void ProjectWalk::generateObjectForID(const QByteArray& identifier,
+                                      const std::optional<QByteArray>& referencePath,
+                                      const std::optional<QByteArray>& parentID, qint32 index) {
+    visit({toStringView(identifier), referencePath,
+           parentID ? std::optional(toStringView(*parentID)) : std::nullopt, index});
+    while (!levels_.empty()) {
+        Level& level = levels_.back();
+        if (level.nextChild == level.end) {
+            levels_.pop_back();
+            continue;
+        }
+        const Value child = *level.nextChild;
+        ++level.nextChild;
+        const qint32 position = level.nextIndex++;
+        if (child.isString()) {
+            // A copy: the visit may move the levels.
+            const std::optional<QByteArray> path = level.path;
+            visit({child.utf8(), path, level.identifier, position});
+        }
+    }
+}
+
+void ProjectWalk::visit(const Visit& visit) {
+    const Value entry = objects_ != nullptr ? objects_->find(visit.identifier) : Value();
+    if (const CDObject* object = refreshedRecord(visit, entry)) {
+        enterChildren(*object, visit.identifier, entry);
+    }
+}
+
+/// The object's record, new or brought up to date; null where there is none and nothing to record.
+CDObject* ProjectWalk::refreshedRecord(const Visit& visit, Value entry) {
+    CDObject* object = context_.lastObjectWithIdentifier(visit.identifier);
+    if (object != nullptr && isUpToDate(*object)) {
+        return object;
+    }
+    const std::optional<QByteArray> path = resolvedPath(visit.referencePath, entry);
+    if (object == nullptr) {
+        if (!path || !survey_.exists(*path)) {
+            return nullptr;
+        }
+        object = &context_.insertObject();
+    } else if (path && path->size() > kMaximumPathLength) {
+        // Names no file; what lies below would only have longer paths, without bound.
+        return nullptr;
+    }
+    build(*object, visit, entry, path);
+    return object;
+}
+
+/// Whether the record's file is as it was when the record was built. Takes note of the date where
+/// it is not.
+bool ProjectWalk::isUpToDate(CDObject& object) {
+    const std::optional<qint64> date =
+        object.path() ? survey_.modificationDate(*object.path()) : std::nullopt;
+    if (date && date == object.modified()) {
+        return true;
+    }
+    object.setModified(date);
+    return false;
+}
+
+void ProjectWalk::build(CDObject& object, const Visit& visit, Value entry,
+                        const std::optional<QByteArray>& path) {
+    object.setIndex(visit.index);
+    object.setIdentifier(toByteArray(visit.identifier));
+    object.setParentID(toByteArray(visit.parentID));
+    if (path) {
+        object.setPath(path);
+        object.setModified(survey_.modificationDate(*path));
+    }
+    const std::optional<QByteArray> kind = textIn(entry, "isa");
+    if (kind == "PBXGroup") {
+        object.setIsGroup(true);
+    } else if (kind == "PBXFileReference") {
+        object.setIsGroup(false);
+        buildFileReference(object, entry, path);
+    } else {
+        // Deliberate: a variant or version group counts as a group only by its own resolved path,
+        // so that one without a path is a leaf.
+        object.setIsGroup(path && pathExtension(*path) == "xib");
+    }
+    const QByteArray pathName = path ? lastPathComponent(*path) : QByteArray("unknown");
+    object.setName(textIn(entry, "name").value_or(pathName));
+}
+
+void ProjectWalk::buildFileReference(CDObject& object, Value entry,
+                                     const std::optional<QByteArray>& path) {
+    object.setType(textIn(entry, "lastKnownFileType").value_or("unknown"));
+    if (!path) {
+        object.setExtension(QByteArray("unknown"));
+        return;
+    }
+    const QByteArray extension = pathExtension(*path);
+    addFiletype(extension);
+    object.setExtension(extension);
+    scan(object, extension);
+}
+
+void ProjectWalk::addFiletype(const QByteArray& extension) {
+    if (context_.filetypesWithExtension(extension).empty()) {
+        CDFiletype& filetype = context_.insertFiletype();
+        filetype.setAllowed(true);
+        filetype.setExtension(extension);
+    }
+}
+
+/// Has a source file scanned. The order of the scans and deletions is part of the contract with the
+/// scanner.
+void ProjectWalk::scan(CDObject& object, const QByteArray& extension) {
+    if (extension == "h") {
+        scanner_.setSuperclassForManagedObject(object);
+    }
+    if (std::find(kScannedExtensions.begin(), kScannedExtensions.end(), extension) ==
+        kScannedExtensions.end()) {
+        return;
+    }
+    for (CDShortcut* shortcut : context_.shortcutsWithIdentifier(*object.identifier())) {
+        context_.deleteShortcut(*shortcut);
+    }
+    scanner_.generateShortcutsForManagedObject(object, context_);
+    for (CDElement* element : context_.elementsWithIdentifier(*object.identifier())) {
+        context_.deleteElement(*element);
+    }
+    scanner_.generateElementsForManagedObject(object, context_);
+}
+
+void ProjectWalk::enterChildren(const CDObject& object, std::string_view identifier, Value entry) {
+    const auto children = entry["children"].elements();
+    if (children.begin() == children.end() || !isWorthWalking(object)) {
+        return;
+    }
+    levels_.push_back({identifier, object.path(), children.begin(), children.end()});
+}
+
+/// Whether the children of an object are to be walked. Under a path under which they were walked in
+/// this pass, or are being walked further up, they are not: the same parent, path and files would
+/// give the same records again. So neither cycles nor groups that many others list cost time.
+bool ProjectWalk::isWorthWalking(const CDObject& object) {
+    std::vector<std::optional<QByteArray>>& paths = walkedPaths_[&object];
+    if (paths.size() == kMaximumPathsOfObject ||
+        std::find(paths.begin(), paths.end(), object.path()) != paths.end()) {
+        return false;
+    }
+    paths.push_back(object.path());
+    return true;
+}
+
+} // namespace navrel

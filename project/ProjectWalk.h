@@ -1,0 +1,80 @@
+#pragma once
+
+#include "support/propertylist/PropertyListDocument.h"
+
+#include <QByteArray>
+
+#include <optional>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace navrel {
+
+class CDObject;
+class FileSurvey;
+class ManagedObjectContext;
+class PropertyListIndex;
+class SourceScanner;
+
+/// In one pass, the children of an object are walked under no more paths than this. An object whose
+/// file is there has one path; one whose file is missing takes a new one with each group that lists
+/// it, of which real projects have two or three, while a cycle would lengthen it without end.
+inline constexpr std::size_t kMaximumPathsOfObject = 8;
+
+/// One walk over the group tree of a project file, which builds and refreshes the records of its
+/// objects: depth first, parents before children, children in project order. The tree is untrusted:
+/// it may be cyclic, of any depth, and name an object in many places. What the references name
+/// outlives the walk, and the project file is not read again meanwhile.
+class ProjectWalk {
+public:
+    /// `objects` is null where there is no project file.
+    ProjectWalk(ManagedObjectContext& context, const PropertyListIndex* objects,
+                SourceScanner& scanner, FileSurvey& survey);
+
+    /// Walks from one object on. `referencePath` is the parent's resolved path.
+    void generateObjectForID(const QByteArray& identifier,
+                             const std::optional<QByteArray>& referencePath,
+                             const std::optional<QByteArray>& parentID, qint32 index);
+
+private:
+    using Value = PropertyListDocument::Value;
+    using Elements = PropertyListDocument::ElementIterator;
+
+    /// One object as one group lists it.
+    struct Visit {
+        std::string_view identifier;
+        const std::optional<QByteArray>& referencePath;
+        std::optional<std::string_view> parentID;
+        qint32 index;
+    };
+    /// A group some of whose children are still to be visited.
+    struct Level {
+        std::string_view identifier;
+        std::optional<QByteArray> path;
+        Elements nextChild;
+        Elements end;
+        qint32 nextIndex = 0;
+    };
+
+    void visit(const Visit& visit);
+    CDObject* refreshedRecord(const Visit& visit, Value entry);
+    bool isUpToDate(CDObject& object);
+    void build(CDObject& object, const Visit& visit, Value entry,
+               const std::optional<QByteArray>& path);
+    void buildFileReference(CDObject& object, Value entry, const std::optional<QByteArray>& path);
+    void addFiletype(const QByteArray& extension);
+    void scan(CDObject& object, const QByteArray& extension);
+    void enterChildren(const CDObject& object, std::string_view identifier, Value entry);
+    bool isWorthWalking(const CDObject& object);
+
+    ManagedObjectContext& context_;
+    const PropertyListIndex* objects_;
+    SourceScanner& scanner_;
+    FileSurvey& survey_;
+    std::vector<Level> levels_;
+    // The paths under which the children of an object were walked.
+    std::unordered_map<const CDObject*, std::vector<std::optional<QByteArray>>> walkedPaths_;
+};
+
+} // namespace navrel
