@@ -24,10 +24,10 @@ const std::shared_ptr<DispatchQueue>& DispatchQueue::mainQueue() {
     // Never destroyed: what is released while the program ends may still name it.
     static const auto& instance = *new std::shared_ptr<DispatchQueue>([] {
         NAVREL_ASSERT(QCoreApplication::instance() != nullptr);
-        NAVREL_ASSERT(QThread::currentThread() == QCoreApplication::instance()->thread());
         auto* queue = new DispatchQueue(QStringLiteral("main"));
-        queue->threadID_ = std::this_thread::get_id();
+        queue->thread_ = QCoreApplication::instance()->thread();
         queue->runner_ = new QObject;
+        queue->runner_->moveToThread(queue->thread_); // whichever thread asked first
         return queue;
     }());
     return instance;
@@ -40,14 +40,15 @@ std::shared_ptr<DispatchQueue> DispatchQueue::serialQueue(QString label) {
 }
 
 void DispatchQueue::startWorker() {
-    std::promise<QObject*> started;
-    worker_ = std::thread([&started] {
+    std::promise<void> started;
+    worker_ = std::thread([this, &started] {
         QEventLoop loop;
-        started.set_value(&loop);
+        runner_ = &loop;
+        thread_ = QThread::currentThread();
+        started.set_value();
         loop.exec();
     });
-    runner_ = started.get_future().get();
-    threadID_ = worker_.get_id();
+    started.get_future().wait();
 }
 
 DispatchQueue::~DispatchQueue() {

@@ -2,6 +2,7 @@
 
 #include <QHash>
 #include <QString>
+#include <QThread>
 
 #include <deque>
 #include <functional>
@@ -61,7 +62,7 @@ public:
     void* specific(const void* key) const;
 
     /// Whether the caller is on the thread that runs this queue's jobs.
-    bool isCurrentThread() const { return std::this_thread::get_id() == threadID_; }
+    bool isCurrentThread() const { return QThread::currentThread() == thread_; }
 
     /// Runs the job at once, as a job of this queue, if none is running or waiting and the queue is
     /// not suspended; jobs that it puts on the queue follow at once. False, with nothing run,
@@ -83,7 +84,7 @@ private:
     void runWaitingJobs(std::unique_lock<std::mutex>& lock);
 
     const QString label_;
-    std::thread::id threadID_;
+    QThread* thread_ = nullptr; ///< runs the jobs
     QObject* runner_ = nullptr; ///< lives on the queue's thread; owned by the worker there
     std::thread worker_;        ///< none for the main queue
 
