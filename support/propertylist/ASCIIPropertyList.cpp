@@ -25,7 +25,7 @@ public:
     Parser(std::string_view text, NodeArray& nodes)
         : begin_(text.data()), end_(text.data() + text.size()), nodes_(nodes) {}
 
-    std::optional<ASCIIFailure> parse() {
+    std::optional<TextFailure> parse() {
         if (readList()) {
             return std::nullopt;
         }
@@ -265,7 +265,7 @@ private:
     NodeArray& nodes_;
     std::uint32_t open_ = kNoContainer; // the innermost container that is open
     int depth_ = 0;
-    ASCIIFailure failure_{0, PropertyListErrorCode::malformed, ""};
+    TextFailure failure_{0, PropertyListErrorCode::malformed, ""};
 };
 
 // Where strict UTF-8 ends: the first byte of what is none, or the end. Most text is ASCII, so only
@@ -291,30 +291,39 @@ const char* endOfUTF8(const char* at, const char* end) {
 }
 
 template <typename Scanner>
-std::optional<ASCIIFailure> parseWith(std::string_view text, NodeArray& nodes) {
-    if (text.size() > kMaxPropertyListBytes) {
-        return ASCIIFailure{0, PropertyListErrorCode::tooLarge, "the list has too many bytes"};
-    }
+std::optional<TextFailure> checkUTF8With(std::string_view text) {
     const char* const end = text.data() + text.size();
-    if (const char* const stop = endOfUTF8<Scanner>(text.data(), end); stop != end) {
-        return ASCIIFailure{static_cast<std::size_t>(stop - text.data()),
-                            PropertyListErrorCode::malformed, "expected UTF-8"};
+    const char* const stop = endOfUTF8<Scanner>(text.data(), end);
+    if (stop == end) {
+        return std::nullopt;
+    }
+    return TextFailure{static_cast<std::size_t>(stop - text.data()),
+                       PropertyListErrorCode::malformed, "expected UTF-8"};
+}
+
+template <typename Scanner>
+std::optional<TextFailure> parseWith(std::string_view text, NodeArray& nodes) {
+    if (text.size() > kMaxPropertyListBytes) {
+        return TextFailure{0, PropertyListErrorCode::tooLarge, "the list has too many bytes"};
+    }
+    if (const std::optional<TextFailure> failure = checkUTF8With<Scanner>(text)) {
+        return failure;
     }
     return Parser<Scanner>(text, nodes).parse();
 }
 
 } // namespace
 
-std::optional<ASCIIFailure> parseASCII(std::string_view text, NodeArray& nodes) {
-#ifdef __SSE2__
-    return parseWith<VectorScanner>(text, nodes);
-#else
-    return parseWith<PortableScanner>(text, nodes);
-#endif
+std::optional<TextFailure> parseASCII(std::string_view text, NodeArray& nodes) {
+    return parseWith<BestScanner>(text, nodes);
 }
 
-std::optional<ASCIIFailure> parseASCIIPortably(std::string_view text, NodeArray& nodes) {
+std::optional<TextFailure> parseASCIIPortably(std::string_view text, NodeArray& nodes) {
     return parseWith<PortableScanner>(text, nodes);
+}
+
+std::optional<TextFailure> checkUTF8(std::string_view text) {
+    return checkUTF8With<BestScanner>(text);
 }
 
 QByteArray dataOfDigits(std::string_view digits) {
@@ -322,7 +331,7 @@ QByteArray dataOfDigits(std::string_view digits) {
     return QByteArray::fromHex(QByteArray(digits.data(), static_cast<qsizetype>(digits.size())));
 }
 
-Error errorOfFailure(const ASCIIFailure& failure, std::string_view text) {
+Error errorOfFailure(const TextFailure& failure, std::string_view text) {
     int line = 1;
     int column = 1;
     for (std::size_t i = 0; i < failure.position; ++i) {

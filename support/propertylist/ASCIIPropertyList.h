@@ -24,8 +24,9 @@ namespace navrel::propertylist {
 inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 inline constexpr std::string_view kASCIIWhiteSpace = " \t\n\v\f\r";
 
-/// Why a text is no list: what was expected (or is too much) at a position of the text.
-struct ASCIIFailure {
+/// Why a text (of this format or of XML) is no list: what was expected (or is too much) at a
+/// position of the text.
+struct TextFailure {
     std::size_t position;
     PropertyListErrorCode code;
     const char* reason;
@@ -33,10 +34,13 @@ struct ASCIIFailure {
 
 /// Appends the nodes of a list; positions count from the beginning of the text. On failure the
 /// nodes are of no use.
-std::optional<ASCIIFailure> parseASCII(std::string_view text, NodeArray& nodes);
+std::optional<TextFailure> parseASCII(std::string_view text, NodeArray& nodes);
 
 /// The same without vector instructions: what other processors run.
-std::optional<ASCIIFailure> parseASCIIPortably(std::string_view text, NodeArray& nodes);
+std::optional<TextFailure> parseASCIIPortably(std::string_view text, NodeArray& nodes);
+
+/// Where and that a text is not strict UTF-8; nothing for one that is.
+std::optional<TextFailure> checkUTF8(std::string_view text);
 
 /// The UTF-8 text of a string that holds escapes. One to three octal digits are a byte in the
 /// NeXTSTEP encoding; \U and up to four hexadecimal digits are one UTF-16 unit, two of which make a
@@ -48,6 +52,6 @@ std::string unescaped(std::string_view text);
 QByteArray dataOfDigits(std::string_view digits);
 
 /// "line L, column C: reason", both from 1; columns count characters.
-Error errorOfFailure(const ASCIIFailure& failure, std::string_view text);
+Error errorOfFailure(const TextFailure& failure, std::string_view text);
 
 } // namespace navrel::propertylist

@@ -202,6 +202,10 @@ private:
                                   _mm_cmpeq_epi8(load(at + 1), _mm_set1_epi8('/'))));
     }
 };
+
+using BestScanner = VectorScanner;
+#else
+using BestScanner = PortableScanner;
 #endif
 
 } // namespace navrel::propertylist

@@ -48,7 +48,7 @@ bool PropertyListDocument::read(QByteArray bytes, std::optional<Error>* error) {
 
 bool PropertyListDocument::readASCII(QByteArray bytes, std::optional<Error>* error) {
     bytes_ = std::move(bytes);
-    const std::optional<propertylist::ASCIIFailure> failure =
+    const std::optional<propertylist::TextFailure> failure =
         propertylist::parseASCII(viewOf(bytes_), nodes_);
     if (failure && error != nullptr) {
         *error = propertylist::errorOfFailure(*failure, viewOf(bytes_));

@@ -20,11 +20,70 @@ constexpr QStringView kDocumentType = u"<!DOCTYPE plist PUBLIC \"-//Apple//DTD P
                                       u"\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">";
 const QString kDateFormat = QStringLiteral("yyyy-MM-dd'T'HH:mm:ss'Z'");
 
+/// The longest tag, or document type. Those of lists have 20 and 110 bytes; the XML reader compares
+/// each attribute of a tag with every other one.
+constexpr std::size_t kMaxTagBytes = 256;
+
+/// Looks over the tags of a text, from its beginning to where it stops being XML, for what the XML
+/// reader is to be spared.
+class TagCheck {
+public:
+    explicit TagCheck(std::string_view text) : text_(text) {}
+
+    std::optional<TextFailure> run() {
+        while ((at_ = text_.find('<', at_)) < text_.size()) {
+            const std::string_view rest = text_.substr(at_);
+            if (rest.starts_with("<!--")) {
+                skipPast("-->", 4);
+            } else if (rest.starts_with("<![CDATA[")) {
+                skipPast("]]>", 9);
+            } else if (rest.starts_with("<?")) {
+                skipPast("?>", 2);
+            } else if (const char* const reason = skipTag(rest.starts_with("<!"))) {
+                return TextFailure{at_, PropertyListErrorCode::malformed, reason};
+            }
+        }
+        return std::nullopt;
+    }
+
+private:
+    void skipPast(std::string_view ending, std::size_t from) {
+        const std::size_t found = text_.find(ending, at_ + from);
+        at_ = found == std::string_view::npos ? text_.size() : found + ending.size();
+    }
+
+    // Past a tag or a document type, whose quotes may hold brackets; else what is wrong with it.
+    const char* skipTag(bool isDocumentType) {
+        char quote = '\0';
+        for (std::size_t i = at_; i < text_.size(); ++i) {
+            const char byte = text_[i];
+            if (i - at_ >= kMaxTagBytes) {
+                return "expected a shorter tag";
+            }
+            if (quote != '\0') {
+                quote = byte == quote ? '\0' : quote;
+            } else if (byte == '"' || byte == '\'') {
+                quote = byte;
+            } else if (isDocumentType && byte == '[') {
+                return "expected no declarations within the document type";
+            } else if (byte == '>') {
+                at_ = i;
+                return nullptr;
+            }
+        }
+        at_ = text_.size();
+        return nullptr;
+    }
+
+    std::string_view text_;
+    std::size_t at_ = 0;
+};
+
 /// Reads the tokens of one list. A failure is raised on the stream reader, which then stands still
 /// and keeps the position; functions return an invalid variant after one.
 class Reader {
 public:
-    explicit Reader(const QByteArray& bytes) : xml_(bytes) {}
+    explicit Reader(const QString& text) : xml_(text) {}
 
     std::optional<QVariant> read(std::optional<Error>* error) {
         const QVariant list = readRoot();
@@ -62,10 +121,8 @@ private:
 
     // To the outermost element.
     bool readPrologue() {
-        while (xml_.readNext() != QXmlStreamReader::StartElement && !xml_.hasError()) {
-            if (xml_.isDTD() && !xml_.entityDeclarations().isEmpty()) {
-                fail(QStringLiteral("expected no entity declarations"));
-            }
+        while (!xml_.hasError() && !xml_.isStartElement()) {
+            xml_.readNext();
         }
         return !xml_.hasError();
     }
@@ -364,9 +421,6 @@ private:
 } // namespace
 
 bool isXML(std::string_view bytes) {
-    if (bytes.starts_with("\xFE\xFF") || bytes.starts_with("\xFF\xFE")) {
-        return true;
-    }
     if (bytes.starts_with(kByteOrderMark)) {
         bytes.remove_prefix(kByteOrderMark.size());
     }
@@ -380,7 +434,18 @@ std::optional<QVariant> readXML(const QByteArray& bytes, std::optional<Error>* e
                QStringLiteral("the list has too many bytes"));
         return std::nullopt;
     }
-    return Reader(bytes).read(error);
+    const std::string_view text(bytes.constData(), static_cast<std::size_t>(bytes.size()));
+    std::optional<TextFailure> failure = checkUTF8(text);
+    if (!failure) {
+        failure = TagCheck(text).run();
+    }
+    if (failure) {
+        if (error != nullptr) {
+            *error = errorOfFailure(*failure, text);
+        }
+        return std::nullopt;
+    }
+    return Reader(QString::fromUtf8(bytes)).read(error);
 }
 
 } // namespace propertylist

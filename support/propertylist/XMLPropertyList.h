@@ -9,14 +9,14 @@
 
 namespace navrel::propertylist {
 
-/// True for bytes that only XML begins with: a declaration, a document type, a comment or <plist>,
-/// or the byte order mark of UTF-16, which the old-style format does not know. A lone "<" begins
-/// data of the old-style format.
+/// True for bytes that only XML begins with: a declaration, a document type, a comment or <plist>.
+/// A lone "<" begins data of the old-style format.
 bool isXML(std::string_view bytes);
 
-/// Reads the XML format, in any encoding that XML itself declares. Document types are passed over,
-/// but one that declares entities is refused: lists have no use for them, and they unfold without
-/// bound.
+/// Reads the XML format, in UTF-8 whatever it declares. Document types are passed over, but one
+/// with declarations of its own is refused: lists have no use for them, and what they define
+/// unfolds without bound. So are tags with more text than any list's: the time that the XML reader
+/// takes for a tag grows with the square of its attributes.
 std::optional<QVariant> readXML(const QByteArray& bytes, std::optional<Error>* error);
 
 } // namespace navrel::propertylist

@@ -305,7 +305,7 @@ TEST(ASCIIPropertyList, bytesHaveALimit) {
 }
 
 // The outcome of a parser as text, to compare.
-std::string outcomeOf(const std::optional<propertylist::ASCIIFailure>& failure,
+std::string outcomeOf(const std::optional<propertylist::TextFailure>& failure,
                       const NodeArray& nodes) {
     if (failure) {
         return std::to_string(failure->position) + " " + failure->reason;

@@ -102,15 +102,12 @@ TEST(XMLPropertyList, commentsInstructionsAndWhiteSpaceStandBetweenElements) {
               QVariant(QVariantList{true}));
 }
 
-TEST(XMLPropertyList, otherEncodingsAreThoseOfXML) {
-    const QString text = QStringLiteral("<?xml version=\"1.0\" encoding=\"UTF-16\"?>"
-                                        "<plist><string>\u00E9\u4E2D</string></plist>");
-    QByteArray bytes = "\xFF\xFE";
-    for (const QChar character : text) {
-        bytes += static_cast<char>(character.unicode() & 0xFF);
-        bytes += static_cast<char>(character.unicode() >> 8);
+TEST(XMLPropertyList, theTextIsUTF8WhateverItDeclares) {
+    for (const char* encoding : {"UTF-8", "ISO-8859-1", "UTF-16"}) {
+        EXPECT_EQ(readFile(QByteArray("<?xml version=\"1.0\" encoding=\"") + encoding +
+                           "\"?><plist><string>\xC3\xA9</string></plist>"),
+                  QVariant(QString::fromUtf8("\u00E9")));
     }
-    EXPECT_EQ(readFile(bytes), QVariant(QString::fromUtf8("\u00E9\u4E2D")));
 }
 
 TEST(XMLPropertyList, everyKindOfValueComesBack) {
@@ -206,10 +203,28 @@ TEST(XMLPropertyList, entitiesOfADocumentTypeAreRefused) {
         bomb += QByteArray("<!ENTITY a") + i + " \"" + reference.repeated(10) + "\">";
     }
     EXPECT_TRUE(reasonOf(bomb + "]><plist><string>&a9;</string></plist>")
-                    .endsWith(QStringLiteral("expected no entity declarations")));
+                    .endsWith(QStringLiteral("expected no declarations within the document type")));
     EXPECT_FALSE(propertyListWithData("<!DOCTYPE plist [<!ENTITY f SYSTEM \"file:///etc/passwd\">]>"
                                       "<plist><string>&f;</string></plist>")
                      .has_value());
+}
+
+TEST(XMLPropertyList, aTagHasALimitAndSoHaveItsAttributes) {
+    QByteArray attributes;
+    for (int i = 0; i < 100'000; ++i) {
+        attributes += " a" + QByteArray::number(i) + "='>'";
+    }
+    EXPECT_EQ(reasonOf("<!-- < -->\n<plist" + attributes + "><true/></plist>"),
+              QStringLiteral("line 2, column 1: expected a shorter tag"));
+    EXPECT_EQ(reasonOf("<plist>\n <array" + attributes),
+              QStringLiteral("line 2, column 2: expected a shorter tag"));
+}
+
+TEST(XMLPropertyList, onlyTagsHaveThatLimit) {
+    const QByteArray text = QByteArray("<a b='").repeated(100);
+    EXPECT_EQ(readFile("<?x " + text + "?><!--" + text + "--><plist version='>'><string><![CDATA[" +
+                       text + "]]></string></plist>"),
+              QVariant(QString::fromUtf8(text)));
 }
 
 TEST(XMLPropertyList, nestingHasALimit) {
