@@ -9,6 +9,9 @@
 
 namespace navrel::propertylist {
 
+/// How a date stands in XML, always UTC.
+inline constexpr char kXMLDateFormat[] = "yyyy-MM-dd'T'HH:mm:ss'Z'";
+
 /// True for bytes that only XML begins with: a declaration, a document type, a comment or <plist>.
 /// A lone "<" begins data of the old-style format.
 bool isXML(std::string_view bytes);
