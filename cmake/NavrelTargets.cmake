@@ -13,12 +13,12 @@ target_include_directories(navrel_options INTERFACE "${PROJECT_SOURCE_DIR}")
 target_compile_options(navrel_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wold-style-cast
     -Wcast-qual -Wformat=2 -Wundef -Wnull-dereference
+    -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=
     $<$<BOOL:${NAVREL_WARNINGS_AS_ERRORS}>:-Werror>)
 target_compile_definitions(navrel_options INTERFACE
     QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY QT_NO_URL_CAST_FROM_STRING
     QT_NO_KEYWORDS QT_NO_FOREACH QT_NO_CONTEXTLESS_CONNECT QT_NO_NARROWING_CONVERSIONS_IN_CONNECT
-    QT_STRICT_ITERATORS
-    NAVREL_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+    QT_STRICT_ITERATORS)
 if(NAVREL_SANITIZE)
     target_compile_options(navrel_options INTERFACE
         -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
