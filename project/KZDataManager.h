@@ -127,6 +127,24 @@ public:
     /// the next pass.
     QVariantMap changeFiletypeAllowanceWithDictionary(const QVariantMap& request);
 
+    // Views of what scanning found; they live in scanning/.
+
+    /// "items": "shortcut", "line" and "path" of every shortcut comment of the project, ordered by
+    /// text.
+    QVariantMap shortcutsDictionary();
+    /// "title", "identifier", "path" and "items" of one file, and "counterpart" where it has one;
+    /// nil for an unknown identifier.
+    std::optional<QVariantMap> elementsDictionaryForObjectID(const QString& identifier);
+
+    // The editor.
+
+    /// Identifier of the file that is active in the editor, found by its name; nil when there is
+    /// none, or several files have that name.
+    std::optional<QString> objectIDForActiveFile();
+    /// Shows a file in the editor and, where a line (a number or a decimal text) is given, selects
+    /// it. Without a path nothing happens.
+    void openFile(const std::optional<QString>& path, const QVariant& line);
+
 private:
     /// What a pass that changed no record was based on, beside its survey of the files.
     struct QuietPass {
