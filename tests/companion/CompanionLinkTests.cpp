@@ -1,0 +1,105 @@
+#include "companion/CompanionLink.h"
+#include "tests/WaitUntil.h"
+#include "transport/CompanionProtocol.h"
+#include "transport/PTPayload.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+
+namespace navrel {
+namespace {
+
+constexpr quint32 kLoopback = 0x7F000001;
+
+/// A Navrel that connects to the companion and answers by a function.
+class FakeNavrel final : public PTChannelDelegate {
+public:
+    std::function<std::optional<QVariantMap>(quint32 type)> answer;
+
+    static std::shared_ptr<PTChannel> connect(const std::shared_ptr<FakeNavrel>& navrel) {
+        const auto channel = PTChannel::channelWithDelegate(navrel);
+        channel->connectToPort(
+            kCompanionPort, kLoopback,
+            [](const std::optional<Error>& error, const auto&) { ASSERT_EQ(error, std::nullopt); });
+        return channel;
+    }
+
+    void ioFrameChannelDidReceiveFrameOfType(const std::shared_ptr<PTChannel>& channel,
+                                             quint32 type, quint32 tag,
+                                             const std::shared_ptr<const PTData>&) override {
+        if (const auto reply = answer(type)) {
+            channel->sendFrameOfType(kFrameReply, tag, createReferencingDispatchData(*reply), {});
+        }
+    }
+};
+
+class CompanionLinkTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_EQ(link_->listen(kCompanionPort), std::nullopt);
+        navrel_->answer = [](quint32 type) -> std::optional<QVariantMap> {
+            if (type == kFrameShortcuts) {
+                return std::nullopt;
+            }
+            return QVariantMap{{QStringLiteral("type"), type}};
+        };
+    }
+
+    std::shared_ptr<CompanionLink> link_ = CompanionLink::create();
+    std::shared_ptr<FakeNavrel> navrel_ = std::make_shared<FakeNavrel>();
+};
+
+TEST_F(CompanionLinkTest, withoutANavrelNothingIsServedOrAnswered) {
+    EXPECT_FALSE(link_->waitUntilServed(std::chrono::milliseconds(50)));
+    EXPECT_EQ(link_->ask(kFrameProject), std::nullopt);
+}
+
+TEST_F(CompanionLinkTest, anAnswerIsMatchedToItsQuestion) {
+    const auto channel = FakeNavrel::connect(navrel_);
+    ASSERT_TRUE(link_->waitUntilServed(std::chrono::seconds(20)));
+
+    const auto reply = link_->ask(kFrameProject);
+    ASSERT_TRUE(reply.has_value());
+    EXPECT_EQ(reply->value(QStringLiteral("type")).toUInt(), kFrameProject);
+}
+
+TEST_F(CompanionLinkTest, silenceIsNoticedAtOnce) {
+    const auto channel = FakeNavrel::connect(navrel_);
+    ASSERT_TRUE(link_->waitUntilServed(std::chrono::seconds(20)));
+
+    EXPECT_EQ(link_->ask(kFrameShortcuts), std::nullopt);
+}
+
+TEST_F(CompanionLinkTest, aNavrelThatDropsItsFirstRequestsIsAskedAgain) {
+    int requests = 0;
+    navrel_->answer = [&requests](quint32) {
+        ++requests;
+        return requests < 3 ? std::nullopt : std::optional(QVariantMap{{QStringLiteral("a"), 1}});
+    };
+    const auto channel = FakeNavrel::connect(navrel_);
+
+    EXPECT_TRUE(link_->waitUntilServed(std::chrono::seconds(20)));
+    EXPECT_GE(requests, 3);
+}
+
+TEST_F(CompanionLinkTest, aNavrelThatGoesIsNoticedAndAnotherIsTakenInItsPlace) {
+    auto channel = FakeNavrel::connect(navrel_);
+    ASSERT_TRUE(link_->waitUntilServed(std::chrono::seconds(20)));
+    channel->close();
+    EXPECT_TRUE(waitUntil([&] { return !link_->isConnected(); }));
+
+    channel = FakeNavrel::connect(navrel_);
+    EXPECT_TRUE(link_->waitUntilServed(std::chrono::seconds(20)));
+    EXPECT_TRUE(link_->ask(kFrameProject).has_value());
+}
+
+TEST_F(CompanionLinkTest, aSecondCompanionCannotListen) {
+    const auto second = CompanionLink::create();
+    const auto error = second->listen(kCompanionPort);
+    ASSERT_TRUE(error.has_value());
+    EXPECT_TRUE(error->isPOSIX(EADDRINUSE));
+}
+
+} // namespace
+} // namespace navrel
