@@ -1,0 +1,125 @@
+#pragma once
+
+#include "transport/PTChannel.h"
+
+#include <QObject>
+#include <QString>
+#include <QTimer>
+#include <QVariantMap>
+
+#include <memory>
+#include <optional>
+
+namespace navrel {
+
+class Desktop;
+class DispatchQueue;
+class KZDataManager;
+class MenuItem;
+class UserDefaults;
+
+/// The application delegate: starts the program, keeps one connection to the companion app, and
+/// answers its requests from the data manager. One per program. Main thread, but for what says
+/// otherwise.
+///
+/// Sources: AppDelegate.cpp (start and quit), DeviceLink.cpp (finding the companion app),
+/// CommandService.cpp (answering it).
+class AppDelegate final : public QObject,
+                          public PTChannelDelegate,
+                          public std::enable_shared_from_this<AppDelegate> {
+public:
+    /// The world as the delegate sees it. None is owned, each lives longer.
+    struct Collaborators {
+        KZDataManager& dataManager;
+        Desktop& desktop;
+        UserDefaults& userDefaults;
+        /// The version that the program shows, and tells the device: "1.4.2".
+        QString version;
+    };
+
+    /// A delegate that does nothing until `applicationDidFinishLaunching`.
+    static std::shared_ptr<AppDelegate> create(Collaborators collaborators);
+    ~AppDelegate() override;
+
+    // The shell.
+
+    /// Starts everything, in a fixed order; once, when the event loop is about to run.
+    void applicationDidFinishLaunching();
+    /// Lets device requests in, from now on.
+    void activate();
+    /// The quit entry: remembers whether automatic selection is on, then ends the program.
+    void quit();
+    /// Does nothing: the store is saved once a second, and the system closes the sockets.
+    void applicationWillTerminate() {}
+
+    /// The menu entry that shows program and version. Not owned; null, as at first, is allowed.
+    void setVersionItem(MenuItem* item) { versionItem_ = item; }
+    /// Whether device requests are answered yet.
+    bool clearToSend() const { return clearToSend_; }
+
+    // The device link.
+
+    /// Puts an attempt to reach the companion app on 127.0.0.1 on the connection queue: it waits
+    /// while a channel is connected, and runs on the main thread.
+    void enqueueConnectToLocalIPv4Port();
+    /// The one connected channel, or null.
+    const std::shared_ptr<PTChannel>& connectedChannel() const { return connectedChannel_; }
+    /// Makes a channel (or null, for none) the connected one. The connection queue is suspended
+    /// while there is one, so no attempt starts meanwhile. The former channel is released, not
+    /// closed.
+    void setConnectedChannel(std::shared_ptr<PTChannel> channel);
+
+    // The command service, called by the connected channel.
+
+    quint8 optionalOperations() const override;
+    bool ioFrameChannelShouldAcceptFrameOfType(const std::shared_ptr<PTChannel>& channel,
+                                               quint32 type, quint32 tag,
+                                               quint32 payloadSize) override;
+    void ioFrameChannelDidReceiveFrameOfType(const std::shared_ptr<PTChannel>& channel,
+                                             quint32 type, quint32 tag,
+                                             const std::shared_ptr<const PTData>& payload) override;
+    void ioFrameChannelDidEndWithError(const std::shared_ptr<PTChannel>& channel,
+                                       const std::optional<Error>& error) override;
+
+    /// Sends a reply dictionary with the tag of the request that it answers; nothing while no
+    /// channel is connected.
+    void sendContent(const QVariantMap& content, quint32 tag);
+
+private:
+    using Request = QVariantMap;
+    using Reply = std::optional<QVariantMap>;
+    /// What a frame type asks for. A request whose payload is no dictionary comes as nothing.
+    struct Command;
+
+    explicit AppDelegate(Collaborators collaborators);
+
+    void connectToLocalIPv4Port();
+    void connectedToLocalIPv4Port(const std::shared_ptr<PTChannel>& channel,
+                                  const std::optional<Error>& error,
+                                  const std::shared_ptr<const PTAddress>& address);
+
+    static const Command* commandForType(quint32 type);
+    Reply navigator(const std::optional<Request>& request);
+    Reply openFileAtLine(const std::optional<Request>& request);
+    Reply rootNavigator(const std::optional<Request>& request);
+    Reply shortcuts(const std::optional<Request>& request);
+    Reply elements(const std::optional<Request>& request);
+    Reply elementsOfActiveFile();
+    Reply allowedFileTypes(const std::optional<Request>& request);
+    Reply changeFileType(const std::optional<Request>& request);
+    Reply superclasses(const std::optional<Request>& request);
+    Reply openWithDesktop(const std::optional<Request>& request);
+    Reply projectFolder(const std::optional<Request>& request);
+    Reply pickProject(const std::optional<Request>& request);
+    Reply versionHandshake(const std::optional<Request>& request);
+
+    Collaborators collaborators_;
+    MenuItem* versionItem_ = nullptr;
+    bool clearToSend_ = false;
+
+    std::shared_ptr<DispatchQueue> notConnectedQueue_; // "PTExample.notConnectedQueue"
+    bool notConnectedQueueSuspended_ = false;
+    std::shared_ptr<PTChannel> connectedChannel_;
+};
+
+} // namespace navrel

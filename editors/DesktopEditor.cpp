@@ -1,0 +1,19 @@
+#include "editors/DesktopEditor.h"
+
+#include "support/DesktopOpener.h"
+
+namespace navrel {
+
+std::optional<QString> DesktopEditor::activeProjectPath() {
+    return QStringLiteral("");
+}
+
+std::optional<QString> DesktopEditor::activeFileName() {
+    return QStringLiteral("");
+}
+
+void DesktopEditor::openFile(const QString& path, std::optional<int>) {
+    openWithDesktop(path);
+}
+
+} // namespace navrel

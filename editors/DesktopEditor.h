@@ -1,0 +1,16 @@
+#pragma once
+
+#include "project/Editor.h"
+
+namespace navrel {
+
+/// The editor of last resort: the desktop's opener, which opens a file with whatever the person has
+/// chosen for it, and knows of no active file and no line.
+class DesktopEditor final : public Editor {
+public:
+    std::optional<QString> activeProjectPath() override;
+    std::optional<QString> activeFileName() override;
+    void openFile(const QString& path, std::optional<int> line) override;
+};
+
+} // namespace navrel

@@ -1,0 +1,122 @@
+#include "tests/WaitUntil.h"
+#include "tests/app/ServedProject.h"
+#include "transport/PTAddress.h"
+
+#include <QElapsedTimer>
+
+#include <chrono>
+#include <sys/resource.h>
+
+namespace navrel {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+/// While it lives, the process can open no descriptor.
+class NoDescriptorsLeft {
+public:
+    NoDescriptorsLeft() {
+        ::getrlimit(RLIMIT_NOFILE, &before_);
+        const rlimit none = {0, before_.rlim_max};
+        ::setrlimit(RLIMIT_NOFILE, &none);
+    }
+    ~NoDescriptorsLeft() { ::setrlimit(RLIMIT_NOFILE, &before_); }
+    NoDescriptorsLeft(const NoDescriptorsLeft&) = delete;
+    NoDescriptorsLeft& operator=(const NoDescriptorsLeft&) = delete;
+
+private:
+    rlimit before_ = {};
+};
+
+class DeviceLinkTest : public ServedProject {
+protected:
+    /// Starts without a listener.
+    void launchAlone() {
+        launch();
+        device_.stopListening();
+        device_.disconnect();
+        ASSERT_TRUE(waitUntil([this] { return delegate_->connectedChannel() == nullptr; }));
+        log_.take();
+    }
+
+    static void runEventLoopFor(milliseconds time) {
+        QElapsedTimer sinceStart;
+        sinceStart.start();
+        ASSERT_TRUE(waitUntil([&] { return sinceStart.elapsed() >= time.count(); }));
+    }
+};
+
+TEST_F(DeviceLinkTest, aConnectionIsLoggedWithItsAddress) {
+    launch();
+    ASSERT_TRUE(waitUntil([this] { return delegate_->connectedChannel() != nullptr; }));
+    EXPECT_EQ(log_.messages(), QStringList{QStringLiteral("Connected to 127.0.0.1:2345")});
+}
+
+TEST_F(DeviceLinkTest, aConnectedChannelIsKnownByTheAddressOfItsPeer) {
+    launch();
+    ASSERT_TRUE(waitUntil([this] { return delegate_->connectedChannel() != nullptr; }));
+    const auto address =
+        std::dynamic_pointer_cast<const PTAddress>(delegate_->connectedChannel()->userInfo());
+    ASSERT_NE(address, nullptr);
+    EXPECT_EQ(address->port(), 2345);
+}
+
+TEST_F(DeviceLinkTest, withNobodyListeningNothingIsLoggedAndTheAttemptRepeats) {
+    launchAlone();
+    runEventLoopFor(milliseconds(2500));
+    EXPECT_EQ(log_.messages(), QStringList());
+
+    ASSERT_TRUE(device_.listen());
+    EXPECT_TRUE(device_.waitForConnection(seconds(2)));
+}
+
+TEST_F(DeviceLinkTest, anyOtherFailureIsLogged) {
+    launchAlone();
+    const NoDescriptorsLeft limit;
+    ASSERT_TRUE(waitUntil([this] { return !log_.messages().isEmpty(); }));
+    EXPECT_EQ(log_.messages().at(0),
+              QStringLiteral("Failed to connect to 127.0.0.1:2345: Error Domain=NSPOSIXErrorDomain "
+                             "Code=24 \"Too many open files\""));
+}
+
+TEST_F(DeviceLinkTest, whileAChannelIsConnectedNoAttemptIsMade) {
+    launch();
+    runEventLoopFor(milliseconds(2500));
+    EXPECT_FALSE(device_.isConnectionWaiting());
+}
+
+TEST_F(DeviceLinkTest, anEndedConnectionIsLoggedOnceAndMadeAgain) {
+    launch();
+    ASSERT_TRUE(waitUntil([this] { return delegate_->connectedChannel() != nullptr; }));
+    log_.take();
+    device_.disconnect();
+    ASSERT_TRUE(device_.waitForConnection(seconds(2)));
+    ASSERT_TRUE(waitUntil([this] { return log_.messages().size() >= 2; }));
+    EXPECT_EQ(log_.messages(), (QStringList{QStringLiteral("Disconnected from 127.0.0.1:2345"),
+                                            QStringLiteral("Connected to 127.0.0.1:2345")}));
+}
+
+TEST_F(DeviceLinkTest, theEndOfAnotherChannelIsNoConcern) {
+    launch();
+    ASSERT_TRUE(waitUntil([this] { return delegate_->connectedChannel() != nullptr; }));
+    log_.take();
+    delegate_->ioFrameChannelDidEndWithError(PTChannel::init(), std::nullopt);
+    EXPECT_NE(delegate_->connectedChannel(), nullptr);
+    EXPECT_EQ(log_.messages(), QStringList());
+}
+
+TEST_F(DeviceLinkTest, settingTheChannelTwiceKeepsTheQueueBalanced) {
+    launch();
+    ASSERT_TRUE(waitUntil([this] { return delegate_->connectedChannel() != nullptr; }));
+    const auto channel = delegate_->connectedChannel();
+    delegate_->setConnectedChannel(channel);
+    delegate_->setConnectedChannel(channel);
+    delegate_->setConnectedChannel(nullptr);
+    delegate_->setConnectedChannel(nullptr);
+    // The parked attempt runs: the queue is not left suspended.
+    EXPECT_TRUE(device_.waitForConnection(seconds(2)));
+}
+
+} // namespace
+} // namespace navrel

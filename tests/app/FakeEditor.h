@@ -1,0 +1,29 @@
+#pragma once
+
+#include "project/Editor.h"
+
+#include <vector>
+
+namespace navrel {
+
+/// An editor that answers as it was told to and records what it was asked to open.
+class FakeEditor final : public Editor {
+public:
+    struct Opened {
+        QString path;
+        std::optional<int> line;
+        bool operator==(const Opened&) const = default;
+    };
+
+    std::optional<QString> projectPath;
+    std::optional<QString> fileName;
+    std::vector<Opened> opened;
+
+    std::optional<QString> activeProjectPath() override { return projectPath; }
+    std::optional<QString> activeFileName() override { return fileName; }
+    void openFile(const QString& path, std::optional<int> line) override {
+        opened.push_back({path, line});
+    }
+};
+
+} // namespace navrel

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "app/AppDelegate.h"
+#include "project/KZDataManager.h"
+#include "scanning/FileScanner.h"
+#include "support/UserDefaults.h"
+#include "tests/LogRecorder.h"
+#include "tests/SmallProject.h"
+#include "tests/TestDevice.h"
+#include "tests/app/FakeDesktop.h"
+#include "tests/app/FakeEditor.h"
+
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace navrel {
+
+/// A small project, a data manager on it, an application delegate and a device, all in this
+/// process. The test adds files before `launch`, and runs passes by hand.
+class ServedProject : public ::testing::Test {
+protected:
+    ~ServedProject() override;
+
+    /// Starts the program on the project, or on none, with a device that it connects to. Requests
+    /// are let in by `activate`, as in the program.
+    void launch();
+    void launchWithoutProject();
+
+    /// One pass over the project.
+    void runPass() { manager_->updateInBackground(); }
+
+    SmallProject project_;
+    QTemporaryDir profile_;
+    LogRecorder log_;
+    FakeDesktop desktop_;
+    FakeEditor editor_;
+    FileScanner scanner_;
+    QString version_ = QStringLiteral("1.4.2");
+    std::unique_ptr<UserDefaults> defaults_;
+    std::shared_ptr<KZDataManager> manager_;
+    std::shared_ptr<AppDelegate> delegate_;
+    TestDevice device_;
+
+private:
+    void start();
+};
+
+} // namespace navrel
