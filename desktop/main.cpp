@@ -1,0 +1,75 @@
+#include "app/AppDelegate.h"
+#include "app/ProgramVersion.h"
+#include "desktop/InstanceLock.h"
+#include "desktop/QtDesktop.h"
+#include "editors/DesktopEditor.h"
+#include "project/KZDataManager.h"
+#include "scanning/FileScanner.h"
+#include "support/UserDefaults.h"
+
+#include <QApplication>
+#include <QStandardPaths>
+#include <QTimer>
+
+#include <cstdio>
+#include <optional>
+
+namespace {
+
+using namespace navrel;
+
+/// Without a display Qt would end the program; the work is worth doing there too.
+void choosePlatform() {
+    const bool isChosen = qEnvironmentVariableIsSet("QT_QPA_PLATFORM") ||
+                          qEnvironmentVariableIsSet("DISPLAY") ||
+                          qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
+    if (!isChosen) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+}
+
+std::optional<QString> instanceLockPath() {
+    const QString folder = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    if (folder.isEmpty()) {
+        return std::nullopt;
+    }
+    return folder + QStringLiteral("/nl.kelvane.Navrel.lock");
+}
+
+int runApplication(QApplication& application) {
+    UserDefaults userDefaults;
+    QtDesktop desktop;
+    DesktopEditor editor;
+    FileScanner scanner;
+    const auto dataManager = KZDataManager::init(
+        {userDefaults, editor, desktop, scanner,
+         QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)});
+    const auto delegate =
+        AppDelegate::create({*dataManager, desktop, userDefaults, programVersion()});
+    QTimer::singleShot(0, delegate.get(),
+                       [&delegate] { delegate->applicationDidFinishLaunching(); });
+    QObject::connect(&application, &QCoreApplication::aboutToQuit, delegate.get(),
+                     [&delegate] { delegate->applicationWillTerminate(); });
+    return QApplication::exec();
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc > 1) {
+        std::fprintf(stderr, "navrel takes no arguments\n");
+        return 2;
+    }
+    const auto lockPath = instanceLockPath();
+    const auto lock = lockPath ? std::make_unique<InstanceLock>(*lockPath) : nullptr;
+    if (lock != nullptr && lock->isTaken()) {
+        std::fprintf(stderr, "Navrel is already running\n");
+        return 1;
+    }
+    choosePlatform();
+    QApplication application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("Navrel"));
+    QCoreApplication::setApplicationVersion(programVersion());
+    QApplication::setQuitOnLastWindowClosed(false);
+    return runApplication(application);
+}
