@@ -1,0 +1,110 @@
+#include "tests/endtoend/NavrelProcess.h"
+
+#include "tests/WaitUntil.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+
+namespace navrel {
+
+namespace {
+
+constexpr int kExitMilliseconds = 20'000;
+
+QString binary() {
+    return QCoreApplication::applicationDirPath() + QStringLiteral("/navrel");
+}
+
+} // namespace
+
+NavrelProcess::NavrelProcess() {
+    QDir(profile_.path()).mkpath(QStringLiteral("config/nl.kelvane"));
+    // As the session manager makes it: Qt complains of one that others can look into.
+    QDir(profile_.path())
+        .mkdir(QStringLiteral("run"), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+
+NavrelProcess::~NavrelProcess() {
+    kill();
+}
+
+QString NavrelProcess::storeFile() const {
+    return profile_.filePath(QStringLiteral("data/nl.kelvane.Navrel/OSXCoreDataObjC.storedata"));
+}
+
+QString NavrelProcess::defaultsFile() const {
+    return profile_.filePath(QStringLiteral("config/nl.kelvane/Navrel.conf"));
+}
+
+void NavrelProcess::setLastKnownProject(const QString& path) {
+    writeDefaults("[General]\nautomaticProjectSelection=false\nlastKnownProject=\"" +
+                  path.toUtf8() + "\"\n");
+}
+
+void NavrelProcess::writeDefaults(const QByteArray& text) {
+    QFile file(defaultsFile());
+    if (file.open(QIODevice::WriteOnly)) {
+        file.write(text);
+    }
+}
+
+void NavrelProcess::prepare(QProcess& process, const QStringList& arguments) const {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"),
+                       profile_.filePath(QStringLiteral("config")));
+    environment.insert(QStringLiteral("XDG_DATA_HOME"), profile_.filePath(QStringLiteral("data")));
+    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), profile_.filePath(QStringLiteral("run")));
+    // Without a display the program chooses its platform by itself.
+    environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
+    environment.remove(QStringLiteral("DISPLAY"));
+    environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
+    process.setProcessEnvironment(environment);
+    process.setProgram(binary());
+    process.setArguments(arguments);
+}
+
+bool NavrelProcess::start() {
+    log_.clear();
+    prepare(process_, {});
+    process_.start(QIODevice::ReadOnly);
+    return process_.waitForStarted();
+}
+
+void NavrelProcess::kill() {
+    process_.kill();
+    process_.waitForFinished();
+}
+
+bool NavrelProcess::isRunning() const {
+    return process_.state() == QProcess::Running;
+}
+
+std::optional<int> NavrelProcess::waitForExit() {
+    if (!process_.waitForFinished(kExitMilliseconds) ||
+        process_.exitStatus() != QProcess::NormalExit) {
+        return std::nullopt;
+    }
+    return process_.exitCode();
+}
+
+QByteArray NavrelProcess::log() {
+    log_ += process_.readAllStandardError();
+    return log_;
+}
+
+bool NavrelProcess::waitForLog(const QByteArray& text) {
+    return waitUntil([&] { return log().contains(text); });
+}
+
+NavrelProcess::Outcome NavrelProcess::runSecondInstance(const QStringList& arguments) {
+    QProcess second;
+    prepare(second, arguments);
+    second.start(QIODevice::ReadOnly);
+    if (!second.waitForFinished(kExitMilliseconds) || second.exitStatus() != QProcess::NormalExit) {
+        return {};
+    }
+    return {second.exitCode(), second.readAllStandardError()};
+}
+
+} // namespace navrel

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QByteArray>
+#include <QProcess>
+#include <QString>
+#include <QTemporaryDir>
+
+#include <optional>
+
+namespace navrel {
+
+/// The real program in a profile of its own: scratch folders for preferences, store and lock, kept
+/// from one start to the next.
+class NavrelProcess {
+public:
+    NavrelProcess();
+    ~NavrelProcess();
+    NavrelProcess(const NavrelProcess&) = delete;
+    NavrelProcess& operator=(const NavrelProcess&) = delete;
+
+    /// The project that the next start loads, with automatic selection off.
+    void setLastKnownProject(const QString& path);
+    /// Replaces the preferences file.
+    void writeDefaults(const QByteArray& text);
+
+    [[nodiscard]] bool start();
+    /// Ends it as the system does at the worst of times.
+    void kill();
+    bool isRunning() const;
+    /// Waits for it to end by itself; its exit status.
+    std::optional<int> waitForExit();
+
+    /// Everything on its standard error since it was started.
+    QByteArray log();
+    [[nodiscard]] bool waitForLog(const QByteArray& text);
+
+    /// Runs a second instance in the same session to its end.
+    struct Outcome {
+        int exitStatus = -1;
+        QByteArray standardError;
+    };
+    Outcome runSecondInstance(const QStringList& arguments = {});
+
+    QString storeFile() const;
+    QString defaultsFile() const;
+
+private:
+    void prepare(QProcess& process, const QStringList& arguments) const;
+
+    QTemporaryDir profile_;
+    QProcess process_;
+    QByteArray log_;
+};
+
+} // namespace navrel
