@@ -34,10 +34,29 @@ uint32_t flagsOf(quint32 options) {
     return flags;
 }
 
+bool isBefore(const RegularExpression::Deadline& deadline) {
+    return RegularExpression::Deadline::clock::now() < deadline;
+}
+
 /// Called by ICU every few thousand steps of a match; false ends the search.
-UBool isBeforeDeadline(const void* context, int32_t) {
-    const auto* deadline = static_cast<const RegularExpression::Deadline*>(context);
-    return std::chrono::steady_clock::now() < *deadline;
+UBool mayGoOnMatching(const void* context, int32_t) {
+    return isBefore(*static_cast<const RegularExpression::Deadline*>(context));
+}
+
+/// Called by ICU for each position where a match is tried; false ends the search.
+UBool mayGoOnFinding(const void* context, int64_t) {
+    return isBefore(*static_cast<const RegularExpression::Deadline*>(context));
+}
+
+void setDeadline(URegularExpression* expression, const RegularExpression::Deadline* deadline,
+                 UErrorCode& status) {
+    uregex_setMatchCallback(expression, deadline != nullptr ? mayGoOnMatching : nullptr, deadline,
+                            &status);
+    uregex_setFindProgressCallback(expression, deadline != nullptr ? mayGoOnFinding : nullptr,
+                                   deadline, &status);
+    if (deadline != nullptr && !isBefore(*deadline)) {
+        status = U_REGEX_STOPPED_BY_CALLER;
+    }
 }
 
 RegularExpression::Match currentMatch(URegularExpression* expression, UErrorCode& status) {
@@ -81,8 +100,7 @@ RegularExpression::Matches RegularExpression::matchesIn(QStringView text,
     }
     URegularExpression* const expression = expression_.get();
     UErrorCode status = U_ZERO_ERROR;
-    uregex_setMatchCallback(expression, deadline ? isBeforeDeadline : nullptr,
-                            deadline ? &*deadline : nullptr, &status);
+    setDeadline(expression, deadline ? &*deadline : nullptr, status);
     uregex_setText(expression, unitsOf(text), static_cast<int32_t>(text.size()), &status);
     while (U_SUCCESS(status) && uregex_findNext(expression, &status) != 0) {
         result.matches.push_back(currentMatch(expression, status));

@@ -86,6 +86,12 @@ TEST(RegularExpression, theDeadlineEndsAMatchThatBacktracksWithoutEnd) {
     EXPECT_EQ(result.matches.size(), 1U);
 }
 
+TEST(RegularExpression, aDeadlineThatIsOverEndsEverySearch) {
+    const auto result = expression(u"a"_s).matchesIn(u"aaa", Deadline::clock::now());
+    EXPECT_TRUE(result.error.has_value());
+    EXPECT_TRUE(result.matches.empty());
+}
+
 TEST(RegularExpression, backtrackingMemoryIsLimited) {
     const auto result = expression(u"(a|b)*c"_s).matchesIn(QString(4'000'000, u'a'));
     ASSERT_TRUE(result.error.has_value());

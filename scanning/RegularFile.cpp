@@ -1,0 +1,66 @@
+#include "scanning/RegularFile.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+namespace navrel {
+
+namespace {
+
+constexpr int kNoDescriptor = -1;
+
+ssize_t readOnce(int descriptor, quint64 offset, char* buffer, qsizetype length) {
+    ssize_t count = 0;
+    do {
+        count = ::pread(descriptor, buffer, static_cast<std::size_t>(length),
+                        static_cast<off_t>(offset));
+    } while (count < 0 && errno == EINTR);
+    return count;
+}
+
+} // namespace
+
+std::optional<RegularFile> RegularFile::open(const QByteArray& path) {
+    if (path.contains('\0')) {
+        return std::nullopt;
+    }
+    // Without O_NONBLOCK, opening a named pipe would wait for a writer.
+    const int descriptor = ::open(path.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+    if (descriptor == kNoDescriptor) {
+        return std::nullopt;
+    }
+    RegularFile file(descriptor, 0);
+    struct stat status = {};
+    if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) {
+        return std::nullopt;
+    }
+    file.size_ = static_cast<quint64>(status.st_size);
+    return file;
+}
+
+RegularFile::RegularFile(RegularFile&& other) noexcept
+    : descriptor_(std::exchange(other.descriptor_, kNoDescriptor)), size_(other.size_) {}
+
+RegularFile::~RegularFile() {
+    if (descriptor_ != kNoDescriptor) {
+        ::close(descriptor_);
+    }
+}
+
+qsizetype RegularFile::readAt(quint64 offset, char* buffer, qsizetype length) const {
+    qsizetype total = 0;
+    while (total < length) {
+        const ssize_t count = readOnce(descriptor_, offset + static_cast<quint64>(total),
+                                       buffer + total, length - total);
+        if (count <= 0) {
+            break;
+        }
+        total += count;
+    }
+    return total;
+}
+
+} // namespace navrel
