@@ -1,7 +1,5 @@
 #include "scanning/LineExpressions.h"
 
-#include "support/Assertion.h"
-#include "support/text/FilePath.h"
 #include "support/text/UTF8.h"
 
 #include <utility>
@@ -9,13 +7,6 @@
 namespace navrel {
 
 namespace {
-
-RegularExpression compiled(const ScanPattern& pattern) {
-    auto outcome = RegularExpression::compile(pattern.text, pattern.options);
-    auto* expression = std::get_if<RegularExpression>(&outcome);
-    NAVREL_ASSERT(expression != nullptr);
-    return std::move(*expression);
-}
 
 QByteArray textOfGroup(const QString& text, const RegularExpression::Match& match,
                        std::size_t group) {
@@ -25,17 +16,17 @@ QByteArray textOfGroup(const QString& text, const RegularExpression::Match& matc
 
 } // namespace
 
-std::optional<SuperclassExpression> SuperclassExpression::forPath(QByteArrayView path,
-                                                                  std::chrono::milliseconds atMost,
-                                                                  const ScanPattern& pattern) {
-    const auto baseName = decodeUTF8(deletingPathExtension(lastPathComponent(path)));
-    if (!baseName) {
+std::optional<SuperclassExpression>
+SuperclassExpression::forBaseName(QByteArrayView baseName, std::chrono::milliseconds atMost,
+                                  const ScanPattern& pattern) {
+    const auto name = decodeUTF8(baseName);
+    if (!name) {
         return std::nullopt;
     }
     const QString placeholder = QStringLiteral("%@");
     QString text = pattern.text;
     // Not escaped, deliberately: "Foo+Bar" repeats the letter before the plus sign.
-    text.replace(text.indexOf(placeholder), placeholder.size(), *baseName);
+    text.replace(text.indexOf(placeholder), placeholder.size(), *name);
     auto outcome = RegularExpression::compile(text, pattern.options);
     auto* expression = std::get_if<RegularExpression>(&outcome);
     if (expression == nullptr) {

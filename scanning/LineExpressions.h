@@ -19,11 +19,11 @@ inline constexpr std::chrono::milliseconds kSuperclassTimeLimit(100);
 /// The superclass pattern of one header, by ICU. One thread at a time.
 class SuperclassExpression {
 public:
-    /// The expression for a header of that path; nil where its base name makes no pattern. Searches
-    /// fail from `atMost` after now on.
+    /// The expression for a header of that base name; nil where it makes no pattern. Searches fail
+    /// from `atMost` after now on.
     static std::optional<SuperclassExpression>
-    forPath(QByteArrayView path, std::chrono::milliseconds atMost,
-            const ScanPattern& pattern = ScanPatterns().superclass);
+    forBaseName(QByteArrayView baseName, std::chrono::milliseconds atMost,
+                const ScanPattern& pattern = ScanPatterns().superclass);
 
     /// The superclass that a line names: that of its last match. Nil where it holds no match, is
     /// not UTF-8, or could not be searched: `error` then says why.

@@ -2,6 +2,7 @@
 
 #include "scanning/LineExpressions.h"
 #include "scanning/QWAdditions.h"
+#include "scanning/SourceFindings.h"
 #include "support/text/UTF8.h"
 
 #include <QChar>
@@ -217,7 +218,8 @@ void QWFileReader::enumerateLinesUsingBlock(const LineBlock& block) {
 }
 
 void QWFileReader::findSuperclassUsingBlock(const SuperclassBlock& block) {
-    auto expression = SuperclassExpression::forPath(filePath_, kSuperclassTimeLimit);
+    auto expression = SuperclassExpression::forBaseName(SourceName::ofPath(filePath_).baseName,
+                                                        kSuperclassTimeLimit);
     if (!expression) {
         return;
     }

@@ -12,6 +12,9 @@ struct ScanPattern {
     quint32 options;
 };
 
+/// The expression of a pattern, which must be one.
+RegularExpression compiled(const ScanPattern& pattern);
+
 /// What is looked for in source files. These patterns define the results, quirks included; the fast
 /// scan gives the same without them.
 struct ScanPatterns {

@@ -1,0 +1,146 @@
+#include "scanning/PlainScan.h"
+
+#include "support/text/UTF8.h"
+
+#include <utility>
+
+namespace navrel {
+
+namespace {
+
+/// The next line with its line feed, taken off the beginning of `rest`.
+QByteArrayView takeLine(QByteArrayView& rest) {
+    const qsizetype lineFeed = rest.indexOf('\n');
+    const qsizetype length = lineFeed < 0 ? rest.size() : lineFeed + 1;
+    const QByteArrayView line = rest.first(length);
+    rest = rest.sliced(length);
+    return line;
+}
+
+QString withoutAll(QString text, std::initializer_list<const char*> removed) {
+    for (const char* part : removed) {
+        text.remove(QLatin1StringView(part));
+    }
+    return text;
+}
+
+} // namespace
+
+PlainScan::PlainScan(ScanPatterns patterns)
+    : patterns_(std::move(patterns)), shortcutLine_(patterns_.shortcutLine),
+      swiftClass_(compiled(patterns_.swiftClass)),
+      swiftFunction_(compiled(patterns_.swiftFunction)),
+      swiftVariable_(compiled(patterns_.swiftVariable)), method_(compiled(patterns_.method)),
+      methodDeclaration_(compiled(patterns_.methodDeclaration)),
+      argument_(compiled(patterns_.argument)), typeCast_(compiled(patterns_.typeCast)),
+      property_(compiled(patterns_.property)), mark_(compiled(patterns_.mark)),
+      shortcut_(compiled(patterns_.shortcut)) {}
+
+std::optional<Error> PlainScan::scan(QByteArrayView text, const SourceName& name,
+                                     SourceFindings& findings, std::chrono::milliseconds atMost) {
+    findings.clear();
+    findings_ = &findings;
+    deadline_ = RegularExpression::Deadline::clock::now() + atMost;
+    error_.reset();
+    scanLines(text, name);
+    if (const auto wholeText = decodeUTF8(text)) {
+        scanWholeText(*wholeText, name.kind);
+    }
+    return error_;
+}
+
+void PlainScan::scanLines(QByteArrayView text, const SourceName& name) {
+    std::optional<SuperclassExpression> superclass;
+    if (name.kind == SourceKind::Header) {
+        const auto remaining = deadline_ - RegularExpression::Deadline::clock::now();
+        superclass = SuperclassExpression::forBaseName(
+            name.baseName, std::chrono::duration_cast<std::chrono::milliseconds>(remaining),
+            patterns_.superclass);
+    }
+    quint32 lineNumber = 1;
+    for (QByteArrayView rest = text; !rest.isEmpty(); ++lineNumber) {
+        const QByteArrayView line = takeLine(rest);
+        if (!isValidUTF8(line)) {
+            return;
+        }
+        if (superclass && !findings_->superclass()) {
+            if (const auto found = superclass->superclassOnLine(line)) {
+                findings_->setSuperclass(findings_->keepText(*found));
+            }
+            error_ = error_ ? error_ : superclass->error();
+        }
+        if (const auto found = shortcutLine_.shortcutOnLine(line)) {
+            findings_->addShortcut({lineNumber, findings_->keepText(*found)});
+        }
+    }
+}
+
+/// Adds an element for each match. `makeElement` is given the texts of the match and of its groups.
+template <typename MakeElement>
+void PlainScan::scanFor(RegularExpression& expression, const QString& text,
+                        MakeElement makeElement) {
+    const auto found = expression.matchesIn(text, deadline_);
+    error_ = error_ ? error_ : found.error;
+    qsizetype countedTo = 0;
+    quint32 line = 1;
+    for (const auto& match : found.matches) {
+        const qsizetype start = match.ranges[0].location;
+        line += static_cast<quint32>(
+            QStringView(text).sliced(countedTo, start - countedTo).count(u'\n'));
+        countedTo = start;
+        const auto group = [&](std::size_t index) {
+            const auto range = match.ranges[index];
+            return text.mid(range.location, range.length);
+        };
+        const std::pair<ElementType, QString> element = makeElement(group);
+        const QByteArray name = element.second.toUtf8();
+        findings_->addElement({element.first, line, findings_->keepText(name)});
+    }
+}
+
+void PlainScan::scanWholeText(const QString& text, SourceKind kind) {
+    if (kind == SourceKind::Swift) {
+        scanFor(swiftClass_, text, [](const auto& group) {
+            return std::pair(ElementType::Class, withoutAll(group(0), {"\n", "class", " "}));
+        });
+        scanFor(swiftFunction_, text, [](const auto& group) {
+            return std::pair(ElementType::Method,
+                             withoutAll(group(0), {"\n", "func", " "}) + QStringLiteral("()"));
+        });
+        scanFor(swiftVariable_, text, [](const auto& group) {
+            return std::pair(ElementType::Property, withoutAll(group(0), {"var", "let", " "}));
+        });
+    } else {
+        scanFor(kind == SourceKind::Header ? methodDeclaration_ : method_, text,
+                [this](const auto& group) {
+                    return std::pair(ElementType::Method, methodName(group(0)));
+                });
+        scanFor(property_, text,
+                [](const auto& group) { return std::pair(ElementType::Property, group(2)); });
+    }
+    scanFor(mark_, text, [](const auto& group) {
+        const bool isMark = group(1).toLower().contains(QStringLiteral("mark"));
+        return std::pair(isMark ? ElementType::Mark : ElementType::Warning, group(2));
+    });
+    scanFor(shortcut_, text,
+            [](const auto& group) { return std::pair(ElementType::Shortcut, group(2)); });
+}
+
+/// The selector as people write it: of each argument only the colon stays, types are left out.
+QString PlainScan::methodName(QString match) {
+    match = withoutMatches(argument_, std::move(match), QStringLiteral(":"));
+    match = withoutMatches(typeCast_, std::move(match), QString());
+    return withoutAll(std::move(match), {" ", "{", ";"});
+}
+
+QString PlainScan::withoutMatches(RegularExpression& expression, QString text,
+                                  const QString& substitute) {
+    const auto found = expression.matchesIn(text, deadline_);
+    error_ = error_ ? error_ : found.error;
+    for (auto match = found.matches.rbegin(); match != found.matches.rend(); ++match) {
+        text.replace(match->ranges[0].location, match->ranges[0].length, substitute);
+    }
+    return text;
+}
+
+} // namespace navrel

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "scanning/LineExpressions.h"
+#include "scanning/ScanPatterns.h"
+#include "scanning/SourceFindings.h"
+
+#include <chrono>
+#include <optional>
+
+namespace navrel {
+
+/// The patterns applied as they are written, one after the other, by ICU: slow, and the measure of
+/// what `scanSource` must find. One thread at a time.
+class PlainScan {
+public:
+    /// `patterns` must be valid; others than the default ones are for checks.
+    explicit PlainScan(ScanPatterns patterns = {});
+
+    /// Fills `findings`, cleared before, with what the text of a file of that name holds. An error
+    /// (ICU gave up on a text made to backtrack, or `atMost` was over) says that the findings are
+    /// incomplete.
+    std::optional<Error> scan(QByteArrayView text, const SourceName& name, SourceFindings& findings,
+                              std::chrono::milliseconds atMost);
+
+private:
+    void scanLines(QByteArrayView text, const SourceName& name);
+    void scanWholeText(const QString& text, SourceKind kind);
+    template <typename MakeElement>
+    void scanFor(RegularExpression& expression, const QString& text, MakeElement makeElement);
+    QString methodName(QString match);
+    QString withoutMatches(RegularExpression& expression, QString text, const QString& substitute);
+
+    ScanPatterns patterns_;
+    ShortcutExpression shortcutLine_;
+    RegularExpression swiftClass_;
+    RegularExpression swiftFunction_;
+    RegularExpression swiftVariable_;
+    RegularExpression method_;
+    RegularExpression methodDeclaration_;
+    RegularExpression argument_;
+    RegularExpression typeCast_;
+    RegularExpression property_;
+    RegularExpression mark_;
+    RegularExpression shortcut_;
+
+    // Of the scan under way.
+    SourceFindings* findings_ = nullptr;
+    RegularExpression::Deadline deadline_;
+    std::optional<Error> error_;
+};
+
+} // namespace navrel

@@ -1,0 +1,358 @@
+#include "scanning/RuleMatchers.h"
+
+#include "scanning/TextCursor.h"
+
+#include <algorithm>
+
+namespace navrel {
+
+namespace {
+
+char folded(char byte) {
+    return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte | 0x20) : byte;
+}
+
+/// A character outside ASCII that folds to ASCII letters when letter case does not count.
+struct OtherForm {
+    std::string_view bytes;
+    std::string_view letters;
+};
+
+constexpr std::array kOtherForms = {
+    OtherForm{"\xC5\xBF", "s"},       // U+017F long s
+    OtherForm{"\xE2\x84\xAA", "k"},   // U+212A Kelvin sign
+    OtherForm{"\xC3\x9F", "ss"},      // U+00DF sharp s
+    OtherForm{"\xE1\xBA\x9E", "ss"},  // U+1E9E capital sharp s
+    OtherForm{"\xEF\xAC\x80", "ff"},  // U+FB00
+    OtherForm{"\xEF\xAC\x81", "fi"},  // U+FB01
+    OtherForm{"\xEF\xAC\x82", "fl"},  // U+FB02
+    OtherForm{"\xEF\xAC\x83", "ffi"}, // U+FB03
+    OtherForm{"\xEF\xAC\x84", "ffl"}, // U+FB04
+    OtherForm{"\xEF\xAC\x85", "st"},  // U+FB05
+    OtherForm{"\xEF\xAC\x86", "st"},  // U+FB06
+};
+
+} // namespace
+
+/// The letters of the other form that stands here, having moved over it; none where there is none.
+std::string_view TextCursor::takeOtherForm() {
+    for (const OtherForm& form : kOtherForms) {
+        if (takeBytes(form.bytes)) {
+            return form.letters;
+        }
+    }
+    return {};
+}
+
+bool TextCursor::takeFolded(std::string_view text) {
+    TextCursor ahead = *this;
+    while (!text.empty()) {
+        if (folded(ahead.current()) == text[0] && ahead.at < end) {
+            ++ahead.at;
+            text.remove_prefix(1);
+            continue;
+        }
+        const std::string_view letters = ahead.takeOtherForm();
+        if (letters.empty() || text.substr(0, letters.size()) != letters) {
+            return false;
+        }
+        text.remove_prefix(letters.size());
+    }
+    *this = ahead;
+    return true;
+}
+
+const char* TextCursor::endOfLine() const {
+    TextCursor ahead = *this;
+    for (; ahead.at < end; ++ahead.at) {
+        const char byte = *ahead.at;
+        const bool isBreak = byte >= '\n' && byte <= '\r';
+        const bool mayBeBreak = byte == '\xC2' || byte == '\xE2';
+        if (isBreak || (mayBeBreak && (TextCursor(ahead).takeBytes("\xC2\x85") ||
+                                       TextCursor(ahead).takeBytes("\xE2\x80\xA8") ||
+                                       TextCursor(ahead).takeBytes("\xE2\x80\xA9")))) {
+            break;
+        }
+    }
+    return ahead.at;
+}
+
+const char* matchKeywordAndName(const char* at, const char* end, std::string_view keyword) {
+    TextCursor cursor{at, end};
+    if (!cursor.takeFolded(keyword)) {
+        return nullptr;
+    }
+    cursor.skipAll(' ');
+    cursor.skipAll(CharacterClass::LetterOrDigit);
+    return cursor.at;
+}
+
+// No class of the pattern holds a sign, or the character that follows it in the pattern: what one
+// class has taken, no other way of matching gives back.
+const char* matchMethod(const char* at, const char* end, char terminator) {
+    TextCursor cursor{at + 1, end};
+    cursor.skipAll(' ');
+    if (!cursor.take('(')) {
+        return nullptr;
+    }
+    cursor.skipAll(CharacterClass::Cast);
+    if (!cursor.take(')')) {
+        return nullptr;
+    }
+    cursor.skipAll(CharacterClass::Head);
+    return cursor.take(terminator) ? cursor.at : nullptr;
+}
+
+namespace {
+
+enum class MarkKeyword { None, Mark, Warning };
+
+MarkKeyword takeMarkKeyword(TextCursor& cursor) {
+    if (cursor.takeFolded("#pragma mark")) {
+        return MarkKeyword::Mark;
+    }
+    if (cursor.takeFolded("#warning")) {
+        return MarkKeyword::Warning;
+    }
+    if (!cursor.takeFolded("//")) {
+        return MarkKeyword::None;
+    }
+    cursor.skipAll(' ');
+    if (cursor.takeFolded("mark:")) {
+        return MarkKeyword::Mark;
+    }
+    return cursor.takeFolded("warning:") ? MarkKeyword::Warning : MarkKeyword::None;
+}
+
+QByteArrayView restOfLine(const TextCursor& cursor) {
+    return {cursor.at, cursor.endOfLine() - cursor.at};
+}
+
+} // namespace
+
+std::optional<MarkMatch> matchMark(const char* at, const char* end) {
+    TextCursor cursor{at, end};
+    const MarkKeyword keyword = takeMarkKeyword(cursor);
+    const char* const textBegin = cursor.at;
+    cursor.skipAll(CharacterClass::BlankOrDash);
+    if (keyword == MarkKeyword::None || cursor.at == textBegin) {
+        return std::nullopt;
+    }
+    return MarkMatch{keyword == MarkKeyword::Mark, restOfLine(cursor)};
+}
+
+const char* matchShortcutKeyword(const char* at, const char* end) {
+    TextCursor cursor{at, end};
+    if (!cursor.takeFolded("//")) {
+        return nullptr;
+    }
+    cursor.skipAll(' ');
+    return cursor.takeFolded("navrel:") ? cursor.at : nullptr;
+}
+
+std::optional<QByteArrayView> matchShortcutElementText(const char* at, const char* end) {
+    TextCursor cursor{at, end};
+    cursor.skipAll(CharacterClass::BlankOrDash);
+    return cursor.at > at ? std::optional(restOfLine(cursor)) : std::nullopt;
+}
+
+QByteArrayView matchShortcutCommentText(const char* at, const char* end) {
+    TextCursor cursor{at, end};
+    cursor.skipAll(' ');
+    return restOfLine(cursor);
+}
+
+// "@interface %@ *: *([a-z0-9]*) *(<([a-z, ]*)>)*"
+std::optional<SuperclassMatch> matchSuperclass(const char* at, const char* end,
+                                               std::string_view foldedBaseName) {
+    TextCursor cursor{at, end};
+    if (!cursor.takeFolded("@interface ") || !cursor.takeFolded(foldedBaseName)) {
+        return std::nullopt;
+    }
+    cursor.skipAll(' ');
+    if (!cursor.take(':')) {
+        return std::nullopt;
+    }
+    cursor.skipAll(' ');
+    const char* const begin = cursor.at;
+    cursor.skipAll(CharacterClass::LetterOrDigit);
+    SuperclassMatch match{cursor.textFrom(begin), nullptr};
+    cursor.skipAll(' ');
+    TextCursor list = cursor;
+    while (list.take('<')) {
+        list.skipAll(CharacterClass::Protocol);
+        if (!list.take('>')) {
+            break;
+        }
+        cursor = list;
+    }
+    match.end = cursor.at;
+    return match;
+}
+
+namespace {
+
+/// The place behind the last blank of a stretch, or null.
+const char* behindLastBlank(const char* begin, const char* end) {
+    while (end > begin && end[-1] != ' ') {
+        --end;
+    }
+    return end > begin ? end : nullptr;
+}
+
+/// The end of "@property *\(*[a-z0-9, ]*\)*[IBOutlet ]*[a-z0-9_]*[ \*]+", or null.
+///
+/// Each part takes all it can. If no blank or star follows then, the last part gets the last blank
+/// that an earlier one can give back: giving back anything else helps nobody, since the letters
+/// behind it lead to the same place again, and no part takes a bracket that another one gave back.
+/// The latest part is asked first.
+const char* matchPropertyHead(TextCursor cursor) {
+    if (!cursor.takeFolded("@property")) {
+        return nullptr;
+    }
+    const char* const blanks = cursor.at;
+    cursor.skipAll(' ');
+    const char* const blanksEnd = cursor.at;
+    cursor.skipAll('(');
+    const char* const attributes = cursor.at;
+    cursor.skipAll(CharacterClass::Attribute);
+    const char* const attributesEnd = cursor.at;
+    cursor.skipAll(')');
+    const char* const outlet = cursor.at;
+    cursor.skipAll(CharacterClass::Outlet);
+    const char* const outletEnd = cursor.at;
+    cursor.skipAll(CharacterClass::Word);
+    const char* const type = cursor.at;
+    cursor.skipAll(CharacterClass::BlankOrStar);
+    if (cursor.at > type) {
+        return cursor.at;
+    }
+    if (const char* end = behindLastBlank(outlet, outletEnd)) {
+        return end;
+    }
+    if (const char* end = behindLastBlank(attributes, attributesEnd)) {
+        return end;
+    }
+    return behindLastBlank(blanks, blanksEnd);
+}
+
+const char* matchPropertyPrefix(TextCursor cursor) {
+    if (cursor.takeFolded("@dynamic")) {
+        cursor.skipAll(' ');
+        return cursor.at;
+    }
+    return matchPropertyHead(cursor);
+}
+
+} // namespace
+
+/// Places on one line share the answer, or a line of properties without semicolon would be read
+/// again for each of them.
+const char* PropertyMatcher::lastSemicolonOfLine(const char* at, const char* end) {
+    if (lineEnd_ == nullptr || at > lineEnd_) {
+        lineEnd_ = TextCursor{at, end}.endOfLine();
+        const auto found =
+            std::find(std::reverse_iterator(lineEnd_), std::reverse_iterator(at), ';');
+        lastSemicolon_ = found.base() == at ? nullptr : found.base() - 1;
+    }
+    return lastSemicolon_ != nullptr && lastSemicolon_ >= at ? lastSemicolon_ : nullptr;
+}
+
+std::optional<QByteArrayView> PropertyMatcher::match(const char* at, const char* end) {
+    const char* const name = matchPropertyPrefix({at, end});
+    const char* const nameEnd = name != nullptr ? lastSemicolonOfLine(name, end) : nullptr;
+    if (nameEnd == nullptr) {
+        return std::nullopt;
+    }
+    return QByteArrayView(name, nameEnd - name);
+}
+
+namespace {
+
+/// Writes a method's text with each ":[^\)]+\) *[^ ]+" (a colon, a type, a name) made a colon.
+char* writeWithoutArguments(QByteArrayView match, char* name) {
+    const char* at = match.begin();
+    const char* const end = match.end();
+    const char* bracket = at; // the next closing one
+    while (at < end) {
+        if (*at != ':') {
+            *name++ = *at++;
+            continue;
+        }
+        bracket = std::find(std::max(bracket, at), end, ')');
+        TextCursor cursor{bracket, end};
+        cursor.take(')');
+        cursor.skipAll(' ');
+        if (cursor.at == end) { // nothing behind the last type: no further argument either
+            return std::copy(at, end, name);
+        }
+        *name++ = *at;
+        at = bracket == at + 1 ? bracket : std::find(cursor.at, end, ' ');
+    }
+    return name;
+}
+
+/// The end of "\( *([^\) *]*)[ *]*\)" at a bracket, or null; `retryAt` is then the first place
+/// where another bracket may fare better.
+const char* matchTypeCast(const char* at, const char* end, const char*& retryAt) {
+    TextCursor cursor{at + 1, end};
+    cursor.skipAll(' ');
+    while (cursor.at < end && *cursor.at != ')' && *cursor.at != ' ' && *cursor.at != '*') {
+        ++cursor.at;
+    }
+    retryAt = cursor.at - 1; // any bracket before comes to the same end
+    cursor.skipAll(CharacterClass::BlankOrStar);
+    return cursor.take(')') ? cursor.at : nullptr;
+}
+
+/// Takes type casts, blanks and terminators out of a text, in place.
+char* removeTypeCasts(char* text, char* end) {
+    const char* at = text;
+    const char* retryAt = text;
+    char* kept = text;
+    while (at < end) {
+        if (*at == '(' && at >= retryAt) {
+            if (const char* castEnd = matchTypeCast(at, end, retryAt)) {
+                at = castEnd;
+                continue;
+            }
+        }
+        if (*at != ' ' && *at != '{' && *at != ';') {
+            *kept++ = *at;
+        }
+        ++at;
+    }
+    return kept;
+}
+
+char* removeAll(char* text, char* end, std::string_view part) {
+    char* kept = text;
+    const char* at = text;
+    while (at < end) {
+        const std::string_view rest(at, static_cast<std::size_t>(end - at));
+        if (rest.substr(0, part.size()) == part) {
+            at += part.size();
+        } else {
+            *kept++ = *at++;
+        }
+    }
+    return kept;
+}
+
+} // namespace
+
+qsizetype writeMethodName(QByteArrayView match, char* name) {
+    char* const end = writeWithoutArguments(match, name);
+    return removeTypeCasts(name, end) - name;
+}
+
+qsizetype writeWithout(QByteArrayView match, std::initializer_list<std::string_view> parts,
+                       char* name) {
+    char* end = std::copy(match.begin(), match.end(), name);
+    for (const std::string_view part : parts) {
+        end = removeAll(name, end, part);
+    }
+    return end - name;
+}
+
+} // namespace navrel

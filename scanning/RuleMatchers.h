@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QByteArrayView>
+
+#include <optional>
+#include <string_view>
+
+/// The patterns of ScanPatterns matched by hand at one place of a valid UTF-8 text. Each gives what
+/// ICU gives for a match that begins there, and reads on no further than a search for the next
+/// match may skip, so that a search over a text is linear in its length.
+namespace navrel {
+
+/// "class *([a-z0-9]*)" and the like: the end of the match, or null. `keyword` is lower case.
+const char* matchKeywordAndName(const char* at, const char* end, std::string_view keyword);
+
+/// "(-|\+) *\([a-z0-9 *]*\)[a-z :()_0-9*\n]*\{", or with another terminator: the end of the match,
+/// or null. The sign has been seen.
+const char* matchMethod(const char* at, const char* end, char terminator);
+
+/// The rest of a line.
+struct MarkMatch {
+    bool isMark; ///< else a warning
+    QByteArrayView text;
+};
+/// "(#pragma mark|#warning|// *MARK:|// *WARNING:)[ -]+(.*)"; `text` is group 2, which ends the
+/// match.
+std::optional<MarkMatch> matchMark(const char* at, const char* end);
+
+/// "(// *navrel:)": the end of the match, or null.
+const char* matchShortcutKeyword(const char* at, const char* end);
+
+/// "[ -]+(.*)", which ends a shortcut element: group 1.
+std::optional<QByteArrayView> matchShortcutElementText(const char* at, const char* end);
+
+/// " *(.*)", which ends a shortcut comment: group 1.
+QByteArrayView matchShortcutCommentText(const char* at, const char* end);
+
+/// The superclass pattern for a base name without special characters.
+struct SuperclassMatch {
+    QByteArrayView superclass; ///< group 1
+    const char* end;
+};
+std::optional<SuperclassMatch> matchSuperclass(const char* at, const char* end,
+                                               std::string_view foldedBaseName);
+
+/// The property pattern,
+/// "(@property *\(*[a-z0-9, ]*\)*[IBOutlet ]*[a-z0-9_]*[ \*]+|@dynamic[ ]*)(.*);".
+/// Keeps what it learned of a line for the next match on it: one object a text, places in order.
+class PropertyMatcher {
+public:
+    /// Group 2; the match ends with the semicolon behind it.
+    std::optional<QByteArrayView> match(const char* at, const char* end);
+
+private:
+    const char* lastSemicolonOfLine(const char* at, const char* end);
+
+    const char* lineEnd_ = nullptr;
+    const char* lastSemicolon_ = nullptr;
+};
+
+/// The name of a method: its match without types and arguments, of each argument only the colon
+/// kept, and without blanks and terminator. Writes at most `match.size()` bytes to `name` and
+/// returns how many.
+qsizetype writeMethodName(QByteArrayView match, char* name);
+
+/// Writes a match without the given parts, taken out one after the other, and returns how many
+/// bytes are left.
+qsizetype writeWithout(QByteArrayView match, std::initializer_list<std::string_view> parts,
+                       char* name);
+
+} // namespace navrel

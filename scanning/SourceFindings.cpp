@@ -1,0 +1,94 @@
+#include "scanning/SourceFindings.h"
+
+#include "support/text/FilePath.h"
+
+#include <algorithm>
+
+namespace navrel {
+
+namespace {
+
+SourceKind kindOfExtension(QByteArrayView extension) {
+    if (extension == "h") {
+        return SourceKind::Header;
+    }
+    return extension == "swift" ? SourceKind::Swift : SourceKind::Implementation;
+}
+
+/// The list of a type: marks and warnings share one.
+constexpr std::size_t listOf(ElementType type) {
+    switch (type) {
+    case ElementType::Class:
+        return 0;
+    case ElementType::Method:
+        return 1;
+    case ElementType::Mark:
+    case ElementType::Warning:
+        return 2;
+    case ElementType::Shortcut:
+        return 3;
+    case ElementType::Property:
+        break;
+    }
+    return 4;
+}
+
+} // namespace
+
+SourceName SourceName::ofPath(QByteArrayView path) {
+    return {kindOfExtension(pathExtension(path)), deletingPathExtension(lastPathComponent(path))};
+}
+
+QByteArrayView nameOfElementType(ElementType type) {
+    switch (type) {
+    case ElementType::Class:
+        return "class";
+    case ElementType::Method:
+        return "method";
+    case ElementType::Mark:
+        return "mark";
+    case ElementType::Warning:
+        return "warning";
+    case ElementType::Shortcut:
+        return "shortcut";
+    case ElementType::Property:
+        break;
+    }
+    return "property";
+}
+
+void SourceFindings::clear() {
+    superclass_.reset();
+    shortcuts_.clear();
+    for (auto& list : elements_) {
+        list.clear();
+    }
+    texts_.release();
+}
+
+void SourceFindings::addShortcut(const SourceShortcut& shortcut) {
+    if (!shortcuts_.empty() && shortcuts_.back().line == shortcut.line) {
+        shortcuts_.back() = shortcut;
+    } else if (shortcuts_.size() < kMostRecords) {
+        shortcuts_.push_back(shortcut);
+    }
+}
+
+void SourceFindings::addElement(const SourceElement& element) {
+    auto& list = elements_[listOf(element.type)];
+    if (list.size() < kMostRecords) {
+        list.push_back(element);
+    }
+}
+
+char* SourceFindings::allocateText(qsizetype size) {
+    return static_cast<char*>(texts_.allocate(static_cast<std::size_t>(size), 1));
+}
+
+QByteArrayView SourceFindings::keepText(QByteArrayView text) {
+    char* const kept = allocateText(text.size());
+    std::copy(text.begin(), text.end(), kept);
+    return {kept, text.size()};
+}
+
+} // namespace navrel

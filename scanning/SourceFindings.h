@@ -1,0 +1,101 @@
+#pragma once
+
+#include <QByteArray>
+#include <QByteArrayView>
+
+#include <array>
+#include <cstddef>
+#include <memory_resource>
+#include <optional>
+#include <vector>
+
+namespace navrel {
+
+/// Which rules a source file is scanned by.
+enum class SourceKind : quint8 {
+    Header,         ///< extension "h"
+    Swift,          ///< extension "swift"
+    Implementation, ///< every other extension
+};
+
+/// What the scans need to know of a file beside its text.
+struct SourceName {
+    SourceKind kind;
+    QByteArray baseName; ///< last component without its extension, UTF-8
+
+    /// Extensions are compared exactly: "H" is not "h".
+    static SourceName ofPath(QByteArrayView path);
+};
+
+enum class ElementType : quint8 { Class, Method, Mark, Warning, Shortcut, Property };
+
+/// The type as the store and the device know it: "class", "method" and so on.
+QByteArrayView nameOfElementType(ElementType type);
+
+/// One code element.
+struct SourceElement {
+    ElementType type;
+    quint32 line; ///< 1-based
+    QByteArrayView name;
+};
+
+/// One shortcut comment.
+struct SourceShortcut {
+    quint32 line; ///< 1-based
+    QByteArrayView text;
+};
+
+/// What a scan found in one file. Texts are UTF-8 and lie partly in the scanned text, partly here:
+/// valid while both stay as they are. Kept from file to file, it soon allocates no more.
+class SourceFindings {
+public:
+    SourceFindings() = default;
+    SourceFindings(const SourceFindings&) = delete;
+    SourceFindings& operator=(const SourceFindings&) = delete;
+
+    /// A list of more records is a text made to fill the memory: the rest is left out. The largest
+    /// sources that people keep hold some ten thousands.
+    static constexpr std::size_t kMostRecords = 1'000'000;
+
+    void clear();
+
+    /// The superclass that a header declares for the class of its own name, maybe the empty text;
+    /// nil where it declares none, and for other files.
+    const std::optional<QByteArrayView>& superclass() const { return superclass_; }
+    void setSuperclass(QByteArrayView name) { superclass_ = name; }
+
+    /// In order of line, one a line at the most.
+    const std::vector<SourceShortcut>& shortcuts() const { return shortcuts_; }
+    /// A shortcut on the line of the last one takes its place.
+    void addShortcut(const SourceShortcut& shortcut);
+
+    /// Calls `visit` with each element: all classes first, then all methods, marks and warnings,
+    /// shortcuts, properties, each of these lists in order of position.
+    template <typename Visitor>
+    void visitElements(Visitor visit) const {
+        for (const auto& list : elements_) {
+            for (const SourceElement& element : list) {
+                visit(element);
+            }
+        }
+    }
+    /// Elements of one list come in order of position; the lists may be filled side by side.
+    void addElement(const SourceElement& element);
+
+    /// Room for a text that is not part of the scanned one, as long as the findings live.
+    char* allocateText(qsizetype size);
+    QByteArrayView keepText(QByteArrayView text);
+
+private:
+    static constexpr std::size_t kListCount = 5;
+    /// Holds the made-up names of an ordinary file.
+    static constexpr std::size_t kFirstTextSize = std::size_t(64) * 1024;
+
+    std::optional<QByteArrayView> superclass_;
+    std::vector<SourceShortcut> shortcuts_;
+    std::array<std::vector<SourceElement>, kListCount> elements_;
+    std::array<std::byte, kFirstTextSize> firstTexts_;
+    std::pmr::monotonic_buffer_resource texts_{firstTexts_.data(), firstTexts_.size()};
+};
+
+} // namespace navrel

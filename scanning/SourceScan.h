@@ -1,0 +1,20 @@
+#pragma once
+
+#include "scanning/SourceFindings.h"
+
+#include <QByteArrayView>
+
+namespace navrel {
+
+/// Finds the superclass, the shortcut comments and the code elements of a source file in one pass
+/// over its text: what `PlainScan` finds wherever ICU comes to an end, and elsewhere what its
+/// patterns mean. Takes time in proportion to the length of the text, whatever it holds.
+///
+/// A text that is not UTF-8 has no elements; superclass and shortcuts are those of the lines before
+/// the first one that is not. `findings` is cleared first; it holds parts of `text`.
+void scanSource(QByteArrayView text, const SourceName& name, SourceFindings& findings);
+
+/// The same without vector instructions: what other processors run.
+void scanSourcePortably(QByteArrayView text, const SourceName& name, SourceFindings& findings);
+
+} // namespace navrel

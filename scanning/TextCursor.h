@@ -1,0 +1,141 @@
+#pragma once
+
+#include <QByteArrayView>
+
+#include <array>
+#include <cstring>
+#include <string_view>
+
+namespace navrel {
+
+/// The character classes of the patterns, letter case not counting. One bit each.
+enum class CharacterClass : quint16 {
+    Blank = 1,         ///< a blank
+    BlankOrDash = 2,   ///< [ -]
+    BlankOrStar = 4,   ///< [ *]
+    LetterOrDigit = 8, ///< [a-z0-9]
+    Word = 16,         ///< [a-z0-9_]
+    Cast = 32,         ///< [a-z0-9 *]
+    Head = 64,         ///< [a-z :()_0-9*\n]
+    Attribute = 128,   ///< [a-z0-9, ]
+    Outlet = 256,      ///< [IBOutlet ]
+    Protocol = 512,    ///< [a-z, ]
+};
+
+namespace characterclasses {
+
+constexpr quint16 bitOf(CharacterClass characterClass) {
+    return static_cast<quint16>(characterClass);
+}
+
+/// The classes that take in all letters, and so two characters that are letters but for their case:
+/// U+017F (long s) and U+212A (Kelvin sign).
+inline constexpr quint16 kWithCaseForms =
+    bitOf(CharacterClass::LetterOrDigit) | bitOf(CharacterClass::Word) |
+    bitOf(CharacterClass::Cast) | bitOf(CharacterClass::Head) | bitOf(CharacterClass::Attribute) |
+    bitOf(CharacterClass::Protocol);
+
+using Table = std::array<quint16, 256>;
+
+constexpr void add(Table& table, CharacterClass characterClass, std::string_view members) {
+    for (const char member : members) {
+        table[static_cast<uchar>(member)] |= bitOf(characterClass);
+    }
+}
+
+constexpr Table makeTable() {
+    constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
+    Table table{};
+    for (const auto characterClass :
+         {CharacterClass::LetterOrDigit, CharacterClass::Word, CharacterClass::Cast,
+          CharacterClass::Head, CharacterClass::Attribute, CharacterClass::Protocol}) {
+        add(table, characterClass, kLetters);
+    }
+    for (const auto characterClass :
+         {CharacterClass::LetterOrDigit, CharacterClass::Word, CharacterClass::Cast,
+          CharacterClass::Head, CharacterClass::Attribute}) {
+        add(table, characterClass, "0123456789");
+    }
+    add(table, CharacterClass::Blank, " ");
+    add(table, CharacterClass::BlankOrDash, " -");
+    add(table, CharacterClass::BlankOrStar, " *");
+    add(table, CharacterClass::Word, "_");
+    add(table, CharacterClass::Cast, " *");
+    add(table, CharacterClass::Head, " :()_*\n");
+    add(table, CharacterClass::Attribute, ", ");
+    add(table, CharacterClass::Outlet, "IBOutletibouTLE ");
+    add(table, CharacterClass::Protocol, ", ");
+    return table;
+}
+
+inline constexpr Table kTable = makeTable();
+
+} // namespace characterclasses
+
+/// A place in a valid UTF-8 text, and the text's end. What it moves over, a pattern matches.
+struct TextCursor {
+    const char* at;
+    const char* end;
+
+    /// The byte here; NUL, which no pattern holds, at the end.
+    char current() const { return at < end ? *at : '\0'; }
+
+    /// Moves over one byte if it is this one.
+    bool take(char byte) {
+        const bool isHere = current() == byte;
+        at += isHere ? 1 : 0;
+        return isHere;
+    }
+
+    /// Moves over as many bytes of this value as there are.
+    void skipAll(char byte) {
+        while (at < end && *at == byte) {
+            ++at;
+        }
+    }
+
+    /// Moves over as many characters of the class as there are.
+    void skipAll(CharacterClass characterClass) {
+        const quint16 bit = characterclasses::bitOf(characterClass);
+        for (;;) {
+            while (at < end && (characterclasses::kTable[static_cast<uchar>(*at)] & bit) != 0) {
+                ++at;
+            }
+            if ((bit & characterclasses::kWithCaseForms) == 0 || !takeLetterInOtherForm()) {
+                return;
+            }
+        }
+    }
+
+    /// Moves over a text whose letter case does not count, where it stands here whole; else stays.
+    /// `folded` is ASCII without capitals. Characters that are such letters in another form count
+    /// as them, also one for several: see the source.
+    bool takeFolded(std::string_view folded);
+
+    /// The end of what "." matches from here on: the next line break, of which there are seven
+    /// (LF, VT, FF, CR, U+0085, U+2028, U+2029), or the end of the text.
+    const char* endOfLine() const;
+
+    QByteArrayView textFrom(const char* begin) const { return {begin, at - begin}; }
+
+private:
+    bool takeLetterInOtherForm() {
+        constexpr std::string_view kLongS = "\xC5\xBF";
+        constexpr std::string_view kKelvinSign = "\xE2\x84\xAA";
+        if (current() == kLongS[0]) {
+            return takeBytes(kLongS);
+        }
+        return current() == kKelvinSign[0] && takeBytes(kKelvinSign);
+    }
+
+    bool takeBytes(std::string_view bytes) {
+        const bool areHere = static_cast<std::size_t>(end - at) >= bytes.size() &&
+                             std::memcmp(at, bytes.data(), bytes.size()) == 0;
+        at += areHere ? bytes.size() : 0;
+        return areHere;
+    }
+
+    std::string_view takeOtherForm();
+};
+
+} // namespace navrel

@@ -1,0 +1,55 @@
+#include "tests/scanning/FindingsText.h"
+
+#include "scanning/PlainScan.h"
+#include "scanning/SourceScan.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace navrel {
+
+namespace {
+
+std::string text(QByteArrayView bytes) {
+    return std::string(bytes.data(), static_cast<std::size_t>(bytes.size()));
+}
+
+std::vector<std::string> scanPlainly(QByteArrayView source, QByteArrayView path) {
+    const auto findings = std::make_unique<SourceFindings>();
+    const auto error =
+        PlainScan().scan(source, SourceName::ofPath(path), *findings, std::chrono::seconds(60));
+    EXPECT_EQ(error, std::nullopt);
+    return linesOf(*findings);
+}
+
+template <auto scan>
+std::vector<std::string> scanByHand(QByteArrayView source, QByteArrayView path) {
+    const auto findings = std::make_unique<SourceFindings>();
+    scan(source, SourceName::ofPath(path), *findings);
+    return linesOf(*findings);
+}
+
+} // namespace
+
+std::vector<std::string> linesOf(const SourceFindings& findings) {
+    std::vector<std::string> lines;
+    if (findings.superclass()) {
+        lines.push_back("superclass " + text(*findings.superclass()));
+    }
+    for (const SourceShortcut& shortcut : findings.shortcuts()) {
+        lines.push_back("shortcut comment " + std::to_string(shortcut.line) + " " +
+                        text(shortcut.text));
+    }
+    findings.visitElements([&lines](const SourceElement& element) {
+        lines.push_back(text(nameOfElementType(element.type)) + " " + std::to_string(element.line) +
+                        " " + text(element.name));
+    });
+    return lines;
+}
+
+const Scanner kPlainScanner = {"plain", scanPlainly};
+const Scanner kFastScanner = {"fast", scanByHand<scanSource>};
+const Scanner kPortableScanner = {"portable", scanByHand<scanSourcePortably>};
+
+} // namespace navrel
