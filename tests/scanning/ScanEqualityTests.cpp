@@ -1,0 +1,253 @@
+#include "scanning/CandidateSearch.h"
+#include "scanning/PlainScan.h"
+#include "scanning/SourceScan.h"
+#include "support/text/UTF8.h"
+#include "tests/scanning/FindingsText.h"
+#include "tests/scanning/IdealScan.h"
+#include "tests/scanning/TellingTexts.h"
+
+#include <QDirIterator>
+#include <QFile>
+#include <gmock/gmock.h>
+
+#include <cstdio>
+#include <functional>
+#include <memory>
+
+// The fast scan held against the patterns. More is tried by hand with the environment:
+// NAVREL_SCAN_ROUNDS, the number of random texts, and NAVREL_SCAN_SOURCES, a folder of sources.
+namespace navrel {
+namespace {
+
+constexpr std::chrono::seconds kGenerousLimit(20);
+constexpr int kDefaultRounds = 20'000;
+/// No planted fault is so well hidden that it takes more texts to show.
+constexpr int kRoundsToFindAFault = 20'000;
+
+class ScanComparison {
+public:
+    explicit ScanComparison(ScanPatterns patterns = {}) : plain_(std::move(patterns)) {}
+
+    /// Whether the fast scan finds what the patterns find; where ICU gives up, what they mean.
+    bool isEqual(const TellingText& source) {
+        const SourceName name = SourceName::ofPath(source.path);
+        if (plain_.scan(source.text, name, *expected_, kGenerousLimit)) {
+            ++givenUp_;
+            ideal_.scan(source.text, name, *expected_);
+        }
+        expectedLines_ = linesOf(*expected_);
+        scanSource(source.text, name, *found_);
+        foundLines_ = linesOf(*found_);
+        count_ += expectedLines_.size();
+        return foundLines_ == expectedLines_;
+    }
+
+    const std::vector<std::string>& expectedLines() const { return expectedLines_; }
+    const std::vector<std::string>& foundLines() const { return foundLines_; }
+    /// How many findings were compared, and how many texts ICU gave up on.
+    std::size_t count() const { return count_; }
+    int givenUp() const { return givenUp_; }
+
+private:
+    PlainScan plain_;
+    IdealScan ideal_;
+    std::unique_ptr<SourceFindings> expected_ = std::make_unique<SourceFindings>();
+    std::unique_ptr<SourceFindings> found_ = std::make_unique<SourceFindings>();
+    std::vector<std::string> expectedLines_;
+    std::vector<std::string> foundLines_;
+    std::size_t count_ = 0;
+    int givenUp_ = 0;
+};
+
+int roundsFromEnvironment() {
+    bool isNumber = false;
+    const int rounds = qEnvironmentVariableIntValue("NAVREL_SCAN_ROUNDS", &isNumber);
+    return isNumber ? rounds : kDefaultRounds;
+}
+
+TEST(ScanEquality, randomTextsOfTellingPiecesGiveWhatThePatternsGive) {
+    const quint32 seed =
+        roundsFromEnvironment() == kDefaultRounds ? 1U : QRandomGenerator::global()->generate();
+    std::printf("seed %u, %d rounds\n", seed, roundsFromEnvironment());
+    QRandomGenerator random(seed);
+    ScanComparison comparison;
+    for (int round = 0; round < roundsFromEnvironment(); ++round) {
+        const TellingText source = makeTellingText(random);
+        ASSERT_TRUE(comparison.isEqual(source))
+            << "seed " << seed << ", round " << round << ", " << source.path.constData() << "\n"
+            << readable(source.text).constData() << "\nexpected "
+            << ::testing::PrintToString(comparison.expectedLines()) << "\nfound    "
+            << ::testing::PrintToString(comparison.foundLines());
+    }
+    EXPECT_EQ(comparison.givenUp(), 0);
+    EXPECT_GT(comparison.count(), std::size_t(roundsFromEnvironment()));
+}
+
+TEST(ScanEquality, theIdealScanAgreesWithThePatternsOnTextsThatICUEnds) {
+    QRandomGenerator random(2);
+    PlainScan plain;
+    const IdealScan ideal;
+    const auto expected = std::make_unique<SourceFindings>();
+    const auto found = std::make_unique<SourceFindings>();
+    for (int round = 0; round < 2000; ++round) {
+        const TellingText source = makeTellingText(random);
+        const SourceName name = SourceName::ofPath(source.path);
+        if (!isValidUTF8(source.text) || name.baseName != "Foo") {
+            continue;
+        }
+        ASSERT_EQ(plain.scan(source.text, name, *expected, kGenerousLimit), std::nullopt);
+        ideal.scan(source.text, name, *found);
+        ASSERT_EQ(linesOf(*found), linesOf(*expected)) << readable(source.text).constData();
+    }
+}
+
+bool isSourcePath(const QString& path) {
+    static const QStringList kExtensions = {
+        QStringLiteral("h"), QStringLiteral("m"),  QStringLiteral("swift"),
+        QStringLiteral("c"), QStringLiteral("mm"), QStringLiteral("cpp"),
+    };
+    return kExtensions.contains(QFileInfo(path).suffix());
+}
+
+TEST(ScanEquality, realSourcesGiveWhatThePatternsGive) {
+    const QString folder = qEnvironmentVariable("NAVREL_SCAN_SOURCES");
+    if (folder.isEmpty()) {
+        GTEST_SKIP() << "NAVREL_SCAN_SOURCES names no folder";
+    }
+    ScanComparison comparison;
+    int files = 0;
+    QDirIterator found(folder, QDir::Files, QDirIterator::Subdirectories);
+    while (found.hasNext()) {
+        QFile file(found.next());
+        if (!isSourcePath(file.fileName()) || !file.open(QIODevice::ReadOnly)) {
+            continue;
+        }
+        ++files;
+        EXPECT_TRUE(comparison.isEqual({file.fileName().toUtf8(), file.readAll()}))
+            << file.fileName().toStdString();
+    }
+    std::printf("%d files, %zu findings, %d files that ICU gave up on\n", files, comparison.count(),
+                comparison.givenUp());
+    EXPECT_GT(files, 0);
+}
+
+// A comparison that finds no fault is worth what it would find.
+
+struct PlantedFault {
+    const char* name;
+    ScanPattern ScanPatterns::*pattern;
+    const char* from;
+    const char* to;
+};
+
+void PrintTo(const PlantedFault& fault, std::ostream* out) {
+    *out << fault.name;
+}
+
+class PlantedFaultTest : public ::testing::TestWithParam<PlantedFault> {};
+
+TEST_P(PlantedFaultTest, isFoundByTheComparison) {
+    const PlantedFault& fault = GetParam();
+    ScanPatterns patterns;
+    ScanPattern& pattern = patterns.*fault.pattern;
+    const qsizetype place = pattern.text.indexOf(QLatin1StringView(fault.from));
+    ASSERT_GE(place, 0);
+    pattern.text.replace(place, qsizetype(qstrlen(fault.from)), QLatin1StringView(fault.to));
+
+    QRandomGenerator random(3);
+    ScanComparison comparison(patterns);
+    int rounds = 1;
+    while (rounds < kRoundsToFindAFault && comparison.isEqual(makeTellingText(random))) {
+        ++rounds;
+    }
+    EXPECT_LT(rounds, kRoundsToFindAFault);
+}
+
+using Patterns = ScanPatterns;
+constexpr const char* kDotWithoutSomeBreaks = "([^\\n\\r\\u000B\\u000C]*)";
+
+INSTANTIATE_TEST_SUITE_P(
+    Rules, PlantedFaultTest,
+    ::testing::Values(
+        PlantedFault{"superclassDigits", &Patterns::superclass, "[a-z0-9]", "[a-z]"},
+        PlantedFault{"superclassOtherForms", &Patterns::superclass, "[a-z0-9]",
+                     "(?-i:[a-zA-Z0-9])"},
+        PlantedFault{"superclassBlankBeforeColon", &Patterns::superclass, " *: *", ": *"},
+        PlantedFault{"superclassBlankAfterColon", &Patterns::superclass, " *: *", " *:"},
+        PlantedFault{"superclassCase", &Patterns::superclass, "@interface", "(?-i)@interface"},
+        PlantedFault{"shortcutLineBlanks", &Patterns::shortcutLine, "// *", "//"},
+        PlantedFault{"shortcutLineText", &Patterns::shortcutLine, ": *", ":"},
+        PlantedFault{"shortcutLineDot", &Patterns::shortcutLine, "(.*)", kDotWithoutSomeBreaks},
+        PlantedFault{"shortcutLineCase", &Patterns::shortcutLine, "navrel", "(?-i:navrel)"},
+        PlantedFault{"classDigits", &Patterns::swiftClass, "[a-z0-9]", "[a-z]"},
+        PlantedFault{"classBlanks", &Patterns::swiftClass, " *", " ?"},
+        PlantedFault{"classOtherForms", &Patterns::swiftClass, "class", "cla(s|S)(s|S)"},
+        PlantedFault{"classSharpS", &Patterns::swiftClass, "class", "clas[s]"},
+        PlantedFault{"functionBlanks", &Patterns::swiftFunction, " *", ""},
+        PlantedFault{"functionCase", &Patterns::swiftFunction, "func", "(?-i:func)"},
+        PlantedFault{"variableLet", &Patterns::swiftVariable, "let *", "let"},
+        PlantedFault{"variableVar", &Patterns::swiftVariable, "var *", "var"},
+        PlantedFault{"methodLineFeed", &Patterns::method, "*\n]", "*]"},
+        PlantedFault{"methodPlus", &Patterns::method, "(-|\\+)", "(-)"},
+        PlantedFault{"methodBlanks", &Patterns::method, " *\\(", " ?\\("},
+        PlantedFault{"methodUnderline", &Patterns::method, "_", ""},
+        PlantedFault{"methodStar", &Patterns::method, "[a-z0-9 *]", "[a-z0-9 ]"},
+        PlantedFault{"methodOtherForms", &Patterns::method, "[a-z :", "(?-i)[a-zA-Z :"},
+        PlantedFault{"declarationLineFeed", &Patterns::methodDeclaration, "*\n]", "*]"},
+        PlantedFault{"declarationEnd", &Patterns::methodDeclaration, "\\;", "[;{]"},
+        PlantedFault{"argumentType", &Patterns::argument, "[^\\)]+", "[^\\)]*"},
+        PlantedFault{"argumentBlanks", &Patterns::argument, " *", ""},
+        PlantedFault{"argumentName", &Patterns::argument, "[^ ]+", "[^ \\n]+"},
+        PlantedFault{"castBlanks", &Patterns::typeCast, "\\( *", "\\("},
+        PlantedFault{"castStars", &Patterns::typeCast, "[ *]*", "[ ]*"},
+        PlantedFault{"castInnerBlanks", &Patterns::typeCast, "[^\\) *]", "[^\\)*]"},
+        PlantedFault{"propertyBrackets", &Patterns::property, "\\(*", "\\(?"},
+        PlantedFault{"propertyClosingBrackets", &Patterns::property, "\\)*", "\\)?"},
+        PlantedFault{"propertyAttributes", &Patterns::property, "0-9, ]", "0-9,]"},
+        PlantedFault{"propertyAttributeOtherForms", &Patterns::property, "[a-z0-9, ]",
+                     "(?-i:[a-zA-Z0-9, ])"},
+        PlantedFault{"propertyOutlet", &Patterns::property, "[IBOutlet ]*", ""},
+        PlantedFault{"propertyOutletBlank", &Patterns::property, "[IBOutlet ]", "[IBOutlet]"},
+        PlantedFault{"propertyTypeUnderline", &Patterns::property, "0-9_]", "0-9]"},
+        PlantedFault{"propertyStar", &Patterns::property, "[ \\*]+", "[ ]+"},
+        PlantedFault{"propertyEnd", &Patterns::property, "(.*);", "(.*?);"},
+        PlantedFault{"propertyPossessive", &Patterns::property, "[a-z0-9, ]*", "[a-z0-9, ]*+"},
+        PlantedFault{"dynamicBlanks", &Patterns::property, "@dynamic[ ]*", "@dynamic"},
+        PlantedFault{"dynamicCase", &Patterns::property, "@dynamic", "(?-i:@dynamic)"},
+        PlantedFault{"markBlanks", &Patterns::mark, "// *MARK", "//MARK"},
+        PlantedFault{"markSeparator", &Patterns::mark, "[ -]+", "[ -]*"},
+        PlantedFault{"markDashes", &Patterns::mark, "[ -]+", "[ ]+"},
+        PlantedFault{"markKelvinSign", &Patterns::mark, "pragma mark", "pragma mar(k|(?-i:K))"},
+        PlantedFault{"markWarning", &Patterns::mark, "|#warning", ""},
+        PlantedFault{"markWarningComment", &Patterns::mark, "|// *WARNING:", ""},
+        PlantedFault{"markDot", &Patterns::mark, "(.*)", kDotWithoutSomeBreaks},
+        PlantedFault{"shortcutSeparator", &Patterns::shortcut, "[ -]+", "[ -]*"},
+        PlantedFault{"shortcutDashes", &Patterns::shortcut, "[ -]+", "[ ]+"},
+        PlantedFault{"shortcutDot", &Patterns::shortcut, "(.*)", kDotWithoutSomeBreaks}),
+    [](const auto& fault) { return std::string(fault.param.name); });
+
+// The two forms of the search for candidates.
+
+template <typename Candidates>
+void expectEqualMasks(const char* block) {
+    using candidatesearch::maskOfBlock;
+    EXPECT_EQ((maskOfBlock<Candidates, BestLanes>(block)),
+              (maskOfBlock<Candidates, PortableLanes>(block)));
+}
+
+TEST(ScanEquality, vectorInstructionsFindTheCandidatesThatPlainCodeFinds) {
+    constexpr char kBytes[] = "-+ (/@#dDiIpPwWqcClLaAfFuUnNvVrReEtT\n\x80\xFF";
+    QRandomGenerator random(4);
+    std::array<char, candidatesearch::kBlockSize + candidatesearch::kLookahead> block{};
+    for (int round = 0; round < 20'000; ++round) {
+        for (char& byte : block) {
+            byte = kBytes[random.bounded(quint32(sizeof kBytes))];
+        }
+        expectEqualMasks<ObjectiveCCandidates>(block.data());
+        expectEqualMasks<HeaderCandidates>(block.data());
+        expectEqualMasks<SwiftCandidates>(block.data());
+    }
+}
+
+} // namespace
+} // namespace navrel
