@@ -127,13 +127,14 @@ public:
     /// the next pass.
     QVariantMap changeFiletypeAllowanceWithDictionary(const QVariantMap& request);
 
-    // Views of what scanning found; they live in scanning/.
+    // Views of what scanning found; their bodies live in scanning/.
 
-    /// "items": "shortcut", "line" and "path" of every shortcut comment of the project, ordered by
-    /// text.
+    /// "items": "shortcut", "line" and "path" of every shortcut of the project, ordered by shortcut
+    /// as the person's language does, without letter case.
     QVariantMap shortcutsDictionary();
-    /// "title", "identifier", "path" and "items" of one file, and "counterpart" where it has one;
-    /// nil for an unknown identifier.
+    /// "title", "identifier", "items" and "path" of one file, and "counterpart" where it has one:
+    /// the identifier of the header of an implementation file, or the reverse. The items hold
+    /// "name", "line", "path" and "type", ordered by line. Nil when the identifier is unknown.
     std::optional<QVariantMap> elementsDictionaryForObjectID(const QString& identifier);
 
     // The editor.

@@ -39,22 +39,10 @@ SourceName SourceName::ofPath(QByteArrayView path) {
     return {kindOfExtension(pathExtension(path)), deletingPathExtension(lastPathComponent(path))};
 }
 
-QByteArrayView nameOfElementType(ElementType type) {
-    switch (type) {
-    case ElementType::Class:
-        return "class";
-    case ElementType::Method:
-        return "method";
-    case ElementType::Mark:
-        return "mark";
-    case ElementType::Warning:
-        return "warning";
-    case ElementType::Shortcut:
-        return "shortcut";
-    case ElementType::Property:
-        break;
-    }
-    return "property";
+const QByteArray& nameOfElementType(ElementType type) {
+    static const std::array<QByteArray, 6> kNames = {"class",   "method",   "mark",
+                                                     "warning", "shortcut", "property"};
+    return kNames[static_cast<std::size_t>(type)];
 }
 
 void SourceFindings::clear() {

@@ -30,7 +30,7 @@ struct SourceName {
 enum class ElementType : quint8 { Class, Method, Mark, Warning, Shortcut, Property };
 
 /// The type as the store and the device know it: "class", "method" and so on.
-QByteArrayView nameOfElementType(ElementType type);
+const QByteArray& nameOfElementType(ElementType type);
 
 /// One code element.
 struct SourceElement {
