@@ -1,0 +1,209 @@
+#include "project/PersistentStoreCoordinator.h"
+#include "project/SQLiteDatabase.h"
+#include "project/StoreFile.h"
+#include "tests/project/DataManagerFixture.h"
+
+#include <cerrno>
+#include <unistd.h>
+
+namespace navrel {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class StoreAccess : public DataManagerTest {
+protected:
+    /// Keeps the store from being written while it lives.
+    struct Lock {
+        explicit Lock(const QString& path) {
+            EXPECT_FALSE(database.open(path.toUtf8()).has_value());
+            EXPECT_FALSE(database.execute("BEGIN IMMEDIATE").has_value());
+        }
+        SQLiteDatabase database;
+    };
+};
+
+TEST_F(StoreAccess, theStoresFolderIsNamedAfterTheApplication) {
+    EXPECT_EQ(manager().applicationDocumentsDirectory(), storeFolder());
+}
+
+TEST_F(StoreAccess, theFirstUseMakesTheFoldersAndTheFile) {
+    ASSERT_FALSE(QFile::exists(supportFolder()));
+    EXPECT_NE(manager().persistentStoreCoordinator(), nullptr);
+    EXPECT_TRUE(QFile::exists(storePath()));
+    EXPECT_THAT(dialogs.errors, IsEmpty());
+}
+
+TEST_F(StoreAccess, modelCoordinatorAndContextStayTheSame) {
+    const ManagedObjectModel* model = &manager().managedObjectModel();
+    PersistentStoreCoordinator* coordinator = manager().persistentStoreCoordinator();
+    ManagedObjectContext* first = manager().managedObjectContext();
+
+    EXPECT_EQ(&manager().managedObjectModel(), model);
+    EXPECT_EQ(manager().persistentStoreCoordinator(), coordinator);
+    EXPECT_EQ(manager().managedObjectContext(), first);
+    EXPECT_NE(first, nullptr);
+}
+
+TEST_F(StoreAccess, aFileInPlaceOfTheFolderIsPresentedAtEveryAccess) {
+    write(storeFolder(), "a file");
+
+    EXPECT_EQ(manager().persistentStoreCoordinator(), nullptr);
+    ASSERT_EQ(dialogs.errors.size(), 1U);
+    const Error& error = dialogs.errors.front();
+    EXPECT_EQ(error, Error(QStringLiteral("YOUR_ERROR_DOMAIN"), 9999));
+    EXPECT_EQ(error.localizedDescription(),
+              QStringLiteral("Failed to initialize the application's saved data"));
+    EXPECT_EQ(error.localizedFailureReason(),
+              QStringLiteral("Expected a folder to store application data, found a file (%1).")
+                  .arg(storeFolder()));
+    EXPECT_EQ(error.underlyingError(), nullptr);
+
+    EXPECT_EQ(manager().managedObjectContext(), nullptr);
+    EXPECT_EQ(dialogs.errors.size(), 2U);
+}
+
+TEST_F(StoreAccess, onceTheObstacleIsGoneTheNextAccessOpensTheStore) {
+    write(storeFolder(), "a file");
+    EXPECT_EQ(manager().managedObjectContext(), nullptr);
+    QFile::remove(storeFolder());
+    EXPECT_NE(manager().managedObjectContext(), nullptr);
+}
+
+TEST_F(StoreAccess, aFolderThatCannotBeMadeIsPresentedWithItsCause) {
+    // The file lies where an intermediate folder would be.
+    write(scratch_.filePath(QStringLiteral("support")), "a file");
+
+    EXPECT_EQ(manager().persistentStoreCoordinator(), nullptr);
+    ASSERT_EQ(dialogs.errors.size(), 1U);
+    EXPECT_EQ(
+        dialogs.errors.front().localizedFailureReason(),
+        QStringLiteral("There was an error creating or loading the application's saved data."));
+    ASSERT_NE(dialogs.errors.front().underlyingError(), nullptr);
+    EXPECT_TRUE(dialogs.errors.front().underlyingError()->isPOSIX(ENOTDIR));
+}
+
+TEST_F(StoreAccess, theErrorOfMakingTheFolderIsTheCause) {
+    // A link to nowhere: there is no such folder, and none can be made.
+    ASSERT_TRUE(QDir().mkpath(supportFolder()));
+    ASSERT_EQ(::symlink("/nowhere/at/all", storeFolder().toUtf8().constData()), 0);
+
+    EXPECT_EQ(manager().persistentStoreCoordinator(), nullptr);
+    ASSERT_EQ(dialogs.errors.size(), 1U);
+    ASSERT_NE(dialogs.errors.front().underlyingError(), nullptr);
+    EXPECT_EQ(dialogs.errors.front().underlyingError()->domain(), kPOSIXErrorDomain);
+}
+
+TEST_F(StoreAccess, aFileThatIsNoStoreIsPresentedWithItsCauseAndLeftAlone) {
+    write(storePath(), QByteArray(5000, 'x'));
+
+    EXPECT_EQ(manager().persistentStoreCoordinator(), nullptr);
+    ASSERT_EQ(dialogs.errors.size(), 1U);
+    EXPECT_EQ(
+        dialogs.errors.front().localizedFailureReason(),
+        QStringLiteral("There was an error creating or loading the application's saved data."));
+    ASSERT_NE(dialogs.errors.front().underlyingError(), nullptr);
+    EXPECT_EQ(*dialogs.errors.front().underlyingError(), Error(kSQLiteErrorDomain, SQLITE_NOTADB));
+    EXPECT_EQ(QFileInfo(storePath()).size(), 5000);
+}
+
+TEST_F(StoreAccess, withoutAStoreEveryOperationYieldsNothing) {
+    write(storeFolder(), "a file");
+    writeProject(ProjectText().group("MAIN", {}));
+    manager().changeProjectToPath(bundle());
+    manager().updateInBackground();
+    manager().generateObjectForID("MAIN", folder().toUtf8(), std::nullopt, 0);
+
+    EXPECT_EQ(manager().rootID(), QStringLiteral("MAIN"));
+    EXPECT_EQ(manager().navigatorDictionaryForID(std::nullopt), std::nullopt);
+    const QString items = QStringLiteral("items");
+    EXPECT_TRUE(manager().superclassDictionary().value(items).toList().isEmpty());
+    EXPECT_TRUE(
+        manager().navigatorDictionaryForSuperclass(QString()).value(items).toList().isEmpty());
+    EXPECT_TRUE(manager().allowedFileTypesDictionary().value(items).toList().isEmpty());
+    EXPECT_TRUE(manager().allowedFileTypes().isEmpty());
+    EXPECT_TRUE(
+        manager().changeFiletypeAllowanceWithDictionary({}).value(items).toList().isEmpty());
+    EXPECT_TRUE(manager().applicationShouldTerminate());
+}
+
+TEST_F(StoreAccess, fileTypesOutliveTheProgramAndProjectsDoNot) {
+    writeFile("a.m");
+    load(ProjectText().group("MAIN", {"A"}).file("A", "a.m"));
+    manager().changeFiletypeAllowanceWithDictionary(
+        {{QStringLiteral("extension"), QStringLiteral("m")}, {QStringLiteral("allowed"), 0}});
+    pass();
+    endManager();
+
+    manager();
+    EXPECT_THAT(identifiers(), IsEmpty());
+    EXPECT_THAT(context().shortcuts(), IsEmpty());
+    EXPECT_THAT(context().elements(), IsEmpty());
+    ASSERT_EQ(context().filetypes().size(), 1U);
+    EXPECT_EQ(context().filetypes().front()->allowed(), false);
+}
+
+TEST_F(StoreAccess, quittingBeforeTheContextWasMadeTerminatesAndMakesNone) {
+    EXPECT_TRUE(manager().applicationShouldTerminate());
+    EXPECT_FALSE(QFile::exists(storePath()));
+}
+
+TEST_F(StoreAccess, quittingWithNothingToSaveTerminatesInSilence) {
+    context();
+    EXPECT_TRUE(manager().applicationShouldTerminate());
+    EXPECT_EQ(dialogs.alerts, 0);
+    EXPECT_THAT(takeLog(), IsEmpty());
+}
+
+TEST_F(StoreAccess, quittingSavesAndTerminates) {
+    context().insertElement();
+    EXPECT_TRUE(manager().applicationShouldTerminate());
+    EXPECT_THAT(takeLog(), ElementsAre("Terminating"));
+    EXPECT_FALSE(context().hasChanges());
+}
+
+TEST_F(StoreAccess, anEditThatCannotBeCommittedKeepsTheProgramRunning) {
+    context().addPendingEdit([] { return false; });
+    EXPECT_FALSE(manager().applicationShouldTerminate());
+    EXPECT_THAT(takeLog(), ElementsAre("KZDataManager:applicationShouldTerminate: unable to commit "
+                                       "editing to terminate"));
+}
+
+TEST_F(StoreAccess, aSaveErrorThatWasDealtWithKeepsTheProgramRunning) {
+    context().insertElement();
+    const Lock lock(storePath());
+    dialogs.dealsWithErrors = true;
+
+    EXPECT_FALSE(manager().applicationShouldTerminate());
+    ASSERT_EQ(dialogs.errors.size(), 1U);
+    EXPECT_EQ(dialogs.errors.front(), Error(kSQLiteErrorDomain, SQLITE_BUSY));
+    EXPECT_EQ(dialogs.alerts, 0);
+}
+
+TEST_F(StoreAccess, quitAnywayKeepsTheProgramRunningOnPurpose) {
+    context().insertElement();
+    const Lock lock(storePath());
+    dialogs.alertAnswer = 1000;
+
+    EXPECT_FALSE(manager().applicationShouldTerminate());
+    EXPECT_EQ(dialogs.alertTexts,
+              (QStringList{QStringLiteral("Could not save changes while quitting. Quit anyway?"),
+                           QStringLiteral("Quitting now will lose any changes you have made since "
+                                          "the last successful save"),
+                           QStringLiteral("Quit anyway"), QStringLiteral("Cancel")}));
+    EXPECT_THAT(takeLog(), IsEmpty());
+}
+
+TEST_F(StoreAccess, cancelQuitsOnPurpose) {
+    context().insertElement();
+    const Lock lock(storePath());
+    for (const int answer : {1001, 0}) {
+        dialogs.alertAnswer = answer;
+        EXPECT_TRUE(manager().applicationShouldTerminate());
+        EXPECT_THAT(takeLog(), ElementsAre("Terminating"));
+    }
+}
+
+} // namespace
+} // namespace navrel
