@@ -1,0 +1,138 @@
+#include "tests/project/DataManagerFixture.h"
+
+namespace navrel {
+namespace {
+
+using ::testing::ElementsAre;
+
+/// Project files whose group trees are none: they end, in bounded time and memory.
+class HostileProject : public DataManagerTest {};
+
+QByteArray numbered(const char* prefix, int number) {
+    return prefix + QByteArray::number(number);
+}
+
+TEST_F(HostileProject, aGroupThatListsItselfHasOneRecord) {
+    load(ProjectText().group("MAIN", {"MAIN", "MAIN"}));
+    pass();
+    EXPECT_THAT(identifiers(), ElementsAre("MAIN"));
+}
+
+TEST_F(HostileProject, groupsThatListEachOtherEndTheWalk) {
+    load(ProjectText().group("MAIN", {"A"}).group("A", {"B"}).group("B", {"A", "MAIN", "B"}));
+    pass();
+    EXPECT_THAT(identifiers(), ElementsAre("MAIN", "A", "B"));
+}
+
+TEST_F(HostileProject, aCycleThroughPathsThatExistEndsTheWalk) {
+    writeFolder("a");
+    load(ProjectText().group("MAIN", {"A"}).group("A", {"B"}, "a").group("B", {"A"}, ".."));
+    pass();
+    EXPECT_THAT(identifiers(), ElementsAre("MAIN", "A", "B"));
+}
+
+TEST_F(HostileProject, aCycleOfRecordsWhoseFilesAreGoneEndsTheWalk) {
+    writeFolder("a/b");
+    const auto text =
+        ProjectText().group("MAIN", {"A"}).group("A", {"B"}, "a").group("B", {"A"}, "b");
+    load(text);
+    // Their paths are resolved anew now, longer at every turn.
+    ASSERT_TRUE(QDir(pathOf("a")).removeRecursively());
+    pass();
+    EXPECT_THAT(identifiers(), ElementsAre("MAIN"));
+}
+
+TEST_F(HostileProject, tenThousandLevelsAreWalked) {
+    constexpr int kLevels = 10'000;
+    ProjectText text;
+    text.group("MAIN", {"G0"});
+    for (int level = 0; level < kLevels; ++level) {
+        text.group(numbered("G", level).constData(), {numbered("G", level + 1)});
+    }
+    writeFile("a.m");
+    text.file(numbered("G", kLevels).constData(), "a.m");
+    load(text);
+    EXPECT_EQ(context().objects().size(), kLevels + 2U);
+    EXPECT_EQ(object(numbered("G", kLevels).constData())->name(), "a.m");
+    pass();
+    pass();
+    EXPECT_EQ(context().objects().size(), kLevels + 2U);
+}
+
+TEST_F(HostileProject, groupsThatShareTheirChildrenOnEveryLevelAreWalkedOnce) {
+    // 2 to the power of 200 ways lead down.
+    constexpr int kLevels = 200;
+    ProjectText text;
+    text.group("MAIN", {"L0", "R0"});
+    for (int level = 0; level < kLevels; ++level) {
+        const QByteArrayList children{numbered("L", level + 1), numbered("R", level + 1)};
+        text.group(numbered("L", level).constData(), children);
+        text.group(numbered("R", level).constData(), children);
+    }
+    load(text);
+    pass();
+    EXPECT_EQ(context().objects().size(), 2U * kLevels + 3U);
+}
+
+TEST_F(HostileProject, sharedGroupsWhoseFilesAreGoneTakeOnlyAFewPathsEach) {
+    constexpr int kLevels = 200;
+    const auto withPaths = [](const char* left, const char* right) {
+        ProjectText text;
+        text.group("MAIN", {"L0", "R0"});
+        for (int level = 0; level < kLevels; ++level) {
+            const QByteArrayList children{numbered("L", level + 1), numbered("R", level + 1)};
+            text.group(numbered("L", level).constData(), children, left);
+            text.group(numbered("R", level).constData(), children, right);
+        }
+        return text;
+    };
+    load(withPaths("", ""));
+    // Every record is rebuilt, under another path for every way that leads to it.
+    writeProject(withPaths("missing", "gone"));
+    touch(".", 1'600'000'000);
+    pass();
+    EXPECT_THAT(identifiers(), ElementsAre("MAIN"));
+}
+
+TEST_F(HostileProject, pathsBeyondTheSystemsLengthNameNothing) {
+    const QByteArray longName(100'000, 'x');
+    load(ProjectText()
+             .group("MAIN", {"A", "B"})
+             .file("A", longName)
+             .entry("B", "isa = PBXFileReference; path = \"a\\000b\";"));
+    pass();
+    EXPECT_THAT(identifiers(), ElementsAre("MAIN"));
+}
+
+TEST_F(HostileProject, aRecordWhoseNewPathIsTooLongKeepsItsOldOneUntilItsFileIsGone) {
+    writeFile("G/a.m");
+    load(ProjectText().group("MAIN", {"G"}).group("G", {"A"}, "G").file("A", "a.m"));
+    writeProject(ProjectText()
+                     .group("MAIN", {"G"})
+                     .group("G", {"A"}, QByteArray(100'000, 'x'))
+                     .file("A", "a.m"));
+    touch("G", 1'600'000'000);
+    pass();
+    EXPECT_EQ(object("G")->path(), pathOf("G").toUtf8());
+
+    ASSERT_TRUE(QDir(pathOf("G")).removeRecursively());
+    pass();
+    EXPECT_THAT(identifiers(), ElementsAre("MAIN"));
+}
+
+TEST_F(HostileProject, aHundredThousandFilesAreLoaded) {
+    constexpr int kFiles = 100'000;
+    writeFile("a.txt");
+    ProjectText text;
+    QByteArrayList children;
+    for (int file = 0; file < kFiles; ++file) {
+        children.append(numbered("F", file));
+        text.file(children.back().constData(), "a.txt");
+    }
+    load(text.group("MAIN", children));
+    EXPECT_EQ(context().objects().size(), kFiles + 1U);
+    EXPECT_EQ(object("F99999")->index(), 99'999);
+}
+
+} // namespace
+} // namespace navrel
