@@ -4,7 +4,7 @@
 #include "desktop/QtDesktop.h"
 #include "editors/DesktopEditor.h"
 #include "project/KZDataManager.h"
-#include "scanning/FileScanner.h"
+#include "scanning/SourceFileScanner.h"
 #include "support/UserDefaults.h"
 
 #include <QApplication>
@@ -40,7 +40,7 @@ int runApplication(QApplication& application) {
     UserDefaults userDefaults;
     QtDesktop desktop;
     DesktopEditor editor;
-    FileScanner scanner;
+    SourceFileScanner scanner;
     const auto dataManager = KZDataManager::init(
         {userDefaults, editor, desktop, scanner,
          QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)});

@@ -2,7 +2,7 @@
 
 #include "app/AppDelegate.h"
 #include "project/KZDataManager.h"
-#include "scanning/FileScanner.h"
+#include "scanning/SourceFileScanner.h"
 #include "support/UserDefaults.h"
 #include "tests/LogRecorder.h"
 #include "tests/SmallProject.h"
@@ -36,7 +36,7 @@ protected:
     LogRecorder log_;
     FakeDesktop desktop_;
     FakeEditor editor_;
-    FileScanner scanner_;
+    SourceFileScanner scanner_;
     QString version_ = QStringLiteral("1.4.2");
     std::unique_ptr<UserDefaults> defaults_;
     std::shared_ptr<KZDataManager> manager_;
