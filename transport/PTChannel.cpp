@@ -209,9 +209,9 @@ PTChannel::startReadingFromConnectedChannel(const std::shared_ptr<DispatchIO>& c
     protocol_->readFramesOverChannel(
         channel, [self = shared_from_this(),
                   channel](const std::optional<Error>& error, quint32 type, quint32 tag,
-                           quint32 payloadSize, const std::function<void()>& resume) {
+                           quint32 payloadSize, std::function<void()> resume) {
             if (!self->hasEnded(error, type == kPTFrameTypeEndOfStream)) {
-                self->frameDidBegin({channel, type, tag, payloadSize, resume});
+                self->frameDidBegin({channel, type, tag, payloadSize, std::move(resume)});
             }
         });
     return std::nullopt;
@@ -231,10 +231,10 @@ bool PTChannel::hasEnded(const std::optional<Error>& error, bool endOfStream) {
     return endOfStream;
 }
 
-void PTChannel::frameDidBegin(const IncomingFrame& frame) {
+void PTChannel::frameDidBegin(IncomingFrame frame) {
     const bool isAccepted = shouldAccept(frame);
     if (frame.payloadSize > 0) {
-        return isAccepted ? receivePayload(frame) : discardPayload(frame);
+        return isAccepted ? receivePayload(std::move(frame)) : discardPayload(std::move(frame));
     }
     if (isAccepted) {
         deliverFrame(frame, nullptr);
@@ -254,9 +254,10 @@ bool PTChannel::shouldAccept(const IncomingFrame& frame) {
                                                            frame.tag, frame.payloadSize);
 }
 
-void PTChannel::receivePayload(const IncomingFrame& frame) {
+void PTChannel::receivePayload(IncomingFrame frame) {
+    const auto stream = frame.stream;
     protocol_->readPayloadOfSize(
-        frame.payloadSize, frame.stream,
+        frame.payloadSize, stream,
         [self = shared_from_this(), frame](const std::optional<Error>& error,
                                            const std::optional<DispatchData>& data,
                                            const char* buffer, size_t bufferSize) {
@@ -276,14 +277,15 @@ void PTChannel::deliverFrame(const IncomingFrame& frame,
     }
 }
 
-void PTChannel::discardPayload(const IncomingFrame& frame) {
-    protocol_->readAndDiscardDataOfSize(frame.payloadSize, frame.stream,
-                                        [self = shared_from_this(), resume = frame.resume](
-                                            const std::optional<Error>& error, bool endOfStream) {
-                                            if (!self->hasEnded(error, endOfStream)) {
-                                                resume();
-                                            }
-                                        });
+void PTChannel::discardPayload(IncomingFrame frame) {
+    protocol_->readAndDiscardDataOfSize(
+        frame.payloadSize, frame.stream,
+        [self = shared_from_this(),
+         resume = std::move(frame.resume)](const std::optional<Error>& error, bool endOfStream) {
+            if (!self->hasEnded(error, endOfStream)) {
+                resume();
+            }
+        });
 }
 
 // Sending and ending.

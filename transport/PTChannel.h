@@ -138,11 +138,11 @@ private:
     void listeningDidEnd(int socket);
     void adoptIncomingConnection(OwnedDescriptor socket, const sockaddr_in& address);
 
-    void frameDidBegin(const IncomingFrame& frame);
+    void frameDidBegin(IncomingFrame frame);
     bool shouldAccept(const IncomingFrame& frame);
-    void receivePayload(const IncomingFrame& frame);
+    void receivePayload(IncomingFrame frame);
     void deliverFrame(const IncomingFrame& frame, const std::shared_ptr<const PTData>& payload);
-    void discardPayload(const IncomingFrame& frame);
+    void discardPayload(IncomingFrame frame);
     bool hasEnded(const std::optional<Error>& error, bool endOfStream);
 
     std::shared_ptr<PTProtocol> protocol_;

@@ -6,9 +6,8 @@
 #include "transport/PTFrame.h"
 
 #include <cerrno>
-#include <cstdlib>
-#include <cstring>
 #include <limits>
+#include <memory>
 #include <utility>
 
 namespace navrel {
@@ -25,48 +24,62 @@ const char currentQueueFrameProtocolKey = 0;
 
 using LocalProtocol = std::shared_ptr<RQueueLocalIOFrameProtocol>;
 
-// What a queue holds is a counted reference; it goes with the queue.
+// What a queue holds is a counted reference, which goes when the queue does.
 void releaseQueueLocalProtocol(void* value) {
-    delete static_cast<LocalProtocol*>(value);
+    if (value == nullptr) {
+        return;
+    }
+    const std::unique_ptr<LocalProtocol> reference(static_cast<LocalProtocol*>(value));
+    (*reference)->forgetQueue();
 }
 
-void failHeader(const PTProtocol::FrameCallback& callback, const Error& error) {
-    callback(error, kPTFrameTypeEndOfStream, 0, 0);
-}
-
-/// The last delivery of a header has come.
-void headerDidArrive(const DispatchData& lastPiece, const DispatchData& accumulated, int errnoValue,
-                     const PTProtocol::FrameCallback& callback) {
+/// Decodes a header that has arrived, or tells why there is none; it then is an end of stream.
+std::optional<Error> headerError(DispatchData accumulated, int errnoValue, PTFrameHeader& header) {
     if (errnoValue != 0) {
-        return failHeader(callback, Error::posix(errnoValue));
+        return Error::posix(errnoValue);
     }
-    // Deliberate: decided on the last piece alone, so a stream that ends within a header has ended
-    // as cleanly as one that ends between frames.
-    if (lastPiece.isEmpty()) {
-        return callback(std::nullopt, kPTFrameTypeEndOfStream, 0, 0);
-    }
-    const auto contiguous = accumulated.contiguous();
+    const auto contiguous = std::move(accumulated).contiguous();
     if (!contiguous) {
-        return failHeader(callback, Error::posix(ENOMEM));
+        return Error::posix(ENOMEM);
     }
-    const auto header =
+    const auto decoded =
         decodedFrameHeader({contiguous->bytes(), static_cast<qsizetype>(contiguous->size())});
-    if (!header) {
-        return failHeader(callback, Error(kPTProtocolErrorDomain, 0));
+    if (!decoded) {
+        return Error(kPTProtocolErrorDomain, 0);
     }
-    callback(std::nullopt, header->type, header->tag, header->payloadSize);
+    header = *decoded;
+    return std::nullopt;
+}
+
+/// Handles the deliveries of a header and calls back with (error, header) after the last one.
+template <typename Callback>
+DispatchIO::ReadHandler headerHandler(Callback callback) {
+    return [callback = std::move(callback), accumulated = DispatchData()](
+               bool done, const DispatchData& piece, int errnoValue) mutable {
+        accumulated.append(piece);
+        if (!done) {
+            return;
+        }
+        PTFrameHeader header;
+        // Deliberate: the end of the stream is decided on the last piece alone, so a stream that
+        // ends within a header has ended as cleanly as one that ends between frames.
+        const bool isEndOfStream = errnoValue == 0 && piece.isEmpty();
+        const auto error =
+            isEndOfStream ? std::nullopt : headerError(std::move(accumulated), errnoValue, header);
+        callback(error, header);
+    };
 }
 
 /// The last delivery of a payload has come.
-void payloadDidArrive(const DispatchData& lastPiece, const DispatchData& accumulated,
-                      int errnoValue, const PTProtocol::PayloadCallback& callback) {
+void payloadDidArrive(const DispatchData& lastPiece, DispatchData accumulated, int errnoValue,
+                      const PTProtocol::PayloadCallback& callback) {
     if (errnoValue != 0) {
         return callback(Error::posix(errnoValue), std::nullopt, nullptr, 0);
     }
     if (lastPiece.isEmpty()) {
         return callback(std::nullopt, std::nullopt, nullptr, 0);
     }
-    const auto contiguous = accumulated.contiguous();
+    const auto contiguous = std::move(accumulated).contiguous();
     if (!contiguous) {
         return callback(Error::posix(ENOMEM), std::nullopt, nullptr, 0);
     }
@@ -89,7 +102,7 @@ PTProtocol::sharedProtocolForQueue(const std::shared_ptr<DispatchQueue>& queue) 
     const void* key = &currentQueueFrameProtocolKey;
     if (queue->specific(key) == nullptr) {
         queue->setSpecific(key,
-                           new LocalProtocol(std::make_shared<RQueueLocalIOFrameProtocol>(queue)),
+                           new LocalProtocol(std::make_shared<RQueueLocalIOFrameProtocol>(*queue)),
                            releaseQueueLocalProtocol);
     }
     return *static_cast<LocalProtocol*>(queue->specific(key));
@@ -127,26 +140,23 @@ void PTProtocol::readFrameOverChannel(const std::shared_ptr<DispatchIO>& channel
                                       FrameCallback callback) {
     channel->read(
         kPTFrameHeaderSize, queue(),
-        [self = shared_from_this(), callback = std::move(callback), accumulated = DispatchData()](
-            bool done, const DispatchData& piece, int errnoValue) mutable {
-            accumulated.append(piece);
-            if (done) {
-                headerDidArrive(piece, std::exchange(accumulated, {}), errnoValue, callback);
-            }
-        });
+        headerHandler([self = shared_from_this(), callback = std::move(callback)](
+                          const std::optional<Error>& error, const PTFrameHeader& header) {
+            callback(error, header.type, header.tag, header.payloadSize);
+        }));
 }
 
 void PTProtocol::readPayloadOfSize(size_t size, const std::shared_ptr<DispatchIO>& overChannel,
                                    PayloadCallback callback) {
-    overChannel->read(
-        size, queue(),
-        [self = shared_from_this(), callback = std::move(callback), accumulated = DispatchData()](
-            bool done, const DispatchData& piece, int errnoValue) mutable {
-            accumulated.append(piece);
-            if (done) {
-                payloadDidArrive(piece, std::exchange(accumulated, {}), errnoValue, callback);
-            }
-        });
+    overChannel->read(size, queue(),
+                      [self = shared_from_this(), callback = std::move(callback),
+                       accumulated = DispatchData()](bool done, const DispatchData& piece,
+                                                     int errnoValue) mutable {
+                          accumulated.append(piece);
+                          if (done) {
+                              payloadDidArrive(piece, std::move(accumulated), errnoValue, callback);
+                          }
+                      });
 }
 
 void PTProtocol::readAndDiscardDataOfSize(size_t size,
@@ -163,22 +173,34 @@ void PTProtocol::readAndDiscardDataOfSize(size_t size,
         kDiscardedPieceSize);
 }
 
+/// What stays the same from one frame of a loop to the next.
+struct PTProtocol::FrameLoop {
+    std::shared_ptr<PTProtocol> protocol;
+    std::shared_ptr<DispatchIO> channel;
+    OnFrame onFrame;
+};
+
 void PTProtocol::readFramesOverChannel(const std::shared_ptr<DispatchIO>& channel,
                                        OnFrame onFrame) {
-    readNextFrame(channel, std::make_shared<const OnFrame>(std::move(onFrame)));
+    readNextFrame(std::make_shared<const FrameLoop>(
+        FrameLoop{shared_from_this(), channel, std::move(onFrame)}));
 }
 
-void PTProtocol::readNextFrame(const std::shared_ptr<DispatchIO>& channel,
-                               const std::shared_ptr<const OnFrame>& onFrame) {
-    readFrameOverChannel(channel, [self = shared_from_this(), channel,
-                                   onFrame](const std::optional<Error>& error, quint32 type,
-                                            quint32 tag, quint32 payloadSize) {
-        (*onFrame)(error, type, tag, payloadSize, [self, channel, onFrame, type] {
-            if (type != kPTFrameTypeEndOfStream) {
-                self->readNextFrame(channel, onFrame);
-            }
-        });
-    });
+void PTProtocol::readNextFrame(const std::shared_ptr<const FrameLoop>& loop) {
+    const auto frameDidBegin = [loop](const std::optional<Error>& error,
+                                      const PTFrameHeader& header) {
+        loop->onFrame(error, header.type, header.tag, header.payloadSize,
+                      [loop, type = header.type] {
+                          if (type != kPTFrameTypeEndOfStream) {
+                              loop->protocol->readNextFrame(loop);
+                          }
+                      });
+    };
+    loop->channel->read(kPTFrameHeaderSize, queue(), headerHandler(frameDidBegin));
 }
+
+// A pointer that owns nothing: the queue must not be kept alive by what it holds itself.
+RQueueLocalIOFrameProtocol::RQueueLocalIOFrameProtocol(DispatchQueue& queue)
+    : PTProtocol({std::shared_ptr<void>(), &queue}) {}
 
 } // namespace navrel

@@ -45,7 +45,7 @@ public:
     /// A frame as in FrameCallback. Whoever is told calls `resume` once the payload has been read:
     /// only then is the next header read. After type 0, `resume` does nothing.
     using OnFrame = std::function<void(const std::optional<Error>& error, quint32 type, quint32 tag,
-                                       quint32 payloadSize, const std::function<void()>& resume)>;
+                                       quint32 payloadSize, std::function<void()> resume)>;
 
     /// A protocol on the given queue, which may be null: it is then no use before `setQueue`.
     static std::shared_ptr<PTProtocol> initWithDispatchQueue(std::shared_ptr<DispatchQueue> queue);
@@ -62,7 +62,7 @@ public:
     PTProtocol(const PTProtocol&) = delete;
     PTProtocol& operator=(const PTProtocol&) = delete;
 
-    virtual std::shared_ptr<DispatchQueue> queue() const { return queue_; }
+    const std::shared_ptr<DispatchQueue>& queue() const { return queue_; }
     virtual void setQueue(std::shared_ptr<DispatchQueue> queue) { queue_ = std::move(queue); }
 
     /// 1, 2, 3, …; after 4294967295 comes 0.
@@ -100,25 +100,22 @@ protected:
     quint32 nextFrameTag_ = 0;
 
 private:
-    void readNextFrame(const std::shared_ptr<DispatchIO>& channel,
-                       const std::shared_ptr<const OnFrame>& onFrame);
+    struct FrameLoop;
+
+    void readNextFrame(const std::shared_ptr<const FrameLoop>& loop);
 };
 
-/// The protocol that belongs to one queue: it can never be moved to another one, and does not keep
-/// its queue alive.
+/// The protocol that belongs to one queue: the queue owns it, so it refers to the queue without
+/// keeping it alive, and it can never be moved to another one.
 class RQueueLocalIOFrameProtocol final : public PTProtocol {
 public:
-    explicit RQueueLocalIOFrameProtocol(const std::shared_ptr<DispatchQueue>& queue)
-        : PTProtocol(nullptr), localQueue_(queue) {}
-
-    /// Null once the queue has gone.
-    std::shared_ptr<DispatchQueue> queue() const override { return localQueue_.lock(); }
+    explicit RQueueLocalIOFrameProtocol(DispatchQueue& queue);
 
     /// Does nothing.
     void setQueue(std::shared_ptr<DispatchQueue>) override {}
 
-private:
-    const std::weak_ptr<DispatchQueue> localQueue_;
+    /// The queue goes away; there is none from now on.
+    void forgetQueue() { queue_ = nullptr; }
 };
 
 } // namespace navrel

@@ -4,37 +4,38 @@
 #include "support/dispatch/DispatchQueue.h"
 
 #include <cstring>
+#include <iterator>
 #include <utility>
 
 namespace navrel {
 
 DispatchData DispatchData::referencing(const QByteArray& bytes) {
-    DispatchData data;
     const auto owner = std::make_shared<const QByteArray>(bytes);
-    data.appendRegion({owner, owner->constData()}, static_cast<size_t>(owner->size()));
-    return data;
+    return sharing({owner, owner->constData()}, static_cast<size_t>(owner->size()));
 }
 
 DispatchData DispatchData::copying(QByteArrayView bytes) {
-    DispatchData data;
     const auto size = static_cast<size_t>(bytes.size());
-    if (size > 0) {
-        const auto copy = std::make_shared_for_overwrite<char[]>(size);
-        std::memcpy(copy.get(), bytes.data(), size);
-        data.appendRegion({copy, copy.get()}, size);
+    if (size == 0) {
+        return {};
     }
+    const auto copy = std::make_shared_for_overwrite<char[]>(size);
+    std::memcpy(copy.get(), bytes.data(), size);
+    return sharing({copy, copy.get()}, size);
+}
+
+DispatchData DispatchData::sharing(std::shared_ptr<const char> bytes, size_t size) {
+    DispatchData data;
+    data.appendRegion(std::move(bytes), size);
     return data;
 }
 
 DispatchData DispatchData::owning(MallocedBytes bytes, size_t size) {
-    DispatchData data;
-    data.appendRegion(std::shared_ptr<const char>(std::move(bytes)), size);
-    return data;
+    return sharing(std::move(bytes), size);
 }
 
 DispatchData DispatchData::borrowing(const void* bytes, size_t size,
                                      std::shared_ptr<DispatchQueue> queue, Destructor destructor) {
-    DispatchData data;
     auto release = [queue = std::move(queue), run = std::move(destructor)](const char*) mutable {
         if (queue) {
             queue->async(std::move(run));
@@ -43,28 +44,50 @@ DispatchData DispatchData::borrowing(const void* bytes, size_t size,
         }
     };
     // Empty data holds no region, so its bytes are released right here.
-    data.appendRegion(
-        std::shared_ptr<const char>(static_cast<const char*>(bytes), std::move(release)), size);
-    return data;
+    return sharing({static_cast<const char*>(bytes), std::move(release)}, size);
 }
 
 void DispatchData::append(const DispatchData& other) {
-    const qsizetype count = other.regions_.size(); // `other` may be this very value
-    for (qsizetype index = 0; index < count; ++index) {
-        const Region region = other.regions_[index];
+    const size_t count = other.regionCount_; // `other` may be this very value
+    for (size_t index = 0; index < count; ++index) {
+        const Region region = other.regions()[index];
         appendRegion(region.bytes, region.size);
     }
 }
 
 void DispatchData::appendRegion(std::shared_ptr<const char> bytes, size_t size) {
-    if (size > 0) {
-        regions_.append({std::move(bytes), size});
-        size_ += size;
+    if (size == 0) {
+        return;
     }
+    size_ += size;
+    if (regionCount_ < kRegionsInPlace) {
+        fewRegions_[regionCount_++] = {std::move(bytes), size};
+        return;
+    }
+    if (manyRegions_.empty()) {
+        manyRegions_.assign(std::make_move_iterator(fewRegions_.begin()),
+                            std::make_move_iterator(fewRegions_.end()));
+    }
+    manyRegions_.push_back({std::move(bytes), size});
+    ++regionCount_;
 }
 
-std::optional<DispatchData> DispatchData::contiguous() const {
-    if (regions_.size() <= 1) {
+void DispatchData::swap(DispatchData& other) noexcept {
+    std::swap(fewRegions_, other.fewRegions_);
+    std::swap(manyRegions_, other.manyRegions_);
+    std::swap(regionCount_, other.regionCount_);
+    std::swap(size_, other.size_);
+}
+
+std::optional<DispatchData> DispatchData::contiguous() && {
+    if (regionCount_ <= 1) {
+        return std::move(*this);
+    }
+    return std::as_const(*this).contiguous();
+}
+
+std::optional<DispatchData> DispatchData::contiguous() const& {
+    if (regionCount_ <= 1) {
         return *this;
     }
     MallocedBytes copy(static_cast<char*>(std::malloc(size_)));
@@ -80,8 +103,8 @@ std::optional<DispatchData> DispatchData::contiguous() const {
 }
 
 const char* DispatchData::bytes() const {
-    NAVREL_ASSERT(regions_.size() <= 1);
-    return regions_.isEmpty() ? nullptr : regions_.first().bytes.get();
+    NAVREL_ASSERT(regionCount_ <= 1);
+    return regionCount_ == 0 ? nullptr : fewRegions_.front().bytes.get();
 }
 
 QByteArray DispatchData::toByteArray() const {

@@ -1,13 +1,15 @@
 #pragma once
 
 #include <QByteArray>
-#include <QVarLengthArray>
 
+#include <array>
 #include <cstdlib>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <span>
+#include <utility>
+#include <vector>
 
 namespace navrel {
 
@@ -34,11 +36,25 @@ public:
     /// No bytes.
     DispatchData() = default;
 
+    DispatchData(const DispatchData&) = default;
+    DispatchData& operator=(const DispatchData&) = default;
+
+    /// What is moved from is empty.
+    DispatchData(DispatchData&& other) noexcept { swap(other); }
+    DispatchData& operator=(DispatchData&& other) noexcept {
+        DispatchData(std::move(other)).swap(*this);
+        return *this;
+    }
+    ~DispatchData() = default;
+
     /// The array's bytes, shared with it and not copied.
     static DispatchData referencing(const QByteArray& bytes);
 
     /// A copy of the bytes.
     static DispatchData copying(QByteArrayView bytes);
+
+    /// `size` bytes that the pointer has a share in.
+    static DispatchData sharing(std::shared_ptr<const char> bytes, size_t size);
 
     /// `size` bytes of memory that this call takes over.
     static DispatchData owning(MallocedBytes bytes, size_t size);
@@ -54,7 +70,7 @@ public:
 
     /// The regions in order, none of them empty. Valid until this value changes.
     std::span<const Region> regions() const {
-        return {regions_.constData(), static_cast<size_t>(regions_.size())};
+        return {manyRegions_.empty() ? fewRegions_.data() : manyRegions_.data(), regionCount_};
     }
 
     /// Puts the other's regions behind these; no byte is copied.
@@ -62,7 +78,8 @@ public:
 
     /// The same bytes in one region: this value itself if it has no more than one already, else a
     /// single copy. Nothing when there is no memory for it.
-    std::optional<DispatchData> contiguous() const;
+    std::optional<DispatchData> contiguous() const&;
+    std::optional<DispatchData> contiguous() &&;
 
     /// The first byte of data in at most one region, which is what `contiguous` gives; null for
     /// empty data.
@@ -73,11 +90,14 @@ public:
 
 private:
     /// A frame, header and payload, needs no allocation for its regions.
-    static constexpr int kRegionsInPlace = 2;
+    static constexpr size_t kRegionsInPlace = 2;
 
     void appendRegion(std::shared_ptr<const char> bytes, size_t size);
+    void swap(DispatchData& other) noexcept;
 
-    QVarLengthArray<Region, kRegionsInPlace> regions_;
+    std::array<Region, kRegionsInPlace> fewRegions_;
+    std::vector<Region> manyRegions_; ///< all of them, once they are too many for their place
+    size_t regionCount_ = 0;
     size_t size_ = 0;
 };
 

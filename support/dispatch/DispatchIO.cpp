@@ -2,97 +2,32 @@
 
 #include "support/Assertion.h"
 #include "support/dispatch/DispatchQueue.h"
-#include "support/dispatch/ReadOperation.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <thread>
 #include <utility>
 
 namespace navrel {
 
 namespace {
 
-/// What one event may do before the event loop gets its turn again, so that a busy peer starves
-/// nobody.
-constexpr int kReceivesAnEvent = 4;
+// What one event may do before the event loop gets its turn again, so that a busy peer starves
+// nobody.
+constexpr int kReceivesAnEvent = 64;
 constexpr int kDeliveriesAnEvent = 64;
-constexpr int kSendsAnEvent = 4;
+constexpr int kSendsAnEvent = 16;
 
-/// Regions that one system call writes; further ones go with the next.
-constexpr size_t kRegionsASend = 64;
+// How often an emptied descriptor is read again after something was written: at once, since the
+// write may have made the peer run, and after giving it its turn.
+constexpr int kLooksAfterWriting = 2;
 
-/// The regions of one system call.
-class Vectors {
-public:
-    bool isFull() const { return count_ == vectors_.size(); }
-    void add(const char* bytes, size_t size) {
-        vectors_[count_++] = {const_cast<char*>(bytes), size}; // writing only reads them
-        size_ += size;
-    }
-    std::span<const iovec> all() const { return {vectors_.data(), count_}; }
-    size_t size() const { return size_; }
-
-private:
-    std::array<iovec, kRegionsASend> vectors_;
-    size_t count_ = 0;
-    size_t size_ = 0;
-};
+// Read behind a large piece: enough for the header that follows it, little enough that the payload
+// behind that one goes straight into its own buffer.
+constexpr size_t kAheadOfLargePiece = 4096;
 
 } // namespace
-
-struct DispatchIO::Read {
-    Read(quint64 length, size_t largestPiece, std::shared_ptr<DispatchQueue> handlerQueue,
-         ReadHandler readHandler)
-        : bytes(length, largestPiece), queue(std::move(handlerQueue)),
-          handler(std::move(readHandler)) {}
-
-    ReadOperation bytes;
-    std::shared_ptr<DispatchQueue> queue;
-    ReadHandler handler;
-};
-
-struct DispatchIO::Write {
-    Write(const DispatchData& bytes, std::shared_ptr<DispatchQueue> handlerQueue,
-          WriteHandler writeHandler)
-        : data(bytes), queue(std::move(handlerQueue)), handler(std::move(writeHandler)),
-          unwritten(data.size()) {}
-
-    /// Adds what is not written yet.
-    void gather(Vectors& vectors) const;
-
-    /// Up to `count` more bytes are written; returns how many of them are this write's.
-    size_t advance(size_t count);
-
-    DispatchData data;
-    std::shared_ptr<DispatchQueue> queue;
-    WriteHandler handler;
-    size_t unwritten;
-    size_t region = 0; ///< the first one with unwritten bytes
-    size_t offset = 0; ///< bytes of it that are written
-};
-
-void DispatchIO::Write::gather(Vectors& vectors) const {
-    size_t skipped = offset;
-    for (const DispatchData::Region& next : data.regions().subspan(region)) {
-        if (vectors.isFull()) {
-            return;
-        }
-        vectors.add(next.bytes.get() + skipped, next.size - skipped);
-        skipped = 0;
-    }
-}
-
-size_t DispatchIO::Write::advance(size_t count) {
-    const size_t mine = std::min(count, unwritten);
-    unwritten -= mine;
-    offset += mine;
-    const auto regions = data.regions();
-    while (region < regions.size() && offset >= regions[region].size) {
-        offset -= regions[region++].size;
-    }
-    return mine;
-}
 
 std::shared_ptr<DispatchIO> DispatchIO::create(int descriptor, std::shared_ptr<DispatchQueue> queue,
                                                CleanupHandler cleanupHandler) {
@@ -105,7 +40,7 @@ std::shared_ptr<DispatchIO> DispatchIO::create(int descriptor, std::shared_ptr<D
         return nullptr;
     }
     return std::shared_ptr<DispatchIO>(
-        new DispatchIO(*adopted, std::move(queue), std::move(cleanupHandler)));
+        new DispatchIO(*adopted, queue->shared_from_this(), std::move(cleanupHandler)));
 }
 
 DispatchIO::DispatchIO(StreamDescriptor descriptor, std::shared_ptr<DispatchQueue> queue,
@@ -123,27 +58,61 @@ DispatchIO::~DispatchIO() {
 
 // Operations: beginning, ending, closing.
 
-void DispatchIO::read(quint64 length, std::shared_ptr<DispatchQueue> handlerQueue,
+void DispatchIO::read(quint64 length, const std::shared_ptr<DispatchQueue>& handlerQueue,
                       ReadHandler handler, size_t largestPiece) {
     NAVREL_ASSERT(handlerQueue != nullptr);
-    const auto read =
-        std::make_shared<Read>(length, largestPiece, std::move(handlerQueue), std::move(handler));
-    if (queue_->isCurrentThread()) {
-        addRead(read);
-    } else {
-        queue_->async([self = shared_from_this(), read] { self->addRead(read); });
+    if (handlerQueue != queue_) {
+        handler = forwarded(std::move(handler), handlerQueue);
     }
+    Read read = {ReadOperation(length, largestPiece), std::move(handler)};
+    if (queue_->isCurrentThread()) {
+        addRead(std::move(read));
+        return;
+    }
+    const auto shared = std::make_shared<Read>(std::move(read));
+    queue_->async([self = shared_from_this(), shared] { self->addRead(std::move(*shared)); });
 }
 
-void DispatchIO::write(const DispatchData& data, std::shared_ptr<DispatchQueue> handlerQueue,
+void DispatchIO::write(DispatchData data, const std::shared_ptr<DispatchQueue>& handlerQueue,
                        WriteHandler handler) {
     NAVREL_ASSERT(handlerQueue != nullptr);
-    const auto write = std::make_shared<Write>(data, std::move(handlerQueue), std::move(handler));
-    if (queue_->isCurrentThread()) {
-        addWrite(write);
-    } else {
-        queue_->async([self = shared_from_this(), write] { self->addWrite(write); });
+    if (handler && handlerQueue != queue_) {
+        handler = forwarded(std::move(handler), handlerQueue);
     }
+    Write write = {WriteOperation(std::move(data)), std::move(handler)};
+    if (queue_->isCurrentThread()) {
+        addWrite(std::move(write));
+        return;
+    }
+    const auto shared = std::make_shared<Write>(std::move(write));
+    queue_->async([self = shared_from_this(), shared] { self->addWrite(std::move(*shared)); });
+}
+
+// A handler for the channel's queue that calls the given one on another queue. The operation has
+// not ended before that one has returned.
+DispatchIO::ReadHandler DispatchIO::forwarded(ReadHandler handler,
+                                              const std::shared_ptr<DispatchQueue>& toQueue) {
+    return [self = shared_from_this(), queue = toQueue->shared_from_this(),
+            original = std::make_shared<ReadHandler>(std::move(handler))](
+               bool done, const DispatchData& data, int errnoValue) {
+        self->beginOperation();
+        queue->async([self, original, done, data, errnoValue] {
+            (*original)(done, data, errnoValue);
+            self->queue_->async([self] { self->finishOperation(); });
+        });
+    };
+}
+
+DispatchIO::WriteHandler DispatchIO::forwarded(WriteHandler handler,
+                                               const std::shared_ptr<DispatchQueue>& toQueue) {
+    return [self = shared_from_this(), queue = toQueue->shared_from_this(),
+            original = std::move(handler)](int errnoValue) {
+        self->beginOperation();
+        queue->async([self, original, errnoValue] {
+            original(errnoValue);
+            self->queue_->async([self] { self->finishOperation(); });
+        });
+    };
 }
 
 void DispatchIO::close(Close how) {
@@ -154,28 +123,27 @@ void DispatchIO::close(Close how) {
     }
 }
 
-void DispatchIO::addRead(const std::shared_ptr<Read>& read) {
+void DispatchIO::addRead(Read read) {
     beginOperation();
     if (isClosed_) {
-        queue_->async([self = shared_from_this(), read] { self->endRead(read, {}, ECANCELED); });
+        endReadLater(std::move(read), ECANCELED);
         return;
     }
-    reads_.push_back(read);
+    reads_.push_back(std::move(read));
     if (!isServing_) {
         arrangeReading();
     }
 }
 
-void DispatchIO::addWrite(const std::shared_ptr<Write>& write) {
+void DispatchIO::addWrite(Write write) {
     beginOperation();
     if (isClosed_) {
-        endWrite(write, ECANCELED);
+        endWrite(std::move(write.handler), ECANCELED);
         return;
     }
-    const bool isFirst = writes_.empty();
-    writes_.push_back(write);
-    unwrittenBytes_ += write->data.size();
-    if (isFirst) {
+    unwrittenBytes_ += write.bytes.unwritten();
+    writes_.push_back(std::move(write));
+    if (writes_.size() == 1) {
         flushWrites();
     }
 }
@@ -189,12 +157,12 @@ void DispatchIO::closeNow(Close how) {
 }
 
 void DispatchIO::abandonOperations() {
-    const auto self = shared_from_this();
-    for (const auto& read : std::exchange(reads_, {})) {
-        queue_->async([self, read] { self->endRead(read, read->bytes.takePiece(), ECANCELED); });
+    isStopped_ = true;
+    for (Read& read : std::exchange(reads_, {})) {
+        endReadLater(std::move(read), ECANCELED);
     }
-    for (const auto& write : std::exchange(writes_, {})) {
-        endWrite(write, ECANCELED);
+    for (Write& write : std::exchange(writes_, {})) {
+        endWrite(std::move(write.handler), ECANCELED);
     }
     unwrittenBytes_ = 0;
     arrangeReading();
@@ -202,47 +170,43 @@ void DispatchIO::abandonOperations() {
 }
 
 void DispatchIO::beginOperation() {
-    ++operationCount_;
-    keptWhileBusy_ = shared_from_this();
+    if (operationCount_++ == 0) {
+        keptWhileBusy_ = shared_from_this();
+    }
 }
 
 void DispatchIO::finishOperation() {
-    const auto self = std::move(keptWhileBusy_);
-    if (--operationCount_ > 0) {
-        keptWhileBusy_ = self;
+    if (--operationCount_ == 0) {
+        const auto self = std::move(keptWhileBusy_);
+        cleanUpIfEnded();
     }
-    cleanUpIfEnded();
 }
 
-// As a job of the channel's queue. Calls the handler there or on the queue that it asked for.
-void DispatchIO::endRead(const std::shared_ptr<Read>& read, const DispatchData& data,
-                         int errnoValue) {
+// As a job of the queue.
+void DispatchIO::endRead(const ReadHandler& handler, const DispatchData& data, int errnoValue) {
     noteDescriptorError(errnoValue);
-    if (read->queue == queue_) {
-        read->handler(true, data, errnoValue);
-        finishOperation();
-        return;
-    }
-    read->queue->async([self = shared_from_this(), read, data, errnoValue] {
-        read->handler(true, data, errnoValue);
-        self->queue_->async([self] { self->finishOperation(); });
+    handler(true, data, errnoValue);
+    finishOperation();
+}
+
+// Inside a call, so the handler gets a job of its own.
+void DispatchIO::endReadLater(Read read, int errnoValue) {
+    const auto shared = std::make_shared<Read>(std::move(read));
+    queue_->async([self = shared_from_this(), shared, errnoValue] {
+        self->endRead(shared->handler, shared->bytes.takePiece(), errnoValue);
     });
 }
 
-// Possibly inside the call that writes, so the handler always gets a job of its own.
-void DispatchIO::endWrite(const std::shared_ptr<Write>& write, int errnoValue) {
+// Possibly inside a call, so the handler gets a job of its own.
+void DispatchIO::endWrite(WriteHandler handler, int errnoValue) {
     noteDescriptorError(errnoValue);
-    if (!write->handler) {
+    if (!handler) {
         finishOperation();
         return;
     }
-    write->queue->async([self = shared_from_this(), write, errnoValue] {
-        write->handler(errnoValue);
-        if (self->queue_->isCurrentThread()) {
-            self->finishOperation();
-        } else {
-            self->queue_->async([self] { self->finishOperation(); });
-        }
+    queue_->async([self = shared_from_this(), handler = std::move(handler), errnoValue] {
+        handler(errnoValue);
+        self->finishOperation();
     });
 }
 
@@ -291,96 +255,127 @@ void DispatchIO::scheduleReading() {
 // channel; nothing but the members holds over such a call.
 void DispatchIO::serveReads() {
     isServing_ = true;
+    isDrained_ = false;
     int receivesLeft = kReceivesAnEvent;
     int deliveriesLeft = kDeliveriesAnEvent;
-    bool mayHaveMore = true; // whether the system may have bytes that it has not given yet
     while (!reads_.empty() && isPeerKeepingUp()) {
-        ReadOperation& bytes = reads_.front()->bytes;
-        const auto taken = bytes.take(ahead_.waiting());
-        if (!taken) {
+        ReadOperation& bytes = reads_.front().bytes;
+        if (!bytes.take(ahead_)) {
             failRead(ENOMEM);
-            continue;
-        }
-        ahead_.taken(*taken);
-        if (bytes.isPieceComplete()) {
+        } else if (bytes.isPieceComplete()) {
             if (deliveriesLeft-- == 0) {
                 break;
             }
             deliverPiece();
-            continue;
-        }
-        if (!mayHaveMore || receivesLeft-- == 0) {
+        } else if (receivesLeft-- > 0 && mayReceive()) {
+            receive(bytes);
+        } else {
             break;
         }
-        mayHaveMore = receive(bytes);
     }
     isServing_ = false;
     arrangeReading();
 }
 
-// One system call for the first read and whatever comes behind it. Returns whether another one may
-// find more: a short read has emptied the descriptor.
-bool DispatchIO::receive(ReadOperation& bytes) {
+// Whether another read may find something. A peer that has just been answered is likely to go on at
+// once, if it gets its turn on the processor; looking for that here costs far less than the way
+// through the event loop does.
+bool DispatchIO::mayReceive() {
+    if (!isDrained_) {
+        return true;
+    }
+    if (looksLeft_ == 0) {
+        return false;
+    }
+    if (--looksLeft_ == 0) {
+        std::this_thread::yield();
+    }
+    return true;
+}
+
+// One system call.
+void DispatchIO::receive(ReadOperation& bytes) {
+    if (bytes.isLarge()) {
+        receiveLarge(bytes);
+    } else {
+        receiveAhead();
+    }
+}
+
+void DispatchIO::receiveAhead() {
+    const std::span<char> room = ahead_.room();
+    const auto transfer = descriptor_.read(room);
+    if (isReceived(transfer, room.size())) {
+        ahead_.filled(transfer.count);
+    }
+}
+
+void DispatchIO::receiveLarge(ReadOperation& bytes) {
     const std::span<char> own = bytes.room();
     if (own.empty()) {
         failRead(ENOMEM);
-        return true;
+        return;
     }
-    const std::span<char> ahead = own.size() == bytes.missing() ? ahead_.room() : std::span<char>();
+    const size_t aheadSize = own.size() == bytes.missing() ? kAheadOfLargePiece : 0;
     const std::array<iovec, 2> buffers = {iovec{own.data(), own.size()},
-                                          iovec{ahead.data(), ahead.size()}};
+                                          iovec{ahead_.room().data(), aheadSize}};
     const auto transfer = descriptor_.read(buffers);
-    if (transfer.wouldBlock()) {
-        return false;
+    if (isReceived(transfer, own.size() + aheadSize)) {
+        const size_t ownCount = std::min(transfer.count, own.size());
+        bytes.filled(ownCount);
+        ahead_.filled(transfer.count - ownCount);
     }
-    if (transfer.errnoValue != 0) {
-        failRead(transfer.errnoValue);
-        return true;
+}
+
+// Whether there are bytes to keep. If not, the first read may have ended.
+bool DispatchIO::isReceived(const StreamDescriptor::Transfer& transfer, size_t asked) {
+    isDrained_ = transfer.wouldBlock() || (transfer.count > 0 && transfer.count < asked);
+    if (transfer.count == 0 && !transfer.wouldBlock()) {
+        if (transfer.errnoValue != 0) {
+            failRead(transfer.errnoValue);
+        } else {
+            deliverRest();
+        }
     }
-    if (transfer.count == 0) {
-        deliverEndOfStream();
-        return true;
-    }
-    const size_t ownCount = std::min(transfer.count, own.size());
-    bytes.filled(ownCount);
-    ahead_.filled(transfer.count - ownCount);
-    return transfer.count == own.size() + ahead.size();
+    return transfer.count > 0;
 }
 
 void DispatchIO::deliverPiece() {
-    const std::shared_ptr<Read> read = reads_.front();
-    const bool isLast = read->bytes.isLastPiece();
-    const DispatchData piece = read->bytes.takePiece();
+    const bool isLast = reads_.front().bytes.isLastPiece();
+    const DispatchData piece = reads_.front().bytes.takePiece();
     if (isLast) {
-        reads_.pop_front();
-        endRead(read, piece, 0);
-    } else {
-        deliver(read, piece);
+        endFirstRead(piece, 0);
+        return;
     }
-}
-
-void DispatchIO::deliver(const std::shared_ptr<Read>& read, const DispatchData& piece) const {
-    if (read->queue == queue_) {
-        read->handler(false, piece, 0);
-    } else {
-        read->queue->async([read, piece] { read->handler(false, piece, 0); });
-    }
-}
-
-void DispatchIO::deliverEndOfStream() {
-    const std::shared_ptr<Read> read = reads_.front();
+    Read read = std::move(reads_.front()); // out of reach of whatever the handler does
     reads_.pop_front();
-    const DispatchData rest = read->bytes.takePiece();
-    if (!rest.isEmpty()) {
-        deliver(read, rest);
+    read.handler(false, piece, 0);
+    if (isStopped_) {
+        endReadLater(std::move(read), ECANCELED);
+    } else {
+        reads_.push_front(std::move(read));
     }
-    endRead(read, {}, 0);
+}
+
+// At the end of the stream.
+void DispatchIO::deliverRest() {
+    const DispatchData rest = reads_.front().bytes.takePiece();
+    const Read read = std::move(reads_.front());
+    reads_.pop_front();
+    if (!rest.isEmpty()) {
+        read.handler(false, rest, 0);
+    }
+    endRead(read.handler, {}, 0);
 }
 
 void DispatchIO::failRead(int errnoValue) {
-    const std::shared_ptr<Read> read = reads_.front();
+    endFirstRead(reads_.front().bytes.takePiece(), errnoValue);
+}
+
+void DispatchIO::endFirstRead(const DispatchData& data, int errnoValue) {
+    const ReadHandler handler = std::move(reads_.front().handler);
     reads_.pop_front();
-    endRead(read, read->bytes.takePiece(), errnoValue);
+    endRead(handler, data, errnoValue);
 }
 
 // Sees to it that pending reads go on: by a job if they need nothing from the descriptor, else when
@@ -388,21 +383,22 @@ void DispatchIO::failRead(int errnoValue) {
 void DispatchIO::arrangeReading() {
     const bool wanted = !reads_.empty() && !isReadingScheduled_ && isPeerKeepingUp();
     const bool needsDescriptor =
-        wanted && ahead_.isEmpty() && !reads_.front()->bytes.isPieceComplete();
+        wanted && ahead_.isEmpty() && !reads_.front().bytes.isPieceComplete();
     listenFor(readNotifier_, QSocketNotifier::Read, needsDescriptor);
     if (wanted && !needsDescriptor) {
         scheduleReading();
     }
 }
 
+bool DispatchIO::isPeerKeepingUp() const {
+    return unwrittenBytes_ <= kMostUnwrittenBytes && writes_.size() <= kMostUnwrittenWrites;
+}
+
 // Writing.
 
 void DispatchIO::flushWrites() {
     const auto self = shared_from_this();
-    for (int sends = 0; sends < kSendsAnEvent && !writes_.empty(); ++sends) {
-        if (!send()) {
-            break;
-        }
+    for (int sendsLeft = kSendsAnEvent; sendsLeft > 0 && !writes_.empty() && send(); --sendsLeft) {
     }
     listenFor(writeNotifier_, QSocketNotifier::Write, !writes_.empty());
     if (!isServing_) {
@@ -412,12 +408,14 @@ void DispatchIO::flushWrites() {
 
 // One system call for as many writes as it can take. Returns whether another one may write more.
 bool DispatchIO::send() {
-    Vectors vectors;
+    WriteVectors vectors;
     for (auto write = writes_.cbegin(); write != writes_.cend() && !vectors.isFull(); ++write) {
-        (*write)->gather(vectors);
+        write->bytes.gather(vectors);
     }
-    const auto transfer =
-        vectors.size() > 0 ? descriptor_.write(vectors.all()) : StreamDescriptor::Transfer{};
+    StreamDescriptor::Transfer transfer;
+    if (vectors.size() > 0) {
+        transfer = descriptor_.write(vectors.all());
+    }
     if (transfer.wouldBlock()) {
         return false;
     }
@@ -425,6 +423,7 @@ bool DispatchIO::send() {
         failWrite(transfer.errnoValue);
         return true;
     }
+    looksLeft_ = kLooksAfterWriting;
     retireWrites(transfer.count);
     return transfer.count == vectors.size();
 }
@@ -432,25 +431,22 @@ bool DispatchIO::send() {
 void DispatchIO::retireWrites(size_t writtenBytes) {
     unwrittenBytes_ -= writtenBytes;
     while (!writes_.empty()) {
-        const std::shared_ptr<Write> write = writes_.front();
-        writtenBytes -= write->advance(writtenBytes);
-        if (write->unwritten > 0) {
+        Write& write = writes_.front();
+        writtenBytes -= write.bytes.advance(writtenBytes);
+        if (write.bytes.unwritten() > 0) {
             return;
         }
+        const Write written = std::move(write); // its data may run a destructor of the caller's
         writes_.pop_front();
-        endWrite(write, 0);
+        endWrite(written.handler, 0);
     }
 }
 
 void DispatchIO::failWrite(int errnoValue) {
-    const std::shared_ptr<Write> write = writes_.front();
+    const Write failed = std::move(writes_.front());
     writes_.pop_front();
-    unwrittenBytes_ -= write->unwritten;
-    endWrite(write, errnoValue);
-}
-
-bool DispatchIO::isPeerKeepingUp() const {
-    return unwrittenBytes_ <= kMostUnwrittenBytes && writes_.size() <= kMostUnwrittenWrites;
+    unwrittenBytes_ -= failed.bytes.unwritten();
+    endWrite(failed.handler, errnoValue);
 }
 
 void DispatchIO::listenFor(Notifier& notifier, QSocketNotifier::Type type, bool enabled) {

@@ -2,7 +2,9 @@
 
 #include "support/dispatch/DispatchData.h"
 #include "support/dispatch/ReadAhead.h"
+#include "support/dispatch/ReadOperation.h"
 #include "support/dispatch/StreamDescriptor.h"
+#include "support/dispatch/WriteOperation.h"
 
 #include <QSocketNotifier>
 
@@ -14,7 +16,6 @@
 namespace navrel {
 
 class DispatchQueue;
-class ReadOperation;
 
 /// Asynchronous reads and writes on a stream descriptor (socket, pipe, terminal).
 ///
@@ -71,48 +72,61 @@ public:
 
     /// Reads exactly `length` bytes and delivers them in pieces of `largestPiece` bytes. The
     /// announced length is not believed: memory grows with what arrives. ECANCELED after `close`.
-    void read(quint64 length, std::shared_ptr<DispatchQueue> handlerQueue, ReadHandler handler,
-              size_t largestPiece = kWholeLength);
+    void read(quint64 length, const std::shared_ptr<DispatchQueue>& handlerQueue,
+              ReadHandler handler, size_t largestPiece = kWholeLength);
 
     /// Writes all bytes. The system is called at once when no earlier write waits. The handler may
     /// be null. A peer that is gone is an errno value (EPIPE), never a signal. ECANCELED after
     /// `close`.
-    void write(const DispatchData& data, std::shared_ptr<DispatchQueue> handlerQueue,
+    void write(DispatchData data, const std::shared_ptr<DispatchQueue>& handlerQueue,
                WriteHandler handler);
 
     /// No operation is taken any more. May be called again, to stop what a first call lets finish.
     void close(Close how);
 
 private:
-    struct Read;
-    struct Write;
+    struct Read {
+        ReadOperation bytes;
+        ReadHandler handler;
+    };
+    struct Write {
+        WriteOperation bytes;
+        WriteHandler handler;
+    };
     using Notifier = std::unique_ptr<QSocketNotifier, QScopedPointerDeleteLater>;
 
     DispatchIO(StreamDescriptor descriptor, std::shared_ptr<DispatchQueue> queue,
                CleanupHandler cleanupHandler);
 
-    void addRead(const std::shared_ptr<Read>& read);
-    void addWrite(const std::shared_ptr<Write>& write);
+    ReadHandler forwarded(ReadHandler handler, const std::shared_ptr<DispatchQueue>& toQueue);
+    WriteHandler forwarded(WriteHandler handler, const std::shared_ptr<DispatchQueue>& toQueue);
+    void addRead(Read read);
+    void addWrite(Write write);
     void closeNow(Close how);
 
     void readable();
     void scheduleReading();
     void serveReads();
-    bool receive(ReadOperation& bytes);
+    bool mayReceive();
+    void receive(ReadOperation& bytes);
+    void receiveAhead();
+    void receiveLarge(ReadOperation& bytes);
+    bool isReceived(const StreamDescriptor::Transfer& transfer, size_t asked);
     void deliverPiece();
-    void deliver(const std::shared_ptr<Read>& read, const DispatchData& piece) const;
-    void deliverEndOfStream();
+    void deliverRest();
+    void endFirstRead(const DispatchData& data, int errnoValue);
     void failRead(int errnoValue);
     void arrangeReading();
+    bool isPeerKeepingUp() const;
 
     void flushWrites();
     bool send();
     void retireWrites(size_t writtenBytes);
     void failWrite(int errnoValue);
-    bool isPeerKeepingUp() const;
 
-    void endRead(const std::shared_ptr<Read>& read, const DispatchData& data, int errnoValue);
-    void endWrite(const std::shared_ptr<Write>& write, int errnoValue);
+    void endRead(const ReadHandler& handler, const DispatchData& data, int errnoValue);
+    void endReadLater(Read read, int errnoValue);
+    void endWrite(WriteHandler handler, int errnoValue);
     void beginOperation();
     void finishOperation();
     void abandonOperations();
@@ -125,16 +139,19 @@ private:
     CleanupHandler cleanupHandler_;
 
     // Everything below: the queue's thread only.
-    std::deque<std::shared_ptr<Read>> reads_;
-    std::deque<std::shared_ptr<Write>> writes_;
+    std::deque<Read> reads_;
+    std::deque<Write> writes_;
     ReadAhead ahead_;
     size_t unwrittenBytes_ = 0;
     int operationCount_ = 0; ///< begun, and the last handler not yet returned
     int cleanupErrno_ = 0;
     bool isClosed_ = false;
+    bool isStopped_ = false;
     bool isCleanupScheduled_ = false;
-    bool isServing_ = false;
-    bool isReadingScheduled_ = false;
+    bool isServing_ = false;          ///< reads are being served further up the stack
+    bool isReadingScheduled_ = false; ///< a job will serve reads
+    bool isDrained_ = false;          ///< the last read took all that the descriptor had
+    int looksLeft_ = 0;               ///< reads of a drained descriptor that are still worth it
     Notifier readNotifier_;
     Notifier writeNotifier_;
     std::shared_ptr<DispatchIO> keptWhileBusy_;

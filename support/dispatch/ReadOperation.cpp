@@ -17,44 +17,54 @@ size_t ReadOperation::pieceLength() const {
     return static_cast<size_t>(std::min<quint64>(undelivered_, largestPiece_));
 }
 
-std::optional<size_t> ReadOperation::take(std::span<const char> bytes) {
-    size_t taken = 0;
-    while (taken < bytes.size() && !isPieceComplete()) {
+bool ReadOperation::take(ReadAhead& ahead) {
+    while (!ahead.isEmpty() && !isPieceComplete()) {
         const std::span<char> free = room();
         if (free.empty()) {
-            return std::nullopt;
+            return false;
         }
-        const size_t count = std::min(free.size(), bytes.size() - taken);
-        std::memcpy(free.data(), bytes.data() + taken, count);
+        const size_t count = std::min(free.size(), ahead.waiting().size());
+        std::memcpy(free.data(), ahead.waiting().data(), count);
+        ahead.taken(count);
         filled(count);
-        taken += count;
     }
-    return taken;
+    return true;
 }
 
 std::span<char> ReadOperation::room() {
     if (filled_ == capacity_ && !isPieceComplete() && !grow()) {
         return {};
     }
-    return {bytes_.get() + filled_, capacity_ - filled_};
+    char* buffer = small_ ? small_.get() : large_.get();
+    return {buffer + filled_, capacity_ - filled_};
 }
 
 bool ReadOperation::grow() {
+    if (!isLarge()) {
+        capacity_ = pieceLength();
+        small_ = std::make_shared_for_overwrite<char[]>(capacity_);
+        return true;
+    }
     const size_t wanted = std::min(pieceLength(), std::max(kFirstCapacity, 2 * capacity_));
-    auto* grown = static_cast<char*>(std::realloc(bytes_.get(), wanted));
+    auto* grown = static_cast<char*>(std::realloc(large_.get(), wanted));
     if (grown == nullptr) {
         return false;
     }
-    static_cast<void>(bytes_.release()); // realloc has taken it
-    bytes_.reset(grown);
+    static_cast<void>(large_.release()); // realloc has taken it
+    large_.reset(grown);
     capacity_ = wanted;
     return true;
 }
 
 DispatchData ReadOperation::takePiece() {
-    undelivered_ -= filled_;
+    const size_t size = std::exchange(filled_, 0);
+    undelivered_ -= size;
     capacity_ = 0;
-    return DispatchData::owning(std::move(bytes_), std::exchange(filled_, 0));
+    if (small_) {
+        const std::shared_ptr<char[]> buffer = std::move(small_);
+        return DispatchData::sharing({buffer, buffer.get()}, size);
+    }
+    return DispatchData::owning(std::move(large_), size);
 }
 
 } // namespace navrel

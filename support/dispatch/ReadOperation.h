@@ -1,16 +1,18 @@
 #pragma once
 
 #include "support/dispatch/DispatchData.h"
+#include "support/dispatch/ReadAhead.h"
 
 #include <QtGlobal>
 
 #include <cstddef>
+#include <memory>
 #include <span>
 
 namespace navrel {
 
-/// The bytes of one read on their way in: gathered into one buffer a piece, which grows with what
-/// has arrived, since the announced length is somebody else's word.
+/// The bytes of one read on their way in: each piece is gathered into one buffer. A large one grows
+/// with what has arrived, since the announced length is somebody else's word.
 class ReadOperation {
 public:
     /// Allocated at once for whoever announces as much or more; beyond it a buffer at most doubles,
@@ -20,9 +22,11 @@ public:
     /// Reads `length` bytes in pieces of `largestPiece`, which is not 0.
     ReadOperation(quint64 length, size_t largestPiece);
 
-    /// Copies as much of the bytes as the piece still lacks, and returns how much that is. Nothing
-    /// when there is no memory.
-    std::optional<size_t> take(std::span<const char> bytes);
+    /// Takes from the read-ahead buffer what the piece still lacks. False when there is no memory.
+    bool take(ReadAhead& ahead);
+
+    /// Whether the piece is worth reading straight into its buffer, past the read-ahead buffer.
+    bool isLarge() const { return pieceLength() > ReadAhead::kCapacity; }
 
     /// Where the next bytes of the piece go, to be followed by `filled`; empty when there is no
     /// memory, or the piece lacks nothing.
@@ -42,7 +46,8 @@ private:
 
     quint64 undelivered_; ///< bytes of this piece and the following ones
     size_t largestPiece_;
-    MallocedBytes bytes_;
+    std::shared_ptr<char[]> small_; ///< the buffer of a piece that is not large
+    MallocedBytes large_;           ///< the buffer of one that is
     size_t capacity_ = 0;
     size_t filled_ = 0;
 };

@@ -96,6 +96,10 @@ std::optional<StreamDescriptor> StreamDescriptor::adopt(int descriptor) {
     return StreamDescriptor(descriptor, S_ISSOCK(status.st_mode));
 }
 
+Transfer StreamDescriptor::read(std::span<char> buffer) const {
+    return uninterrupted([&] { return outcome(::read(value_, buffer.data(), buffer.size())); });
+}
+
 Transfer StreamDescriptor::read(std::span<const iovec> buffers) const {
     return uninterrupted(
         [&] { return outcome(::readv(value_, buffers.data(), static_cast<int>(buffers.size()))); });

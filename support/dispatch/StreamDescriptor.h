@@ -26,6 +26,7 @@ public:
     int value() const { return value_; }
     void forget() { value_ = -1; }
 
+    Transfer read(std::span<char> buffer) const;
     Transfer read(std::span<const iovec> buffers) const;
     Transfer write(std::span<const iovec> buffers) const;
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
 #include <string_view>
 
@@ -11,11 +12,29 @@ namespace {
 constexpr size_t kWhole = std::numeric_limits<size_t>::max();
 constexpr quint64 kFourGigabytes = 0xFFFFFFFF;
 
+/// A read-ahead buffer in which the text waits.
+ReadAhead aheadWith(std::string_view text) {
+    ReadAhead ahead;
+    std::copy(text.begin(), text.end(), ahead.room().begin());
+    ahead.filled(text.size());
+    return ahead;
+}
+
+std::string_view waitingIn(const ReadAhead& ahead) {
+    return {ahead.waiting().data(), ahead.waiting().size()};
+}
+
 TEST(ReadOperation, gathersItsLengthAndTakesNoMore) {
     ReadOperation read(5, kWhole);
-    EXPECT_EQ(read.take(std::string_view("abc")), 3U);
+    ReadAhead first = aheadWith("abc");
+    EXPECT_TRUE(read.take(first));
+    EXPECT_TRUE(first.isEmpty());
     EXPECT_FALSE(read.isPieceComplete());
-    EXPECT_EQ(read.take(std::string_view("defg")), 2U);
+    EXPECT_EQ(read.missing(), 2U);
+
+    ReadAhead second = aheadWith("defg");
+    EXPECT_TRUE(read.take(second));
+    EXPECT_EQ(waitingIn(second), "fg");
     EXPECT_TRUE(read.isPieceComplete());
     EXPECT_TRUE(read.isLastPiece());
     EXPECT_EQ(read.takePiece().toByteArray(), "abcde");
@@ -30,14 +49,26 @@ TEST(ReadOperation, ofNoBytesIsCompleteAtOnce) {
 
 TEST(ReadOperation, comesInPiecesOfTheSizeAskedFor) {
     ReadOperation read(5, 2);
-    EXPECT_EQ(read.take(std::string_view("abcde")), 2U);
+    ReadAhead ahead = aheadWith("abcdef");
+    EXPECT_TRUE(read.take(ahead));
     EXPECT_FALSE(read.isLastPiece());
     EXPECT_EQ(read.takePiece().toByteArray(), "ab");
-    EXPECT_EQ(read.take(std::string_view("cde")), 2U);
+    EXPECT_TRUE(read.take(ahead));
+    EXPECT_FALSE(read.isLastPiece());
     EXPECT_EQ(read.takePiece().toByteArray(), "cd");
-    EXPECT_EQ(read.take(std::string_view("e")), 1U);
+    EXPECT_TRUE(read.take(ahead));
     EXPECT_TRUE(read.isLastPiece());
     EXPECT_EQ(read.takePiece().toByteArray(), "e");
+    EXPECT_EQ(waitingIn(ahead), "f");
+}
+
+TEST(ReadOperation, takesNoMemoryBeforeBytesArrive) {
+    ReadOperation read(100, kWhole);
+    ReadAhead nothing;
+    EXPECT_TRUE(read.take(nothing));
+    EXPECT_EQ(read.missing(), 100U);
+    EXPECT_FALSE(read.isLarge());
+    EXPECT_EQ(read.room().size(), 100U);
 }
 
 TEST(ReadOperation, givesRoomForTheWholeOfAnOrdinaryLengthAtOnce) {
@@ -57,11 +88,16 @@ TEST(ReadOperation, believesAnAnnouncedLengthOnlyAsFarAsBytesArrive) {
 TEST(ReadOperation, keepsItsBytesWhileItGrows) {
     const QByteArray sent(3 * ReadOperation::kFirstCapacity + 1, 'x');
     ReadOperation read(static_cast<quint64>(sent.size()), kWhole);
-    EXPECT_EQ(read.take({sent.constData(), static_cast<size_t>(sent.size())}),
-              static_cast<size_t>(sent.size()));
+    EXPECT_TRUE(read.isLarge());
+    while (!read.isPieceComplete()) {
+        const std::span<char> room = read.room();
+        ASSERT_FALSE(room.empty());
+        std::fill(room.begin(), room.end(), 'x');
+        read.filled(room.size());
+    }
     const DispatchData piece = read.takePiece();
     EXPECT_EQ(piece.regions().size(), 1U);
-    EXPECT_EQ(piece.toByteArray(), sent);
+    EXPECT_TRUE(piece.toByteArray() == sent);
 }
 
 } // namespace
