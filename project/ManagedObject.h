@@ -59,13 +59,14 @@ private:
 
     static constexpr std::size_t kUnchanged = std::numeric_limits<std::size_t>::max();
 
-    RecordLinks<Record>& links(std::size_t key) { return keyLinks_[key]; }
+    qsizetype& position(std::size_t key) { return keyPositions_[key]; }
 
     RecordTable<Record>* table_ = nullptr;
     qint64 rowID_ = 0;
     std::size_t changedPosition_ = kUnchanged;
     RecordLinks<Record> tableLinks_;
-    std::array<RecordLinks<Record>, keyCount> keyLinks_;
+    // Where the record stands in the index of each key.
+    std::array<qsizetype, keyCount> keyPositions_{};
 };
 
 } // namespace navrel

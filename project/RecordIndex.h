@@ -3,23 +3,21 @@
 #include <QByteArray>
 #include <QByteArrayView>
 #include <QHashFunctions>
+#include <QVarLengthArray>
 
+#include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <unordered_map>
+#include <vector>
 
 namespace navrel {
 
-/// A record's neighbours in a list of records of its kind.
-template <typename Record>
-struct RecordLinks {
-    Record* previous = nullptr;
-    Record* next = nullptr;
-};
-
-/// Finds the records of a table by the value of one attribute. The records of one value form a list
-/// through the records themselves, in the order of their insertion into the table.
+/// Finds the records of a table by the value of one attribute, in the order of their insertion into
+/// the table. Adding and removing take constant time, however many records share a value.
 ///
-/// `Record` gives `links(key)`, the links of that list, and `rowID()`, which grows with insertion.
+/// `Record` gives `rowID()`, which grows with insertion, and `position(key)`, a number that the
+/// index keeps in the record.
 template <typename Record>
 class RecordIndex {
 public:
@@ -32,14 +30,19 @@ public:
 
     void clear();
 
-    /// The first and the last record of a value, or null.
-    Record* first(QByteArrayView value) const;
-    Record* last(QByteArrayView value) const;
+    std::vector<Record*> records(QByteArrayView value);
+
+    /// The record inserted last, or null.
+    Record* last(QByteArrayView value);
 
 private:
-    struct Chain {
-        Record* head = nullptr;
-        Record* tail = nullptr;
+    /// The records of one value. Removal leaves a gap, since closing it would cost as much as there
+    /// are records behind it; the last one is never a gap.
+    struct Group {
+        QVarLengthArray<Record*, 1> records;
+        qsizetype gaps = 0;
+        // False after a record came behind younger ones, as one whose value was changed does.
+        bool isInOrder = true;
     };
     // Seeded anew in every process, so that no project file is made of keys that collide.
     struct Hash {
@@ -52,83 +55,106 @@ private:
         using is_transparent = void;
         bool operator()(QByteArrayView left, QByteArrayView right) const { return left == right; }
     };
-    using Chains = std::unordered_map<QByteArray, Chain, Hash, Equal>;
 
-    Chain& chainFor(const QByteArray& value);
-    const Chain* chainOf(QByteArrayView value) const;
-    void link(Chain& chain, Record& record);
+    Group& groupFor(const QByteArray& value);
+    Group* orderedGroup(QByteArrayView value);
+    void closeGaps(Group& group);
 
     std::size_t key_;
-    Chains chains_;
-    // The chain last added to: the elements of a file come one after the other and share one key.
+    std::unordered_map<QByteArray, Group, Hash, Equal> groups_;
+    // The group last added to: the elements of a file come one after the other and share one value.
     QByteArray recentValue_;
-    Chain* recentChain_ = nullptr;
+    Group* recentGroup_ = nullptr;
 };
 
 template <typename Record>
 void RecordIndex<Record>::add(Record& record, const QByteArray& value) {
-    link(chainFor(value), record);
+    Group& group = groupFor(value);
+    if (!group.records.isEmpty() && group.records.last()->rowID() > record.rowID()) {
+        group.isInOrder = false;
+    }
+    record.position(key_) = group.records.size();
+    group.records.append(&record);
 }
 
 template <typename Record>
 void RecordIndex<Record>::remove(Record& record, const QByteArray& value) {
-    const auto found = chains_.find(QByteArrayView(value));
-    Chain& chain = found->second;
-    RecordLinks<Record>& links = record.links(key_);
-    (links.previous != nullptr ? links.previous->links(key_).next : chain.head) = links.next;
-    (links.next != nullptr ? links.next->links(key_).previous : chain.tail) = links.previous;
-    links = {};
-    if (chain.head == nullptr) {
-        chains_.erase(found);
-        recentChain_ = nullptr;
+    const auto found = groups_.find(QByteArrayView(value));
+    Group& group = found->second;
+    group.records[record.position(key_)] = nullptr;
+    ++group.gaps;
+    while (!group.records.isEmpty() && group.records.last() == nullptr) {
+        group.records.removeLast();
+        --group.gaps;
+    }
+    if (group.records.isEmpty()) {
+        groups_.erase(found);
+        recentGroup_ = nullptr;
+    } else if (2 * group.gaps > group.records.size()) {
+        closeGaps(group);
     }
 }
 
 template <typename Record>
 void RecordIndex<Record>::clear() {
-    chains_.clear();
-    recentChain_ = nullptr;
+    groups_.clear();
+    recentGroup_ = nullptr;
 }
 
 template <typename Record>
-Record* RecordIndex<Record>::first(QByteArrayView value) const {
-    const Chain* chain = chainOf(value);
-    return chain != nullptr ? chain->head : nullptr;
+std::vector<Record*> RecordIndex<Record>::records(QByteArrayView value) {
+    std::vector<Record*> result;
+    if (const Group* group = orderedGroup(value)) {
+        result.reserve(static_cast<std::size_t>(group->records.size() - group->gaps));
+        std::copy_if(group->records.begin(), group->records.end(), std::back_inserter(result),
+                     [](const Record* record) { return record != nullptr; });
+    }
+    return result;
 }
 
 template <typename Record>
-Record* RecordIndex<Record>::last(QByteArrayView value) const {
-    const Chain* chain = chainOf(value);
-    return chain != nullptr ? chain->tail : nullptr;
+Record* RecordIndex<Record>::last(QByteArrayView value) {
+    const Group* group = orderedGroup(value);
+    return group != nullptr ? group->records.last() : nullptr;
 }
 
 template <typename Record>
-typename RecordIndex<Record>::Chain& RecordIndex<Record>::chainFor(const QByteArray& value) {
-    if (recentChain_ == nullptr || recentValue_ != value) {
-        recentChain_ = &chains_[value];
+typename RecordIndex<Record>::Group& RecordIndex<Record>::groupFor(const QByteArray& value) {
+    if (recentGroup_ == nullptr || recentValue_ != value) {
+        recentGroup_ = &groups_[value];
         recentValue_ = value;
     }
-    return *recentChain_;
+    return *recentGroup_;
 }
 
 template <typename Record>
-const typename RecordIndex<Record>::Chain*
-RecordIndex<Record>::chainOf(QByteArrayView value) const {
-    const auto found = chains_.find(value);
-    return found != chains_.end() ? &found->second : nullptr;
-}
-
-template <typename Record>
-void RecordIndex<Record>::link(Chain& chain, Record& record) {
-    // A record whose value was changed may belong before younger ones; a new one comes last.
-    Record* after = chain.tail;
-    while (after != nullptr && after->rowID() > record.rowID()) {
-        after = after->links(key_).previous;
+typename RecordIndex<Record>::Group* RecordIndex<Record>::orderedGroup(QByteArrayView value) {
+    const auto found = groups_.find(value);
+    if (found == groups_.end()) {
+        return nullptr;
     }
-    Record* before = after != nullptr ? after->links(key_).next : chain.head;
-    record.links(key_) = {after, before};
-    (after != nullptr ? after->links(key_).next : chain.head) = &record;
-    (before != nullptr ? before->links(key_).previous : chain.tail) = &record;
+    Group& group = found->second;
+    if (!group.isInOrder) {
+        closeGaps(group);
+    }
+    return &group;
+}
+
+/// Closes the gaps and puts the records in order.
+template <typename Record>
+void RecordIndex<Record>::closeGaps(Group& group) {
+    auto& records = group.records;
+    records.erase(std::remove(records.begin(), records.end(), nullptr), records.end());
+    if (!group.isInOrder) {
+        std::sort(records.begin(), records.end(), [](const Record* left, const Record* right) {
+            return left->rowID() < right->rowID();
+        });
+    }
+    for (qsizetype position = 0; position < records.size(); ++position) {
+        records[position]->position(key_) = position;
+    }
+    group.gaps = 0;
+    group.isInOrder = true;
 }
 
 } // namespace navrel

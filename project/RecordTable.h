@@ -15,6 +15,13 @@
 
 namespace navrel {
 
+/// A record's neighbours in the list of its table.
+template <typename Record>
+struct RecordLinks {
+    Record* previous = nullptr;
+    Record* next = nullptr;
+};
+
 /// The records of one entity in memory: a list in the order of insertion, an index for each key
 /// attribute, and what the next save has to write. A record's address is stable until it is
 /// removed. Main thread only.
@@ -41,7 +48,9 @@ public:
 
     /// The records in the order of insertion; a snapshot, so that the caller may remove meanwhile.
     std::vector<Record*> all() const;
-    std::vector<Record*> withKey(std::size_t key, QByteArrayView value) const;
+    std::vector<Record*> withKey(std::size_t key, QByteArrayView value) const {
+        return indexes_[key].records(value);
+    }
     /// The record of a key value that was inserted last, or null.
     Record* lastWithKey(std::size_t key, QByteArrayView value) const {
         return indexes_[key].last(value);
@@ -100,7 +109,8 @@ private:
     Record* first_ = nullptr;
     Record* last_ = nullptr;
     std::size_t size_ = 0;
-    std::array<RecordIndex<Record>, kKeyCount> indexes_;
+    // Put in order when they are read.
+    mutable std::array<RecordIndex<Record>, kKeyCount> indexes_;
 
     qint64 nextRowID_ = 1;
     qint64 firstNewRowID_ = 1;
@@ -189,16 +199,6 @@ std::vector<Record*> RecordTable<Record>::all() const {
     std::vector<Record*> records;
     records.reserve(size_);
     for (Record* record = first_; record != nullptr; record = record->tableLinks_.next) {
-        records.push_back(record);
-    }
-    return records;
-}
-
-template <typename Record>
-std::vector<Record*> RecordTable<Record>::withKey(std::size_t key, QByteArrayView value) const {
-    std::vector<Record*> records;
-    for (Record* record = indexes_[key].first(value); record != nullptr;
-         record = record->links(key).next) {
         records.push_back(record);
     }
     return records;

@@ -33,6 +33,9 @@ public:
         }
     }
 
+    /// The statement itself, for callers that bind by hand.
+    sqlite3_stmt* handle() const { return statement_.get(); }
+
     /// Runs on to the next row. False at the end and on failure, which `error` tells apart.
     bool step();
     /// Runs a statement without rows to its end and makes it ready for the next run.

@@ -34,6 +34,10 @@ constexpr std::size_t kMaximumRecords = 2'000'000;
 // Rows are numbered by counting on from the last one. This program never gets near this number.
 constexpr qint64 kMaximumRowID = std::numeric_limits<qint64>::max() / 2;
 
+// Rows that one statement writes. Most of the cost of a row is that of starting a statement; more
+// of them in one gain nothing.
+constexpr std::size_t kRowsInBatch = 16;
+
 // What a first load writes stays in memory until the commit, instead of being spilled half-way.
 constexpr char kSettings[] = "PRAGMA cache_size = -65536;"
                              "PRAGMA cell_size_check = ON;"
@@ -129,6 +133,15 @@ bool readAttributes(const SQLiteStatement& row, Record& record) {
             return (readAttribute(row, ++column, record.*attribute.field) && ...);
         },
         Record::attributes());
+}
+
+/// Binds a record's row number and attributes to the parameters after `last`. The last one bound.
+template <typename Record>
+int bindRecord(SQLiteStatement& statement, int last, const Record& record) {
+    statement.bind(++last, record.rowID());
+    std::apply([&](auto... attribute) { (statement.bind(++last, record.*attribute.field), ...); },
+               Record::attributes());
+    return last;
 }
 
 } // namespace
@@ -300,24 +313,26 @@ template <typename Record>
 std::optional<Error> StoreFile::prepareStatementsOf() {
     auto& statements = std::get<Statements<Record>>(statements_);
     const QByteArray table = quoted(Record::kEntityName);
-    const QByteArrayList columns = columnsOf<Record>();
-    const QByteArray list = "rowid, " + columns.join(", ");
-    const QByteArray marks = QByteArrayList(columns.size() + 1, "?").join(", ");
+    const QByteArrayList columns = QByteArrayList{"rowid"} + columnsOf<Record>();
+    const QByteArray list = columns.join(", ");
+    const QByteArray row = '(' + QByteArrayList(columns.size(), "?").join(", ") + ')';
+    // Replaces: a commit that was reported as failed may have reached the file all the same, and
+    // the next save then writes the same rows again.
+    const QByteArray write = "INSERT OR REPLACE INTO " + table + " (" + list + ") VALUES ";
 
-    std::optional<Error> error =
-        database_.prepare("SELECT " + list + " FROM " + table + " ORDER BY rowid", statements.read);
-    if (!error) {
-        // Replaces: a commit that was reported as failed may have reached the file all the same,
-        // and the next save then writes the same rows again.
-        error = database_.prepare("INSERT OR REPLACE INTO " + table + " (" + list + ") VALUES (" +
-                                      marks + ")",
-                                  statements.write);
+    const std::pair<SQLiteStatement&, QByteArray> texts[] = {
+        {statements.read, "SELECT " + list + " FROM " + table + " ORDER BY rowid"},
+        {statements.writeOne, write + row},
+        {statements.writeBatch, write + QByteArrayList(kRowsInBatch, row).join(", ")},
+        {statements.removeRange, "DELETE FROM " + table + " WHERE rowid BETWEEN ? AND ?"},
+        {statements.removeAll, "DELETE FROM " + table},
+    };
+    for (const auto& [statement, text] : texts) {
+        if (auto error = database_.prepare(text, statement)) {
+            return error;
+        }
     }
-    if (!error) {
-        error = database_.prepare("DELETE FROM " + table + " WHERE rowid BETWEEN ? AND ?",
-                                  statements.removeRange);
-    }
-    return error ? error : database_.prepare("DELETE FROM " + table, statements.removeAll);
+    return std::nullopt;
 }
 
 std::optional<Error> StoreFile::load(StoreTables& tables) {
@@ -352,17 +367,32 @@ std::optional<Error> StoreFile::save(StoreTables& tables) {
 
 template <typename Record>
 std::optional<Error> StoreFile::saveTable(const RecordTable<Record>& table) {
-    std::optional<Error> error = saveRemovals(table);
+    if (auto error = saveRemovals(table)) {
+        return error;
+    }
+    std::vector<const Record*> batch;
+    batch.reserve(kRowsInBatch);
+    std::optional<Error> error;
+    const auto write = [&](const Record* record) {
+        batch.push_back(record);
+        if (batch.size() == kRowsInBatch) {
+            error = writeRecords(batch);
+            batch.clear();
+        }
+        return !error;
+    };
     for (const Record* changed : table.changedRecords()) {
-        if (!error) {
-            error = writeRecord(*changed);
+        if (!write(changed)) {
+            return error;
         }
     }
-    for (const Record* record = table.firstNewRecord(); record != nullptr && !error;
+    for (const Record* record = table.firstNewRecord(); record != nullptr;
          record = RecordTable<Record>::next(*record)) {
-        error = writeRecord(*record);
+        if (!write(record)) {
+            return error;
+        }
     }
-    return error;
+    return writeRecords(batch);
 }
 
 template <typename Record>
@@ -389,15 +419,23 @@ std::optional<Error> StoreFile::saveRemovals(const RecordTable<Record>& table) {
     return std::nullopt;
 }
 
+/// Writes a full batch in one statement, else record by record.
 template <typename Record>
-std::optional<Error> StoreFile::writeRecord(const Record& record) {
-    SQLiteStatement& statement = std::get<Statements<Record>>(statements_).write;
-    int parameter = 1;
-    statement.bind(parameter, record.rowID());
-    std::apply(
-        [&](auto... attribute) { (statement.bind(++parameter, record.*attribute.field), ...); },
-        Record::attributes());
-    return statement.run();
+std::optional<Error> StoreFile::writeRecords(const std::vector<const Record*>& records) {
+    auto& statements = std::get<Statements<Record>>(statements_);
+    const bool isFull = records.size() == kRowsInBatch;
+    SQLiteStatement& statement = isFull ? statements.writeBatch : statements.writeOne;
+    int parameter = 0;
+    for (const Record* record : records) {
+        parameter = bindRecord(statement, parameter, *record);
+        if (!isFull) {
+            parameter = 0;
+            if (auto error = statement.run()) {
+                return error;
+            }
+        }
+    }
+    return isFull ? statement.run() : std::nullopt;
 }
 
 std::optional<Error> StoreFile::forEachRow(const QByteArray& sql, const RowReceiver& receive) {

@@ -10,6 +10,7 @@
 #include <functional>
 #include <optional>
 #include <tuple>
+#include <vector>
 
 namespace navrel {
 
@@ -52,7 +53,8 @@ private:
     template <typename Record>
     struct Statements {
         SQLiteStatement read;
-        SQLiteStatement write;
+        SQLiteStatement writeOne;
+        SQLiteStatement writeBatch;
         SQLiteStatement removeRange;
         SQLiteStatement removeAll;
     };
@@ -74,7 +76,7 @@ private:
     template <typename Record>
     std::optional<Error> saveRemovals(const RecordTable<Record>& table);
     template <typename Record>
-    std::optional<Error> writeRecord(const Record& record);
+    std::optional<Error> writeRecords(const std::vector<const Record*>& records);
     /// Calls `receive` for each row of a query until it returns an error.
     std::optional<Error> forEachRow(const QByteArray& sql, const RowReceiver& receive);
     std::optional<Error> inTransaction(const std::function<std::optional<Error>()>& work);
