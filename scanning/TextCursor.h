@@ -63,7 +63,7 @@ constexpr Table makeTable() {
     add(table, CharacterClass::Cast, " *");
     add(table, CharacterClass::Head, " :()_*\n");
     add(table, CharacterClass::Attribute, ", ");
-    add(table, CharacterClass::Outlet, "IBOutletibouTLE ");
+    add(table, CharacterClass::Outlet, "IBOUTLEiboutle ");
     add(table, CharacterClass::Protocol, ", ");
     return table;
 }

@@ -51,6 +51,8 @@ const std::vector<Pieces>& themes() {
          "out",
          "IBOutlet",
          "IBOutlet ",
+         "IBOUTLET ",
+         "iboutlet",
          "x_",
          "_",
          "1",
