@@ -1,0 +1,118 @@
+// Scanning a tree of sources for superclasses, shortcuts and elements, reading included, against
+// reading it alone, and the patterns by ICU against that. See SourceTree for what is scanned.
+
+#include "bench/Ratio.h"
+#include "bench/scanning/SourceTree.h"
+#include "scanning/PlainScan.h"
+#include "scanning/SourceFileBuffer.h"
+#include "scanning/SourceScan.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cstdlib>
+#include <fcntl.h>
+#include <memory>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace navrel::bench {
+namespace {
+
+constexpr double kReadGoal = 2.0;
+constexpr double kPlainGoal = 60;
+constexpr int kPlainRounds = 3; // each takes seconds
+constexpr std::chrono::hours kNoLimit(1);
+
+std::size_t countOf(const SourceFindings& findings) {
+    std::size_t count = findings.shortcuts().size() + (findings.superclass() ? 1 : 0);
+    findings.visitElements([&count](const SourceElement&) { ++count; });
+    return count;
+}
+
+/// The least that reading takes.
+class Floor {
+public:
+    void read(const SourceTree& tree) {
+        for (const QByteArray& path : tree.paths()) {
+            const int descriptor = ::open(path.constData(), O_RDONLY | O_CLOEXEC);
+            struct stat status {};
+            ::fstat(descriptor, &status);
+            memory_.resize(std::max(memory_.size(), std::size_t(status.st_size)));
+            benchmark::DoNotOptimize(::read(descriptor, memory_.data(), memory_.size()));
+            ::close(descriptor);
+        }
+    }
+
+private:
+    std::vector<char> memory_;
+};
+
+class FastJob {
+public:
+    void scan(const SourceTree& tree) {
+        std::size_t count = 0;
+        for (const QByteArray& path : tree.paths()) {
+            if (const auto text = buffer_.read(path)) {
+                scanSource(*text, SourceName::ofPath(path), *findings_);
+                count += countOf(*findings_);
+            }
+        }
+        benchmark::DoNotOptimize(count);
+    }
+
+private:
+    SourceFileBuffer buffer_;
+    std::unique_ptr<SourceFindings> findings_ = std::make_unique<SourceFindings>();
+};
+
+class PlainJob {
+public:
+    void scan(const SourceTree& tree) {
+        std::size_t count = 0;
+        for (const QByteArray& path : tree.paths()) {
+            if (const auto text = buffer_.read(path)) {
+                plain_.scan(*text, SourceName::ofPath(path), *findings_, kNoLimit);
+                count += countOf(*findings_);
+            }
+        }
+        benchmark::DoNotOptimize(count);
+    }
+
+private:
+    SourceFileBuffer buffer_;
+    PlainScan plain_;
+    std::unique_ptr<SourceFindings> findings_ = std::make_unique<SourceFindings>();
+};
+
+template <typename Job>
+void registerBenchmark(const char* name, const SourceTree& tree, Job job) {
+    benchmark::RegisterBenchmark(name, [&tree, job](benchmark::State& state) {
+        for ([[maybe_unused]] const auto round : state) {
+            job();
+        }
+        state.SetBytesProcessed(state.iterations() * tree.size());
+    })->Unit(benchmark::kMillisecond);
+}
+
+} // namespace
+} // namespace navrel::bench
+
+int main(int argc, char** argv) {
+    using namespace navrel::bench;
+
+    benchmark::Initialize(&argc, argv);
+    const SourceTree tree;
+    Floor floor;
+    FastJob fast;
+    PlainJob plain;
+    registerBenchmark("read", tree, [&] { floor.read(tree); });
+    registerBenchmark("scan", tree, [&] { fast.scan(tree); });
+    registerBenchmark("scan by the patterns", tree, [&] { plain.scan(tree); });
+    benchmark::RunSpecifiedBenchmarks();
+    printRatio("B scan, of reading alone",
+               timeRatio([&] { floor.read(tree); }, [&] { fast.scan(tree); }), kReadGoal);
+    printRatio("B the patterns by ICU, of the scan",
+               timeRatio([&] { fast.scan(tree); }, [&] { plain.scan(tree); }, kPlainRounds),
+               kPlainGoal, Bound::atLeast);
+    return EXIT_SUCCESS;
+}
