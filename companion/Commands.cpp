@@ -13,6 +13,7 @@ namespace navrel {
 namespace {
 
 const QString kItems = QStringLiteral("items");
+const QString kIdentifier = QStringLiteral("identifier");
 
 QVariantList itemsOf(const std::optional<QVariantMap>& reply) {
     return reply ? reply->value(kItems).toList() : QVariantList();
@@ -106,11 +107,11 @@ void Commands::showOverview() {
         (this->*show)({});
         print_({});
     }
-    showFirstOutline();
+    showSomeOutline();
 }
 
 std::optional<QVariantMap> Commands::navigator(const QString& identifier) {
-    return ask_(kFrameNavigator, {{QStringLiteral("identifier"), identifier}});
+    return ask_(kFrameNavigator, {{kIdentifier, identifier}});
 }
 
 void Commands::showTree(const QString&) {
@@ -137,7 +138,7 @@ void Commands::showGroup(const QString& identifier) {
         print_(QStringLiteral("No project is loaded."));
         return;
     }
-    if (!identifier.isEmpty() && reply->value(QStringLiteral("identifier")) != identifier) {
+    if (!identifier.isEmpty() && reply->value(kIdentifier) != identifier) {
         print_(QStringLiteral("Nothing has this identifier; this is the main group."));
     }
     print_(text_.group(textOf(*reply, QStringLiteral("label"))) + QStringLiteral("  ") +
@@ -148,7 +149,7 @@ void Commands::showGroup(const QString& identifier) {
 }
 
 void Commands::showElements(const QString& identifier) {
-    const auto reply = ask_(kFrameElements, {{QStringLiteral("identifier"), identifier}});
+    const auto reply = ask_(kFrameElements, {{kIdentifier, identifier}});
     if (!reply) {
         print_(QStringLiteral("There is no outline for this identifier."));
         return;
@@ -162,25 +163,35 @@ void Commands::showElements(const QString& identifier) {
     print_(itemsOf(reply).isEmpty() ? QStringLiteral("No elements.") : text_.outline(*reply));
 }
 
-/// The outline of the first file that has one.
-void Commands::showFirstOutline() {
+/// The longest outline among the first files that have one: a glance at what outlines are.
+void Commands::showSomeOutline() {
+    constexpr int kOutlinesToChooseFrom = 20;
     const auto root = ask_(kFrameRootNavigator, {});
     if (!root) {
         return;
     }
+    int outlines = 0;
+    qsizetype longest = 0;
+    QString identifier;
     visitProjectTree(
-        *root, [this](const QString& identifier) { return navigator(identifier); },
-        [this](const ProjectTreeEntry& entry) {
-            const QString identifier = entry.item.value(QStringLiteral("identifier")).toString();
-            const auto reply = ask_(kFrameElements, {{QStringLiteral("identifier"), identifier}});
-            if (itemsOf(reply).isEmpty()) {
-                return true;
+        *root, [this](const QString& group) { return navigator(group); },
+        [&](const ProjectTreeEntry& entry) {
+            const QString file = entry.item.value(kIdentifier).toString();
+            const qsizetype length = itemsOf(ask_(kFrameElements, {{kIdentifier, file}})).size();
+            if (length > longest) {
+                longest = length;
+                identifier = file;
             }
-            print_(text_.heading(QStringLiteral("Elements")));
-            showElements(identifier);
-            print_({});
-            return false;
+            outlines += length > 0 ? 1 : 0;
+            return outlines < kOutlinesToChooseFrom;
         });
+    print_(text_.heading(QStringLiteral("Elements")));
+    if (longest > 0) {
+        showElements(identifier);
+    } else {
+        print_(QStringLiteral("None."));
+    }
+    print_({});
 }
 
 void Commands::showSuperclasses(const QString&) {

@@ -48,7 +48,7 @@ private:
     void showHelp(const QString& argument);
 
     void printFileTypes(const std::optional<QVariantMap>& reply);
-    void showFirstOutline();
+    void showSomeOutline();
     std::optional<QVariantMap> navigator(const QString& identifier);
 
     Ask ask_;

@@ -55,6 +55,17 @@ std::optional<Error> CompanionLink::listen(quint16 port) {
     return failure;
 }
 
+void CompanionLink::stop() {
+    for (auto* channel : {&connection_, &listener_}) {
+        if (*channel != nullptr) {
+            (*channel)->close();
+            (*channel)->setDelegate(nullptr);
+            channel->reset();
+        }
+    }
+    replies_.clear();
+}
+
 bool CompanionLink::waitUntilServed(std::chrono::milliseconds atMost) {
     const QDeadlineTimer deadline(atMost);
     while (spinUntil([this] { return isConnected(); }, deadline)) {

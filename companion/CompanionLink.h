@@ -26,6 +26,10 @@ public:
     /// companion listens already.
     std::optional<Error> listen(quint16 port);
 
+    /// Closes the connection and stops listening. The channels hold the link as their delegate: it
+    /// lives until it is stopped.
+    void stop();
+
     /// Waits until a Navrel is connected and answers. False when that took too long.
     bool waitUntilServed(std::chrono::milliseconds atMost);
 

@@ -92,7 +92,9 @@ int runCompanion(std::chrono::seconds wait) {
         TerminalText(isTerminal ? TerminalText::Style::coloured : TerminalText::Style::plain));
     waitForProject(*link);
     commands.showOverview();
-    return runCommands(*link, commands, wait);
+    const int exitCode = runCommands(*link, commands, wait);
+    link->stop();
+    return exitCode;
 }
 
 } // namespace

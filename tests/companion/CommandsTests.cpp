@@ -136,6 +136,51 @@ TEST_F(CommandsTest, withoutAProjectTheTreeSaysSo) {
     EXPECT_EQ(printed_, QStringList{QStringLiteral("No project is loaded.")});
 }
 
+TEST_F(CommandsTest, theOverviewShowsEverySectionAndTheLongestOutline) {
+    const auto file = [](const char* identifier) {
+        return QVariantMap{{QStringLiteral("name"), QLatin1String(identifier)},
+                           {QStringLiteral("identifier"), QLatin1String(identifier)},
+                           {QStringLiteral("isGroup"), 0}};
+    };
+    const auto outline = [](int length) {
+        QVariantList elements;
+        for (int line = 1; line <= length; ++line) {
+            elements.append(QVariantMap{{QStringLiteral("type"), QStringLiteral("class")},
+                                        {QStringLiteral("name"), QStringLiteral("C")},
+                                        {QStringLiteral("line"), line}});
+        }
+        return elements;
+    };
+    Commands commands(
+        [&](quint32 type, const QVariantMap& request) -> std::optional<QVariantMap> {
+            const QString identifier = request.value(QStringLiteral("identifier")).toString();
+            if (type == kFrameRootNavigator) {
+                return QVariantMap{{QStringLiteral("label"), QStringLiteral("App")},
+                                   {QStringLiteral("items"),
+                                    QVariantList{file("none"), file("short"), file("long")}}};
+            }
+            if (type == kFrameElements) {
+                const int length = identifier == QStringLiteral("long")    ? 3
+                                   : identifier == QStringLiteral("short") ? 1
+                                                                           : 0;
+                return QVariantMap{{QStringLiteral("title"), identifier},
+                                   {QStringLiteral("path"), QStringLiteral("/p")},
+                                   {QStringLiteral("items"), outline(length)}};
+            }
+            return std::nullopt;
+        },
+        [this](const QString& text) { printed_.append(text); },
+        TerminalText(TerminalText::Style::plain));
+    commands.showOverview();
+
+    for (const char* section :
+         {"Project", "Navigator", "Superclasses", "File types", "Shortcuts", "Elements"}) {
+        EXPECT_TRUE(printed_.contains(QLatin1String(section))) << section;
+    }
+    EXPECT_TRUE(printed_.contains(QStringLiteral("long  /p")));
+    EXPECT_FALSE(printed_.contains(QStringLiteral("short  /p")));
+}
+
 TEST_F(CommandsTest, projectAndVersionPrintWhatNavrelSays) {
     answer_ = QVariantMap{{QStringLiteral("project"), QStringLiteral("/p")},
                           {QStringLiteral("version"), QStringLiteral("1.4")}};

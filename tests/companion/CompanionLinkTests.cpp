@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <utility>
 
 namespace navrel {
 namespace {
@@ -37,13 +38,20 @@ public:
 class CompanionLinkTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        ASSERT_EQ(link_->listen(kCompanionPort), std::nullopt);
+        // The listener of the test before closes its socket when the event loop gets there.
+        ASSERT_TRUE(waitUntil([this] { return !link_->listen(kCompanionPort); }));
         navrel_->answer = [](quint32 type) -> std::optional<QVariantMap> {
             if (type == kFrameShortcuts) {
                 return std::nullopt;
             }
             return QVariantMap{{QStringLiteral("type"), type}};
         };
+    }
+
+    void TearDown() override {
+        link_->stop();
+        const std::weak_ptr<CompanionLink> link = std::exchange(link_, nullptr);
+        EXPECT_TRUE(waitUntil([&] { return link.expired(); }));
     }
 
     std::shared_ptr<CompanionLink> link_ = CompanionLink::create();
