@@ -55,6 +55,11 @@ std::optional<Error> SQLiteDatabase::open(const QByteArray& path) {
                                            SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE,
                                        nullptr);
     database_.reset(database);
+    // A file that may not be written is opened for reading alone, without a word.
+    if (result == SQLITE_OK && sqlite3_db_readonly(database, "main") == 1) {
+        return Error(kSQLiteErrorDomain, SQLITE_READONLY,
+                     QString::fromUtf8(sqlite3_errstr(SQLITE_READONLY)));
+    }
     return errorFrom(result);
 }
 
