@@ -1,6 +1,6 @@
 #include "project/ProjectFile.h"
 
-#include "project/FileTime.h"
+#include "project/FileDates.h"
 
 #include <algorithm>
 #include <cerrno>

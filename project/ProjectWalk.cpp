@@ -1,5 +1,6 @@
 #include "project/ProjectWalk.h"
 
+#include "project/FileDates.h"
 #include "project/FileSurvey.h"
 #include "project/ManagedObjectContext.h"
 #include "project/SourceScanner.h"

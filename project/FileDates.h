@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QByteArray>
+
+#include <climits>
+#include <ctime>
+#include <fcntl.h>
+#include <optional>
+#include <sys/stat.h>
+
+namespace navrel {
+
+/// A time as nanoseconds since 1970. Unsigned arithmetic: a date centuries ahead, which some file
+/// systems can hold, wraps round, and equal dates stay equal.
+inline qint64 nanosecondsOf(const struct timespec& time) {
+    constexpr quint64 kNanosecondsPerSecond = 1'000'000'000;
+    return static_cast<qint64>(static_cast<quint64>(time.tv_sec) * kNanosecondsPerSecond +
+                               static_cast<quint64>(time.tv_nsec));
+}
+
+/// When a file's content was last changed, in nanoseconds since 1970.
+inline qint64 modificationDateIn(const struct stat& status) {
+#ifdef __APPLE__
+    return nanosecondsOf(status.st_mtimespec);
+#else
+    return nanosecondsOf(status.st_mtim);
+#endif
+}
+
+/// When a file's content, owner, mode or names were last changed.
+inline qint64 statusChangeDateIn(const struct stat& status) {
+#ifdef __APPLE__
+    return nanosecondsOf(status.st_ctimespec);
+#else
+    return nanosecondsOf(status.st_ctim);
+#endif
+}
+
+/// No longer path names a file.
+inline constexpr qsizetype kMaximumPathLength = PATH_MAX - 1;
+
+/// Whether a path, as bytes, can name a file at all.
+inline bool canNameAFile(const QByteArray& path) {
+    return !path.isEmpty() && path.size() <= kMaximumPathLength && !path.contains('\0');
+}
+
+/// Modification date of a file by its path from an open folder, symbolic links followed; nil when
+/// nothing is there.
+inline std::optional<qint64> modificationDateAt(int folder, const char* path) {
+    struct stat status;
+    if (::fstatat(folder, path, &status, 0) != 0) {
+        return std::nullopt;
+    }
+    return modificationDateIn(status);
+}
+
+/// Modification date of what lies at a path, symbolic links followed; nil when nothing is there.
+inline std::optional<qint64> modificationDateOfFile(const QByteArray& path) {
+    return canNameAFile(path) ? modificationDateAt(AT_FDCWD, path.constData()) : std::nullopt;
+}
+
+/// Modification date of an open file or folder.
+inline std::optional<qint64> modificationDateOfOpenFile(int descriptor) {
+    struct stat status;
+    if (::fstat(descriptor, &status) != 0) {
+        return std::nullopt;
+    }
+    return modificationDateIn(status);
+}
+
+} // namespace navrel
