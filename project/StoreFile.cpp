@@ -419,23 +419,24 @@ std::optional<Error> StoreFile::saveRemovals(const RecordTable<Record>& table) {
     return std::nullopt;
 }
 
-/// Writes a full batch in one statement, else record by record.
+/// Writes a full batch in one statement, a smaller one record by record.
 template <typename Record>
 std::optional<Error> StoreFile::writeRecords(const std::vector<const Record*>& records) {
     auto& statements = std::get<Statements<Record>>(statements_);
-    const bool isFull = records.size() == kRowsInBatch;
-    SQLiteStatement& statement = isFull ? statements.writeBatch : statements.writeOne;
-    int parameter = 0;
+    if (records.size() == kRowsInBatch) {
+        int lastParameter = 0;
+        for (const Record* record : records) {
+            lastParameter = bindRecord(statements.writeBatch, lastParameter, *record);
+        }
+        return statements.writeBatch.run();
+    }
     for (const Record* record : records) {
-        parameter = bindRecord(statement, parameter, *record);
-        if (!isFull) {
-            parameter = 0;
-            if (auto error = statement.run()) {
-                return error;
-            }
+        bindRecord(statements.writeOne, 0, *record);
+        if (auto error = statements.writeOne.run()) {
+            return error;
         }
     }
-    return isFull ? statement.run() : std::nullopt;
+    return std::nullopt;
 }
 
 std::optional<Error> StoreFile::forEachRow(const QByteArray& sql, const RowReceiver& receive) {

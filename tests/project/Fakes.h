@@ -97,6 +97,7 @@ public:
     void generateShortcutsForManagedObject(const CDObject& object,
                                            ManagedObjectContext& context) override {
         note("shortcuts", object);
+        elementsKept = context.elementsWithIdentifier(*object.identifier()).size();
         shortcutsLeft += context.shortcutsWithIdentifier(*object.identifier()).size();
         context.insertShortcut().setIdentifier(object.identifier());
     }
@@ -115,6 +116,8 @@ public:
     /// Records that were still there when the file's scan began; there are to be none.
     std::size_t shortcutsLeft = 0;
     std::size_t elementsLeft = 0;
+    /// Elements of the file that were still there during the last scan for shortcuts.
+    std::size_t elementsKept = 0;
 
 private:
     static std::string fileNameOf(const CDObject& object) {

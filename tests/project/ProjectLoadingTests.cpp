@@ -345,6 +345,15 @@ TEST_F(ProjectLoading, aTouchedFileIsScannedAnewAndOthersKeepTheirRecords) {
     EXPECT_EQ(scanner.elementsLeft, 0U);
 }
 
+TEST_F(ProjectLoading, elementsAreDeletedOnlyAfterTheScanForShortcuts) {
+    writeFile("a.m");
+    load(ProjectText().group("MAIN", {"A"}).file("A", "a.m"));
+    EXPECT_EQ(scanner.elementsKept, 0U);
+    touch("a.m", 1'600'000'000);
+    pass();
+    EXPECT_EQ(scanner.elementsKept, 1U);
+}
+
 TEST_F(ProjectLoading, anyDifferenceOfDatesCountsAlsoABackwardOne) {
     writeFile("a.m");
     touch("a.m", 1'600'000'000);
@@ -629,6 +638,17 @@ TEST_F(ProjectLoading, everyPassSaves) {
         {{QStringLiteral("extension"), QStringLiteral("m")}, {QStringLiteral("allowed"), false}});
     EXPECT_TRUE(context().hasChanges());
     pass();
+    EXPECT_FALSE(context().hasChanges());
+}
+
+TEST_F(ProjectLoading, everyPassCommitsPendingEditsBeforeItSaves) {
+    load(ProjectText().group("MAIN", {}));
+    context().addPendingEdit([this] {
+        context().insertShortcut();
+        return true;
+    });
+    pass();
+    EXPECT_EQ(context().shortcuts().size(), 1U);
     EXPECT_FALSE(context().hasChanges());
 }
 

@@ -129,6 +129,13 @@ TEST_F(ProjectSelection, theEmptyPathIsAProjectOfItsOwn) {
     EXPECT_EQ(defaults.stringForKey(kLastKnown), QStringLiteral(""));
 }
 
+TEST_F(ProjectSelection, aChangeOfProjectCommitsPendingEdits) {
+    bool isCommitted = false;
+    context().addPendingEdit([&] { return isCommitted = true; });
+    manager().changeProjectToPath(bundle());
+    EXPECT_TRUE(isCommitted);
+}
+
 TEST_F(ProjectSelection, aSaveThatFailsIsLoggedAndTheProjectChangesAllTheSame) {
     fillStore();
     SQLiteDatabase other;
