@@ -16,8 +16,13 @@ QByteArray textOfGroup(const QString& text, const RegularExpression::Match& matc
 
 } // namespace
 
+RegularExpression::Deadline superclassDeadline() {
+    return RegularExpression::Deadline::clock::now() + kSuperclassTimeLimit;
+}
+
 std::optional<SuperclassExpression>
-SuperclassExpression::forBaseName(QByteArrayView baseName, std::chrono::milliseconds atMost,
+SuperclassExpression::forBaseName(QByteArrayView baseName,
+                                  std::optional<RegularExpression::Deadline> deadline,
                                   const ScanPattern& pattern) {
     const auto name = decodeUTF8(baseName);
     if (!name) {
@@ -32,8 +37,7 @@ SuperclassExpression::forBaseName(QByteArrayView baseName, std::chrono::millisec
     if (expression == nullptr) {
         return std::nullopt;
     }
-    return SuperclassExpression(std::move(*expression),
-                                RegularExpression::Deadline::clock::now() + atMost);
+    return SuperclassExpression(std::move(*expression), deadline);
 }
 
 std::optional<QByteArray> SuperclassExpression::superclassOnLine(QByteArrayView line) {
@@ -43,8 +47,12 @@ std::optional<QByteArray> SuperclassExpression::superclassOnLine(QByteArrayView 
     }
     const auto found = expression_.matchesIn(*text, deadline_);
     error_ = found.error;
-    // A base name with groups of its own can leave the first one out of a match.
-    if (found.error || found.matches.empty() || found.matches.back().ranges[1].location < 0) {
+    if (found.error || found.matches.empty()) {
+        return std::nullopt;
+    }
+    // A base name can take the group out of the pattern ("\\Q"), or bring one that takes no part.
+    const auto& ranges = found.matches.back().ranges;
+    if (ranges.size() < 2 || ranges[1].location < 0) {
         return std::nullopt;
     }
     return textOfGroup(*text, found.matches.back(), 1);

@@ -16,13 +16,16 @@ namespace navrel {
 /// own. An honest one takes far less than a millisecond; "(a+)+b.h" would take years.
 inline constexpr std::chrono::milliseconds kSuperclassTimeLimit(100);
 
+/// The end of that time where it begins now.
+RegularExpression::Deadline superclassDeadline();
+
 /// The superclass pattern of one header, by ICU. One thread at a time.
 class SuperclassExpression {
 public:
     /// The expression for a header of that base name; nil where it makes no pattern. Searches fail
-    /// from `atMost` after now on.
+    /// from the deadline on.
     static std::optional<SuperclassExpression>
-    forBaseName(QByteArrayView baseName, std::chrono::milliseconds atMost,
+    forBaseName(QByteArrayView baseName, std::optional<RegularExpression::Deadline> deadline,
                 const ScanPattern& pattern = ScanPatterns().superclass);
 
     /// The superclass that a line names: that of its last match. Nil where it holds no match, is
@@ -33,11 +36,12 @@ public:
     const std::optional<Error>& error() const { return error_; }
 
 private:
-    SuperclassExpression(RegularExpression expression, RegularExpression::Deadline deadline)
+    SuperclassExpression(RegularExpression expression,
+                         std::optional<RegularExpression::Deadline> deadline)
         : expression_(std::move(expression)), deadline_(deadline) {}
 
     RegularExpression expression_;
-    RegularExpression::Deadline deadline_;
+    std::optional<RegularExpression::Deadline> deadline_;
     std::optional<Error> error_;
 };
 

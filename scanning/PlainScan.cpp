@@ -37,25 +37,27 @@ PlainScan::PlainScan(ScanPatterns patterns)
       shortcut_(compiled(patterns_.shortcut)) {}
 
 std::optional<Error> PlainScan::scan(QByteArrayView text, const SourceName& name,
-                                     SourceFindings& findings, std::chrono::milliseconds atMost) {
+                                     SourceFindings& findings,
+                                     std::optional<std::chrono::milliseconds> atMost) {
     findings.clear();
     findings_ = &findings;
-    deadline_ = RegularExpression::Deadline::clock::now() + atMost;
+    deadline_.reset();
+    if (atMost) {
+        deadline_ = RegularExpression::Deadline::clock::now() + *atMost;
+    }
     error_.reset();
     scanLines(text, name);
     if (const auto wholeText = decodeUTF8(text)) {
-        scanWholeText(*wholeText, name.kind);
+        scanWholeText(*wholeText, name.kind());
     }
     return error_;
 }
 
 void PlainScan::scanLines(QByteArrayView text, const SourceName& name) {
     std::optional<SuperclassExpression> superclass;
-    if (name.kind == SourceKind::Header) {
-        const auto remaining = deadline_ - RegularExpression::Deadline::clock::now();
-        superclass = SuperclassExpression::forBaseName(
-            name.baseName, std::chrono::duration_cast<std::chrono::milliseconds>(remaining),
-            patterns_.superclass);
+    if (name.kind() == SourceKind::Header) {
+        superclass =
+            SuperclassExpression::forBaseName(name.baseName(), deadline_, patterns_.superclass);
     }
     quint32 lineNumber = 1;
     for (QByteArrayView rest = text; !rest.isEmpty(); ++lineNumber) {

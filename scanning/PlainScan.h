@@ -17,10 +17,10 @@ public:
     explicit PlainScan(ScanPatterns patterns = {});
 
     /// Fills `findings`, cleared before, with what the text of a file of that name holds. An error
-    /// (ICU gave up on a text made to backtrack, or `atMost` was over) says that the findings are
-    /// incomplete.
+    /// (ICU gave up on a text made to backtrack, or `atMost` was over, nil being no limit) says
+    /// that the findings are incomplete.
     std::optional<Error> scan(QByteArrayView text, const SourceName& name, SourceFindings& findings,
-                              std::chrono::milliseconds atMost);
+                              std::optional<std::chrono::milliseconds> atMost);
 
 private:
     void scanLines(QByteArrayView text, const SourceName& name);
@@ -45,7 +45,7 @@ private:
 
     // Of the scan under way.
     SourceFindings* findings_ = nullptr;
-    RegularExpression::Deadline deadline_;
+    std::optional<RegularExpression::Deadline> deadline_;
     std::optional<Error> error_;
 };
 

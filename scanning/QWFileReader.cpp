@@ -218,8 +218,8 @@ void QWFileReader::enumerateLinesUsingBlock(const LineBlock& block) {
 }
 
 void QWFileReader::findSuperclassUsingBlock(const SuperclassBlock& block) {
-    auto expression = SuperclassExpression::forBaseName(SourceName::ofPath(filePath_).baseName,
-                                                        kSuperclassTimeLimit);
+    auto expression =
+        SuperclassExpression::forBaseName(SourceName(filePath_).baseName(), superclassDeadline());
     if (!expression) {
         return;
     }

@@ -36,6 +36,9 @@ constexpr std::array kOtherForms = {
 
 /// The letters of the other form that stands here, having moved over it; none where there is none.
 std::string_view TextCursor::takeOtherForm() {
+    if (static_cast<uchar>(current()) < 0x80) {
+        return {};
+    }
     for (const OtherForm& form : kOtherForms) {
         if (takeBytes(form.bytes)) {
             return form.letters;
@@ -330,7 +333,7 @@ char* removeAll(char* text, char* end, std::string_view part) {
     const char* at = text;
     while (at < end) {
         const std::string_view rest(at, static_cast<std::size_t>(end - at));
-        if (rest.substr(0, part.size()) == part) {
+        if (*at == part[0] && rest.substr(0, part.size()) == part) {
             at += part.size();
         } else {
             *kept++ = *at++;

@@ -35,8 +35,11 @@ constexpr std::size_t listOf(ElementType type) {
 
 } // namespace
 
-SourceName SourceName::ofPath(QByteArrayView path) {
-    return {kindOfExtension(pathExtension(path)), deletingPathExtension(lastPathComponent(path))};
+SourceName::SourceName(QByteArrayView path)
+    : path_(path), kind_(kindOfExtension(pathExtension(path))) {}
+
+QByteArray SourceName::baseName() const {
+    return deletingPathExtension(lastPathComponent(path_));
 }
 
 const QByteArray& nameOfElementType(ElementType type) {

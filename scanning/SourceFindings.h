@@ -19,12 +19,18 @@ enum class SourceKind : quint8 {
 };
 
 /// What the scans need to know of a file beside its text.
-struct SourceName {
-    SourceKind kind;
-    QByteArray baseName; ///< last component without its extension, UTF-8
+class SourceName {
+public:
+    /// The path must outlive the name. Extensions are compared exactly: "H" is not "h".
+    explicit SourceName(QByteArrayView path);
 
-    /// Extensions are compared exactly: "H" is not "h".
-    static SourceName ofPath(QByteArrayView path);
+    SourceKind kind() const { return kind_; }
+    /// The last component without its extension, UTF-8.
+    QByteArray baseName() const;
+
+private:
+    QByteArrayView path_;
+    SourceKind kind_;
 };
 
 enum class ElementType : quint8 { Class, Method, Mark, Warning, Shortcut, Property };

@@ -1,14 +1,13 @@
 #include "scanning/SourceScan.h"
 
-#include "scanning/CandidateSearch.h"
 #include "scanning/LineExpressions.h"
 #include "scanning/RuleMatchers.h"
 #include "support/text/UTF8.h"
 
 #include <algorithm>
 #include <array>
-#include <cstring>
-#include <string>
+#include <optional>
+#include <string_view>
 
 // Most of a source is nothing to any rule. So the text is searched, 64 bytes at a time, for the few
 // bytes that some rule begins with, and only there the rules of that beginning are tried. A pattern
@@ -56,34 +55,102 @@ private:
     quint32 line_ = 1;
 };
 
-/// The superclass of a header whose base name holds no special characters.
+/// Whether a base name stands for itself in a pattern. ICU decides about all others.
+bool isPlainBaseName(QByteArrayView name) {
+    return std::all_of(name.begin(), name.end(), [](char byte) {
+        return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
+               (byte >= '0' && byte <= '9') || byte == '_' || byte == '-';
+    });
+}
+
+/// The superclass of a header: on the first line that holds a match, the last one counts.
 class SuperclassRule {
 public:
-    SuperclassRule(const QByteArray& baseName, SourceFindings& findings)
-        : foldedBaseName_(baseName.toLower().toStdString()), findings_(findings) {}
+    SuperclassRule(const SourceName& name, QByteArrayView text, SourceFindings& findings)
+        : baseName_(name.baseName()), isPlain_(isPlainBaseName(baseName_)),
+          foldedBaseName_(isPlain_ ? baseName_.toLower() : QByteArray("")), text_(text),
+          findings_(findings) {}
 
-    /// The first line with a match counts, and of that its last match.
-    void tryAt(const char* place, const char* end) {
-        const bool isLineOver = lineEnd_ != nullptr && place >= lineEnd_;
-        if (isLineOver || place < next_) {
+    /// Tries the rule where the beginning of the pattern may stand.
+    void tryAt(const char* place) {
+        if (place < next_) {
             return;
         }
-        const auto match = matchSuperclass(place, end, foldedBaseName_);
+        if (isPlain_) {
+            tryPlainNameAt(place);
+        } else if (!isEveryLineAsked()) {
+            tryLineAt(place);
+        }
+    }
+
+    /// Tries the lines that no beginning of the pattern leads to: a bar in the name makes it two
+    /// patterns, and the second one begins elsewhere.
+    void tryAllLines() {
+        if (isEveryLineAsked()) {
+            for (const char* at = text_.begin(); at < text_.end(); at = next_) {
+                tryLineAt(at);
+            }
+        }
+    }
+
+private:
+    bool isEveryLineAsked() const { return baseName_.contains('|'); }
+
+    void tryPlainNameAt(const char* place) {
+        const bool isOnLaterLine = lineEnd_ != nullptr && place >= lineEnd_;
+        const auto match =
+            isOnLaterLine ? std::nullopt : matchSuperclass(place, text_.end(), foldedView());
         if (!match) {
             return;
         }
         findings_.setSuperclass(match->superclass);
         next_ = match->end;
         if (lineEnd_ == nullptr) {
-            lineEnd_ = std::find(match->end, end, '\n');
+            lineEnd_ = std::find(match->end, text_.end(), '\n');
         }
     }
 
-private:
-    std::string foldedBaseName_;
+    /// Asks ICU about the line of a place, once, unless a colon is missing that every match has.
+    void tryLineAt(const char* place) {
+        const QByteArrayView line = lineAt(place);
+        next_ = line.end();
+        if (isDone_ || !line.contains(':')) {
+            return;
+        }
+        if (!expression_) {
+            expression_ = SuperclassExpression::forBaseName(baseName_, superclassDeadline());
+        }
+        const auto superclass = expression_ ? expression_->superclassOnLine(line) : std::nullopt;
+        if (superclass) {
+            findings_.setSuperclass(findings_.keepText(*superclass));
+        }
+        isDone_ = superclass || !expression_ || expression_->error();
+    }
+
+    /// The line that a place lies on, with its line feed.
+    QByteArrayView lineAt(const char* place) const {
+        const auto begin =
+            std::find(std::reverse_iterator(place), std::reverse_iterator(text_.begin()), '\n');
+        const char* const lineFeed = std::find(place, text_.end(), '\n');
+        return {begin.base(), lineFeed == text_.end() ? lineFeed : lineFeed + 1};
+    }
+
+    std::string_view foldedView() const {
+        return {foldedBaseName_.data(), static_cast<std::size_t>(foldedBaseName_.size())};
+    }
+
+    QByteArray baseName_;
+    bool isPlain_; ///< whether the name stands for itself in the pattern
+    QByteArray foldedBaseName_;
+    QByteArrayView text_;
     SourceFindings& findings_;
-    const char* next_ = nullptr;
-    const char* lineEnd_ = nullptr; ///< of the line that holds the first match
+    const char* next_ = nullptr; ///< where the next match may begin
+
+    const char* lineEnd_ = nullptr; ///< with a plain name: of the line that holds the first match
+
+    // With another name.
+    std::optional<SuperclassExpression> expression_;
+    bool isDone_ = false;
 };
 
 /// One pass over one text.
@@ -92,8 +159,13 @@ public:
     /// `isWhole` tells whether the text is the whole file's, so that it has elements.
     SourcePass(QByteArrayView text, const SourceName& name, bool isWhole, SourceFindings& findings)
         : end_(text.end()), hasElements_(isWhole),
-          methodTerminator_(name.kind == SourceKind::Header ? ';' : '{'), findings_(findings),
-          lines_(text.begin()), superclass_(name.baseName, findings) {}
+          methodTerminator_(name.kind() == SourceKind::Header ? ';' : '{'), findings_(findings),
+          lines_(text.begin()) {
+        if (name.kind() == SourceKind::Header) {
+            superclass_.emplace(name, text, findings);
+            superclass_->tryAllLines();
+        }
+    }
 
     /// Tries the rules that begin with what stands here. Places come in order.
     void visit(const char* place) {
@@ -137,7 +209,7 @@ private:
     void visitAtSign(const char* place) {
         const char second = place[1];
         if (second == 'i' || second == 'I') {
-            superclass_.tryAt(place, end_);
+            superclass_->tryAt(place);
         } else if (isElementPlace(place, nextProperty_)) {
             visitProperty(place);
         }
@@ -263,7 +335,7 @@ private:
     const char methodTerminator_;
     SourceFindings& findings_;
     LineCounter lines_;
-    SuperclassRule superclass_;
+    std::optional<SuperclassRule> superclass_; ///< of a header
     PropertyMatcher properties_;
 
     // Where the next match of a rule may begin.
@@ -277,89 +349,74 @@ private:
     const char* nextVariable_ = nullptr;
 };
 
-/// Whether a base name stands for itself in a pattern. ICU decides about all others.
-bool isPlainBaseName(QByteArrayView name) {
-    return std::all_of(name.begin(), name.end(), [](char byte) {
-        return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
-               (byte >= '0' && byte <= '9') || byte == '_' || byte == '-';
-    });
-}
+/// Calls `pass.visit` for every candidate of the text, in order; for the last bytes of the text as
+/// if NUL bytes followed.
+class CandidateVisit {
+public:
+    CandidateVisit(Candidates candidates, CandidateSearch search, SourcePass& pass)
+        : candidates_(candidates), search_(search), pass_(pass) {}
 
-/// The first place from `at` on where the superclass pattern may begin, or `end`.
-const char* findInterface(const char* at, const char* end) {
-    while (const void* found = std::memchr(at, '@', static_cast<std::size_t>(end - at))) {
-        at = static_cast<const char*>(found) + 1;
-        if (at < end && (*at == 'i' || *at == 'I')) {
-            return at - 1;
+    void visitAll(QByteArrayView text) {
+        const char* at = text.begin();
+        const qsizetype searchable = text.size() - kCandidateLookahead;
+        for (qsizetype blocks = searchable / kCandidateBlockSize; blocks > 0;) {
+            const qsizetype count = std::min(blocks, kBlocksAtOnce);
+            visitBlocks(at, at, count);
+            at += count * kCandidateBlockSize;
+            blocks -= count;
+        }
+        std::array<char, 2 * kCandidateBlockSize + kCandidateLookahead> rest{};
+        std::copy(at, text.end(), rest.begin());
+        visitBlocks(at, rest.data(), 2);
+    }
+
+private:
+    /// As many as the processor's nearest memory holds beside everything else.
+    static constexpr qsizetype kBlocksAtOnce = 64;
+
+    /// The bytes to search may be a copy of those at the place.
+    void visitBlocks(const char* place, const char* bytes, qsizetype blockCount) {
+        const qsizetype found = search_(candidates_, bytes, blockCount, offsets_.data());
+        for (qsizetype index = 0; index < found; ++index) {
+            pass_.visit(place + offsets_[static_cast<std::size_t>(index)]);
         }
     }
-    return end;
-}
 
-/// The line, with its line feed, that a place before `end` lies on.
-QByteArrayView lineAt(const char* place, const char* begin, const char* end) {
-    const auto lineBegin =
-        std::find(std::reverse_iterator(place), std::reverse_iterator(begin), '\n');
-    const char* const lineFeed = std::find(place, end, '\n');
-    return {lineBegin.base(), lineFeed == end ? end : lineFeed + 1};
-}
+    Candidates candidates_;
+    CandidateSearch search_;
+    SourcePass& pass_;
+    std::array<quint16, kBlocksAtOnce * kCandidateBlockSize + kCandidateSurplus> offsets_;
+};
 
-/// The superclass of a header whose base name may change the pattern. ICU is asked only about lines
-/// with the beginning of the pattern, unless the name holds a bar, which makes it two patterns.
-void findSuperclassByExpression(QByteArrayView text, const QByteArray& baseName,
-                                SourceFindings& findings) {
-    auto expression = SuperclassExpression::forBaseName(baseName, kSuperclassTimeLimit);
-    const bool isEveryLineAsked = baseName.contains('|');
-    const char* at = text.begin();
-    while (expression && !expression->error() && !findings.superclass()) {
-        const char* const asked = isEveryLineAsked ? at : findInterface(at, text.end());
-        if (asked == text.end()) {
-            return;
-        }
-        const QByteArrayView line = lineAt(asked, at, text.end());
-        if (const auto superclass = expression->superclassOnLine(line)) {
-            findings.setSuperclass(findings.keepText(*superclass));
-        }
-        at = line.end();
+Candidates candidatesOf(SourceKind kind) {
+    switch (kind) {
+    case SourceKind::Swift:
+        return Candidates::Swift;
+    case SourceKind::Header:
+        return Candidates::Header;
+    case SourceKind::Implementation:
+        break;
     }
+    return Candidates::ObjectiveC;
 }
 
-template <typename Lanes>
-void visitSource(QByteArrayView text, SourceKind kind, bool hasPlainName, SourcePass& pass) {
-    const auto visit = [&pass](const char* place) { pass.visit(place); };
-    if (kind == SourceKind::Swift) {
-        visitCandidates<SwiftCandidates, Lanes>(text, visit);
-    } else if (kind == SourceKind::Header && hasPlainName) {
-        visitCandidates<HeaderCandidates, Lanes>(text, visit);
-    } else {
-        visitCandidates<ObjectiveCCandidates, Lanes>(text, visit);
-    }
-}
+} // namespace
 
-template <typename Lanes>
-void scanWith(QByteArrayView text, const SourceName& name, SourceFindings& findings) {
+void scanSource(QByteArrayView text, const SourceName& name, SourceFindings& findings,
+                CandidateSearch search) {
     findings.clear();
     const qsizetype validLength = validUTF8Length(text);
     const bool isWhole = validLength == text.size();
     if (!isWhole) {
         text = text.first(text.first(validLength).lastIndexOf('\n') + 1);
     }
-    const bool hasPlainName = isPlainBaseName(name.baseName);
     SourcePass pass(text, name, isWhole, findings);
-    visitSource<Lanes>(text, name.kind, hasPlainName, pass);
-    if (name.kind == SourceKind::Header && !hasPlainName) {
-        findSuperclassByExpression(text, name.baseName, findings);
-    }
+    CandidateVisit(candidatesOf(name.kind()), search, pass).visitAll(text);
 }
-
-} // namespace
 
 void scanSource(QByteArrayView text, const SourceName& name, SourceFindings& findings) {
-    scanWith<BestLanes>(text, name, findings);
-}
-
-void scanSourcePortably(QByteArrayView text, const SourceName& name, SourceFindings& findings) {
-    scanWith<PortableLanes>(text, name, findings);
+    static const CandidateSearch search = fastestCandidateSearch();
+    scanSource(text, name, findings, search);
 }
 
 } // namespace navrel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "scanning/CandidateSearch.h"
 #include "scanning/SourceFindings.h"
 
 #include <QByteArrayView>
@@ -14,7 +15,8 @@ namespace navrel {
 /// the first one that is not. `findings` is cleared first; it holds parts of `text`.
 void scanSource(QByteArrayView text, const SourceName& name, SourceFindings& findings);
 
-/// The same without vector instructions: what other processors run.
-void scanSourcePortably(QByteArrayView text, const SourceName& name, SourceFindings& findings);
+/// The same by a search for candidates of the caller's choice.
+void scanSource(QByteArrayView text, const SourceName& name, SourceFindings& findings,
+                CandidateSearch search);
 
 } // namespace navrel

@@ -21,7 +21,6 @@ namespace {
 constexpr double kReadGoal = 2.0;
 constexpr double kPlainGoal = 60;
 constexpr int kPlainRounds = 3; // each takes seconds
-constexpr std::chrono::hours kNoLimit(1);
 
 std::size_t countOf(const SourceFindings& findings) {
     std::size_t count = findings.shortcuts().size() + (findings.superclass() ? 1 : 0);
@@ -53,7 +52,7 @@ public:
         std::size_t count = 0;
         for (const QByteArray& path : tree.paths()) {
             if (const auto text = buffer_.read(path)) {
-                scanSource(*text, SourceName::ofPath(path), *findings_);
+                scanSource(*text, SourceName(path), *findings_);
                 count += countOf(*findings_);
             }
         }
@@ -71,7 +70,7 @@ public:
         std::size_t count = 0;
         for (const QByteArray& path : tree.paths()) {
             if (const auto text = buffer_.read(path)) {
-                plain_.scan(*text, SourceName::ofPath(path), *findings_, kNoLimit);
+                plain_.scan(*text, SourceName(path), *findings_, std::nullopt);
                 count += countOf(*findings_);
             }
         }

@@ -22,10 +22,12 @@ class SourceWriter {
 public:
     QByteArray header(const QByteArray& name) {
         QByteArray text = licence(name) + "#import <Foundation/Foundation.h>\n\n";
-        text += "@interface " + name + " : " + word() + " <" + word() + ", " + word() + ">\n\n";
+        text += name.contains('+')
+                    ? "@interface " + word() + " (Additions)\n\n"
+                    : "@interface " + name + " : " + word() + " <" + word() + ">\n\n";
         for (unsigned count = 4 + random_() % 60; count > 0; --count) {
-            text += comment("") + property();
-            text += random_() % 3 == 0 ? "\n" + comment("") + method() + ";\n" : QByteArray();
+            text += random_() % 2 == 0 ? "\n/// " + sentence() + "\n" : QByteArray();
+            text += random_() % 3 == 0 ? property() : method() + ";\n";
         }
         return text + "\n@end\n";
     }
@@ -90,7 +92,7 @@ private:
 
     QByteArray body() {
         QByteArray text;
-        for (unsigned count = 2 + choice(18); count > 0; --count) {
+        for (unsigned count = 4 + choice(36); count > 0; --count) {
             text += line();
         }
         return text;
@@ -105,13 +107,14 @@ private:
         case 2:
             return "    }\n\n";
         case 3:
-            return "        " + word() + " = " + word() + "->" + word() + " + 1;\n";
+            return "        " + word() + " = " + word() + "->" + word() +
+                   (choice(6) == 0 ? " + 1;\n" : ";\n");
         case 4:
             return "    [self." + word() + " " + word() + ":@\"" + word() + "\" " + word() + ":" +
                    word() + "];\n";
         case 5:
             return "    NSString *" + word() + " = [NSString stringWithFormat:@\"%@-%d\", " +
-                   word() + ", " + word() + " - 1];\n";
+                   word() + ", " + word() + (choice(6) == 0 ? " - 1];\n" : "];\n");
         case 6:
             return "    for (int i = 0; i < " + word() + "; i++) {\n        " + word() +
                    "[i] = " + word() + "(i);\n";

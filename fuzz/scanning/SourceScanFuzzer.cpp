@@ -60,11 +60,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (size == 0) {
         return 0;
     }
-    const SourceName name = SourceName::ofPath(kPaths[data[0] % kPaths.size()]);
+    const SourceName name = SourceName(kPaths[data[0] % kPaths.size()]);
     const QByteArrayView text(reinterpret_cast<const char*>(data + 1),
                               static_cast<qsizetype>(size - 1));
     scanSource(text, name, scans->found);
-    scanSourcePortably(text, name, scans->expected);
+    scanSource(text, name, scans->expected, findCandidatesPortably);
     checkEqual(scans->found, scans->expected);
     if (!scans->plain.scan(text, name, scans->expected, kLimit)) {
         checkEqual(scans->found, scans->expected);

@@ -34,27 +34,36 @@ uint32_t flagsOf(quint32 options) {
     return flags;
 }
 
-bool isBefore(const RegularExpression::Deadline& deadline) {
-    return RegularExpression::Deadline::clock::now() < deadline;
-}
+/// Asked by ICU whether a search may go on.
+class SearchLimit {
+public:
+    explicit SearchLimit(RegularExpression::Deadline deadline) : deadline_(deadline) {}
 
-/// Called by ICU every few thousand steps of a match; false ends the search.
-UBool mayGoOnMatching(const void* context, int32_t) {
-    return isBefore(*static_cast<const RegularExpression::Deadline*>(context));
-}
+    bool isReached() const { return RegularExpression::Deadline::clock::now() >= deadline_; }
 
-/// Called by ICU for each position where a match is tried; false ends the search.
-UBool mayGoOnFinding(const void* context, int64_t) {
-    return isBefore(*static_cast<const RegularExpression::Deadline*>(context));
-}
+    /// ICU calls the one every few thousand steps of a match, the other for each place where a
+    /// match is tried, most of which take less time than asking the clock. False ends the search.
+    static UBool mayGoOnMatching(const void* limit, int32_t) {
+        return !static_cast<const SearchLimit*>(limit)->isReached();
+    }
+    static UBool mayGoOnFinding(const void* limit, int64_t) {
+        const auto* self = static_cast<const SearchLimit*>(limit);
+        return ++self->places_ % kPlacesBetweenQuestions != 0 || !self->isReached();
+    }
 
-void setDeadline(URegularExpression* expression, const RegularExpression::Deadline* deadline,
-                 UErrorCode& status) {
-    uregex_setMatchCallback(expression, deadline != nullptr ? mayGoOnMatching : nullptr, deadline,
-                            &status);
-    uregex_setFindProgressCallback(expression, deadline != nullptr ? mayGoOnFinding : nullptr,
-                                   deadline, &status);
-    if (deadline != nullptr && !isBefore(*deadline)) {
+private:
+    static constexpr quint32 kPlacesBetweenQuestions = 256;
+
+    RegularExpression::Deadline deadline_;
+    mutable quint32 places_ = 0; // ICU hands the limit on as const
+};
+
+void setLimit(URegularExpression* expression, const SearchLimit* limit, UErrorCode& status) {
+    uregex_setMatchCallback(expression, limit != nullptr ? SearchLimit::mayGoOnMatching : nullptr,
+                            limit, &status);
+    uregex_setFindProgressCallback(
+        expression, limit != nullptr ? SearchLimit::mayGoOnFinding : nullptr, limit, &status);
+    if (limit != nullptr && limit->isReached()) {
         status = U_REGEX_STOPPED_BY_CALLER;
     }
 }
@@ -100,7 +109,8 @@ RegularExpression::Matches RegularExpression::matchesIn(QStringView text,
     }
     URegularExpression* const expression = expression_.get();
     UErrorCode status = U_ZERO_ERROR;
-    setDeadline(expression, deadline ? &*deadline : nullptr, status);
+    const auto limit = deadline ? std::optional<SearchLimit>(*deadline) : std::nullopt;
+    setLimit(expression, limit ? &*limit : nullptr, status);
     uregex_setText(expression, unitsOf(text), static_cast<int32_t>(text.size()), &status);
     while (U_SUCCESS(status) && uregex_findNext(expression, &status) != 0) {
         result.matches.push_back(currentMatch(expression, status));

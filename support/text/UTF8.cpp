@@ -10,7 +10,7 @@ namespace {
 
 /// Long enough that the loop over it becomes vector instructions, short enough that a text with an
 /// occasional foreign character is still mostly skipped in blocks.
-constexpr qsizetype kBlockSize = 64;
+constexpr qsizetype kBlockSize = 256;
 
 bool isASCIIBlock(const char* block) {
     quint64 bits = 0;

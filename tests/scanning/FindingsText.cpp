@@ -18,15 +18,21 @@ std::string text(QByteArrayView bytes) {
 std::vector<std::string> scanPlainly(QByteArrayView source, QByteArrayView path) {
     const auto findings = std::make_unique<SourceFindings>();
     const auto error =
-        PlainScan().scan(source, SourceName::ofPath(path), *findings, std::chrono::seconds(60));
+        PlainScan().scan(source, SourceName(path), *findings, std::chrono::seconds(60));
     EXPECT_EQ(error, std::nullopt);
     return linesOf(*findings);
 }
 
-template <auto scan>
-std::vector<std::string> scanByHand(QByteArrayView source, QByteArrayView path) {
+template <CandidateSearch search>
+std::vector<std::string> scanBySearch(QByteArrayView source, QByteArrayView path) {
     const auto findings = std::make_unique<SourceFindings>();
-    scan(source, SourceName::ofPath(path), *findings);
+    scanSource(source, SourceName(path), *findings, search);
+    return linesOf(*findings);
+}
+
+std::vector<std::string> scanFast(QByteArrayView source, QByteArrayView path) {
+    const auto findings = std::make_unique<SourceFindings>();
+    scanSource(source, SourceName(path), *findings);
     return linesOf(*findings);
 }
 
@@ -49,7 +55,7 @@ std::vector<std::string> linesOf(const SourceFindings& findings) {
 }
 
 const Scanner kPlainScanner = {"plain", scanPlainly};
-const Scanner kFastScanner = {"fast", scanByHand<scanSource>};
-const Scanner kPortableScanner = {"portable", scanByHand<scanSourcePortably>};
+const Scanner kPortableScanner = {"portable", scanBySearch<findCandidatesPortably>};
+const Scanner kFastScanner = {"fast", scanFast};
 
 } // namespace navrel

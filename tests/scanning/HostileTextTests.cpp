@@ -43,7 +43,7 @@ class HostileTextTest : public ::testing::TestWithParam<HostileText> {
 protected:
     static void expectIdealResult(const char* path) {
         const QByteArray text = GetParam().text();
-        const SourceName name = SourceName::ofPath(path);
+        const SourceName name = SourceName(path);
         const auto expected = std::make_unique<SourceFindings>();
         IdealScan().scan(text, name, *expected);
         const auto found = std::make_unique<SourceFindings>();
@@ -107,9 +107,9 @@ TEST(HostileText, aPropertyOfBlanksThatICUNeverEndsHasItsResult) {
 TEST(HostileText, icuGivesUpOnABacktrackingTextAndTheFastScanDoesNot) {
     const QByteArray text = "@property" + QByteArray(300, ' ') + "\n- (void)a {";
     const auto findings = std::make_unique<SourceFindings>();
-    EXPECT_NE(PlainScan().scan(text, SourceName::ofPath("/p/a.m"), *findings,
-                               std::chrono::milliseconds(50)),
-              std::nullopt);
+    EXPECT_NE(
+        PlainScan().scan(text, SourceName("/p/a.m"), *findings, std::chrono::milliseconds(50)),
+        std::nullopt);
     EXPECT_THAT(scan("/p/a.m", text), ElementsAre("method 2 -a"));
 }
 
@@ -131,7 +131,7 @@ TEST(HostileText, manyQuickSearchesTogetherEndInTimeToo) {
 TEST(HostileText, recordsAreLimitedInNumber) {
     const QByteArray text = QByteArrayLiteral("//navrel:a\n#warning a\n").repeated(1'000'100);
     const auto findings = std::make_unique<SourceFindings>();
-    scanSource(text, SourceName::ofPath("/p/a.m"), *findings);
+    scanSource(text, SourceName("/p/a.m"), *findings);
     EXPECT_THAT(findings->shortcuts(), SizeIs(SourceFindings::kMostRecords));
     std::size_t elements = 0;
     findings->visitElements([&elements](const SourceElement&) { ++elements; });

@@ -130,15 +130,15 @@ void IdealScan::scan(QByteArrayView source, const SourceName& name,
                      SourceFindings& findings) const {
     const re2::StringPiece text(source.data(), static_cast<std::size_t>(source.size()));
     const Patterns& patterns = *patterns_;
-    const RE2 superclass("(?i)@interface " + name.baseName.toStdString() +
+    const RE2 superclass("(?i)@interface " + name.baseName().toStdString() +
                              " *: *([a-z0-9]*) *(<([a-z, ]*)>)*",
                          memoryForLongLines());
     findings.clear();
-    scanLines(text, patterns.shortcutLine, name.kind == SourceKind::Header ? &superclass : nullptr,
-              findings);
+    scanLines(text, patterns.shortcutLine,
+              name.kind() == SourceKind::Header ? &superclass : nullptr, findings);
     const auto secondGroup = [](const auto& groups) { return groups[2].as_string(); };
     ElementList elements(text, findings);
-    if (name.kind == SourceKind::Swift) {
+    if (name.kind() == SourceKind::Swift) {
         elements.add(patterns.swiftClass, ElementType::Class, [](const auto& groups) {
             return without(groups[0].as_string(), {"\n", "class", " "});
         });
@@ -149,7 +149,8 @@ void IdealScan::scan(QByteArrayView source, const SourceName& name,
             return without(groups[0].as_string(), {"var", "let", " "});
         });
     } else {
-        elements.add(name.kind == SourceKind::Header ? patterns.methodDeclaration : patterns.method,
+        elements.add(name.kind() == SourceKind::Header ? patterns.methodDeclaration
+                                                       : patterns.method,
                      ElementType::Method,
                      [&patterns](const auto& groups) { return patterns.methodName(groups[0]); });
         elements.add(patterns.property, ElementType::Property, secondGroup);

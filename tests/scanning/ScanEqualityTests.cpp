@@ -30,7 +30,7 @@ public:
 
     /// Whether the fast scan finds what the patterns find; where ICU gives up, what they mean.
     bool isEqual(const TellingText& source) {
-        const SourceName name = SourceName::ofPath(source.path);
+        const SourceName name = SourceName(source.path);
         if (plain_.scan(source.text, name, *expected_, kGenerousLimit)) {
             ++givenUp_;
             ideal_.scan(source.text, name, *expected_);
@@ -91,8 +91,8 @@ TEST(ScanEquality, theIdealScanAgreesWithThePatternsOnTextsThatICUEnds) {
     const auto found = std::make_unique<SourceFindings>();
     for (int round = 0; round < 2000; ++round) {
         const TellingText source = makeTellingText(random);
-        const SourceName name = SourceName::ofPath(source.path);
-        if (!isValidUTF8(source.text) || name.baseName != "Foo") {
+        const SourceName name = SourceName(source.path);
+        if (!isValidUTF8(source.text) || name.baseName() != "Foo") {
             continue;
         }
         ASSERT_EQ(plain.scan(source.text, name, *expected, kGenerousLimit), std::nullopt);
@@ -226,26 +226,38 @@ INSTANTIATE_TEST_SUITE_P(
         PlantedFault{"shortcutDot", &Patterns::shortcut, "(.*)", kDotWithoutSomeBreaks}),
     [](const auto& fault) { return std::string(fault.param.name); });
 
-// The two forms of the search for candidates.
+// The forms of the search for candidates.
 
-template <typename Candidates>
-void expectEqualMasks(const char* block) {
-    using candidatesearch::maskOfBlock;
-    EXPECT_EQ((maskOfBlock<Candidates, BestLanes>(block)),
-              (maskOfBlock<Candidates, PortableLanes>(block)));
+std::vector<CandidateSearch> vectorSearches() {
+    std::vector<CandidateSearch> searches = {fastestCandidateSearch()};
+#if defined(NAVREL_X86_SEARCHES)
+    if (__builtin_cpu_supports("ssse3") != 0) {
+        searches.push_back(findCandidatesWithSSSE3);
+    }
+#endif
+    return searches;
 }
 
 TEST(ScanEquality, vectorInstructionsFindTheCandidatesThatPlainCodeFinds) {
-    constexpr char kBytes[] = "-+ (/@#dDiIpPwWqcClLaAfFuUnNvVrReEtT\n\x80\xFF";
+    constexpr char kBytes[] = "-+ (/@#dDyiInNpPrRwWqcClLaAfFuUvVeEtT\n\x80\xFF";
+    constexpr qsizetype kBlocks = 3;
+    using Offsets = std::array<quint16, kBlocks * kCandidateBlockSize + kCandidateSurplus>;
     QRandomGenerator random(4);
-    std::array<char, candidatesearch::kBlockSize + candidatesearch::kLookahead> block{};
-    for (int round = 0; round < 20'000; ++round) {
-        for (char& byte : block) {
+    std::array<char, kBlocks * kCandidateBlockSize + kCandidateLookahead> text{};
+    for (int round = 0; round < 10'000; ++round) {
+        for (char& byte : text) {
             byte = kBytes[random.bounded(quint32(sizeof kBytes))];
         }
-        expectEqualMasks<ObjectiveCCandidates>(block.data());
-        expectEqualMasks<HeaderCandidates>(block.data());
-        expectEqualMasks<SwiftCandidates>(block.data());
+        for (const auto kind : {Candidates::ObjectiveC, Candidates::Header, Candidates::Swift}) {
+            Offsets expected{};
+            const qsizetype count =
+                findCandidatesPortably(kind, text.data(), kBlocks, expected.data());
+            for (const CandidateSearch search : vectorSearches()) {
+                Offsets found{};
+                ASSERT_EQ(search(kind, text.data(), kBlocks, found.data()), count);
+                ASSERT_TRUE(std::equal(found.begin(), found.begin() + count, expected.begin()));
+            }
+        }
     }
 }
 

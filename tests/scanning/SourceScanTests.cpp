@@ -29,7 +29,7 @@ protected:
 };
 
 INSTANTIATE_TEST_SUITE_P(Scanners, SourceScan,
-                         ::testing::Values(kPlainScanner, kFastScanner, kPortableScanner),
+                         ::testing::Values(kPlainScanner, kPortableScanner, kFastScanner),
                          [](const auto& scanner) { return std::string(scanner.param.name); });
 
 // Superclass.
@@ -97,6 +97,11 @@ TEST_P(SourceScan, aBaseNameThatIsNoPatternGivesNoSuperclass) {
     EXPECT_THAT(scan("/p/\\Q.h", "@interface A : A\n"), IsEmpty());
     EXPECT_THAT(scan("/p/a{3,1}.h", "@interface aaa : A\n"), IsEmpty());
     EXPECT_THAT(scan("/p/\xFF.h", "@interface A : A\n"), IsEmpty());
+}
+
+TEST_P(SourceScan, aBaseNameThatTakesTheGroupOutOfThePatternGivesNoSuperclass) {
+    EXPECT_THAT(scan("/p/\\Q.h", "@interface  *: *([a-z0-9]*) *(<([a-z, ]*)>)*"), IsEmpty());
+    EXPECT_THAT(scan("/p/(?x)Foo#.h", "@interface Foo : A"), IsEmpty());
 }
 
 TEST_P(SourceScan, aGroupOfTheBaseNameThatTakesNoPartGivesNoSuperclass) {
