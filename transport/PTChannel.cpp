@@ -187,9 +187,8 @@ void PTChannel::tellDelegateOfEnd(const std::optional<Error>& error) {
 
 // Reading.
 
-/// What has been read of one frame, and what its reading goes on with.
+/// What has been read of one frame, and how its reading goes on.
 struct PTChannel::IncomingFrame {
-    std::shared_ptr<DispatchIO> stream;
     quint32 type;
     quint32 tag;
     quint32 payloadSize;
@@ -211,7 +210,7 @@ PTChannel::startReadingFromConnectedChannel(const std::shared_ptr<DispatchIO>& c
                   channel](const std::optional<Error>& error, quint32 type, quint32 tag,
                            quint32 payloadSize, std::function<void()> resume) {
             if (!self->hasEnded(error, type == kPTFrameTypeEndOfStream)) {
-                self->frameDidBegin({channel, type, tag, payloadSize, std::move(resume)});
+                self->frameDidBegin(channel, {type, tag, payloadSize, std::move(resume)});
             }
         });
     return std::nullopt;
@@ -231,10 +230,11 @@ bool PTChannel::hasEnded(const std::optional<Error>& error, bool endOfStream) {
     return endOfStream;
 }
 
-void PTChannel::frameDidBegin(IncomingFrame frame) {
-    const bool isAccepted = shouldAccept(frame);
+void PTChannel::frameDidBegin(const std::shared_ptr<DispatchIO>& stream, IncomingFrame frame) {
+    const bool isAccepted = shouldAccept(stream, frame);
     if (frame.payloadSize > 0) {
-        return isAccepted ? receivePayload(std::move(frame)) : discardPayload(std::move(frame));
+        return isAccepted ? receivePayload(stream, std::move(frame))
+                          : discardPayload(stream, std::move(frame));
     }
     if (isAccepted) {
         deliverFrame(frame, nullptr);
@@ -242,8 +242,9 @@ void PTChannel::frameDidBegin(IncomingFrame frame) {
     frame.resume();
 }
 
-bool PTChannel::shouldAccept(const IncomingFrame& frame) {
-    if (frame.stream != dispatchObj_channel_) {
+bool PTChannel::shouldAccept(const std::shared_ptr<DispatchIO>& stream,
+                             const IncomingFrame& frame) {
+    if (stream != dispatchObj_channel_) {
         return false; // cancelled or replaced meanwhile; the delegate is not asked
     }
     if (!delegateHas(PTChannelDelegate::kShouldAcceptFrame)) {
@@ -254,8 +255,7 @@ bool PTChannel::shouldAccept(const IncomingFrame& frame) {
                                                            frame.tag, frame.payloadSize);
 }
 
-void PTChannel::receivePayload(IncomingFrame frame) {
-    const auto stream = frame.stream;
+void PTChannel::receivePayload(const std::shared_ptr<DispatchIO>& stream, IncomingFrame frame) {
     protocol_->readPayloadOfSize(
         frame.payloadSize, stream,
         [self = shared_from_this(), frame](const std::optional<Error>& error,
@@ -277,9 +277,9 @@ void PTChannel::deliverFrame(const IncomingFrame& frame,
     }
 }
 
-void PTChannel::discardPayload(IncomingFrame frame) {
+void PTChannel::discardPayload(const std::shared_ptr<DispatchIO>& stream, IncomingFrame frame) {
     protocol_->readAndDiscardDataOfSize(
-        frame.payloadSize, frame.stream,
+        frame.payloadSize, stream,
         [self = shared_from_this(),
          resume = std::move(frame.resume)](const std::optional<Error>& error, bool endOfStream) {
             if (!self->hasEnded(error, endOfStream)) {

@@ -138,11 +138,11 @@ private:
     void listeningDidEnd(int socket);
     void adoptIncomingConnection(OwnedDescriptor socket, const sockaddr_in& address);
 
-    void frameDidBegin(IncomingFrame frame);
-    bool shouldAccept(const IncomingFrame& frame);
-    void receivePayload(IncomingFrame frame);
+    void frameDidBegin(const std::shared_ptr<DispatchIO>& stream, IncomingFrame frame);
+    bool shouldAccept(const std::shared_ptr<DispatchIO>& stream, const IncomingFrame& frame);
+    void receivePayload(const std::shared_ptr<DispatchIO>& stream, IncomingFrame frame);
     void deliverFrame(const IncomingFrame& frame, const std::shared_ptr<const PTData>& payload);
-    void discardPayload(IncomingFrame frame);
+    void discardPayload(const std::shared_ptr<DispatchIO>& stream, IncomingFrame frame);
     bool hasEnded(const std::optional<Error>& error, bool endOfStream);
 
     std::shared_ptr<PTProtocol> protocol_;

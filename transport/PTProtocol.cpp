@@ -33,57 +33,68 @@ void releaseQueueLocalProtocol(void* value) {
     (*reference)->forgetQueue();
 }
 
-/// Decodes a header that has arrived, or tells why there is none; it then is an end of stream.
-std::optional<Error> headerError(DispatchData accumulated, int errnoValue, PTFrameHeader& header) {
-    if (errnoValue != 0) {
-        return Error::posix(errnoValue);
-    }
-    const auto contiguous = std::move(accumulated).contiguous();
-    if (!contiguous) {
-        return Error::posix(ENOMEM);
-    }
-    const auto decoded =
-        decodedFrameHeader({contiguous->bytes(), static_cast<qsizetype>(contiguous->size())});
-    if (!decoded) {
-        return Error(kPTProtocolErrorDomain, 0);
-    }
-    header = *decoded;
-    return std::nullopt;
-}
+/// How a read of an exact length has ended.
+struct ReadOutcome {
+    DispatchData data;
+    int errnoValue;
+    // Deliberate: decided on the last piece alone, so a stream that ends within a frame has ended
+    // as cleanly as one that ends between frames.
+    bool isEndOfStream;
+};
 
-/// Handles the deliveries of a header and calls back with (error, header) after the last one.
+/// Gathers the pieces of a read, and calls back with the outcome after the last one.
 template <typename Callback>
-DispatchIO::ReadHandler headerHandler(Callback callback) {
-    return [callback = std::move(callback), accumulated = DispatchData()](
-               bool done, const DispatchData& piece, int errnoValue) mutable {
-        accumulated.append(piece);
-        if (!done) {
-            return;
-        }
-        PTFrameHeader header;
-        // Deliberate: the end of the stream is decided on the last piece alone, so a stream that
-        // ends within a header has ended as cleanly as one that ends between frames.
+DispatchIO::ReadHandler gatheringHandler(Callback callback) {
+    return [callback = std::move(callback),
+            accumulated = DispatchData()](bool done, DispatchData piece, int errnoValue) mutable {
         const bool isEndOfStream = errnoValue == 0 && piece.isEmpty();
-        const auto error =
-            isEndOfStream ? std::nullopt : headerError(std::move(accumulated), errnoValue, header);
-        callback(error, header);
+        accumulated.append(std::move(piece));
+        if (done) {
+            callback(ReadOutcome{std::move(accumulated), errnoValue, isEndOfStream});
+        }
     };
 }
 
-/// The last delivery of a payload has come.
-void payloadDidArrive(const DispatchData& lastPiece, DispatchData accumulated, int errnoValue,
-                      const PTProtocol::PayloadCallback& callback) {
-    if (errnoValue != 0) {
-        return callback(Error::posix(errnoValue), std::nullopt, nullptr, 0);
+/// The bytes in one piece, or the reason why there are none.
+std::optional<Error> mapOutcome(ReadOutcome& outcome) {
+    if (outcome.errnoValue != 0) {
+        return Error::posix(outcome.errnoValue);
     }
-    if (lastPiece.isEmpty()) {
+    auto contiguous = std::move(outcome.data).contiguous();
+    if (!contiguous) {
+        return Error::posix(ENOMEM);
+    }
+    outcome.data = std::move(*contiguous);
+    return std::nullopt;
+}
+
+/// Calls back with (error, header) at the end of a read; the header of an end of stream, and of a
+/// failure, has type 0.
+template <typename Callback>
+void tellHeader(ReadOutcome outcome, const Callback& callback) {
+    if (outcome.isEndOfStream) {
+        return callback(std::nullopt, PTFrameHeader());
+    }
+    if (const auto error = mapOutcome(outcome)) {
+        return callback(error, PTFrameHeader());
+    }
+    const auto header =
+        decodedFrameHeader({outcome.data.bytes(), static_cast<qsizetype>(outcome.data.size())});
+    if (!header) {
+        return callback(Error(kPTProtocolErrorDomain, 0), PTFrameHeader());
+    }
+    callback(std::nullopt, *header);
+}
+
+void tellPayload(ReadOutcome outcome, const PTProtocol::PayloadCallback& callback) {
+    if (outcome.isEndOfStream) {
         return callback(std::nullopt, std::nullopt, nullptr, 0);
     }
-    const auto contiguous = std::move(accumulated).contiguous();
-    if (!contiguous) {
-        return callback(Error::posix(ENOMEM), std::nullopt, nullptr, 0);
+    if (const auto error = mapOutcome(outcome)) {
+        return callback(error, std::nullopt, nullptr, 0);
     }
-    callback(std::nullopt, contiguous, contiguous->bytes(), contiguous->size());
+    const std::optional<DispatchData> data = std::move(outcome.data);
+    callback(std::nullopt, data, data->bytes(), data->size());
 }
 
 } // namespace
@@ -138,25 +149,22 @@ void PTProtocol::sendFrameOfType(quint32 type, quint32 tag,
 
 void PTProtocol::readFrameOverChannel(const std::shared_ptr<DispatchIO>& channel,
                                       FrameCallback callback) {
-    channel->read(
-        kPTFrameHeaderSize, queue(),
-        headerHandler([self = shared_from_this(), callback = std::move(callback)](
-                          const std::optional<Error>& error, const PTFrameHeader& header) {
-            callback(error, header.type, header.tag, header.payloadSize);
-        }));
+    const auto tell = [callback = std::move(callback)](const std::optional<Error>& error,
+                                                       const PTFrameHeader& header) {
+        callback(error, header.type, header.tag, header.payloadSize);
+    };
+    channel->read(kPTFrameHeaderSize, queue(),
+                  gatheringHandler([self = shared_from_this(), tell](ReadOutcome outcome) {
+                      tellHeader(std::move(outcome), tell);
+                  }));
 }
 
 void PTProtocol::readPayloadOfSize(size_t size, const std::shared_ptr<DispatchIO>& overChannel,
                                    PayloadCallback callback) {
-    overChannel->read(size, queue(),
-                      [self = shared_from_this(), callback = std::move(callback),
-                       accumulated = DispatchData()](bool done, const DispatchData& piece,
-                                                     int errnoValue) mutable {
-                          accumulated.append(piece);
-                          if (done) {
-                              payloadDidArrive(piece, std::move(accumulated), errnoValue, callback);
-                          }
-                      });
+    overChannel->read(
+        size, queue(),
+        gatheringHandler([self = shared_from_this(), callback = std::move(callback)](
+                             ReadOutcome outcome) { tellPayload(std::move(outcome), callback); }));
 }
 
 void PTProtocol::readAndDiscardDataOfSize(size_t size,
@@ -187,16 +195,22 @@ void PTProtocol::readFramesOverChannel(const std::shared_ptr<DispatchIO>& channe
 }
 
 void PTProtocol::readNextFrame(const std::shared_ptr<const FrameLoop>& loop) {
-    const auto frameDidBegin = [loop](const std::optional<Error>& error,
-                                      const PTFrameHeader& header) {
-        loop->onFrame(error, header.type, header.tag, header.payloadSize,
-                      [loop, type = header.type] {
-                          if (type != kPTFrameTypeEndOfStream) {
-                              loop->protocol->readNextFrame(loop);
-                          }
-                      });
-    };
-    loop->channel->read(kPTFrameHeaderSize, queue(), headerHandler(frameDidBegin));
+    loop->channel->read(
+        kPTFrameHeaderSize, queue(), gatheringHandler([loop](ReadOutcome outcome) {
+            tellHeader(std::move(outcome),
+                       [&loop](const std::optional<Error>& error, const PTFrameHeader& header) {
+                           tellFrame(loop, error, header);
+                       });
+        }));
+}
+
+void PTProtocol::tellFrame(const std::shared_ptr<const FrameLoop>& loop,
+                           const std::optional<Error>& error, const PTFrameHeader& header) {
+    loop->onFrame(error, header.type, header.tag, header.payloadSize, [loop, type = header.type] {
+        if (type != kPTFrameTypeEndOfStream) {
+            loop->protocol->readNextFrame(loop);
+        }
+    });
 }
 
 // A pointer that owns nothing: the queue must not be kept alive by what it holds itself.

@@ -13,6 +13,7 @@ namespace navrel {
 
 class DispatchIO;
 class DispatchQueue;
+struct PTFrameHeader;
 
 /// Domain of the one error of the protocol: code 0, a header that is cut off or has another
 /// version.
@@ -103,6 +104,8 @@ private:
     struct FrameLoop;
 
     void readNextFrame(const std::shared_ptr<const FrameLoop>& loop);
+    static void tellFrame(const std::shared_ptr<const FrameLoop>& loop,
+                          const std::optional<Error>& error, const PTFrameHeader& header);
 };
 
 /// The protocol that belongs to one queue: the queue owns it, so it refers to the queue without

@@ -4,7 +4,6 @@
 #include "support/dispatch/DispatchQueue.h"
 
 #include <cstring>
-#include <iterator>
 #include <utility>
 
 namespace navrel {
@@ -19,14 +18,18 @@ DispatchData DispatchData::copying(QByteArrayView bytes) {
     if (size == 0) {
         return {};
     }
-    const auto copy = std::make_shared_for_overwrite<char[]>(size);
-    std::memcpy(copy.get(), bytes.data(), size);
-    return sharing({copy, copy.get()}, size);
+    auto copy = std::make_shared_for_overwrite<char[]>(size);
+    char* copiedBytes = copy.get();
+    std::memcpy(copiedBytes, bytes.data(), size);
+    return sharing({std::move(copy), copiedBytes}, size);
 }
 
 DispatchData DispatchData::sharing(std::shared_ptr<const char> bytes, size_t size) {
     DispatchData data;
-    data.appendRegion(std::move(bytes), size);
+    if (size > 0) {
+        data.onlyRegion_ = {std::move(bytes), size};
+        data.size_ = size;
+    }
     return data;
 }
 
@@ -47,47 +50,34 @@ DispatchData DispatchData::borrowing(const void* bytes, size_t size,
     return sharing({static_cast<const char*>(bytes), std::move(release)}, size);
 }
 
-void DispatchData::append(const DispatchData& other) {
-    const size_t count = other.regionCount_; // `other` may be this very value
-    for (size_t index = 0; index < count; ++index) {
-        const Region region = other.regions()[index];
-        appendRegion(region.bytes, region.size);
+void DispatchData::append(DispatchData other) {
+    if (isEmpty()) {
+        *this = std::move(other);
+        return;
+    }
+    for (const Region& region : other.regions()) {
+        appendRegion(region);
     }
 }
 
-void DispatchData::appendRegion(std::shared_ptr<const char> bytes, size_t size) {
-    if (size == 0) {
-        return;
+void DispatchData::appendRegion(const Region& region) {
+    if (regions_.empty()) {
+        regions_.reserve(2); // a frame: header and payload
+        regions_.push_back(std::move(onlyRegion_));
     }
-    size_ += size;
-    if (regionCount_ < kRegionsInPlace) {
-        fewRegions_[regionCount_++] = {std::move(bytes), size};
-        return;
-    }
-    if (manyRegions_.empty()) {
-        manyRegions_.assign(std::make_move_iterator(fewRegions_.begin()),
-                            std::make_move_iterator(fewRegions_.end()));
-    }
-    manyRegions_.push_back({std::move(bytes), size});
-    ++regionCount_;
-}
-
-void DispatchData::swap(DispatchData& other) noexcept {
-    std::swap(fewRegions_, other.fewRegions_);
-    std::swap(manyRegions_, other.manyRegions_);
-    std::swap(regionCount_, other.regionCount_);
-    std::swap(size_, other.size_);
+    regions_.push_back(region);
+    size_ += region.size;
 }
 
 std::optional<DispatchData> DispatchData::contiguous() && {
-    if (regionCount_ <= 1) {
+    if (regions_.empty()) {
         return std::move(*this);
     }
     return std::as_const(*this).contiguous();
 }
 
 std::optional<DispatchData> DispatchData::contiguous() const& {
-    if (regionCount_ <= 1) {
+    if (regions_.empty()) {
         return *this;
     }
     MallocedBytes copy(static_cast<char*>(std::malloc(size_)));
@@ -103,8 +93,8 @@ std::optional<DispatchData> DispatchData::contiguous() const& {
 }
 
 const char* DispatchData::bytes() const {
-    NAVREL_ASSERT(regionCount_ <= 1);
-    return regionCount_ == 0 ? nullptr : fewRegions_.front().bytes.get();
+    NAVREL_ASSERT(regions_.empty());
+    return onlyRegion_.bytes.get();
 }
 
 QByteArray DispatchData::toByteArray() const {

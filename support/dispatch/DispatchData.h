@@ -2,7 +2,6 @@
 
 #include <QByteArray>
 
-#include <array>
 #include <cstdlib>
 #include <functional>
 #include <memory>
@@ -40,9 +39,13 @@ public:
     DispatchData& operator=(const DispatchData&) = default;
 
     /// What is moved from is empty.
-    DispatchData(DispatchData&& other) noexcept { swap(other); }
+    DispatchData(DispatchData&& other) noexcept
+        : onlyRegion_(std::move(other.onlyRegion_)), regions_(std::move(other.regions_)),
+          size_(std::exchange(other.size_, 0)) {}
     DispatchData& operator=(DispatchData&& other) noexcept {
-        DispatchData(std::move(other)).swap(*this);
+        onlyRegion_ = std::move(other.onlyRegion_);
+        regions_ = std::move(other.regions_);
+        size_ = std::exchange(other.size_, 0);
         return *this;
     }
     ~DispatchData() = default;
@@ -70,11 +73,14 @@ public:
 
     /// The regions in order, none of them empty. Valid until this value changes.
     std::span<const Region> regions() const {
-        return {manyRegions_.empty() ? fewRegions_.data() : manyRegions_.data(), regionCount_};
+        if (regions_.empty()) {
+            return {&onlyRegion_, isEmpty() ? size_t{0} : size_t{1}};
+        }
+        return regions_;
     }
 
     /// Puts the other's regions behind these; no byte is copied.
-    void append(const DispatchData& other);
+    void append(DispatchData other);
 
     /// The same bytes in one region: this value itself if it has no more than one already, else a
     /// single copy. Nothing when there is no memory for it.
@@ -89,15 +95,10 @@ public:
     QByteArray toByteArray() const;
 
 private:
-    /// A frame, header and payload, needs no allocation for its regions.
-    static constexpr size_t kRegionsInPlace = 2;
+    void appendRegion(const Region& region);
 
-    void appendRegion(std::shared_ptr<const char> bytes, size_t size);
-    void swap(DispatchData& other) noexcept;
-
-    std::array<Region, kRegionsInPlace> fewRegions_;
-    std::vector<Region> manyRegions_; ///< all of them, once they are too many for their place
-    size_t regionCount_ = 0;
+    Region onlyRegion_;           ///< what is received comes in one, which needs no allocation
+    std::vector<Region> regions_; ///< all of them, where there are several
     size_t size_ = 0;
 };
 

@@ -183,9 +183,9 @@ void DispatchIO::finishOperation() {
 }
 
 // As a job of the queue.
-void DispatchIO::endRead(const ReadHandler& handler, const DispatchData& data, int errnoValue) {
+void DispatchIO::endRead(const ReadHandler& handler, DispatchData data, int errnoValue) {
     noteDescriptorError(errnoValue);
-    handler(true, data, errnoValue);
+    handler(true, std::move(data), errnoValue);
     finishOperation();
 }
 
@@ -342,14 +342,14 @@ bool DispatchIO::isReceived(const StreamDescriptor::Transfer& transfer, size_t a
 
 void DispatchIO::deliverPiece() {
     const bool isLast = reads_.front().bytes.isLastPiece();
-    const DispatchData piece = reads_.front().bytes.takePiece();
+    DispatchData piece = reads_.front().bytes.takePiece();
     if (isLast) {
-        endFirstRead(piece, 0);
+        endFirstRead(std::move(piece), 0);
         return;
     }
     Read read = std::move(reads_.front()); // out of reach of whatever the handler does
     reads_.pop_front();
-    read.handler(false, piece, 0);
+    read.handler(false, std::move(piece), 0);
     if (isStopped_) {
         endReadLater(std::move(read), ECANCELED);
     } else {
@@ -359,11 +359,11 @@ void DispatchIO::deliverPiece() {
 
 // At the end of the stream.
 void DispatchIO::deliverRest() {
-    const DispatchData rest = reads_.front().bytes.takePiece();
+    DispatchData rest = reads_.front().bytes.takePiece();
     const Read read = std::move(reads_.front());
     reads_.pop_front();
     if (!rest.isEmpty()) {
-        read.handler(false, rest, 0);
+        read.handler(false, std::move(rest), 0);
     }
     endRead(read.handler, {}, 0);
 }
@@ -372,10 +372,10 @@ void DispatchIO::failRead(int errnoValue) {
     endFirstRead(reads_.front().bytes.takePiece(), errnoValue);
 }
 
-void DispatchIO::endFirstRead(const DispatchData& data, int errnoValue) {
+void DispatchIO::endFirstRead(DispatchData data, int errnoValue) {
     const ReadHandler handler = std::move(reads_.front().handler);
     reads_.pop_front();
-    endRead(handler, data, errnoValue);
+    endRead(handler, std::move(data), errnoValue);
 }
 
 // Sees to it that pending reads go on: by a job if they need nothing from the descriptor, else when
@@ -396,8 +396,12 @@ bool DispatchIO::isPeerKeepingUp() const {
 
 // Writing.
 
+void DispatchIO::writable() {
+    const auto self = shared_from_this(); // the last write to end lets go of it
+    flushWrites();
+}
+
 void DispatchIO::flushWrites() {
-    const auto self = shared_from_this();
     for (int sendsLeft = kSendsAnEvent; sendsLeft > 0 && !writes_.empty() && send(); --sendsLeft) {
     }
     listenFor(writeNotifier_, QSocketNotifier::Write, !writes_.empty());
@@ -456,7 +460,7 @@ void DispatchIO::listenFor(Notifier& notifier, QSocketNotifier::Type type, bool 
         }
         notifier.reset(new QSocketNotifier(descriptor_.value(), type));
         const auto activated =
-            type == QSocketNotifier::Read ? &DispatchIO::readable : &DispatchIO::flushWrites;
+            type == QSocketNotifier::Read ? &DispatchIO::readable : &DispatchIO::writable;
         QObject::connect(notifier.get(), &QSocketNotifier::activated, notifier.get(),
                          [this, activated] { (this->*activated)(); });
     }

@@ -36,7 +36,7 @@ public:
     /// One delivery of a read: the next piece of its bytes, whether it is the last delivery, and
     /// for the last one an errno value. At the end of the stream an unfinished read first delivers
     /// what it has, if anything, and then an empty last piece with errno 0.
-    using ReadHandler = std::function<void(bool done, const DispatchData& data, int errnoValue)>;
+    using ReadHandler = std::function<void(bool done, DispatchData data, int errnoValue)>;
 
     /// The end of a write: 0 when all its bytes are written.
     using WriteHandler = std::function<void(int errnoValue)>;
@@ -114,17 +114,18 @@ private:
     bool isReceived(const StreamDescriptor::Transfer& transfer, size_t asked);
     void deliverPiece();
     void deliverRest();
-    void endFirstRead(const DispatchData& data, int errnoValue);
+    void endFirstRead(DispatchData data, int errnoValue);
     void failRead(int errnoValue);
     void arrangeReading();
     bool isPeerKeepingUp() const;
 
+    void writable();
     void flushWrites();
     bool send();
     void retireWrites(size_t writtenBytes);
     void failWrite(int errnoValue);
 
-    void endRead(const ReadHandler& handler, const DispatchData& data, int errnoValue);
+    void endRead(const ReadHandler& handler, DispatchData data, int errnoValue);
     void endReadLater(Read read, int errnoValue);
     void endWrite(WriteHandler handler, int errnoValue);
     void beginOperation();

@@ -61,8 +61,8 @@ DispatchData ReadOperation::takePiece() {
     undelivered_ -= size;
     capacity_ = 0;
     if (small_) {
-        const std::shared_ptr<char[]> buffer = std::move(small_);
-        return DispatchData::sharing({buffer, buffer.get()}, size);
+        const char* bytes = small_.get();
+        return DispatchData::sharing({std::move(small_), bytes}, size);
     }
     return DispatchData::owning(std::move(large_), size);
 }
