@@ -76,14 +76,6 @@ QWFileReader::QWFileReader(QByteArray path, RegularFile file)
     buffer_ = std::make_unique_for_overwrite<char[]>(capacity_);
 }
 
-quint64 QWFileReader::bufferEnd() const {
-    return bufferStart_ + bufferedCount_;
-}
-
-QByteArrayView QWFileReader::buffered(quint64 from, quint64 to) const {
-    return {buffer_.get() + (from - bufferStart_), static_cast<qsizetype>(to - from)};
-}
-
 /// Drops what lies before the current line; doubles the buffer where the line fills it.
 void QWFileReader::makeRoomInBuffer() {
     const char* const line = buffer_.get() + (currentOffset_ - bufferStart_);
@@ -125,10 +117,11 @@ void QWFileReader::extendValidity() {
     validEnd_ += static_cast<quint64>(validUTF8Length(buffered(validEnd_, bufferEnd())));
 }
 
-bool QWFileReader::isValidLine(quint64 end) const {
-    const auto isInsideCharacter = [this](quint64 offset) {
-        return offset < bufferEnd() && isContinuation(buffer_[offset - bufferStart_]);
-    };
+inline bool QWFileReader::isInsideCharacter(quint64 offset) const {
+    return offset < bufferEnd() && isContinuation(buffer_[offset - bufferStart_]);
+}
+
+inline bool QWFileReader::isValidLine(quint64 end) const {
     return end <= validEnd_ && !isInsideCharacter(currentOffset_) && !isInsideCharacter(end);
 }
 
@@ -146,15 +139,25 @@ quint64 QWFileReader::endOfLastChunk() const {
     return overflows ? std::numeric_limits<quint64>::max() : end;
 }
 
+/// The place behind the first delimiter of one byte between two places of the buffer.
+inline std::optional<quint64> QWFileReader::findDelimiterByte(quint64 from, quint64 to) const {
+    const QByteArrayView part = buffered(from, to);
+    const void* found =
+        std::memchr(part.data(), lineDelimiter_[0], static_cast<std::size_t>(part.size()));
+    if (found == nullptr) {
+        return std::nullopt;
+    }
+    return from + static_cast<quint64>(static_cast<const char*>(found) - part.data()) + 1;
+}
+
+/// With a delimiter of one byte, chunks show only behind the measured length of the file.
 quint64 QWFileReader::findEndOfLineByByte() {
     const quint64 limit = endOfLastChunk();
     quint64 searched = currentOffset_;
     for (;;) {
-        const quint64 available = std::min(bufferEnd(), limit);
-        const QByteArrayView rest = buffered(searched, std::max(searched, available));
-        if (const void* found =
-                std::memchr(rest.data(), lineDelimiter_[0], std::size_t(rest.size()))) {
-            return searched + quint64(static_cast<const char*>(found) - rest.data()) + 1;
+        const quint64 available = std::max(searched, std::min(bufferEnd(), limit));
+        if (const auto end = findDelimiterByte(searched, available)) {
+            return *end;
         }
         searched = available;
         if (searched == limit || !fillBuffer()) {
@@ -182,11 +185,25 @@ quint64 QWFileReader::findEndOfLineByChunk() {
     return chunkStart;
 }
 
+quint64 QWFileReader::findEndOfLine() {
+    if (lineDelimiter_.size() != 1) {
+        return findEndOfLineByChunk();
+    }
+    // Most lines lie in the buffer as a whole.
+    const quint64 available = std::min(bufferEnd(), totalFileLength());
+    if (currentOffset_ < available) {
+        if (const auto end = findDelimiterByte(currentOffset_, available)) {
+            return *end;
+        }
+    }
+    return findEndOfLineByByte();
+}
+
 std::optional<QByteArrayView> QWFileReader::readLine() {
     if (ended_ || currentOffset_ >= totalFileLength()) {
         return std::nullopt;
     }
-    const quint64 end = lineDelimiter_.size() == 1 ? findEndOfLineByByte() : findEndOfLineByChunk();
+    const quint64 end = findEndOfLine();
     const bool isTooLong = end - currentOffset_ > quint64(kLargestSource);
     ended_ = isTooLong || (exhausted_ && end == bufferEnd()) || end == currentOffset_;
     if (isTooLong || end == currentOffset_) {

@@ -76,14 +76,19 @@ public:
 private:
     QWFileReader(QByteArray path, RegularFile file);
 
-    quint64 bufferEnd() const;
-    QByteArrayView buffered(quint64 from, quint64 to) const;
+    quint64 bufferEnd() const { return bufferStart_ + bufferedCount_; }
+    QByteArrayView buffered(quint64 from, quint64 to) const {
+        return {buffer_.get() + (from - bufferStart_), static_cast<qsizetype>(to - from)};
+    }
+    bool isInsideCharacter(quint64 offset) const;
     bool fillBuffer();
     void makeRoomInBuffer();
     bool holdsTooMuch() const;
     void extendValidity();
     bool isValidLine(quint64 end) const;
     quint64 endOfLastChunk() const;
+    quint64 findEndOfLine();
+    std::optional<quint64> findDelimiterByte(quint64 from, quint64 to) const;
     quint64 findEndOfLineByByte();
     quint64 findEndOfLineByChunk();
 
