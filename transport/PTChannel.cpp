@@ -258,9 +258,9 @@ bool PTChannel::shouldAccept(const std::shared_ptr<DispatchIO>& stream,
 void PTChannel::receivePayload(const std::shared_ptr<DispatchIO>& stream, IncomingFrame frame) {
     protocol_->readPayloadOfSize(
         frame.payloadSize, stream,
-        [self = shared_from_this(), frame](const std::optional<Error>& error,
-                                           const std::optional<DispatchData>& data,
-                                           const char* buffer, size_t bufferSize) {
+        [self = shared_from_this(), frame = std::move(frame)](
+            const std::optional<Error>& error, const std::optional<DispatchData>& data,
+            const char* buffer, size_t bufferSize) {
             if (self->hasEnded(error, bufferSize == 0)) {
                 return;
             }

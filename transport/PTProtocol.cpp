@@ -17,7 +17,7 @@ const QString kPTProtocolErrorDomain = QStringLiteral("PTProtocolError");
 namespace {
 
 /// Skipped payloads come in pieces of this size, so that skipping takes no memory.
-constexpr size_t kDiscardedPieceSize = 64 * 1024;
+constexpr size_t kDiscardedPieceSize = size_t{64} * 1024;
 
 /// Its address is the key under which a queue holds its protocol.
 const char currentQueueFrameProtocolKey = 0;

@@ -29,7 +29,8 @@ constexpr size_t kAheadOfLargePiece = 4096;
 
 } // namespace
 
-std::shared_ptr<DispatchIO> DispatchIO::create(int descriptor, std::shared_ptr<DispatchQueue> queue,
+std::shared_ptr<DispatchIO> DispatchIO::create(int descriptor,
+                                               const std::shared_ptr<DispatchQueue>& queue,
                                                CleanupHandler cleanupHandler) {
     if (!queue) {
         errno = EINVAL;

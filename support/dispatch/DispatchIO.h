@@ -54,14 +54,15 @@ public:
     static constexpr size_t kWholeLength = std::numeric_limits<size_t>::max();
 
     /// More than a device could wait for; beyond it, answering is pointless before the peer reads.
-    static constexpr size_t kMostUnwrittenBytes = 8 * 1024 * 1024;
+    static constexpr size_t kMostUnwrittenBytes = size_t{8} * 1024 * 1024;
     static constexpr size_t kMostUnwrittenWrites = 4096;
 
     /// A channel on the descriptor, which is made non-blocking and stays the caller's. Null, with
     /// errno set and no handler called, when that is not possible or the queue is null. The
     /// clean-up handler (may be null) runs once, on the queue, after the channel was closed or
     /// dropped and the last handler of its operations has returned.
-    static std::shared_ptr<DispatchIO> create(int descriptor, std::shared_ptr<DispatchQueue> queue,
+    static std::shared_ptr<DispatchIO> create(int descriptor,
+                                              const std::shared_ptr<DispatchQueue>& queue,
                                               CleanupHandler cleanupHandler);
     ~DispatchIO();
     DispatchIO(const DispatchIO&) = delete;

@@ -34,7 +34,7 @@ const std::shared_ptr<DispatchQueue>& DispatchQueue::mainQueue() {
 }
 
 std::shared_ptr<DispatchQueue> DispatchQueue::serialQueue(QString label) {
-    const std::shared_ptr<DispatchQueue> queue(new DispatchQueue(std::move(label)));
+    std::shared_ptr<DispatchQueue> queue(new DispatchQueue(std::move(label)));
     queue->startWorker();
     return queue;
 }

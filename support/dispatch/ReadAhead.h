@@ -11,7 +11,7 @@ namespace navrel {
 class ReadAhead {
 public:
     /// Holds hundreds of ordinary requests, and is small enough to stay in the processor's cache.
-    static constexpr size_t kCapacity = 64 * 1024;
+    static constexpr size_t kCapacity = size_t{64} * 1024;
 
     bool isEmpty() const { return begin_ == end_; }
 

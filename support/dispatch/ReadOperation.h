@@ -17,7 +17,7 @@ class ReadOperation {
 public:
     /// Allocated at once for whoever announces as much or more; beyond it a buffer at most doubles,
     /// so a peer that announces 4 GB and delivers little holds this much.
-    static constexpr size_t kFirstCapacity = 1024 * 1024;
+    static constexpr size_t kFirstCapacity = size_t{1024} * 1024;
 
     /// Reads `length` bytes in pieces of `largestPiece`, which is not 0.
     ReadOperation(quint64 length, size_t largestPiece);
