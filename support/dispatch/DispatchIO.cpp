@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <thread>
 #include <utility>
 
 namespace navrel {
@@ -18,10 +17,6 @@ namespace {
 constexpr int kReceivesAnEvent = 64;
 constexpr int kDeliveriesAnEvent = 64;
 constexpr int kSendsAnEvent = 16;
-
-// How often an emptied descriptor is read again after something was written: at once, since the
-// write may have made the peer run, and after giving it its turn.
-constexpr int kLooksAfterWriting = 2;
 
 // Read behind a large piece: enough for the header that follows it, little enough that the payload
 // behind that one goes straight into its own buffer.
@@ -278,20 +273,11 @@ void DispatchIO::serveReads() {
     arrangeReading();
 }
 
-// Whether another read may find something. A peer that has just been answered is likely to go on at
-// once, if it gets its turn on the processor; looking for that here costs far less than the way
-// through the event loop does.
+// Whether another read may find something. A peer that has just been answered may have gone on
+// while the answer was written; looking for that here costs far less than the way through the event
+// loop.
 bool DispatchIO::mayReceive() {
-    if (!isDrained_) {
-        return true;
-    }
-    if (looksLeft_ == 0) {
-        return false;
-    }
-    if (--looksLeft_ == 0) {
-        std::this_thread::yield();
-    }
-    return true;
+    return !isDrained_ || std::exchange(hasWritten_, false);
 }
 
 // One system call.
@@ -428,7 +414,7 @@ bool DispatchIO::send() {
         failWrite(transfer.errnoValue);
         return true;
     }
-    looksLeft_ = kLooksAfterWriting;
+    hasWritten_ = true;
     retireWrites(transfer.count);
     return transfer.count == vectors.size();
 }

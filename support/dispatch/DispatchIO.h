@@ -153,7 +153,7 @@ private:
     bool isServing_ = false;          ///< reads are being served further up the stack
     bool isReadingScheduled_ = false; ///< a job will serve reads
     bool isDrained_ = false;          ///< the last read took all that the descriptor had
-    int looksLeft_ = 0;               ///< reads of a drained descriptor that are still worth it
+    bool hasWritten_ = false;         ///< something has left since a drained one was looked at
     Notifier readNotifier_;
     Notifier writeNotifier_;
     std::shared_ptr<DispatchIO> keptWhileBusy_;
