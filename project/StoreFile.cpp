@@ -39,13 +39,12 @@ constexpr qint64 kMaximumRowID = std::numeric_limits<qint64>::max() / 2;
 constexpr std::size_t kRowsInBatch = 16;
 
 // What a first load writes stays in memory until the commit, instead of being spilled half-way.
-constexpr char kSettings[] = "PRAGMA cache_size = -65536;"
-                             "PRAGMA cell_size_check = ON;"
-                             // A rollback journal, SQLite's default mode, is one extra file during
-                             // a save and none at rest, and lets a killed process's half-written
-                             // save be undone by whoever opens the file next. FULL also keeps a
-                             // loss of power from damaging the file.
-                             "PRAGMA synchronous = FULL;";
+// A rollback journal, SQLite's default mode, is one extra file during a save and none at rest, and
+// lets a killed process's half-written save be undone by whoever opens the file next. FULL also
+// keeps a loss of power from damaging the file.
+constexpr const char* kSettings = "PRAGMA cache_size = -65536;"
+                                  "PRAGMA cell_size_check = ON;"
+                                  "PRAGMA synchronous = FULL;";
 
 Error storeError(StoreFileError code, const char* text) {
     return {kStoreFileErrorDomain, static_cast<qint64>(code), QString::fromUtf8(text)};
@@ -320,15 +319,15 @@ std::optional<Error> StoreFile::prepareStatementsOf() {
     // the next save then writes the same rows again.
     const QByteArray write = "INSERT OR REPLACE INTO " + table + " (" + list + ") VALUES ";
 
-    const std::pair<SQLiteStatement&, QByteArray> texts[] = {
-        {statements.read, "SELECT " + list + " FROM " + table + " ORDER BY rowid"},
-        {statements.writeOne, write + row},
-        {statements.writeBatch, write + QByteArrayList(kRowsInBatch, row).join(", ")},
-        {statements.removeRange, "DELETE FROM " + table + " WHERE rowid BETWEEN ? AND ?"},
-        {statements.removeAll, "DELETE FROM " + table},
-    };
+    const std::array<std::pair<SQLiteStatement*, QByteArray>, 5> texts{{
+        {&statements.read, "SELECT " + list + " FROM " + table + " ORDER BY rowid"},
+        {&statements.writeOne, write + row},
+        {&statements.writeBatch, write + QByteArrayList(kRowsInBatch, row).join(", ")},
+        {&statements.removeRange, "DELETE FROM " + table + " WHERE rowid BETWEEN ? AND ?"},
+        {&statements.removeAll, "DELETE FROM " + table},
+    }};
     for (const auto& [statement, text] : texts) {
-        if (auto error = database_.prepare(text, statement)) {
+        if (auto error = database_.prepare(text, *statement)) {
             return error;
         }
     }

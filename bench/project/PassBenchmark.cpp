@@ -88,7 +88,9 @@ private:
     }
 
     void addFolder(int number, int files) {
-        const QByteArray section = "Section" + QByteArray::number(number / kFoldersInFolder);
+        // Padded: the map's order is then that of the files, in which the floor takes them too.
+        const QByteArray section =
+            "Section" + QByteArray::number(number / kFoldersInFolder).rightJustified(4, '0');
         const QByteArray name = "Group" + QByteArray::number(number);
         const QString folder = path("Sources/" + section + '/' + name);
         QDir().mkpath(folder);
