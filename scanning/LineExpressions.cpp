@@ -17,7 +17,7 @@ QByteArray textOfGroup(const QString& text, const RegularExpression::Match& matc
 } // namespace
 
 RegularExpression::Deadline superclassDeadline() {
-    return RegularExpression::Deadline::clock::now() + kSuperclassTimeLimit;
+    return RegularExpression::Clock::now() + kSuperclassTimeLimit;
 }
 
 std::optional<SuperclassExpression>

@@ -43,7 +43,7 @@ std::optional<Error> PlainScan::scan(QByteArrayView text, const SourceName& name
     findings_ = &findings;
     deadline_.reset();
     if (atMost) {
-        deadline_ = RegularExpression::Deadline::clock::now() + *atMost;
+        deadline_ = RegularExpression::Clock::now() + *atMost;
     }
     error_.reset();
     scanLines(text, name);

@@ -3,14 +3,22 @@
 #include "scanning/TextCursor.h"
 
 #include <algorithm>
+#include <array>
 
 namespace navrel {
 
 namespace {
 
-char folded(char byte) {
-    return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte | 0x20) : byte;
+/// Small letters for capitals; NUL, which no keyword holds, for what is not ASCII.
+constexpr std::array<char, 256> makeFoldedASCII() {
+    std::array<char, 256> folded{};
+    for (int byte = 0; byte < 0x80; ++byte) {
+        const bool isCapital = byte >= 'A' && byte <= 'Z';
+        folded[std::size_t(byte)] = static_cast<char>(isCapital ? byte | 0x20 : byte);
+    }
+    return folded;
 }
+constexpr std::array<char, 256> kFoldedASCII = makeFoldedASCII();
 
 /// A character outside ASCII that folds to ASCII letters when letter case does not count.
 struct OtherForm {
@@ -36,9 +44,6 @@ constexpr std::array kOtherForms = {
 
 /// The letters of the other form that stands here, having moved over it; none where there is none.
 std::string_view TextCursor::takeOtherForm() {
-    if (static_cast<uchar>(current()) < 0x80) {
-        return {};
-    }
     for (const OtherForm& form : kOtherForms) {
         if (takeBytes(form.bytes)) {
             return form.letters;
@@ -49,17 +54,22 @@ std::string_view TextCursor::takeOtherForm() {
 
 bool TextCursor::takeFolded(std::string_view text) {
     TextCursor ahead = *this;
-    while (!text.empty()) {
-        if (folded(ahead.current()) == text[0] && ahead.at < end) {
-            ++ahead.at;
-            text.remove_prefix(1);
-            continue;
-        }
-        const std::string_view letters = ahead.takeOtherForm();
-        if (letters.empty() || text.substr(0, letters.size()) != letters) {
+    std::size_t taken = 0;
+    while (taken < text.size()) {
+        if (ahead.at == end) {
             return false;
         }
-        text.remove_prefix(letters.size());
+        const auto byte = static_cast<uchar>(*ahead.at);
+        if (kFoldedASCII[byte] == text[taken]) {
+            ++ahead.at;
+            ++taken;
+            continue;
+        }
+        const std::string_view letters = byte < 0x80 ? "" : ahead.takeOtherForm();
+        if (letters.empty() || text.substr(taken, letters.size()) != letters) {
+            return false;
+        }
+        taken += letters.size();
     }
     *this = ahead;
     return true;
@@ -240,11 +250,15 @@ const char* matchPropertyHead(TextCursor cursor) {
 }
 
 const char* matchPropertyPrefix(TextCursor cursor) {
-    if (cursor.takeFolded("@dynamic")) {
-        cursor.skipAll(' ');
-        return cursor.at;
+    const bool mayBeProperty = cursor.at + 1 < cursor.end && (cursor.at[1] | 0x20) == 'p';
+    if (mayBeProperty) {
+        return matchPropertyHead(cursor);
     }
-    return matchPropertyHead(cursor);
+    if (!cursor.takeFolded("@dynamic")) {
+        return nullptr;
+    }
+    cursor.skipAll(' ');
+    return cursor.at;
 }
 
 } // namespace
@@ -329,8 +343,8 @@ char* removeTypeCasts(char* text, char* end) {
 }
 
 char* removeAll(char* text, char* end, std::string_view part) {
-    char* kept = text;
-    const char* at = text;
+    char* kept = std::search(text, end, part.begin(), part.end());
+    const char* at = kept;
     while (at < end) {
         const std::string_view rest(at, static_cast<std::size_t>(end - at));
         if (*at == part[0] && rest.substr(0, part.size()) == part) {

@@ -2,6 +2,7 @@
 // reading it alone, and the patterns by ICU against that. See SourceTree for what is scanned.
 
 #include "bench/Ratio.h"
+#include "bench/scanning/HostileTexts.h"
 #include "bench/scanning/SourceTree.h"
 #include "scanning/PlainScan.h"
 #include "scanning/SourceFileBuffer.h"
@@ -20,7 +21,9 @@ namespace {
 
 constexpr double kReadGoal = 2.0;
 constexpr double kPlainGoal = 60;
-constexpr int kPlainRounds = 3; // each takes seconds
+constexpr double kHostileGoal = 20;
+constexpr int kHostileRounds = 11; // of each text
+constexpr int kPlainRounds = 3;    // each takes seconds
 
 std::size_t countOf(const SourceFindings& findings) {
     std::size_t count = findings.shortcuts().size() + (findings.superclass() ? 1 : 0);
@@ -83,6 +86,55 @@ private:
     std::unique_ptr<SourceFindings> findings_ = std::make_unique<SourceFindings>();
 };
 
+/// The tree's own sources that are not headers or Swift, the most common kind, a megabyte at a
+/// time: the same one again would be learned by heart by the processor.
+class OrdinaryMegabytes {
+public:
+    explicit OrdinaryMegabytes(const SourceTree& tree) {
+        SourceFileBuffer buffer;
+        for (const QByteArray& path : tree.paths()) {
+            const auto source = buffer.read(path);
+            if (source && SourceName(path).kind() == SourceKind::Implementation) {
+                text_ += *source;
+            }
+        }
+    }
+
+    qsizetype size() const { return std::min(text_.size(), kMegabyte); }
+
+    QByteArrayView next() {
+        next_ = next_ + 2 * size() <= text_.size() ? next_ + size() : 0;
+        return QByteArrayView(text_).sliced(next_, size());
+    }
+
+private:
+    static constexpr qsizetype kMegabyte = qsizetype(1) << 20;
+
+    QByteArray text_;
+    qsizetype next_ = 0;
+};
+
+/// The hostile text that takes longest, byte for byte, as a multiple of ordinary source.
+void measureHostileTexts(const SourceTree& tree) {
+    OrdinaryMegabytes ordinary(tree);
+    const auto findings = std::make_unique<SourceFindings>();
+    const auto scan = [&findings](QByteArrayView text, QByteArrayView path) {
+        scanSource(text, SourceName(path), *findings);
+        benchmark::DoNotOptimize(countOf(*findings));
+    };
+    double worst = 0;
+    double worstPattern = 0;
+    for (const HostileText& hostile : makeHostileTexts()) {
+        const double ratio = timeRatio([&] { scan(ordinary.next(), "a.m"); },
+                                       [&] { scan(hostile.text, hostile.path); }, kHostileRounds) *
+                             double(ordinary.size()) / double(hostile.text.size());
+        double& worstOfKind = hostile.isNamedLikeAPattern() ? worstPattern : worst;
+        worstOfKind = std::max(worstOfKind, ratio);
+    }
+    printRatio("B the worst hostile megabyte, of ordinary source", worst, kHostileGoal);
+    printRatio("B the same in a header whose name is a pattern", worstPattern, kHostileGoal);
+}
+
 template <typename Job>
 void registerBenchmark(const char* name, const SourceTree& tree, Job job) {
     benchmark::RegisterBenchmark(name, [&tree, job](benchmark::State& state) {
@@ -113,5 +165,6 @@ int main(int argc, char** argv) {
     printRatio("B the patterns by ICU, of the scan",
                timeRatio([&] { fast.scan(tree); }, [&] { plain.scan(tree); }, kPlainRounds),
                kPlainGoal, Bound::atLeast);
+    measureHostileTexts(tree);
     return EXIT_SUCCESS;
 }

@@ -2,6 +2,7 @@
 
 #include <unicode/uregex.h>
 
+#include <ctime>
 #include <limits>
 
 namespace navrel {
@@ -39,7 +40,7 @@ class SearchLimit {
 public:
     explicit SearchLimit(RegularExpression::Deadline deadline) : deadline_(deadline) {}
 
-    bool isReached() const { return RegularExpression::Deadline::clock::now() >= deadline_; }
+    bool isReached() const { return RegularExpression::Clock::now() >= deadline_; }
 
     /// ICU calls the one every few thousand steps of a match, the other for each place where a
     /// match is tried, most of which take less time than asking the clock. False ends the search.
@@ -84,6 +85,12 @@ RegularExpression::Match currentMatch(URegularExpression* expression, UErrorCode
 
 void RegularExpression::Closer::operator()(URegularExpression* expression) const {
     uregex_close(expression);
+}
+
+RegularExpression::Clock::time_point RegularExpression::Clock::now() {
+    struct timespec time {};
+    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return time_point(std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec));
 }
 
 std::variant<RegularExpression, Error> RegularExpression::compile(QStringView pattern,

@@ -45,7 +45,17 @@ public:
         std::optional<Error> error;
     };
 
-    using Deadline = std::chrono::steady_clock::time_point;
+    /// The calling thread's processor time, so that no limit is reached because others were busy.
+    struct Clock {
+        using duration = std::chrono::nanoseconds;
+        using rep = duration::rep;
+        using period = duration::period;
+        using time_point = std::chrono::time_point<Clock>;
+        static constexpr bool is_steady = true;
+
+        static time_point now();
+    };
+    using Deadline = Clock::time_point;
 
     /// The expression, or why the pattern is none. `options` is a combination of Option.
     static std::variant<RegularExpression, Error> compile(QStringView pattern, quint32 options);

@@ -80,14 +80,14 @@ TEST(RegularExpression, theDeadlineEndsAMatchThatBacktracksWithoutEnd) {
     const QString text = u"x"_s + QString(200, u'a');
     const auto result =
         expression(u"x|(a+)+b"_s)
-            .matchesIn(text, Deadline::clock::now() + std::chrono::milliseconds(20));
+            .matchesIn(text, RegularExpression::Clock::now() + std::chrono::milliseconds(20));
     ASSERT_TRUE(result.error.has_value());
     EXPECT_EQ(result.error->localizedDescription(), u"U_REGEX_STOPPED_BY_CALLER"_s);
     EXPECT_EQ(result.matches.size(), 1U);
 }
 
 TEST(RegularExpression, aDeadlineThatIsOverEndsEverySearch) {
-    const auto result = expression(u"a"_s).matchesIn(u"aaa", Deadline::clock::now());
+    const auto result = expression(u"a"_s).matchesIn(u"aaa", RegularExpression::Clock::now());
     EXPECT_TRUE(result.error.has_value());
     EXPECT_TRUE(result.matches.empty());
 }
