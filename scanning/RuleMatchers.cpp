@@ -9,17 +9,6 @@ namespace navrel {
 
 namespace {
 
-/// Small letters for capitals; NUL, which no keyword holds, for what is not ASCII.
-constexpr std::array<char, 256> makeFoldedASCII() {
-    std::array<char, 256> folded{};
-    for (int byte = 0; byte < 0x80; ++byte) {
-        const bool isCapital = byte >= 'A' && byte <= 'Z';
-        folded[std::size_t(byte)] = static_cast<char>(isCapital ? byte | 0x20 : byte);
-    }
-    return folded;
-}
-constexpr std::array<char, 256> kFoldedASCII = makeFoldedASCII();
-
 /// A character outside ASCII that folds to ASCII letters when letter case does not count.
 struct OtherForm {
     std::string_view bytes;
@@ -52,26 +41,14 @@ std::string_view TextCursor::takeOtherForm() {
     return {};
 }
 
-bool TextCursor::takeFolded(std::string_view text) {
-    TextCursor ahead = *this;
-    std::size_t taken = 0;
-    while (taken < text.size()) {
-        if (ahead.at == end) {
-            return false;
-        }
-        const auto byte = static_cast<uchar>(*ahead.at);
-        if (kFoldedASCII[byte] == text[taken]) {
-            ++ahead.at;
-            ++taken;
-            continue;
-        }
-        const std::string_view letters = byte < 0x80 ? "" : ahead.takeOtherForm();
-        if (letters.empty() || text.substr(taken, letters.size()) != letters) {
-            return false;
-        }
-        taken += letters.size();
+bool TextCursor::takeFoldedFromOtherForm(const char* place, std::string_view folded) {
+    TextCursor ahead{place, end};
+    const std::string_view letters = ahead.takeOtherForm();
+    if (letters.empty() || folded.substr(0, letters.size()) != letters ||
+        !ahead.takeFolded(folded.substr(letters.size()))) {
+        return false;
     }
-    *this = ahead;
+    at = ahead.at;
     return true;
 }
 

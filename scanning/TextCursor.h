@@ -70,6 +70,18 @@ constexpr Table makeTable() {
 
 inline constexpr Table kTable = makeTable();
 
+/// Small letters for capitals; NUL, which no keyword holds, for what is not ASCII.
+constexpr std::array<char, 256> makeFolded() {
+    std::array<char, 256> folded{};
+    for (int byte = 0; byte < 0x80; ++byte) {
+        const bool isCapital = byte >= 'A' && byte <= 'Z';
+        folded[static_cast<std::size_t>(byte)] = static_cast<char>(isCapital ? byte | 0x20 : byte);
+    }
+    return folded;
+}
+
+inline constexpr std::array<char, 256> kFolded = makeFolded();
+
 } // namespace characterclasses
 
 /// A place in a valid UTF-8 text, and the text's end. What it moves over, a pattern matches.
@@ -109,8 +121,22 @@ struct TextCursor {
 
     /// Moves over a text whose letter case does not count, where it stands here whole; else stays.
     /// `folded` is ASCII without capitals. Characters that are such letters in another form count
-    /// as them, also one for several: see the source.
-    bool takeFolded(std::string_view folded);
+    /// as them, also one for several: U+00DF for "ss".
+    bool takeFolded(std::string_view folded) {
+        const char* place = at;
+        std::size_t taken = 0;
+        while (taken < folded.size() && place < end &&
+               characterclasses::kFolded[static_cast<uchar>(*place)] == folded[taken]) {
+            ++place;
+            ++taken;
+        }
+        if (taken == folded.size()) {
+            at = place;
+            return true;
+        }
+        const bool mayBeOtherForm = place < end && static_cast<uchar>(*place) >= 0x80;
+        return mayBeOtherForm && takeFoldedFromOtherForm(place, folded.substr(taken));
+    }
 
     /// The end of what "." matches from here on: the next line break, of which there are seven
     /// (LF, VT, FF, CR, U+0085, U+2028, U+2029), or the end of the text.
@@ -135,6 +161,7 @@ private:
         return areHere;
     }
 
+    bool takeFoldedFromOtherForm(const char* place, std::string_view folded);
     std::string_view takeOtherForm();
 };
 
