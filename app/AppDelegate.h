@@ -19,8 +19,7 @@ class MenuItem;
 class UserDefaults;
 
 /// The application delegate: starts the program, keeps one connection to the companion app, and
-/// answers its requests from the data manager. One per program. Main thread, but for what says
-/// otherwise.
+/// answers its requests from the data manager. One per program. Main thread.
 ///
 /// Sources: AppDelegate.cpp (start and quit), DeviceLink.cpp (finding the companion app),
 /// CommandService.cpp (answering it).

@@ -2,6 +2,8 @@
 
 #include "support/ToolRunner.h"
 
+#include <QDir>
+
 namespace navrel {
 
 namespace {
@@ -14,14 +16,12 @@ const QString kOpener = QStringLiteral("xdg-open");
 
 } // namespace
 
-bool openWithDesktop(const QString& pathOrURL) {
+bool openWithDesktop(const QString& path) {
     const auto opener = findTool(kOpener);
-    if (!opener || pathOrURL.isEmpty()) {
+    if (!opener || path.isEmpty()) {
         return false;
     }
-    const bool looksLikeAnOption = pathOrURL.startsWith(QLatin1Char('-'));
-    return startDetachedTool(*opener,
-                             {looksLikeAnOption ? QStringLiteral("./") + pathOrURL : pathOrURL});
+    return startDetachedTool(*opener, {QDir::current().absoluteFilePath(path)});
 }
 
 } // namespace navrel

@@ -4,9 +4,10 @@
 
 namespace navrel {
 
-/// Hands a file's path or a URL to the desktop's default opener (`xdg-open` found in `PATH`; `open`
-/// on macOS), without a shell and without waiting for it. A path that begins with "-" is never
-/// taken for an option. False when there is no opener or it could not be started. Any thread.
-bool openWithDesktop(const QString& pathOrURL);
+/// Hands a file to the desktop's default opener (`xdg-open` found in `PATH`; `open` on macOS),
+/// without a shell and without waiting for it. It gets the absolute path, so that neither an option
+/// ("-x") nor a URL ("https://…") can be made of what a device calls a path. False when there is no
+/// opener or it could not be started. Any thread.
+bool openWithDesktop(const QString& path);
 
 } // namespace navrel

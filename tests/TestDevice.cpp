@@ -4,6 +4,7 @@
 #include "tests/WaitUntil.h"
 
 #include <QtEndian>
+#include <gtest/gtest.h>
 
 #include <array>
 #include <cerrno>
@@ -166,19 +167,18 @@ bool TestDevice::waitUntilServed(std::chrono::milliseconds atMost) {
 std::optional<QVariantMap> TestDevice::ask(quint32 type, const QVariantMap& dictionary) {
     const quint32 tag = ++lastTag_;
     const quint32 endTag = ++lastTag_;
-    if (!sendBytes(request(type, tag, dictionary) + frame(kVersionRequest, endTag))) {
-        return std::nullopt;
-    }
+    EXPECT_TRUE(sendBytes(request(type, tag, dictionary) + frame(kVersionRequest, endTag)));
     std::optional<QVariantMap> answer;
     while (const auto reply = nextFrame()) {
         if (reply->tag == tag) {
             answer = dictionaryOf(reply->payload);
         }
         if (reply->tag == endTag) {
-            break;
+            return answer;
         }
     }
-    return answer;
+    ADD_FAILURE() << "the connection ended, or nothing was answered at all";
+    return std::nullopt;
 }
 
 QVariantMap dictionaryOf(const QByteArray& payload) {

@@ -50,7 +50,7 @@ public:
     /// Waits until requests are answered.
     [[nodiscard]] bool waitUntilServed(std::chrono::milliseconds atMost = std::chrono::seconds(20));
     /// Sends a request and a version request behind it; the answer to the first, or nothing when
-    /// only the second is answered.
+    /// only the second is answered. The test fails when that is not answered either.
     std::optional<QVariantMap> ask(quint32 type, const QVariantMap& dictionary = {});
 
 private:

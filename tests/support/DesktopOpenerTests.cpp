@@ -2,6 +2,7 @@
 #include "tests/RecordingTool.h"
 #include "tests/WaitUntil.h"
 
+#include <QDir>
 #include <gtest/gtest.h>
 
 namespace navrel {
@@ -16,12 +17,13 @@ TEST(DesktopOpener, aPathReachesTheOpenerAsItIs) {
     EXPECT_EQ(opener.arguments(), QByteArrayList{path.toUtf8()});
 }
 
-TEST(DesktopOpener, aPathThatBeginsWithADashIsNoOption) {
-    const RecordingTool opener(QStringLiteral("xdg-open"));
-
-    EXPECT_TRUE(openWithDesktop(QStringLiteral("--help")));
-    EXPECT_TRUE(waitUntil([&] { return !opener.arguments().isEmpty(); }));
-    EXPECT_EQ(opener.arguments(), QByteArrayList{"./--help"});
+TEST(DesktopOpener, neitherAnOptionNorAURLCanBeMadeOfAPath) {
+    for (const char* path : {"--help", "https://example.org/x", "mailto:a"}) {
+        const RecordingTool opener(QStringLiteral("xdg-open"));
+        EXPECT_TRUE(openWithDesktop(QLatin1String(path)));
+        EXPECT_TRUE(waitUntil([&] { return !opener.arguments().isEmpty(); }));
+        EXPECT_EQ(opener.arguments(), QByteArrayList{QDir::currentPath().toUtf8() + '/' + path});
+    }
 }
 
 TEST(DesktopOpener, withoutAnOpenerNothingIsOpened) {
