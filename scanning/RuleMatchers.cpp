@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 namespace navrel {
 
@@ -263,27 +264,30 @@ std::optional<QByteArrayView> PropertyMatcher::match(const char* at, const char*
 
 namespace {
 
+/// The next place of a byte, or `end`.
+const char* findByte(const char* at, const char* end, char byte) {
+    const void* found = std::memchr(at, byte, static_cast<std::size_t>(end - at));
+    return found != nullptr ? static_cast<const char*>(found) : end;
+}
+
 /// Writes a method's text with each ":[^\)]+\) *[^ ]+" (a colon, a type, a name) made a colon.
 char* writeWithoutArguments(QByteArrayView match, char* name) {
     const char* at = match.begin();
     const char* const end = match.end();
     const char* bracket = at; // the next closing one
-    while (at < end) {
-        if (*at != ':') {
-            *name++ = *at++;
-            continue;
-        }
-        bracket = std::find(std::max(bracket, at), end, ')');
+    for (;;) {
+        const char* const colon = findByte(at, end, ':');
+        name = std::copy(at, colon, name);
+        bracket = findByte(std::max(bracket, colon), end, ')');
         TextCursor cursor{bracket, end};
         cursor.take(')');
         cursor.skipAll(' ');
         if (cursor.at == end) { // nothing behind the last type: no further argument either
-            return std::copy(at, end, name);
+            return std::copy(colon, end, name);
         }
-        *name++ = *at;
-        at = bracket == at + 1 ? bracket : std::find(cursor.at, end, ' ');
+        *name++ = ':';
+        at = bracket == colon + 1 ? bracket : findByte(cursor.at, end, ' ');
     }
-    return name;
 }
 
 /// The end of "\( *([^\) *]*)[ *]*\)" at a bracket, or null; `retryAt` is then the first place
@@ -299,20 +303,27 @@ const char* matchTypeCast(const char* at, const char* end, const char*& retryAt)
     return cursor.take(')') ? cursor.at : nullptr;
 }
 
+bool isBracketBlankOrTerminator(char byte) {
+    return byte == '(' || byte == ' ' || byte == '{' || byte == ';';
+}
+
 /// Takes type casts, blanks and terminators out of a text, in place.
 char* removeTypeCasts(char* text, char* end) {
     const char* at = text;
     const char* retryAt = text;
     char* kept = text;
     while (at < end) {
-        if (*at == '(' && at >= retryAt) {
-            if (const char* castEnd = matchTypeCast(at, end, retryAt)) {
-                at = castEnd;
-                continue;
-            }
+        if (!isBracketBlankOrTerminator(*at)) {
+            *kept++ = *at++;
+            continue;
         }
-        if (*at != ' ' && *at != '{' && *at != ';') {
-            *kept++ = *at;
+        const bool isTried = *at == '(' && at >= retryAt;
+        if (const char* castEnd = isTried ? matchTypeCast(at, end, retryAt) : nullptr) {
+            at = castEnd;
+            continue;
+        }
+        if (*at == '(') {
+            *kept++ = '(';
         }
         ++at;
     }

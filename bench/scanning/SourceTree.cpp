@@ -17,7 +17,8 @@ namespace {
 constexpr qint64 kTreeSize = 45'000'000;
 constexpr unsigned kSeed = 20240607;
 
-/// Writes sources of the kinds that projects hold, from a fixed sequence.
+/// Writes sources of the kinds that projects hold, from a fixed sequence. As in public projects, a
+/// file has some 10 KB and a kilobyte some one finding.
 class SourceWriter {
 public:
     QByteArray header(const QByteArray& name) {
@@ -25,8 +26,8 @@ public:
         text += name.contains('+')
                     ? "@interface " + word() + " (Additions)\n\n"
                     : "@interface " + name + " : " + word() + " <" + word() + ">\n\n";
-        for (unsigned count = 4 + random_() % 60; count > 0; --count) {
-            text += random_() % 2 == 0 ? "\n/// " + sentence() + "\n" : QByteArray();
+        for (unsigned count = 2 + random_() % 30; count > 0; --count) {
+            text += "\n/// " + sentence() + "\n/// " + sentence() + "\n";
             text += random_() % 3 == 0 ? property() : method() + ";\n";
         }
         return text + "\n@end\n";
@@ -35,7 +36,7 @@ public:
     QByteArray implementation(const QByteArray& name) {
         QByteArray text =
             licence(name) + "#import \"" + name + ".h\"\n\n@implementation " + name + "\n\n";
-        for (unsigned count = 4 + random_() % 50; count > 0; --count) {
+        for (unsigned count = 2 + random_() % 20; count > 0; --count) {
             text += random_() % 6 == 0 ? "#pragma mark - " + word() + "\n\n" : QByteArray();
             text += method() + (random_() % 3 == 0 ? "\n{\n" : " {\n");
             text += body() + "}\n\n";
@@ -45,7 +46,7 @@ public:
 
     QByteArray plainC(const QByteArray& name) {
         QByteArray text = licence(name) + "#include \"" + name + ".h\"\n#include <stdio.h>\n\n";
-        for (unsigned count = 4 + random_() % 50; count > 0; --count) {
+        for (unsigned count = 2 + random_() % 20; count > 0; --count) {
             text += comment("") + "static int " + word() + "(const char *" + word() + ", int " +
                     word() + ")\n{\n" + body() + "    return 0;\n}\n\n";
         }
@@ -55,7 +56,7 @@ public:
     QByteArray swift(const QByteArray& name) {
         QByteArray text =
             licence(name) + "import Foundation\n\nfinal class " + name + ": " + word() + " {\n";
-        for (unsigned count = 4 + random_() % 50; count > 0; --count) {
+        for (unsigned count = 2 + random_() % 20; count > 0; --count) {
             text += random_() % 6 == 0 ? "    // MARK: - " + word() + "\n\n" : QByteArray();
             text += "    private var " + word() + " = " + word() + "()\n\n";
             text += comment("    ") + "    func " + word() + "(_ " + word() + ": " + word() +
@@ -92,7 +93,7 @@ private:
 
     QByteArray body() {
         QByteArray text;
-        for (unsigned count = 4 + choice(36); count > 0; --count) {
+        for (unsigned count = 6 + choice(42); count > 0; --count) {
             text += line();
         }
         return text;
