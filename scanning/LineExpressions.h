@@ -14,7 +14,7 @@ namespace navrel {
 
 /// The processor time that the superclass of one header may take where its base name is a pattern
 /// of its own. An honest header takes a tenth of a millisecond; "(a+)+b.h" would take years.
-inline constexpr std::chrono::milliseconds kSuperclassTimeLimit(5);
+inline constexpr std::chrono::milliseconds kSuperclassTimeLimit(4);
 
 /// The end of that time where it begins now.
 RegularExpression::Deadline superclassDeadline();

@@ -195,7 +195,7 @@ void SourceTree::makeUp() {
             write(name + ".swift", writer.swift(name));
             break;
         case 5:
-            write(name + "+Additions.h", writer.header(name));
+            write(name + "+Additions.h", writer.header(name + "+Additions"));
             write(name + "+Additions.mm", writer.implementation(name));
             break;
         default:
