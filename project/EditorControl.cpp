@@ -4,16 +4,63 @@
 #include "project/KZDataManager.h"
 #include "project/ManagedObjectContext.h"
 
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
 namespace navrel {
 
 namespace {
 
-/// A line as it comes from a device: a number or a decimal text. Nothing where there is none.
+constexpr qint64 kSmallest = std::numeric_limits<qint32>::min();
+constexpr qint64 kLargest = std::numeric_limits<qint32>::max();
+
+bool isDigit(QChar character) {
+    return character >= QLatin1Char('0') && character <= QLatin1Char('9');
+}
+
+/// The number that a text begins with, blanks before it apart; 0 where it begins with none. What
+/// does not fit becomes the nearest value that does.
+int integerValueOfText(QStringView text) {
+    const auto* at =
+        std::find_if_not(text.begin(), text.end(), [](QChar c) { return c.isSpace(); });
+    const bool isSigned = at != text.end() && (*at == QLatin1Char('-') || *at == QLatin1Char('+'));
+    const qint64 sign = isSigned && *at == QLatin1Char('-') ? -1 : 1;
+    qint64 value = 0;
+    for (at += isSigned ? 1 : 0; at != text.end() && isDigit(*at); ++at) {
+        // One past the range stays outside it whatever the sign, and can be multiplied again.
+        value = std::min(value * 10 + at->digitValue(), kLargest + 1);
+    }
+    return static_cast<int>(std::clamp(sign * value, kSmallest, kLargest));
+}
+
+int integerValueOfReal(double value) {
+    if (std::isnan(value)) {
+        return 0;
+    }
+    const auto smallest = static_cast<double>(kSmallest);
+    const auto largest = static_cast<double>(kLargest);
+    return static_cast<int>(std::clamp(value, smallest, largest));
+}
+
+/// A line as it comes from a device, as a 32-bit integer: a number, of which an integer too large
+/// keeps its low 32 bits, or a decimal text. Nothing where there is none, or something else.
 std::optional<int> lineNumber(const QVariant& line) {
-    if (!line.isValid()) {
+    switch (line.typeId()) {
+    case QMetaType::QString:
+        return integerValueOfText(line.toString());
+    case QMetaType::Double:
+    case QMetaType::Float:
+        return integerValueOfReal(line.toDouble());
+    case QMetaType::Bool:
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+        return static_cast<qint32>(line.toULongLong());
+    default:
         return std::nullopt;
     }
-    return line.toInt();
 }
 
 } // namespace
