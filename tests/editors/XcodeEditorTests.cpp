@@ -1,0 +1,216 @@
+#include "editors/XcodeEditor.h"
+#include "tests/WaitUntil.h"
+#include "tests/editors/ScratchEnvironment.h"
+
+#include <QElapsedTimer>
+#include <gtest/gtest.h>
+
+namespace navrel {
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr char kActiveFileScript[] = "        set appName to \"Xcode\"\n"
+                                     "        if application appName is running then\n"
+                                     "        delay 0.1\n"
+                                     "        with timeout of 0.5 seconds\n"
+                                     "        tell application id (id of application appName)\n"
+                                     "        return name of first window\n"
+                                     "        end tell\n"
+                                     "        end timeout\n"
+                                     "        end if\n";
+
+constexpr char kActiveProjectScript[] = "        set appName to \"Xcode\"\n"
+                                        "        if application appName is running then\n"
+                                        "        delay 0.1\n"
+                                        "        with timeout of 0.5 seconds\n"
+                                        "        tell application \"Xcode\"\n"
+                                        "        return path of active workspace document\n"
+                                        "        end tell\n"
+                                        "        end timeout\n"
+                                        "        end if\n";
+
+QByteArray jumpScript(const QByteArray& line) {
+    return "        delay 0.1\n"
+           "        tell application \"Xcode\"\n"
+           "        set activeFile to name of first window\n"
+           "        tell document named activeFile\n"
+           "        set selected paragraph range to {" +
+           line + ", " + line +
+           "}\n"
+           "        delay 0.1\n"
+           "        tell application \"System Events\"\n"
+           "        keystroke \"l\" using {command down, shift down}\n"
+           "        end tell\n"
+           "        end tell\n"
+           "        end tell\n";
+}
+
+/// Stand-ins for both tools, which record their arguments; what `osascript` does beside that is a
+/// test's.
+class XcodeEditorTest : public ::testing::Test {
+protected:
+    XcodeEditorTest() {
+        // NUL ends an argument, two end a call: bytes that no argument can hold. A call is
+        // recorded as a whole, since calls run at the same time.
+        const QByteArray record = "#!/bin/sh\n"
+                                  "{ printf '%s\\0' \"$@\"; printf '\\0'; } >\"$0.$$.part\"\n"
+                                  "mv \"$0.$$.part\" \"$0.$$.call\"\n";
+        tools.osascript = environment.pathOf(QStringLiteral("osascript"));
+        tools.xed = environment.pathOf(QStringLiteral("xed"));
+        writeTool(tools.osascript, record + ". \"$0.answer\"\n");
+        writeTool(tools.xed, record + "echo what it prints is dropped\n");
+        answerWith(":");
+    }
+
+    static void writeTool(const QString& path, const QByteArray& text) {
+        ScratchEnvironment::write(path.toUtf8(), text);
+        QFile(path).setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
+
+    /// What the stand-in for `osascript` does, as a line of shell.
+    void answerWith(const QByteArray& command) const {
+        environment.write(tools.osascript.toUtf8() + ".answer", command + '\n');
+    }
+
+    /// The calls of a tool so far, each with its arguments, in no certain order.
+    QList<QByteArrayList> callsOf(const QString& tool) const {
+        QList<QByteArrayList> calls;
+        const QString name = tool.mid(tool.lastIndexOf(QLatin1Char('/')) + 1);
+        const QDir folder(environment.path());
+        for (const QString& call : folder.entryList({name + QStringLiteral(".*.call")})) {
+            QByteArrayList arguments =
+                ScratchEnvironment::read(folder.filePath(call).toUtf8()).split('\0');
+            arguments.resize(arguments.size() - 2);
+            calls.append(arguments);
+        }
+        return calls;
+    }
+
+    bool waitForCalls(const QString& tool, qsizetype count) const {
+        return waitUntil([&] { return callsOf(tool).size() == count; });
+    }
+
+    ScratchEnvironment environment;
+    XcodeEditor::Tools tools;
+};
+
+TEST_F(XcodeEditorTest, theActiveFileIsAskedForWithItsScript) {
+    answerWith("echo main.m");
+    EXPECT_EQ(XcodeEditor(tools).activeFileName(), QStringLiteral("main.m"));
+    EXPECT_EQ(callsOf(tools.osascript), QList<QByteArrayList>({{"-e", kActiveFileScript}}));
+}
+
+TEST_F(XcodeEditorTest, theActiveProjectIsAskedForWithItsScript) {
+    answerWith("echo /a/App.xcodeproj/project.xcworkspace");
+    EXPECT_EQ(XcodeEditor(tools).activeProjectPath(), QStringLiteral("/a/App.xcodeproj"));
+    EXPECT_EQ(callsOf(tools.osascript), QList<QByteArrayList>({{"-e", kActiveProjectScript}}));
+}
+
+TEST_F(XcodeEditorTest, everyLineFeedIsRemoved) {
+    answerWith("printf '\\n/a b/A\\n.xcodeproj/x.xcworkspace\\n\\n'");
+    EXPECT_EQ(XcodeEditor(tools).activeProjectPath(), QStringLiteral("/a b/A.xcodeproj"));
+    answerWith("printf ' main\\n.m \\n'");
+    EXPECT_EQ(XcodeEditor(tools).activeFileName(), QStringLiteral(" main.m "));
+}
+
+TEST_F(XcodeEditorTest, whatIsAnsweredIsAnsweredWhateverTheExitStatus) {
+    answerWith("echo main.m; exit 1");
+    EXPECT_EQ(XcodeEditor(tools).activeFileName(), QStringLiteral("main.m"));
+}
+
+TEST_F(XcodeEditorTest, anEmptyAnswerIsNoProjectAndNoFileButAnAnswer) {
+    EXPECT_EQ(XcodeEditor(tools).activeProjectPath(), QStringLiteral(""));
+    EXPECT_EQ(XcodeEditor(tools).activeFileName(), QStringLiteral(""));
+}
+
+TEST_F(XcodeEditorTest, anAnswerWithoutAFolderIsNoProject) {
+    answerWith("echo App.xcodeproj");
+    EXPECT_EQ(XcodeEditor(tools).activeProjectPath(), QStringLiteral(""));
+}
+
+TEST_F(XcodeEditorTest, aMissingToolCannotBeAsked) {
+    tools.osascript = QStringLiteral("/nonexistent/osascript");
+    EXPECT_EQ(XcodeEditor(tools).activeProjectPath(), std::nullopt);
+    EXPECT_EQ(XcodeEditor(tools).activeFileName(), std::nullopt);
+}
+
+TEST_F(XcodeEditorTest, anAnswerThatIsNoTextCannotBeRead) {
+    answerWith("printf '/a/\\377/b'");
+    EXPECT_EQ(XcodeEditor(tools).activeProjectPath(), std::nullopt);
+}
+
+TEST_F(XcodeEditorTest, aSlowAnswerIsWaitedFor) {
+    answerWith("sleep 0.7; echo main.m");
+    EXPECT_EQ(XcodeEditor(tools).activeFileName(), QStringLiteral("main.m"));
+}
+
+TEST_F(XcodeEditorTest, aToolThatHangsIsNotWaitedForAndThenLeftAlone) {
+    answerWith("exec sleep 1000");
+    tools.queryAtMost = milliseconds(200);
+    XcodeEditor editor(tools);
+    EXPECT_EQ(editor.activeFileName(), std::nullopt);
+
+    answerWith("echo main.m");
+    EXPECT_EQ(editor.activeFileName(), std::nullopt);
+    EXPECT_EQ(callsOf(tools.osascript).size(), 1) << "asked again";
+}
+
+TEST_F(XcodeEditorTest, aToolThatWasLeftAloneIsAskedAgainLater) {
+    answerWith("exec sleep 1000");
+    tools.queryAtMost = milliseconds(200);
+    tools.leftAloneFor = milliseconds(100);
+    XcodeEditor editor(tools);
+    EXPECT_EQ(editor.activeFileName(), std::nullopt);
+
+    answerWith("echo main.m");
+    EXPECT_TRUE(waitUntil([&] { return editor.activeFileName() == QStringLiteral("main.m"); }));
+}
+
+TEST_F(XcodeEditorTest, openingGivesThePathAlone) {
+    XcodeEditor(tools).openFile(QStringLiteral("/a b/main.m"), std::nullopt);
+    ASSERT_TRUE(waitForCalls(tools.xed, 1));
+    EXPECT_EQ(callsOf(tools.xed), QList<QByteArrayList>({{"/a b/main.m"}}));
+    EXPECT_EQ(callsOf(tools.osascript).size(), 0) << "a script without a line";
+}
+
+TEST_F(XcodeEditorTest, openingAtALineRunsTheJumpScriptToo) {
+    for (const int line : {42, 0, -3, 2147483647, -2147483647 - 1}) {
+        XcodeEditor(tools).openFile(QStringLiteral("/main.m"), line);
+        const QByteArrayList wanted = {"-e", jumpScript(QByteArray::number(line))};
+        EXPECT_TRUE(waitUntil([&] { return callsOf(tools.osascript).contains(wanted); })) << line;
+    }
+    EXPECT_TRUE(waitForCalls(tools.xed, 5));
+}
+
+TEST_F(XcodeEditorTest, openingWaitsForNeitherTool) {
+    answerWith("while [ ! -e \"$0.end\" ]; do sleep 0.05; done; : >\"$0.ended\"");
+    XcodeEditor(tools).openFile(QStringLiteral("/main.m"), 1);
+
+    // Both run while the first one has not come to its end.
+    EXPECT_TRUE(waitForCalls(tools.osascript, 1));
+    EXPECT_TRUE(waitForCalls(tools.xed, 1));
+    EXPECT_FALSE(QFile::exists(tools.osascript + QStringLiteral(".ended")));
+    environment.write(tools.osascript.toUtf8() + ".end", "");
+    EXPECT_TRUE(
+        waitUntil([&] { return QFile::exists(tools.osascript + QStringLiteral(".ended")); }));
+}
+
+TEST_F(XcodeEditorTest, missingToolsAreToleratedWhenOpening) {
+    tools.osascript = tools.xed = QStringLiteral("/nonexistent/tool");
+    XcodeEditor editor(tools);
+    editor.openFile(QStringLiteral("/main.m"), 1);
+    EXPECT_EQ(editor.activeFileName(), std::nullopt);
+}
+
+TEST_F(XcodeEditorTest, aPathWithANulCharacterOpensNothing) {
+    XcodeEditor editor(tools);
+    editor.openFile(QStringLiteral("/etc/passwd") + QChar(u'\0') + QStringLiteral(".m"),
+                    std::nullopt);
+    editor.openFile(QStringLiteral("/main.m"), std::nullopt);
+    ASSERT_TRUE(waitForCalls(tools.xed, 1));
+    EXPECT_EQ(callsOf(tools.xed), QList<QByteArrayList>({{"/main.m"}}));
+}
+
+} // namespace
+} // namespace navrel
