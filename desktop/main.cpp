@@ -2,7 +2,7 @@
 #include "app/ProgramVersion.h"
 #include "desktop/InstanceLock.h"
 #include "desktop/QtDesktop.h"
-#include "editors/DesktopEditor.h"
+#include "editors/EditorChoice.h"
 #include "project/KZDataManager.h"
 #include "scanning/SourceFileScanner.h"
 #include "support/UserDefaults.h"
@@ -40,10 +40,10 @@ std::optional<QString> instanceLockPath() {
 int runApplication(QApplication& application) {
     UserDefaults userDefaults;
     QtDesktop desktop;
-    DesktopEditor editor;
+    const auto editor = chooseEditor();
     SourceFileScanner scanner;
     const auto dataManager = KZDataManager::init(
-        {userDefaults, editor, desktop, scanner,
+        {userDefaults, *editor, desktop, scanner,
          QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)});
     const auto delegate =
         AppDelegate::create({*dataManager, desktop, userDefaults, programVersion()});

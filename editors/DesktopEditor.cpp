@@ -1,5 +1,6 @@
 #include "editors/DesktopEditor.h"
 
+#include "editors/RequestedPath.h"
 #include "support/DesktopOpener.h"
 
 namespace navrel {
@@ -13,7 +14,9 @@ std::optional<QString> DesktopEditor::activeFileName() {
 }
 
 void DesktopEditor::openFile(const QString& path, std::optional<int>) {
-    openWithDesktop(path);
+    if (const auto absolutePath = requestedPath(path)) {
+        openWithDesktop(*absolutePath);
+    }
 }
 
 } // namespace navrel

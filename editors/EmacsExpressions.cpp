@@ -1,0 +1,93 @@
+#include "editors/EmacsExpressions.h"
+
+namespace navrel {
+
+namespace {
+
+// Evaluated with lexical scope: the names below must not meet variables of the person's own.
+constexpr char kBegin[] = "(progn (require 'cl-lib) (require 'seq) (eval '(let* (";
+constexpr char kEnd[] = ") t))";
+
+// The window that the person looks at. A daemon's first frame is seen by nobody, and the minibuffer
+// holds no file.
+constexpr char kBindWindow[] = R"lisp(
+(coding (or file-name-coding-system default-file-name-coding-system))
+(is-seen (lambda (frame) (not (equal (terminal-name frame) "initial_terminal"))))
+(frame (if (funcall is-seen (selected-frame)) (selected-frame)
+         (or (seq-find is-seen (frame-list)) (selected-frame))))
+(selected (frame-selected-window frame))
+(window (if (window-minibuffer-p selected)
+            (or (minibuffer-selected-window) (frame-first-window frame))
+          selected))
+)lisp";
+
+constexpr char kActiveFile[] = R"lisp()
+(let ((name (buffer-file-name (window-buffer window))))
+  (if name (base64-encode-string (encode-coding-string (file-name-unquote name) coding) t) ""))
+)lisp";
+
+// The way back: the mark ring of the buffer that is left, and the global one. A path that looks
+// like one of a remote file is quoted, so that it is none. Whatever would ask a question is
+// answered with no, or fails: nobody may sit at this Emacs.
+constexpr char kOpen[] = R"lisp(
+(bytes (base64-decode-string "PATH"))
+(plain (if coding (decode-coding-string bytes coding) bytes))
+(path (if (string-match-p "\\`/[^/]*:" plain) (concat "/:" plain) plain))
+(line LINE)
+(large-file-warning-threshold nil)
+(vc-follow-symlinks nil)
+(enable-local-variables :safe)
+(enable-local-eval nil)
+(find-file-suppress-same-file-warnings t)
+(create-lockfiles nil)
+(inhibit-interaction t))
+(cl-letf (((symbol-function 'yes-or-no-p) #'ignore)
+          ((symbol-function 'y-or-n-p) #'ignore)
+          ((symbol-function 'ask-user-about-lock) #'ignore)
+          ((symbol-function 'ask-user-about-supersession-threat) #'ignore)
+          ((symbol-function 'sit-for) #'ignore))
+  (condition-case failure
+      (let ((open-already (find-buffer-visiting path)) buffer)
+        (select-frame frame)
+        (select-window window)
+        (push-mark nil t)
+        (unless (equal (car global-mark-ring) (point-marker))
+          (push (point-marker) global-mark-ring))
+        (setq buffer (find-file-noselect path t))
+        (pop-to-buffer-same-window buffer)
+        (and open-already (not (buffer-modified-p)) (file-exists-p path)
+             (not (verify-visited-file-modtime buffer))
+             (revert-buffer t t t))
+        (when line
+          (let ((global-mark-ring nil) begin)
+            (save-restriction
+              (widen)
+              (goto-char (point-min))
+              (forward-line (1- line))
+              (beginning-of-line)
+              (setq begin (point)))
+            (unless (<= (point-min) begin (point-max)) (widen))
+            (goto-char begin)
+            (push-mark (line-end-position) t t)
+            (setq deactivate-mark nil)
+            (ignore-errors (recenter))))
+        'opened)
+    (error (error-message-string failure))))
+)lisp";
+
+} // namespace
+
+QByteArray emacsActiveFileExpression() {
+    return QByteArray(kBegin) + kBindWindow + kActiveFile + kEnd;
+}
+
+QByteArray emacsOpenExpression(const QByteArray& path, std::optional<int> line) {
+    // LINE first: base64 has letters, a number has not.
+    return QByteArray(kBegin) + kBindWindow +
+           QByteArray(kOpen)
+               .replace("LINE", line ? QByteArray::number(*line) : "nil")
+               .replace("PATH", path.toBase64()) +
+           kEnd;
+}
+
+} // namespace navrel

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "editors/RunningEditor.h"
+#include "project/Editor.h"
+
+#include <atomic>
+#include <memory>
+#include <vector>
+
+namespace navrel {
+
+class DispatchQueue;
+
+/// The editor that the person has open just now: of several kinds the first that answers when
+/// asked. The active project is told from the active file's place.
+class FollowedEditor final : public Editor {
+public:
+    /// A query takes no longer, however many kinds are asked: it blocks the main thread.
+    static constexpr std::chrono::milliseconds kQueryAtMost{500};
+    /// Opening happens on a thread of its own; a big file takes an editor a moment.
+    static constexpr std::chrono::milliseconds kOpenAtMost{5000};
+    /// Of more files that wait to be opened the newer ones are dropped: a device that asks without
+    /// end must not fill the memory.
+    static constexpr int kMaximumWaitingRequests = 64;
+
+    /// `lastResort` (may be null) is what is used when none of `editors` answers. Needs a
+    /// QCoreApplication.
+    FollowedEditor(std::vector<std::shared_ptr<RunningEditor>> editors,
+                   std::shared_ptr<Editor> lastResort);
+    ~FollowedEditor() override;
+
+    std::optional<QString> activeProjectPath() override;
+    std::optional<QString> activeFileName() override;
+    /// Requests are carried out one after another, in their order. A relative path is one from the
+    /// folder of this process.
+    void openFile(const QString& path, std::optional<int> line) override;
+
+private:
+    struct Request;
+
+    std::optional<QByteArray> activeFile();
+
+    const std::vector<std::shared_ptr<RunningEditor>> editors_;
+    const std::shared_ptr<Editor> lastResort_;
+    const std::shared_ptr<DispatchQueue> requests_;
+    /// Requests that have not ended. Any thread.
+    const std::shared_ptr<std::atomic<int>> waiting_ = std::make_shared<std::atomic<int>>(0);
+};
+
+} // namespace navrel

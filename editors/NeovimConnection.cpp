@@ -1,0 +1,178 @@
+#include "editors/NeovimConnection.h"
+
+#include "editors/MessagePack.h"
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <limits>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace navrel {
+
+namespace {
+
+// The protocol: a request is [0, identifier, method, arguments], its response [1, identifier,
+// error, result].
+constexpr qint64 kRequest = 0;
+constexpr qint64 kResponse = 1;
+constexpr qsizetype kResponseFields = 4;
+
+#ifdef MSG_NOSIGNAL
+constexpr int kSendFlags = MSG_NOSIGNAL;
+#else
+constexpr int kSendFlags = 0;
+#endif
+
+int makeSocket() {
+    const int descriptor = ::socket(AF_UNIX, SOCK_STREAM, 0);
+    if (descriptor < 0) {
+        return descriptor;
+    }
+    ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
+    ::fcntl(descriptor, F_SETFL, O_NONBLOCK);
+#ifdef SO_NOSIGPIPE
+    const int on = 1;
+    ::setsockopt(descriptor, SOL_SOCKET, SO_NOSIGPIPE, &on, sizeof on);
+#endif
+    return descriptor;
+}
+
+/// Whether who listens at the other end is this user.
+bool peerIsThisUser(int socket) {
+#ifdef SO_PEERCRED
+    ucred peer = {};
+    socklen_t length = sizeof peer;
+    return ::getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &length) == 0 &&
+           peer.uid == ::geteuid();
+#else
+    uid_t user = 0;
+    gid_t group = 0;
+    return ::getpeereid(socket, &user, &group) == 0 && user == ::geteuid();
+#endif
+}
+
+} // namespace
+
+std::unique_ptr<NeovimConnection> NeovimConnection::open(const QByteArray& socketPath,
+                                                         bool& isOverdue) {
+    isOverdue = false;
+    sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    if (static_cast<size_t>(socketPath.size()) >= sizeof address.sun_path ||
+        socketPath.contains('\0')) {
+        return nullptr;
+    }
+    std::memcpy(address.sun_path, socketPath.constData(), static_cast<size_t>(socketPath.size()));
+    const int descriptor = makeSocket();
+    if (descriptor < 0) {
+        return nullptr;
+    }
+    std::unique_ptr<NeovimConnection> connection(new NeovimConnection(descriptor));
+    // On such sockets it succeeds at once, or the listener's queue is full: it accepts no more.
+    if (::connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+        isOverdue = errno == EAGAIN;
+        return nullptr;
+    }
+    return peerIsThisUser(descriptor) ? std::move(connection) : nullptr;
+}
+
+NeovimConnection::~NeovimConnection() {
+    ::close(socket_);
+}
+
+NeovimConnection::Reply NeovimConnection::call(const QByteArray& method,
+                                               const QVariantList& arguments,
+                                               const QDeadlineTimer& deadline) {
+    const qint64 identifier = ++lastIdentifier_;
+    const QVariantList request = {kRequest, identifier, method, QVariant(arguments)};
+    if (!send(messagePackOf(request), deadline)) {
+        return {};
+    }
+    while (true) {
+        if (const auto reply = takeReply(identifier)) {
+            return *reply;
+        }
+        if (!receive(deadline)) {
+            return {};
+        }
+    }
+}
+
+bool NeovimConnection::waitFor(short event, const QDeadlineTimer& deadline) const {
+    pollfd waited = {socket_, event, 0};
+    while (!deadline.hasExpired()) {
+        constexpr qint64 kLongest = std::numeric_limits<int>::max();
+        const auto atMost = static_cast<int>(std::min(deadline.remainingTime(), kLongest));
+        const int ready = ::poll(&waited, 1, atMost);
+        if (ready > 0) {
+            return true;
+        }
+        if (ready < 0 && errno != EINTR) {
+            return false;
+        }
+    }
+    return false;
+}
+
+bool NeovimConnection::send(const QByteArray& bytes, const QDeadlineTimer& deadline) const {
+    qsizetype sent = 0;
+    while (sent < bytes.size()) {
+        if (!waitFor(POLLOUT, deadline)) {
+            return false;
+        }
+        const ssize_t count = ::send(socket_, bytes.constData() + sent,
+                                     static_cast<size_t>(bytes.size() - sent), kSendFlags);
+        if (count < 0 && errno != EAGAIN && errno != EINTR) {
+            return false;
+        }
+        sent += count > 0 ? count : 0;
+    }
+    return true;
+}
+
+/// Takes in what has come, waiting for something. False at the end, on a failure, or in the face of
+/// a server that says too much.
+bool NeovimConnection::receive(const QDeadlineTimer& deadline) {
+    if (received_.size() > kMaximumNeovimReply || !waitFor(POLLIN, deadline)) {
+        return false;
+    }
+    std::array<char, 4096> piece;
+    const ssize_t count = ::recv(socket_, piece.data(), piece.size(), 0);
+    if (count < 0 && (errno == EAGAIN || errno == EINTR)) {
+        return true;
+    }
+    received_.append(piece.data(), count > 0 ? count : 0);
+    return count > 0;
+}
+
+/// The response to a request, if it has arrived whole. What is no such response is passed over;
+/// what is no message at all counts as no answer.
+std::optional<NeovimConnection::Reply> NeovimConnection::takeReply(qint64 identifier) {
+    while (!received_.isEmpty()) {
+        const MessagePackReading reading = readMessagePack(received_);
+        if (reading.outcome == MessagePackReading::Outcome::Incomplete) {
+            return std::nullopt;
+        }
+        if (reading.outcome == MessagePackReading::Outcome::Invalid ||
+            reading.value.typeId() != QMetaType::QVariantList) {
+            return Reply();
+        }
+        received_.remove(0, reading.length);
+        const QVariantList message = reading.value.toList();
+        if (message.size() != kResponseFields || message[0] != kResponse ||
+            message[1] != identifier) {
+            continue;
+        }
+        const bool isError = message[2].isValid();
+        return isError ? Reply{Reply::Kind::Error, message[2]}
+                       : Reply{Reply::Kind::Result, message[3]};
+    }
+    return std::nullopt;
+}
+
+} // namespace navrel

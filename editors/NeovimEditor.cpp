@@ -1,0 +1,136 @@
+#include "editors/NeovimEditor.h"
+
+#include "editors/NeovimConnection.h"
+#include "editors/NeovimScripts.h"
+#include "editors/NeovimServers.h"
+#include "support/Log.h"
+
+#include <QVariantMap>
+
+#include <memory>
+#include <thread>
+#include <utility>
+
+namespace navrel {
+
+namespace {
+
+using Reply = NeovimConnection::Reply;
+
+/// The keys that leave a mode are read by the editor's own loop, soon after the script that gave
+/// them.
+constexpr std::chrono::milliseconds kReadinessPause{5};
+/// An editor that runs answers in a few milliseconds; the next one is worth trying after this.
+constexpr std::chrono::milliseconds kFirstAnswerAtMost{1000};
+
+Reply runScript(NeovimConnection& editor, const char* script, const QVariantList& arguments,
+                const QDeadlineTimer& deadline) {
+    return editor.call("nvim_exec_lua", {QByteArray(script), QVariant(arguments)}, deadline);
+}
+
+enum class Readiness { Ready, WaitsForAKey, Silent };
+
+/// Asks what an editor answers even in the middle of a command: any other question would wait for
+/// the person's next key.
+Readiness readinessOf(NeovimConnection& editor, const QDeadlineTimer& deadline) {
+    const Reply mode = editor.call("nvim_get_mode", {}, deadline);
+    if (mode.kind != Reply::Kind::Result || mode.value.typeId() != QMetaType::QVariantMap) {
+        return Readiness::Silent;
+    }
+    const QVariant blocking = mode.value.toMap().value(QStringLiteral("blocking"));
+    return blocking == false ? Readiness::Ready : Readiness::WaitsForAKey;
+}
+
+/// Brings the editor to where a file can be opened, from any mode.
+bool leaveMode(NeovimConnection& editor, const QDeadlineTimer& deadline) {
+    bool keysGiven = false;
+    while (readinessOf(editor, deadline) != Readiness::Silent) {
+        const Reply ready = runScript(editor, kNeovimIsReadyScript, {}, deadline);
+        if (ready.kind != Reply::Kind::Result || ready.value == true) {
+            return ready.kind == Reply::Kind::Result;
+        }
+        if (!keysGiven) {
+            runScript(editor, kNeovimLeaveModeScript, {}, deadline);
+            keysGiven = true;
+        }
+        std::this_thread::sleep_for(kReadinessPause);
+    }
+    return false;
+}
+
+QString failureText(const Reply& reply) {
+    if (reply.kind == Reply::Kind::None) {
+        return QStringLiteral("no answer");
+    }
+    const QVariantList error = reply.value.toList(); // [kind, text]
+    return QString::fromUtf8(error.isEmpty() ? QByteArray() : error.last().toByteArray());
+}
+
+QDeadlineTimer earlierOf(const QDeadlineTimer& deadline, std::chrono::milliseconds atMost) {
+    const QDeadlineTimer own(atMost);
+    return own < deadline ? own : deadline;
+}
+
+} // namespace
+
+NeovimEditor::NeovimEditor(std::chrono::milliseconds leftAloneFor) : silent_(leftAloneFor) {}
+
+std::optional<QByteArray> NeovimEditor::activeFile(const QDeadlineTimer& deadline) {
+    for (const QByteArray& socket : neovimServerSockets()) {
+        if (silent_.contains(socket) || deadline.hasExpired()) {
+            continue;
+        }
+        if (auto file = activeFileOf(socket, deadline)) {
+            return file;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<QByteArray> NeovimEditor::activeFileOf(const QByteArray& socket,
+                                                     const QDeadlineTimer& deadline) {
+    bool isSilent = false;
+    const auto editor = NeovimConnection::open(socket, isSilent);
+    Reply file;
+    if (editor != nullptr) {
+        const Readiness readiness = readinessOf(*editor, deadline);
+        if (readiness == Readiness::WaitsForAKey) {
+            return std::nullopt; // which cost next to nothing: it may be asked again at once
+        }
+        if (readiness == Readiness::Ready) {
+            file = runScript(*editor, kNeovimActiveFileScript, {}, deadline);
+        }
+        isSilent = file.kind == Reply::Kind::None;
+    }
+    if (isSilent) {
+        silent_.add(socket);
+    }
+    const bool isText = file.kind == Reply::Kind::Result && //
+                        file.value.typeId() == QMetaType::QByteArray;
+    return isText ? std::optional(file.value.toByteArray()) : std::nullopt;
+}
+
+bool NeovimEditor::open(const QByteArray& path, std::optional<int> line,
+                        const QDeadlineTimer& deadline) {
+    for (const QByteArray& socket : neovimServerSockets()) {
+        bool isOverdue = false;
+        const auto editor = NeovimConnection::open(socket, isOverdue);
+        const auto soon = earlierOf(deadline, kFirstAnswerAtMost);
+        if (editor == nullptr || readinessOf(*editor, soon) != Readiness::Ready) {
+            continue;
+        }
+        Reply opened;
+        if (leaveMode(*editor, deadline)) {
+            const QVariant lineOrNil = line ? QVariant(*line) : QVariant();
+            opened = runScript(*editor, kNeovimOpenScript, {path, lineOrNil}, deadline);
+        }
+        if (opened.kind != Reply::Kind::Result) {
+            log(QStringLiteral("Neovim did not open %1: %2")
+                    .arg(QString::fromUtf8(path), failureText(opened)));
+        }
+        return true;
+    }
+    return false;
+}
+
+} // namespace navrel

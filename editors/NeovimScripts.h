@@ -1,0 +1,100 @@
+#pragma once
+
+/// What Neovim is told to do, in its own Lua. Paths and lines come as arguments (`...`), never as
+/// part of the text.
+namespace navrel {
+
+/// Name of the file in the window that the person looks at; empty for a terminal, a list, a help
+/// page. Seen through what floats above it, or a command-line window.
+inline constexpr char kNeovimActiveFileScript[] = R"lua(
+local api, fn = vim.api, vim.fn
+local window = api.nvim_get_current_win()
+if fn.getcmdwintype() ~= '' or api.nvim_win_get_config(window).relative ~= '' then
+    local previous = fn.win_getid(fn.winnr('#'))
+    if previous ~= 0 then window = previous end
+end
+local buffer = api.nvim_win_get_buf(window)
+if vim.bo[buffer].buftype ~= '' then return '' end
+return api.nvim_buf_get_name(buffer)
+)lua";
+
+/// Leaves whatever mode the editor is in by its own keys, which no mapping changes. They take
+/// effect once the script has returned; all of them are harmless when there is nothing to leave.
+inline constexpr char kNeovimLeaveModeScript[] = R"lua(
+local to_normal = '\28\14'
+local keys = to_normal
+if vim.fn.getcmdwintype() ~= '' then keys = to_normal .. '\3' .. to_normal end
+vim.api.nvim_feedkeys(keys, 'n', false)
+)lua";
+
+/// Whether a file can be opened now: normal mode, outside a command-line window.
+inline constexpr char kNeovimIsReadyScript[] = R"lua(
+local mode = vim.api.nvim_get_mode().mode
+return vim.fn.getcmdwintype() == '' and (mode == 'n' or mode == 'nt')
+)lua";
+
+/// Opens a file and selects a line: one operation. Arguments: the path, and the line or nil.
+inline constexpr char kNeovimOpenScript[] = R"lua(
+local path, line = ...
+local api, fn, cmd = vim.api, vim.fn, vim.cmd
+local not_for_files = { help = true, quickfix = true, prompt = true, nofile = true }
+local loses_changes = { unload = true, delete = true, wipe = true }
+
+local function is_floating(window)
+    return api.nvim_win_get_config(window).relative ~= ''
+end
+-- A window in which a file may take the place of what is there, without any loss.
+local function is_fitting(window)
+    local shown = vim.bo[api.nvim_win_get_buf(window)]
+    return not is_floating(window) and not vim.wo[window].previewwindow
+        and not not_for_files[shown.buftype]
+        and not (shown.modified and loses_changes[shown.bufhidden])
+end
+local function go_to_fitting_window()
+    if is_fitting(0) then return end
+    local windows = api.nvim_tabpage_list_wins(0)
+    for _, window in ipairs(windows) do
+        if is_fitting(window) then return api.nvim_set_current_win(window) end
+    end
+    for _, window in ipairs(windows) do
+        if not is_floating(window) then api.nvim_set_current_win(window) end
+    end
+    cmd('silent split')
+end
+-- A file that another editor has open is shown for reading; after a crash the swap file stays.
+local function answer_swap_file()
+    local pid = fn.swapinfo(vim.v.swapname).pid
+    local gone = true
+    if pid and pid > 0 then
+        local _, _, failure = vim.loop.kill(pid, 0)
+        gone = failure == 'ESRCH'
+    end
+    vim.v.swapchoice = gone and 'e' or 'o'
+end
+-- What has changed on the disk is read again; what has changed in both places stays as it is, and
+-- writing it asks.
+local function answer_changed_file()
+    vim.v.fcs_choice = vim.v.fcs_reason == 'changed' and 'reload' or ''
+end
+local function show(buffer)
+    local group = api.nvim_create_augroup('navrel_open', { clear = true })
+    api.nvim_create_autocmd('SwapExists', { group = group, callback = answer_swap_file })
+    api.nvim_create_autocmd('FileChangedShell', { group = group, callback = answer_changed_file })
+    local done, failure = pcall(cmd, 'silent keepjumps hide buffer ' .. buffer)
+    api.nvim_del_augroup_by_id(group)
+    if not done and api.nvim_get_current_buf() ~= buffer then error(failure, 0) end
+end
+
+go_to_fitting_window()
+local buffer = fn.bufadd(path)
+cmd("normal! m'")
+show(buffer)
+vim.bo[buffer].buflisted = true
+if line then
+    local last = api.nvim_buf_line_count(buffer)
+    api.nvim_win_set_cursor(0, { math.max(1, math.min(line, last)), 0 })
+    cmd('normal! zvzzV')
+end
+)lua";
+
+} // namespace navrel

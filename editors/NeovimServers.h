@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QByteArray>
+#include <QByteArrayList>
+
+namespace navrel {
+
+/// Where a running Neovim may listen, by the process's environment: `$NVIM`,
+/// `$NVIM_LISTEN_ADDRESS`, then the server sockets of this user in `$XDG_RUNTIME_DIR` and in
+/// `$TMPDIR` (`/tmp` where that is unset), the newest first. Absolute paths, none twice; whether
+/// somebody listens there is not examined. At most `kMaximumNeovimServers`. Any thread.
+QByteArrayList neovimServerSockets();
+
+/// More than anyone runs; a folder full of sockets must not cost a query its time.
+inline constexpr int kMaximumNeovimServers = 32;
+
+} // namespace navrel
