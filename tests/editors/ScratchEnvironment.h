@@ -12,6 +12,7 @@
 #include <optional>
 #include <sstream>
 #include <string>
+#include <system_error>
 
 namespace navrel {
 
@@ -31,6 +32,9 @@ public:
         }
     }
     ~ScratchEnvironment() {
+        // Qt's own removal leaves files whose names are not UTF-8.
+        std::error_code ignored;
+        std::filesystem::remove_all(folder_.path().toStdString(), ignored);
         for (auto entry = previous_.begin(); entry != previous_.end(); ++entry) {
             if (*entry) {
                 qputenv(entry.key().constData(), **entry);

@@ -1,0 +1,249 @@
+#include "editors/EditorChoice.h"
+#include "editors/FollowedEditor.h"
+#include "editors/XcodeEditor.h"
+#include "tests/LogRecorder.h"
+#include "tests/RecordingTool.h"
+#include "tests/WaitUntil.h"
+#include "tests/editors/ScratchEnvironment.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace navrel {
+namespace {
+
+struct Opened {
+    QByteArray path;
+    std::optional<int> line;
+    bool operator==(const Opened&) const = default;
+};
+
+/// Answers as told and records what it was asked to open.
+class FakeRunningEditor final : public RunningEditor {
+public:
+    std::optional<QByteArray> activeFile(const QDeadlineTimer&) override {
+        ++queries;
+        return file;
+    }
+    bool open(const QByteArray& path, std::optional<int> line, const QDeadlineTimer&) override {
+        while (isHeld) {
+            std::this_thread::yield();
+        }
+        const std::lock_guard lock(mutex_);
+        opened_.push_back({path, line});
+        thread_ = std::this_thread::get_id();
+        return answersOpen;
+    }
+
+    std::vector<Opened> opened() const {
+        const std::lock_guard lock(mutex_);
+        return opened_;
+    }
+    std::thread::id thread() const {
+        const std::lock_guard lock(mutex_);
+        return thread_;
+    }
+
+    std::optional<QByteArray> file;
+    int queries = 0;
+    std::atomic<bool> answersOpen = true;
+    std::atomic<bool> isHeld = false;
+
+private:
+    mutable std::mutex mutex_; ///< guards what follows; any thread
+    std::vector<Opened> opened_;
+    std::thread::id thread_;
+};
+
+/// The editor of last resort, as the desktop is.
+class FakeLastResort final : public Editor {
+public:
+    std::optional<QString> activeProjectPath() override { return QStringLiteral(""); }
+    std::optional<QString> activeFileName() override { return QStringLiteral(""); }
+    void openFile(const QString& path, std::optional<int>) override {
+        const std::lock_guard lock(mutex_);
+        opened_.append(path);
+    }
+    QStringList opened() const {
+        const std::lock_guard lock(mutex_);
+        return opened_;
+    }
+
+private:
+    mutable std::mutex mutex_; ///< guards what follows; any thread
+    QStringList opened_;
+};
+
+class FollowedEditorTest : public ::testing::Test {
+protected:
+    ScratchEnvironment environment;
+    std::shared_ptr<FakeRunningEditor> first = std::make_shared<FakeRunningEditor>();
+    std::shared_ptr<FakeRunningEditor> second = std::make_shared<FakeRunningEditor>();
+    std::shared_ptr<FakeLastResort> lastResort = std::make_shared<FakeLastResort>();
+    FollowedEditor followed{{first, second}, lastResort};
+};
+
+TEST_F(FollowedEditorTest, theFirstThatAnswersIsFollowed) {
+    first->file = "/a/one.m";
+    second->file = "/a/two.m";
+    EXPECT_EQ(followed.activeFileName(), QStringLiteral("one.m"));
+    EXPECT_EQ(second->queries, 0);
+    first->file = std::nullopt;
+    EXPECT_EQ(followed.activeFileName(), QStringLiteral("two.m"));
+}
+
+TEST_F(FollowedEditorTest, whenNoneAnswersTheLastResortDoes) {
+    EXPECT_EQ(followed.activeFileName(), QStringLiteral(""));
+    EXPECT_EQ(followed.activeProjectPath(), QStringLiteral(""));
+}
+
+TEST_F(FollowedEditorTest, withoutALastResortAnEditorThatDoesNotAnswerCannotBeAsked) {
+    FollowedEditor alone({first}, nullptr);
+    EXPECT_EQ(alone.activeFileName(), std::nullopt);
+    EXPECT_EQ(alone.activeProjectPath(), std::nullopt);
+}
+
+TEST_F(FollowedEditorTest, theActiveProjectIsTheBundleNearestToTheActiveFile) {
+    const QByteArray bundle = environment.bytesOf("work/App.xcodeproj");
+    ScratchEnvironment::write(bundle + "/project.pbxproj", "");
+    first->file = environment.bytesOf("work/src/a.m");
+    EXPECT_EQ(followed.activeProjectPath(), QString::fromUtf8(bundle));
+    first->file = environment.bytesOf("elsewhere/a.m");
+    EXPECT_EQ(followed.activeProjectPath(), QStringLiteral(""));
+    first->file = "";
+    EXPECT_EQ(followed.activeProjectPath(), QStringLiteral(""));
+}
+
+TEST_F(FollowedEditorTest, aBufferWhoseNameIsNoPathIsNoFile) {
+    for (const char* name : {"scratch", "oil:///work", "term://bash", ""}) {
+        first->file = name;
+        EXPECT_EQ(followed.activeFileName(), QStringLiteral("")) << name;
+    }
+}
+
+TEST_F(FollowedEditorTest, aNameThatIsNoTextIsNoFileThatCouldBeNamed) {
+    first->file = "/a/\xFF.m";
+    EXPECT_EQ(followed.activeFileName(), QStringLiteral(""));
+    ScratchEnvironment::write(environment.bytesOf("\xFF/App.xcodeproj/project.pbxproj"), "");
+    first->file = environment.bytesOf("\xFF/a.m");
+    EXPECT_EQ(followed.activeProjectPath(), QStringLiteral(""));
+}
+
+TEST_F(FollowedEditorTest, openingHappensOnAnotherThreadAndIsNotWaitedFor) {
+    first->isHeld = true;
+    followed.openFile(QStringLiteral("/a.m"), 42);
+    EXPECT_TRUE(first->opened().empty());
+    first->isHeld = false;
+    ASSERT_TRUE(waitUntil([&] { return !first->opened().empty(); }));
+    EXPECT_EQ(first->opened(), (std::vector<Opened>{{"/a.m", 42}}));
+    EXPECT_NE(first->thread(), std::this_thread::get_id());
+}
+
+TEST_F(FollowedEditorTest, requestsKeepTheirOrder) {
+    constexpr int kRequests = 50;
+    for (int line = 1; line <= kRequests; ++line) {
+        followed.openFile(QStringLiteral("/a.m"), line);
+    }
+    ASSERT_TRUE(waitUntil([&] { return first->opened().size() == kRequests; }));
+    for (int line = 1; line <= kRequests; ++line) {
+        EXPECT_EQ(first->opened()[static_cast<std::size_t>(line - 1)].line, line);
+    }
+}
+
+TEST_F(FollowedEditorTest, theNextEditorOpensWhatTheFirstDoesNotAnswerTo) {
+    first->answersOpen = false;
+    followed.openFile(QStringLiteral("/a.m"), std::nullopt);
+    ASSERT_TRUE(waitUntil([&] { return !second->opened().empty(); }));
+    EXPECT_EQ(second->opened(), (std::vector<Opened>{{"/a.m", std::nullopt}}));
+    EXPECT_EQ(lastResort->opened(), QStringList());
+}
+
+TEST_F(FollowedEditorTest, theLastResortOpensWhatNoneAnswersTo) {
+    first->answersOpen = second->answersOpen = false;
+    followed.openFile(QStringLiteral("/a.m"), 1);
+    EXPECT_TRUE(
+        waitUntil([&] { return lastResort->opened() == QStringList{QStringLiteral("/a.m")}; }));
+}
+
+TEST_F(FollowedEditorTest, withoutALastResortWhatNoneAnswersToIsLogged) {
+    LogRecorder log;
+    first->answersOpen = false;
+    FollowedEditor({first}, nullptr).openFile(QStringLiteral("/a.m"), 1);
+    ASSERT_TRUE(waitUntil([&] { return !first->opened().empty(); }));
+    EXPECT_TRUE(waitUntil([&] { return log.messages().size() == 1; }));
+    EXPECT_EQ(log.messages(),
+              QStringList{QStringLiteral("No editor answers: /a.m was not opened")});
+}
+
+TEST_F(FollowedEditorTest, aDeviceThatAsksWithoutEndFillsNoMemory) {
+    LogRecorder log;
+    first->isHeld = true;
+    constexpr int kTooMany = 10;
+    for (int i = 0; i < FollowedEditor::kMaximumWaitingRequests + kTooMany; ++i) {
+        followed.openFile(QStringLiteral("/a.m"), i);
+    }
+    EXPECT_EQ(log.messages().size(), kTooMany);
+    first->isHeld = false;
+    EXPECT_TRUE(waitUntil(
+        [&] { return first->opened().size() == FollowedEditor::kMaximumWaitingRequests; }));
+    // And then it opens files as ever.
+    EXPECT_TRUE(waitUntil([&] {
+        followed.openFile(QStringLiteral("/b.m"), 1);
+        return first->opened().back().path == "/b.m";
+    }));
+}
+
+TEST_F(FollowedEditorTest, aRelativePathIsOneFromTheFolderOfTheProcess) {
+    followed.openFile(QStringLiteral("-c"), std::nullopt);
+    ASSERT_TRUE(waitUntil([&] { return !first->opened().empty(); }));
+    EXPECT_EQ(first->opened().front().path, QDir::currentPath().toUtf8() + "/-c");
+}
+
+TEST_F(FollowedEditorTest, whatNamesNoFileOpensNothing) {
+    followed.openFile(QStringLiteral(""), 1);
+    followed.openFile(QStringLiteral("/a") + QChar(u'\0') + QStringLiteral("b"), 1);
+    followed.openFile(QStringLiteral("/a.m"), 1);
+    ASSERT_TRUE(waitUntil([&] { return !first->opened().empty(); }));
+    EXPECT_EQ(first->opened().front().path, "/a.m");
+}
+
+TEST(EditorChoice, theEnvironmentNamesTheEditor) {
+    ScratchEnvironment environment;
+    environment.set("NAVREL_EDITOR", "xcode");
+    EXPECT_NE(std::dynamic_pointer_cast<XcodeEditor>(chooseEditor()), nullptr);
+    for (const char* name : {"neovim", "emacs"}) {
+        environment.set("NAVREL_EDITOR", name);
+        EXPECT_EQ(chooseEditor()->activeProjectPath(), std::nullopt) << name << " does not run";
+    }
+    environment.set("NAVREL_EDITOR", "desktop");
+    EXPECT_EQ(chooseEditor()->activeProjectPath(), QStringLiteral(""));
+}
+
+TEST(EditorChoice, withoutAnyEditorTheDesktopOpensFiles) {
+    if (QFile::exists(XcodeEditor::Tools().osascript)) {
+        GTEST_SKIP() << "Xcode's tools are installed";
+    }
+    const ScratchEnvironment environment;
+    const RecordingTool opener(QStringLiteral("xdg-open"));
+    const auto editor = chooseEditor();
+    EXPECT_EQ(editor->activeProjectPath(), QStringLiteral(""));
+    EXPECT_EQ(editor->activeFileName(), QStringLiteral(""));
+    editor->openFile(QStringLiteral("/a.m"), 42);
+    ASSERT_TRUE(waitUntil([&] { return !opener.arguments().isEmpty(); }));
+    EXPECT_EQ(opener.arguments(), QByteArrayList{"/a.m"});
+}
+
+TEST(EditorChoice, anUnknownNameIsLoggedAndTheEditorDetected) {
+    ScratchEnvironment environment;
+    environment.set("NAVREL_EDITOR", "ed");
+    LogRecorder log;
+    EXPECT_NE(chooseEditor(), nullptr);
+    EXPECT_EQ(log.messages(), QStringList{QStringLiteral("NAVREL_EDITOR names no editor: ed")});
+}
+
+} // namespace
+} // namespace navrel

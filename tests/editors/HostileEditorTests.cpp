@@ -1,0 +1,224 @@
+// Editors that do not answer, and servers that are none: no question lasts longer than its limit,
+// and none brings the program down.
+
+#include "editors/EmacsEditor.h"
+#include "editors/FollowedEditor.h"
+#include "editors/MessagePack.h"
+#include "editors/NeovimConnection.h"
+#include "editors/NeovimEditor.h"
+#include "editors/NeovimServers.h"
+#include "support/ToolRunner.h"
+#include "tests/WaitUntil.h"
+#include "tests/editors/FakeServer.h"
+#include "tests/editors/ScratchEnvironment.h"
+#include "tests/editors/Terminal.h"
+
+#include <QElapsedTimer>
+#include <QProcess>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace navrel {
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr milliseconds kQueryAtMost{300};
+/// What a busy machine may add to a limit before it counts as not kept.
+constexpr milliseconds kGrace{2000};
+
+/// Sends the same bytes again and again until nobody takes them, or so often.
+FakeServer::Conversation saying(const QByteArray& bytes, int times = 1) {
+    return [bytes, times](int connection, const std::atomic<bool>& isEnding) {
+        for (int round = 0; round < times && !isEnding; ++round) {
+            if (::send(connection, bytes.constData(), static_cast<size_t>(bytes.size()),
+                       MSG_NOSIGNAL) < 0) {
+                return;
+            }
+        }
+        // Until the other end has enough.
+        pollfd waited = {connection, POLLRDHUP, 0};
+        while (!isEnding && ::poll(&waited, 1, 10) == 0) {
+        }
+    };
+}
+
+class HostileNeovim : public ::testing::Test {
+protected:
+    QByteArray socket(const char* name = "1") const {
+        return environment.bytesOf("xdg_runtime_dir/nvim.") + name + ".0";
+    }
+
+    /// Asks once, within the limit.
+    std::optional<QByteArray> ask() { return ask(editor); }
+    static std::optional<QByteArray> ask(NeovimEditor& asked) {
+        QElapsedTimer clock;
+        clock.start();
+        const auto file = asked.activeFile(QDeadlineTimer(kQueryAtMost));
+        EXPECT_LT(milliseconds(clock.elapsed()), kQueryAtMost + kGrace);
+        return file;
+    }
+
+    ScratchEnvironment environment;
+    NeovimEditor editor;
+};
+
+TEST_F(HostileNeovim, aServerThatSaysNothingIsAskedOnceAndThenLeftAlone) {
+    const FakeServer server(socket(), saying(""));
+    EXPECT_EQ(ask(), std::nullopt);
+    EXPECT_EQ(server.connections(), 1);
+    EXPECT_EQ(ask(), std::nullopt);
+    EXPECT_EQ(server.connections(), 1);
+}
+
+TEST_F(HostileNeovim, aServerThatWasLeftAloneIsAskedAgainLater) {
+    const FakeServer server(socket(), saying(""));
+    NeovimEditor forgiving(milliseconds(50));
+    EXPECT_TRUE(waitUntil([&] {
+        forgiving.activeFile(QDeadlineTimer(milliseconds(20)));
+        return server.connections() >= 2;
+    }));
+}
+
+TEST_F(HostileNeovim, garbageIsNoAnswer) {
+    const QByteArray greeting = "HTTP/1.1 400 Bad Request\r\n\r\n";
+    for (const QByteArray& bytes :
+         {greeting, QByteArray("\xC1"), QByteArray(5000, '\x91'), QByteArray(5000, '\0'),
+          QByteArray("\xDD\xFF\xFF\xFF\xFF"), QByteArray("\xC6\xFF\xFF\xFF\xFF"),
+          messagePackOf(QVariantList{1, 1, QVariant(), QByteArray("no map")}),
+          messagePackOf(QVariantList{1, 1, QByteArray("an error"), QVariant()}),
+          messagePackOf(QVariantList{1, 7, QVariant(), QVariant()}),
+          messagePackOf(QVariantList{0, 1, QByteArray("a_request"), QVariant(QVariantList())})}) {
+        const FakeServer server(socket(), saying(bytes));
+        NeovimEditor fresh;
+        EXPECT_EQ(ask(fresh), std::nullopt) << bytes.left(20).toHex().constData();
+        EXPECT_EQ(server.connections(), 1);
+        ::unlink(socket().constData());
+    }
+}
+
+TEST_F(HostileNeovim, aServerThatWritesWithoutEndIsNoAnswer) {
+    constexpr int kForEver = 1'000'000'000;
+    for (const QByteArray& bytes :
+         {QByteArray(4096, '\x01'), QByteArray(4096, '\x90'),
+          QByteArray("\xDD\xFF\xFF\xFF\xFF") + QByteArray(4096, '\xC0')}) {
+        const FakeServer server(socket(), saying(bytes, kForEver));
+        NeovimEditor fresh;
+        EXPECT_EQ(ask(fresh), std::nullopt);
+        ::unlink(socket().constData());
+    }
+}
+
+TEST_F(HostileNeovim, anAnswerBeyondTheLimitIsNone) {
+    const QByteArray huge = messagePackOf(
+        QVariantList{1, 1, QVariant(), QByteArray(kMaximumNeovimReply + 10'000, 'x')});
+    const FakeServer server(socket(), saying(huge));
+    bool isOverdue = false;
+    const auto connection = NeovimConnection::open(socket(), isOverdue);
+    ASSERT_NE(connection, nullptr);
+    EXPECT_EQ(connection->call("any", {}, QDeadlineTimer(milliseconds(10'000))).kind,
+              NeovimConnection::Reply::Kind::None);
+}
+
+TEST_F(HostileNeovim, aStaleSocketCostsNothingAndIsNoAnswer) {
+    leaveStaleSocket(socket());
+    ASSERT_EQ(neovimServerSockets(), QByteArrayList{socket()});
+    EXPECT_EQ(ask(), std::nullopt);
+    EXPECT_FALSE(editor.open("/a.m", 1, QDeadlineTimer(milliseconds(5000))));
+}
+
+TEST_F(HostileNeovim, aFolderFullOfSocketsIsCutShort) {
+    for (int i = 0; i < kMaximumNeovimServers + 20; ++i) {
+        leaveStaleSocket(socket(QByteArray::number(i).constData()));
+    }
+    EXPECT_EQ(neovimServerSockets().size(), kMaximumNeovimServers);
+    EXPECT_EQ(ask(), std::nullopt);
+}
+
+TEST_F(HostileNeovim, aNetworkAddressIsNoSocket) {
+    environment.set("NVIM", "127.0.0.1:6666");
+    environment.set("NVIM_LISTEN_ADDRESS", QByteArray(1, '/') + QByteArray(500, 'x'));
+    EXPECT_EQ(ask(), std::nullopt);
+}
+
+TEST_F(HostileNeovim, theSocketOfAnotherUserIsNotUsed) {
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "needs root, to act as somebody else";
+    }
+    constexpr uid_t kNobody = 65534;
+    const FakeServer server(socket(), saying(""));
+    bool isOverdue = false;
+    ASSERT_NE(NeovimConnection::open(socket(), isOverdue), nullptr);
+
+    // The same socket, asked by somebody else: whose it is, is told by the listener.
+    ASSERT_EQ(::chmod(environment.path().toUtf8().constData(), 0755), 0);
+    ASSERT_EQ(::chmod(environment.bytesOf("xdg_runtime_dir").constData(), 0755), 0);
+    ASSERT_EQ(::chmod(socket().constData(), 0777), 0);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        const bool isSomebodyElse = ::setresuid(kNobody, kNobody, kNobody) == 0;
+        const bool isRefused = NeovimConnection::open(socket(), isOverdue) == nullptr;
+        ::_exit(!isSomebodyElse ? 2 : isRefused && neovimServerSockets().isEmpty() ? 0 : 1);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+    EXPECT_TRUE(waitUntil([&] { return server.connections() == 2; })) << "it did not get so far";
+}
+
+/// A real editor, stopped.
+class StoppedEditor : public ::testing::Test {
+protected:
+    ~StoppedEditor() override {
+        ::kill(static_cast<pid_t>(process.processId()), SIGCONT);
+        process.kill();
+        process.waitForFinished();
+    }
+
+    void expectSilenceAndThenAnAnswer(const std::shared_ptr<RunningEditor>& editor) {
+        FollowedEditor followed({editor}, nullptr);
+        ASSERT_TRUE(waitUntil([&] { return followed.activeFileName().has_value(); }));
+
+        ASSERT_EQ(::kill(static_cast<pid_t>(process.processId()), SIGSTOP), 0);
+        QElapsedTimer clock;
+        clock.start();
+        EXPECT_EQ(followed.activeProjectPath(), std::nullopt);
+        EXPECT_LT(milliseconds(clock.elapsed()), FollowedEditor::kQueryAtMost + kGrace);
+
+        ASSERT_EQ(::kill(static_cast<pid_t>(process.processId()), SIGCONT), 0);
+        EXPECT_EQ(followed.activeFileName(), std::nullopt) << "it is left alone";
+        EXPECT_TRUE(waitUntil([&] { return followed.activeFileName().has_value(); }));
+    }
+
+    ScratchEnvironment environment;
+    QProcess process;
+};
+
+TEST_F(StoppedEditor, aStoppedNeovimIsNoAnswer) {
+    if (!findTool(QStringLiteral("nvim"))) {
+        GTEST_SKIP() << "needs nvim";
+    }
+    process.start(QStringLiteral("nvim"),
+                  {QStringLiteral("--clean"), QStringLiteral("--headless"),
+                   QStringLiteral("--listen"),
+                   environment.pathOf(QStringLiteral("xdg_runtime_dir/nvim.1.0"))});
+    expectSilenceAndThenAnAnswer(std::make_shared<NeovimEditor>(milliseconds(1000)));
+}
+
+TEST_F(StoppedEditor, aStoppedEmacsIsNoAnswer) {
+    if (!findTool(QStringLiteral("emacs"))) {
+        GTEST_SKIP() << "needs emacs";
+    }
+    process.start(QStringLiteral("emacs"), {QStringLiteral("-Q"), QStringLiteral("--fg-daemon")});
+    expectSilenceAndThenAnAnswer(std::make_shared<EmacsEditor>(milliseconds(1000)));
+}
+
+} // namespace
+} // namespace navrel
