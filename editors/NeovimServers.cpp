@@ -1,6 +1,6 @@
 #include "editors/NeovimServers.h"
 
-#include "project/FileTime.h"
+#include "project/FileDates.h"
 
 #include <QtGlobal>
 
