@@ -1,11 +1,12 @@
 #include "transport/IPv4Socket.h"
 
+#include <QDeadlineTimer>
+
 #include <cerrno>
 #include <fcntl.h>
 #include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
 namespace navrel {
 
@@ -49,16 +50,20 @@ const sockaddr* asSocketAddress(const sockaddr_in& address) {
     return reinterpret_cast<const sockaddr*>(&address);
 }
 
-/// A connect that a signal interrupted goes on by itself; waits for its outcome.
-bool awaitConnection(int socket) {
+/// Waits for the outcome of a connect that is under way.
+bool awaitConnection(int socket, std::chrono::milliseconds atMost) {
+    const QDeadlineTimer deadline(atMost);
     pollfd descriptor = {socket, POLLOUT, 0};
     int ready = 0;
     do {
-        ready = ::poll(&descriptor, 1, -1);
+        ready = ::poll(&descriptor, 1, static_cast<int>(deadline.remainingTime()));
     } while (ready < 0 && errno == EINTR);
+    if (ready == 0) {
+        errno = ETIMEDOUT;
+    }
     int outcome = 0;
     socklen_t length = sizeof outcome;
-    if (ready < 0 || ::getsockopt(socket, SOL_SOCKET, SO_ERROR, &outcome, &length) != 0) {
+    if (ready <= 0 || ::getsockopt(socket, SOL_SOCKET, SO_ERROR, &outcome, &length) != 0) {
         return false;
     }
     errno = outcome;
@@ -66,19 +71,6 @@ bool awaitConnection(int socket) {
 }
 
 } // namespace
-
-OwnedDescriptor& OwnedDescriptor::operator=(OwnedDescriptor&& other) noexcept {
-    std::swap(value_, other.value_);
-    return *this;
-}
-
-OwnedDescriptor::~OwnedDescriptor() {
-    if (isValid()) {
-        const int errnoValue = errno; // that of the failure which ends this socket
-        ::close(value_);
-        errno = errnoValue;
-    }
-}
 
 sockaddr_in IPv4SocketAddress(quint16 port, quint32 IPv4Address) {
     sockaddr_in address = {};
@@ -95,11 +87,14 @@ OwnedDescriptor makeIPv4StreamSocket() {
     return OwnedDescriptor(makeStreamSocket());
 }
 
-bool connectBlocking(int socket, const sockaddr_in& address) {
+bool connectBlocking(int socket, const sockaddr_in& address, std::chrono::milliseconds atMost) {
+    if (!makeNonBlocking(socket)) {
+        return false;
+    }
     if (::connect(socket, asSocketAddress(address), sizeof address) == 0) {
         return true;
     }
-    return errno == EINTR && awaitConnection(socket);
+    return (errno == EINPROGRESS || errno == EINTR) && awaitConnection(socket, atMost);
 }
 
 OwnedDescriptor makeListeningSocket(const sockaddr_in& address) {

@@ -1,30 +1,13 @@
 #pragma once
 
+#include "transport/OwnedDescriptor.h"
+
 #include <QtGlobal>
 
+#include <chrono>
 #include <netinet/in.h>
-#include <utility>
 
 namespace navrel {
-
-/// A descriptor that is closed when its owner is destroyed.
-class OwnedDescriptor {
-public:
-    OwnedDescriptor() = default;
-    explicit OwnedDescriptor(int value) : value_(value) {}
-    OwnedDescriptor(OwnedDescriptor&& other) noexcept : value_(other.release()) {}
-    OwnedDescriptor& operator=(OwnedDescriptor&& other) noexcept;
-    ~OwnedDescriptor();
-
-    bool isValid() const { return value_ >= 0; }
-    int value() const { return value_; }
-
-    /// The descriptor, which is the caller's to close from now on.
-    int release() { return std::exchange(value_, -1); }
-
-private:
-    int value_ = -1;
-};
 
 // TCP sockets over IPv4. Each function leaves errno set when it fails. Ports and addresses are in
 // host byte order. All sockets are closed in the programs that this one starts.
@@ -34,8 +17,9 @@ sockaddr_in IPv4SocketAddress(quint16 port, quint32 IPv4Address);
 /// A blocking stream socket; invalid on failure.
 OwnedDescriptor makeIPv4StreamSocket();
 
-/// Connects, and returns once the connection is made or refused.
-bool connectBlocking(int socket, const sockaddr_in& address);
+/// Connects, and returns once the connection is made or refused, or with ETIMEDOUT. The socket is
+/// non-blocking afterwards.
+bool connectBlocking(int socket, const sockaddr_in& address, std::chrono::milliseconds atMost);
 
 /// A non-blocking socket that listens with a backlog of 512; invalid on failure.
 OwnedDescriptor makeListeningSocket(const sockaddr_in& address);

@@ -9,8 +9,10 @@
 #include "transport/PTAddress.h"
 #include "transport/PTData.h"
 #include "transport/PTFrame.h"
+#include "transport/PTUSBHub.h"
 
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <unistd.h>
 #include <utility>
@@ -20,6 +22,10 @@ namespace navrel {
 const QString kPTErrorDomain = QStringLiteral("PTError");
 
 namespace {
+
+/// On the loopback a peer answers at once, unless its backlog is full: then the system would go on
+/// asking for minutes, and nothing else runs meanwhile.
+constexpr std::chrono::seconds kConnectTimeout{2};
 
 template <typename Callback, typename... Arguments>
 void callIfSet(const Callback& callback, const Arguments&... arguments) {
@@ -143,7 +149,7 @@ void PTChannel::connectToPort(quint16 port, quint32 IPv4Address, const ConnectCa
     }
     setConnectionOptions(socket.value());
     const sockaddr_in address = IPv4SocketAddress(port, IPv4Address);
-    if (!connectBlocking(socket.value(), address)) {
+    if (!connectBlocking(socket.value(), address, kConnectTimeout)) {
         return callIfSet(callback, Error::posix(errno), nullptr);
     }
     const auto stream = streamChannelOnSocket(std::move(socket), nullptr);
@@ -153,6 +159,30 @@ void PTChannel::connectToPort(quint16 port, quint32 IPv4Address, const ConnectCa
     const auto peer =
         std::make_shared<const PTAddress>(reinterpret_cast<const sockaddr*>(&address));
     callIfSet(callback, startReadingFromConnectedChannel(stream), peer);
+}
+
+void PTChannel::connectToPort(quint16 port, const std::shared_ptr<PTUSBHub>& overUSBHub,
+                              const QVariant& deviceID, Callback callback) {
+    NAVREL_ASSERT_AS(protocol_ != nullptr, "protocol_ != NULL");
+    if (connState_ != kConnStateNone) {
+        return callIfSet(callback, Error::posix(EPERM));
+    }
+    connState_ = kConnStateConnecting;
+    const auto onStart = [self = shared_from_this(), callback = std::move(callback)](
+                             const std::optional<Error>& error,
+                             const std::shared_ptr<DispatchIO>& stream) {
+        if (error) {
+            self->connState_ = kConnStateNone;
+            return callIfSet(callback, error);
+        }
+        callIfSet(callback, self->startReadingFromConnectedChannel(stream));
+    };
+    overUSBHub->connectToDevice(
+        deviceID, port, onStart,
+        // Deliberate: of this stream the delegate is told the hub's error, not the channel's.
+        [self = shared_from_this()](const std::optional<Error>& error) {
+            self->tellDelegateOfEnd(error);
+        });
 }
 
 // The stream channel owns the socket from here on. A listener is kept until the connection that it

@@ -8,6 +8,7 @@
 #include "transport/PTProtocol.h"
 
 #include <QString>
+#include <QVariant>
 
 #include <functional>
 #include <memory>
@@ -18,6 +19,7 @@ namespace navrel {
 
 class DispatchSource;
 class OwnedDescriptor;
+class PTUSBHub;
 
 /// Domain of the one error of channels: code 0, a stream channel could not be made on the socket.
 extern const QString kPTErrorDomain;
@@ -33,6 +35,7 @@ enum PTConnState : quint8 {
 /// One connection that carries frames, or one listening socket.
 ///
 ///   None ──connect──▶ Connecting ──▶ Connected ──close, cancel, end──▶ None
+///     ◀──failure (USB)──┘
 ///   None ──listen───▶ Listening
 ///
 /// All calls on the queue of its protocol, where the delegate is called too. Callbacks may be null;
@@ -80,10 +83,16 @@ public:
     void setConnState(PTConnState state) { connState_ = state; }
 
     /// Connects over TCP; port and address in host byte order. Blocks until the connection is made
-    /// or refused; the callback is called before this returns, with the peer's address when there
-    /// is a connection. Deliberately, a channel whose attempt failed stays connecting for good:
-    /// every attempt takes a new channel.
+    /// or refused, two seconds at most (ETIMEDOUT); the callback is called before this returns,
+    /// with the peer's address when there is a connection. Deliberately, a channel whose attempt
+    /// failed stays connecting for good: every attempt takes a new channel.
     void connectToPort(quint16 port, quint32 IPv4Address, const ConnectCallback& callback);
+
+    /// Connects to a port (in host byte order) of a device on USB; see PTUSBHub::connectToDevice.
+    /// A channel whose attempt failed is in the state None again. The delegate is told of the end
+    /// of the stream also where the attempt failed.
+    void connectToPort(quint16 port, const std::shared_ptr<PTUSBHub>& overUSBHub,
+                       const QVariant& deviceID, Callback callback);
 
     /// Listens on a TCP port of the given address, both in host byte order. The callback is called
     /// before this returns.

@@ -1,0 +1,199 @@
+#include "transport/KeptUSBStream.h"
+
+#include "support/Log.h"
+#include "support/propertylist/PropertyList.h"
+
+#include <cerrno>
+#include <utility>
+
+namespace navrel {
+
+namespace {
+
+/// Bytes that may wait on one side before the other is read on. Room for the largest packet, so
+/// that one can arrive as a whole.
+constexpr qsizetype kMostWaitingBytes = kMaxPTUSBPacketSize;
+
+/// USB has 127 addresses on a bus. Further devices of a daemon that makes them up are passed on,
+/// but not remembered.
+constexpr size_t kMostAttachedDevices = 4096;
+
+const QString kMessageType = QStringLiteral("MessageType");
+const QString kDeviceID = QStringLiteral("DeviceID");
+const QString kDetached = QStringLiteral("Detached");
+
+bool isListenRequest(const PTUSBPacket& request) {
+    return request.message &&
+           request.message->value(kMessageType).toString() == QStringLiteral("Listen");
+}
+
+} // namespace
+
+std::shared_ptr<KeptUSBStream> KeptUSBStream::create(OwnedDescriptor program, USBDaemon& daemon,
+                                                     Events events) {
+    const std::shared_ptr<KeptUSBStream> stream(new KeptUSBStream(daemon, std::move(events)));
+    stream->program_ = stream->bufferedSocket(std::move(program));
+    return stream;
+}
+
+std::unique_ptr<BufferedSocket> KeptUSBStream::bufferedSocket(OwnedDescriptor socket) {
+    return std::make_unique<BufferedSocket>(std::move(socket), [weakSelf = weak_from_this()] {
+        if (const auto self = weakSelf.lock()) {
+            self->proceed();
+        }
+    });
+}
+
+// Looks at both sides and does what can be done, whatever it was that happened.
+void KeptUSBStream::proceed() {
+    if (request_.isEmpty()) {
+        takeRequest();
+    }
+    if (daemon_ && !isRelaying_) {
+        takePackets();
+    }
+    if (daemon_ && isRelaying_) {
+        relay();
+    }
+    endIfOver();
+    arrangeReading();
+}
+
+void KeptUSBStream::takeRequest() {
+    const PTUSBPacketTaken taken = takePTUSBPacket(program_->received());
+    if (!taken.packet) {
+        return;
+    }
+    request_ = *taken.packet;
+    const PTUSBPacket request = decodedPTUSBPacket(request_);
+    requestTag_ = request.tag;
+    isListening_ = isListenRequest(request);
+    reachDaemon();
+}
+
+void KeptUSBStream::reachDaemon() {
+    OwnedDescriptor socket = source_.openStream();
+    if (!socket.isValid()) {
+        return daemonIsGone(errno);
+    }
+    daemon_ = bufferedSocket(std::move(socket));
+    daemon_->write(request_);
+}
+
+void KeptUSBStream::takePackets() {
+    while (!isRelaying_ && program_->unwritten() < kMostWaitingBytes) {
+        const PTUSBPacketTaken taken = takePTUSBPacket(daemon_->received());
+        if (taken.isMalformed) {
+            return daemonIsGone(EBADMSG);
+        }
+        if (!taken.packet) {
+            break;
+        }
+        packetDidArrive(*taken.packet);
+    }
+    if (!isRelaying_ && daemon_->hasEnded() && program_->unwritten() < kMostWaitingBytes) {
+        const int errnoValue = daemon_->errnoValue();
+        daemonIsGone(errnoValue != 0 ? errnoValue : ECONNRESET);
+    }
+}
+
+void KeptUSBStream::packetDidArrive(const QByteArray& bytes) {
+    const PTUSBPacket packet = decodedPTUSBPacket(bytes);
+    const bool isReply = packet.tag == requestTag_ && packet.tag != kPTUSBBroadcastTag;
+    if (!isListening_) {
+        if (isReply) { // anything else is no answer to what was asked
+            program_->write(bytes);
+            isRelaying_ = true;
+        }
+        return;
+    }
+    if (isReply && isAnswered_) {
+        return; // to the request as it was repeated
+    }
+    isAnswered_ = isAnswered_ || isReply;
+    noteDevice(packet);
+    program_->write(bytes);
+}
+
+void KeptUSBStream::noteDevice(const PTUSBPacket& packet) {
+    if (packet.tag != kPTUSBBroadcastTag || !packet.message) {
+        return;
+    }
+    const QString type = packet.message->value(kMessageType).toString();
+    const auto deviceID = numberInMessage(*packet.message, kDeviceID);
+    if (!deviceID) {
+        return;
+    }
+    if (type == kDetached) {
+        attachedDevices_.erase(*deviceID);
+    } else if (type == QStringLiteral("Attached") &&
+               attachedDevices_.size() < kMostAttachedDevices) {
+        attachedDevices_.insert(*deviceID);
+    }
+}
+
+void KeptUSBStream::daemonIsGone(int errnoValue) {
+    daemon_.reset();
+    if (!isListening_) {
+        return answerRequest(kPTUSBReplyConnectionRefused);
+    }
+    reportAllDetached();
+    if (!isAnswered_) {
+        // The program is told that it listens, since it will. What keeps it from hearing anything
+        // for now, only this place knows: so it is logged here, in the hub's words.
+        log(QStringLiteral("PTUSBHub failed to initialize: %1")
+                .arg(Error::posix(errnoValue).description()));
+        answerRequest(kPTUSBReplyOK);
+    }
+    events_.didLoseDaemon();
+}
+
+void KeptUSBStream::reportAllDetached() {
+    for (const qlonglong deviceID : std::exchange(attachedDevices_, {})) {
+        sendToProgram(kPTUSBBroadcastTag, {{kMessageType, kDetached}, {kDeviceID, deviceID}});
+    }
+}
+
+void KeptUSBStream::answerRequest(PTUSBReplyCode code) {
+    isAnswered_ = true;
+    sendToProgram(requestTag_, {{kMessageType, QStringLiteral("Result")},
+                                {QStringLiteral("Number"), static_cast<qlonglong>(code)}});
+}
+
+void KeptUSBStream::sendToProgram(quint32 tag, const QVariantMap& message) {
+    const auto payload = XMLDataWithPropertyList(message);
+    program_->write(createPTUSBPacket(kPTUSBPacketTypePlist, kPTUSBPacketProtocolPlist, tag,
+                                      payload.value_or(QByteArray()))
+                        .toByteArray());
+}
+
+void KeptUSBStream::relay() {
+    program_->write(std::exchange(daemon_->received(), {}));
+    daemon_->write(std::exchange(program_->received(), {}));
+}
+
+// A listening stream ends with the program's side alone, any other also with the daemon's; what is
+// on its way to the other side still gets there.
+void KeptUSBStream::endIfOver() {
+    const bool isProgramGone =
+        program_->isPeerDeaf() ||
+        (program_->hasEnded() && (!daemon_ || isListening_ || daemon_->unwritten() == 0));
+    const bool isDaemonGone = isRelaying_ && daemon_->hasEnded() && program_->unwritten() == 0;
+    if (!hasEnded_ && (isProgramGone || isDaemonGone)) {
+        hasEnded_ = true;
+        events_.didEnd();
+    }
+}
+
+void KeptUSBStream::arrangeReading() {
+    const auto mayRead = [](BufferedSocket& from, const BufferedSocket* to) {
+        return from.received().size() <= kMostWaitingBytes &&
+               (to == nullptr || to->unwritten() < kMostWaitingBytes);
+    };
+    program_->setReading(mayRead(*program_, daemon_.get()));
+    if (daemon_) {
+        daemon_->setReading(mayRead(*daemon_, program_.get()));
+    }
+}
+
+} // namespace navrel

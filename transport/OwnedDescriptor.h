@@ -1,0 +1,26 @@
+#pragma once
+
+#include <utility>
+
+namespace navrel {
+
+/// A descriptor that is closed when its owner is destroyed.
+class OwnedDescriptor {
+public:
+    OwnedDescriptor() = default;
+    explicit OwnedDescriptor(int value) : value_(value) {}
+    OwnedDescriptor(OwnedDescriptor&& other) noexcept : value_(other.release()) {}
+    OwnedDescriptor& operator=(OwnedDescriptor&& other) noexcept;
+    ~OwnedDescriptor();
+
+    bool isValid() const { return value_ >= 0; }
+    int value() const { return value_; }
+
+    /// The descriptor, which is the caller's to close from now on.
+    int release() { return std::exchange(value_, -1); }
+
+private:
+    int value_ = -1;
+};
+
+} // namespace navrel

@@ -1,0 +1,132 @@
+#pragma once
+
+#include "support/Error.h"
+#include "support/dispatch/DispatchData.h"
+#include "support/dispatch/DispatchIO.h"
+#include "transport/BundleInformation.h"
+#include "transport/PTUSBPacket.h"
+#include "transport/USBDaemon.h"
+
+#include <QByteArray>
+#include <QHash>
+#include <QString>
+#include <QVariantMap>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace navrel {
+
+class DispatchQueue;
+
+/// One connection to the USB multiplexing daemon, which carries packets (PTUSBPacket.h): requests,
+/// their replies, and broadcasts. After a successful "Connect" its stream carries the bytes of a
+/// device's port instead, and lives on in whoever took it.
+///
+/// All calls on the queue that it was opened on, where all callbacks run, later than the call.
+/// Dropping it lets go of the stream, unless a packet is being read: that keeps it until `cancel`
+/// or `stop`, or until the packet has come.
+class PTUSBChannel final : public std::enable_shared_from_this<PTUSBChannel> {
+public:
+    using Message = std::optional<QVariantMap>;
+    using Callback = std::function<void(const std::optional<Error>& error)>;
+    /// Nothing for a packet that could not be read, or holds no dictionary.
+    using BroadcastHandler = std::function<void(const Message& packet)>;
+    using ReplyCallback =
+        std::function<void(const std::optional<Error>& error, const Message& reply)>;
+    using PacketCallback =
+        std::function<void(const std::optional<Error>& error, const Message& packet, quint32 tag)>;
+    using DataCallback =
+        std::function<void(const std::optional<Error>& error, const DispatchData& data)>;
+
+    /// A message of that type: with the program's name and version, and the keys of a payload,
+    /// over which the former win.
+    static QVariantMap packetDictionaryWithPacketType(
+        const QString& messageType, const Message& payload,
+        const BundleInformation& bundle = BundleInformation::mainBundle());
+
+    /// What a reply means, in `error`: nothing for success. An error that is there already stays.
+    /// False when the reply is none of success.
+    static bool errorFromPlistResponse(const Message& reply, std::optional<Error>& error);
+
+    /// A channel that is not open yet. The daemon is kept as long as the stream is in use.
+    static std::shared_ptr<PTUSBChannel> create(std::shared_ptr<USBDaemon> daemon);
+    ~PTUSBChannel();
+    PTUSBChannel(const PTUSBChannel&) = delete;
+    PTUSBChannel& operator=(const PTUSBChannel&) = delete;
+
+    /// Opens the stream; once only, anything else stops the program, and so does a null queue.
+    /// `onEnd` (may be null) is called once, when the stream is closed, with a POSIX error or
+    /// nothing. On failure nothing stays open.
+    [[nodiscard]] std::optional<Error> openOnQueue(std::shared_ptr<DispatchQueue> queue,
+                                                   Callback onEnd);
+
+    /// Asks for broadcasts. The callback (may be null) receives the outcome. Stops the program when
+    /// a packet is being read.
+    void listenWithBroadcastHandler(BroadcastHandler broadcastHandler, Callback callback);
+
+    /// Sends a request; the callback, which must not be null, receives its reply, or why it could
+    /// not be sent. No callback at all when the stream fails before the reply has come.
+    void sendRequest(const QVariantMap& packet, ReplyCallback callback);
+
+    // The steps of a request. Send callbacks may be null.
+
+    void sendPacket(const QVariantMap& packet, quint32 tag, Callback callback);
+    void sendPacketOfType(quint32 type, quint32 overProtocol, quint32 tag, QByteArrayView payload,
+                          Callback callback);
+    void sendDispatchData(DispatchData data, Callback callback);
+    /// The bytes are shared, not copied.
+    void sendData(const QByteArray& data, Callback callback);
+    /// 1, 2, 3, …; after 4294967295 comes 0.
+    quint32 nextPacketTag() { return ++nextPacketTag_; }
+
+    // The steps of reading.
+
+    /// Reads exactly that many bytes. A stream has no positions: the offset says what the bytes
+    /// are for. Deliberately, the callback receives those of the last delivery alone, so none when
+    /// the stream ends first.
+    void readFromOffset(size_t offset, size_t length, DataCallback callback);
+    /// Reads a packet, unless one is being read.
+    void setNeedsReadingPacket();
+    /// Reads a packet and hands it to the callback of its request, or to the handler (may be null).
+    /// Stops the program when a packet is being read.
+    void scheduleReadPacketWithBroadcastHandler(BroadcastHandler broadcastHandler);
+    /// Reads a packet. Deliberately, a stream that ends where a packet should come or in the middle
+    /// of one stops the program: a daemon never does that, and whoever provides a stream sees to
+    /// it. A size that no packet has is a read error, EBADMSG, and stops the stream.
+    void scheduleReadPacketWithCallback(PacketCallback callback);
+
+    /// Closes the stream after what is being read and written. Nothing when it was never opened.
+    void cancel();
+    /// Closes the stream at once. Nothing when it was never opened.
+    void stop();
+
+    /// The stream; null until it is opened.
+    const std::shared_ptr<DispatchIO>& dispatchChannel() const { return channel_; }
+    int fileDescriptor() const { return channel_ ? channel_->descriptor() : -1; }
+    bool valid() const { return channel_ != nullptr; }
+
+private:
+    explicit PTUSBChannel(std::shared_ptr<USBDaemon> daemon) : daemon_(std::move(daemon)) {}
+
+    void close(DispatchIO::Close how);
+    void sizeWordDidArrive(const std::optional<Error>& error, const DispatchData& data,
+                           const PacketCallback& callback);
+    void packetDidArrive(const std::optional<Error>& error, const DispatchData& data, quint32 size,
+                         const PacketCallback& callback);
+    void readingDidFail(const Error& error, const PacketCallback& callback);
+    void dispatchPacket(const std::optional<Error>& error, const Message& packet, quint32 tag,
+                        const BroadcastHandler& broadcastHandler);
+    void dispatchReply(const std::optional<Error>& error, const Message& reply, quint32 tag);
+
+    const std::shared_ptr<USBDaemon> daemon_;
+    std::shared_ptr<DispatchIO> channel_;
+    std::weak_ptr<DispatchQueue> queue_;
+    quint32 nextPacketTag_ = 0;
+    std::optional<QHash<quint32, ReplyCallback>> responseQueue_; ///< made by the first request
+    bool autoReadPackets_ = false;
+    bool isReadingPackets_ = false;
+};
+
+} // namespace navrel

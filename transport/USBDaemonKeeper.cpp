@@ -1,0 +1,75 @@
+#include "transport/USBDaemonKeeper.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+#include <chrono>
+#include <sys/socket.h>
+#include <utility>
+
+namespace navrel {
+
+namespace {
+
+constexpr std::chrono::seconds kLookInterval{1};
+
+} // namespace
+
+USBDaemonKeeper::USBDaemonKeeper(USBDaemonAddress address) : daemon_(std::move(address)) {
+    lookTimer_.setInterval(kLookInterval);
+    QObject::connect(&lookTimer_, &QTimer::timeout, &lookTimer_, [this] { lookForDaemon(); });
+    QObject::connect(&watcher_, &QFileSystemWatcher::directoryChanged, &watcher_,
+                     [this] { lookForDaemon(); });
+}
+
+OwnedDescriptor USBDaemonKeeper::openStream() {
+    int ends[2];
+    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
+        return {};
+    }
+    OwnedDescriptor programEnd(ends[0]);
+    streams_.push_back(KeptUSBStream::create(OwnedDescriptor(ends[1]), daemon_,
+                                             {[this] {
+                                                  watchFolder();
+                                                  lookTimer_.start();
+                                              },
+                                              [this] { dropEndedStreams(); }}));
+    return programEnd;
+}
+
+void USBDaemonKeeper::lookForDaemon() {
+    watchFolder();
+    for (const auto& stream : streams_) {
+        if (stream->isWaitingForDaemon()) {
+            stream->reachDaemon();
+        }
+    }
+    if (!isDaemonMissing()) {
+        lookTimer_.stop();
+    }
+}
+
+// The folder may come and go itself, and with it the watch.
+void USBDaemonKeeper::watchFolder() {
+    const QString& path = daemon_.address().path;
+    if (!path.isEmpty() && watcher_.directories().isEmpty()) {
+        const QString folder = QFileInfo(path).path();
+        if (QFileInfo::exists(folder)) {
+            watcher_.addPath(folder);
+        }
+    }
+}
+
+bool USBDaemonKeeper::isDaemonMissing() const {
+    return std::any_of(streams_.begin(), streams_.end(),
+                       [](const auto& stream) { return stream->isWaitingForDaemon(); });
+}
+
+void USBDaemonKeeper::dropEndedStreams() {
+    std::erase_if(streams_, [](const auto& stream) { return stream->hasEnded(); });
+    if (!isDaemonMissing()) {
+        lookTimer_.stop();
+    }
+}
+
+} // namespace navrel
