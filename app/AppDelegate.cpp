@@ -1,6 +1,7 @@
 #include "app/AppDelegate.h"
 
 #include "app/Desktop.h"
+#include "app/WantedDevice.h"
 #include "project/KZDataManager.h"
 #include "project/MenuItem.h"
 #include "support/UserDefaults.h"
@@ -23,7 +24,8 @@ std::shared_ptr<AppDelegate> AppDelegate::create(Collaborators collaborators) {
     return std::shared_ptr<AppDelegate>(new AppDelegate(std::move(collaborators)));
 }
 
-AppDelegate::AppDelegate(Collaborators collaborators) : collaborators_(std::move(collaborators)) {}
+AppDelegate::AppDelegate(Collaborators collaborators)
+    : collaborators_(std::move(collaborators)), wantedDevice_(std::make_shared<WantedDevice>()) {}
 
 AppDelegate::~AppDelegate() = default;
 
@@ -32,6 +34,7 @@ void AppDelegate::applicationDidFinishLaunching() {
         versionItem_->setTitle(QStringLiteral("Navrel (v%1)").arg(collaborators_.version));
     }
     notConnectedQueue_ = DispatchQueue::serialQueue(QStringLiteral("PTExample.notConnectedQueue"));
+    startListeningForDevices();
     enqueueConnectToLocalIPv4Port();
     QTimer::singleShot(kActivationDelay, Qt::PreciseTimer, this, [this] { activate(); });
 }

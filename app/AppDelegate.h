@@ -1,14 +1,19 @@
 #pragma once
 
+#include "app/DeviceID.h"
+#include "support/NotificationCentre.h"
 #include "transport/PTChannel.h"
+#include "transport/PTUSBHub.h"
 
 #include <QObject>
 #include <QString>
 #include <QTimer>
 #include <QVariantMap>
 
+#include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace navrel {
 
@@ -17,6 +22,10 @@ class DispatchQueue;
 class KZDataManager;
 class MenuItem;
 class UserDefaults;
+class WantedDevice;
+
+/// Posted by the application delegate when the connected device has gone.
+extern const QString kConnectedDeviceIDDidChange;
 
 /// The application delegate: starts the program, keeps one connection to the companion app, and
 /// answers its requests from the data manager. One per program. Main thread.
@@ -34,6 +43,8 @@ public:
         UserDefaults& userDefaults;
         /// The version that the program shows, and tells the device: "1.4.2".
         QString version;
+        /// Gives the hub that devices on USB are reached through; asked once, at start.
+        std::function<std::shared_ptr<PTUSBHub>()> hub = &PTUSBHub::sharedHub;
     };
 
     /// A delegate that does nothing until `applicationDidFinishLaunching`.
@@ -58,6 +69,13 @@ public:
 
     // The device link.
 
+    /// Observes the devices that the hub announces; the last one attached is reached, as soon as no
+    /// channel is connected.
+    void startListeningForDevices();
+    /// Puts an attempt to reach the companion app on the wanted device on the connection queue: it
+    /// waits while a channel is connected, and runs on the main thread. One for a device in whose
+    /// place another is wanted by then is dropped, since that one has its own.
+    void enqueueConnectToUSBDevice();
     /// Puts an attempt to reach the companion app on 127.0.0.1 on the connection queue: it waits
     /// while a channel is connected, and runs on the main thread.
     void enqueueConnectToLocalIPv4Port();
@@ -67,6 +85,14 @@ public:
     /// while there is one, so no attempt starts meanwhile. The former channel is released, not
     /// closed.
     void setConnectedChannel(std::shared_ptr<PTChannel> channel);
+
+    /// The device whose channel is connected; null for none, and for the simulator. Its end is
+    /// posted as kConnectedDeviceIDDidChange.
+    const std::shared_ptr<const DeviceID>& connectedDeviceID() const { return connectedDeviceID_; }
+    /// Closes the connected channel if it is a device's.
+    void disconnectFromCurrentChannel();
+    /// Logs that a device is gone, and forgets it if it is the connected one.
+    void didDisconnectFromDevice(const DeviceID& deviceID);
 
     // The command service, called by the connected channel.
 
@@ -92,7 +118,15 @@ private:
 
     explicit AppDelegate(Collaborators collaborators);
 
+    void deviceDidAttach(const QVariantMap& userInfo);
+    void deviceDidDetach(const QVariantMap& userInfo);
+    void reachWantedDevice();
+    bool isSuperseded(const std::shared_ptr<const DeviceID>& deviceID) const;
+    void connectToUSBDevice();
+    void connectedToUSBDevice(const std::shared_ptr<PTChannel>& channel,
+                              const std::optional<Error>& error);
     void connectToLocalIPv4Port();
+    bool isServed(const PTChannel& channel);
     void connectedToLocalIPv4Port(const std::shared_ptr<PTChannel>& channel,
                                   const std::optional<Error>& error,
                                   const std::shared_ptr<const PTAddress>& address);
@@ -118,7 +152,13 @@ private:
 
     std::shared_ptr<DispatchQueue> notConnectedQueue_; // "PTExample.notConnectedQueue"
     bool notConnectedQueueSuspended_ = false;
+    std::shared_ptr<PTUSBHub> hub_;
+    std::vector<NotificationCentre::Token> deviceObservers_;
+    /// Shared with the jobs of the connection queue, which may outlive the delegate.
+    const std::shared_ptr<WantedDevice> wantedDevice_;
+    std::shared_ptr<const DeviceID> connectedDeviceID_;
     std::shared_ptr<PTChannel> connectedChannel_;
+    bool hasLoggedRefusedPeer_ = false; ///< until a peer has been served again
 };
 
 } // namespace navrel

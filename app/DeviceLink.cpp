@@ -1,21 +1,31 @@
-// Finding the companion app and keeping one connection to it.
+// Finding the companion app and keeping one connection to it: over USB to a device that the hub has
+// announced, or on 127.0.0.1 to the simulator.
 //
 // Every attempt goes through the connection queue, which is suspended while a channel is connected:
 // an attempt that comes up meanwhile is parked there, and runs when the connection is gone. So the
 // poll of 127.0.0.1 schedules its next attempt after a success as well as after a failure: that one
-// is the reconnection.
+// is the reconnection. A device that is attached meanwhile is parked there, too. What runs on the
+// queue itself is the hop back to the main thread, and the choice of the wanted device.
 
 #include "app/AppDelegate.h"
+#include "app/WantedDevice.h"
 #include "support/Log.h"
 #include "support/dispatch/DispatchQueue.h"
 #include "transport/CompanionProtocol.h"
 #include "transport/PTAddress.h"
+#include "transport/PTUSBPacket.h"
+#ifdef __linux__
+#include "transport/LoopbackPeer.h"
+#endif
 
 #include <cerrno>
 #include <chrono>
+#include <unistd.h>
 #include <utility>
 
 namespace navrel {
+
+const QString kConnectedDeviceIDDidChange = QStringLiteral("connectedDeviceID");
 
 namespace {
 
@@ -27,7 +37,127 @@ bool isNobodyThere(const Error& error) {
     return error.isPOSIX(ECONNREFUSED) || error.isPOSIX(ETIMEDOUT);
 }
 
+/// The device that a notification is about; null when it names none.
+std::shared_ptr<const DeviceID> deviceIDOf(const QVariantMap& userInfo) {
+    const auto number = numberInMessage(userInfo, QStringLiteral("DeviceID"));
+    return number ? std::make_shared<const DeviceID>(*number) : nullptr;
+}
+
+QString descriptionOf(const std::shared_ptr<const Described>& object) {
+    return object ? object->description() : QStringLiteral("(null)");
+}
+
+bool isSameDevice(const DeviceID& deviceID, const std::shared_ptr<const Described>& userInfo) {
+    const auto other = std::dynamic_pointer_cast<const DeviceID>(userInfo);
+    return other && other->value() == deviceID.value();
+}
+
 } // namespace
+
+// Devices on USB.
+
+void AppDelegate::startListeningForDevices() {
+    hub_ = collaborators_.hub();
+    auto& centre = NotificationCentre::defaultCentre();
+    deviceObservers_ = {
+        centre.addObserver(PTUSBDeviceDidAttachNotification, hub_.get(),
+                           [this](const Notification& it) { deviceDidAttach(it.userInfo); }),
+        centre.addObserver(PTUSBDeviceDidDetachNotification, hub_.get(),
+                           [this](const Notification& it) { deviceDidDetach(it.userInfo); })};
+}
+
+void AppDelegate::deviceDidAttach(const QVariantMap& userInfo) {
+    const auto deviceID = deviceIDOf(userInfo);
+    log(QStringLiteral("PTUSBDeviceDidAttachNotification: %1").arg(descriptionOf(deviceID)));
+    if (!deviceID) {
+        return;
+    }
+    const QVariantMap properties = userInfo.value(QStringLiteral("Properties")).toMap();
+    notConnectedQueue_->async(
+        [self = weak_from_this(), wanted = wantedDevice_, deviceID, properties] {
+            if (!wanted->want(deviceID, properties)) {
+                return; // it is being reached already
+            }
+            DispatchQueue::mainQueue()->async([self, deviceID] {
+                const auto delegate = self.lock();
+                if (delegate && !delegate->isSuperseded(deviceID)) {
+                    delegate->reachWantedDevice();
+                }
+            });
+        });
+}
+
+void AppDelegate::reachWantedDevice() {
+    disconnectFromCurrentChannel(); // one may have been connected in the meantime
+    enqueueConnectToUSBDevice();
+}
+
+void AppDelegate::deviceDidDetach(const QVariantMap& userInfo) {
+    const auto deviceID = deviceIDOf(userInfo);
+    log(QStringLiteral("PTUSBDeviceDidDetachNotification: %1").arg(descriptionOf(deviceID)));
+    // Deliberate: whatever channel is connected is closed, be it the device's or not.
+    if (deviceID && wantedDevice_->forget(*deviceID) && connectedChannel_) {
+        connectedChannel_->close();
+    }
+}
+
+void AppDelegate::enqueueConnectToUSBDevice() {
+    const std::weak_ptr<AppDelegate> self = weak_from_this();
+    notConnectedQueue_->async([self, meant = wantedDevice_->ID()] {
+        DispatchQueue::mainQueue()->async([self, meant] {
+            const auto delegate = self.lock();
+            if (delegate && !delegate->isSuperseded(meant)) {
+                delegate->connectToUSBDevice();
+            }
+        });
+    });
+}
+
+// Whether another device is wanted by now, which has its own attempt: two for one device would both
+// succeed, and one of the connections would be left over.
+bool AppDelegate::isSuperseded(const std::shared_ptr<const DeviceID>& deviceID) const {
+    const auto wanted = wantedDevice_->ID();
+    return wanted && wanted != deviceID;
+}
+
+// Deliberate: an attempt whose device has gone meanwhile runs all the same, for no device. It
+// fails, and since none is what it was for and none is wanted, it repeats until a device is
+// attached.
+void AppDelegate::connectToUSBDevice() {
+    const auto deviceID = wantedDevice_->ID();
+    const auto channel = PTChannel::channelWithDelegate(shared_from_this());
+    channel->setUserInfo(deviceID);
+    channel->connectToPort(kCompanionPort, hub_,
+                           deviceID ? QVariant(deviceID->value()) : QVariant(),
+                           [self = weak_from_this(), channel](const std::optional<Error>& error) {
+                               if (const auto delegate = self.lock()) {
+                                   delegate->connectedToUSBDevice(channel, error);
+                               }
+                           });
+}
+
+void AppDelegate::connectedToUSBDevice(const std::shared_ptr<PTChannel>& channel,
+                                       const std::optional<Error>& error) {
+    const auto wanted = wantedDevice_->ID();
+    if (!error) {
+        connectedDeviceID_ = wanted;
+        return setConnectedChannel(channel);
+    }
+    // The same object, not the same number: a device that was attached anew has its own attempt.
+    if (channel->userInfo() == wanted) {
+        QTimer::singleShot(kReconnectDelay, this, [this] { enqueueConnectToUSBDevice(); });
+    }
+}
+
+void AppDelegate::didDisconnectFromDevice(const DeviceID& deviceID) {
+    log(QStringLiteral("Disconnected from device"));
+    if (connectedDeviceID_ && connectedDeviceID_->value() == deviceID.value()) {
+        connectedDeviceID_ = nullptr;
+        NotificationCentre::defaultCentre().post(kConnectedDeviceIDDidChange, this, {});
+    }
+}
+
+// The simulator.
 
 void AppDelegate::enqueueConnectToLocalIPv4Port() {
     // Two hops: the first waits for the queue, the second brings the attempt to the main thread.
@@ -64,12 +194,37 @@ void AppDelegate::connectedToLocalIPv4Port(const std::shared_ptr<PTChannel>& cha
         }
         return;
     }
+    if (!isServed(*channel)) {
+        return channel->close();
+    }
+    disconnectFromCurrentChannel();
     setConnectedChannel(channel);
     channel->setUserInfo(address);
     log(QStringLiteral("Connected to %1").arg(address->description()));
 }
 
+// Any local user may listen on the companion app's port; the project is shown to its owner alone.
+bool AppDelegate::isServed([[maybe_unused]] const PTChannel& channel) {
+#ifdef __linux__
+    const auto owner = ownerOfPeer(channel.dispatchChannel()->descriptor());
+    if (!owner || (*owner != ::geteuid() && *owner != 0)) {
+        if (!std::exchange(hasLoggedRefusedPeer_, true)) {
+            log(QStringLiteral("Refused to serve 127.0.0.1:%1: it belongs to another user (%2)")
+                    .arg(kCompanionPort)
+                    .arg(owner ? QString::number(*owner) : QStringLiteral("unknown")));
+        }
+        return false;
+    }
+    hasLoggedRefusedPeer_ = false;
+#endif
+    return true;
+}
+
+// The connected channel.
+
 void AppDelegate::setConnectedChannel(std::shared_ptr<PTChannel> channel) {
+    // Asked before the queue goes on: a device that waited there brings its own attempt.
+    const bool isDeviceWanted = wantedDevice_->ID() != nullptr;
     connectedChannel_ = std::move(channel);
     const bool isConnected = connectedChannel_ != nullptr;
     if (isConnected && !notConnectedQueueSuspended_) {
@@ -79,15 +234,28 @@ void AppDelegate::setConnectedChannel(std::shared_ptr<PTChannel> channel) {
         notConnectedQueue_->resume();
         notConnectedQueueSuspended_ = false;
     }
+    if (!isConnected && isDeviceWanted) {
+        enqueueConnectToUSBDevice();
+    }
+}
+
+void AppDelegate::disconnectFromCurrentChannel() {
+    if (connectedDeviceID_ && connectedChannel_) {
+        connectedChannel_->close();
+        setConnectedChannel(nullptr);
+    }
 }
 
 void AppDelegate::ioFrameChannelDidEndWithError(const std::shared_ptr<PTChannel>& channel,
                                                 const std::optional<Error>&) {
-    if (channel != connectedChannel_) {
-        return;
+    if (connectedDeviceID_ && isSameDevice(*connectedDeviceID_, channel->userInfo())) {
+        const auto deviceID = connectedDeviceID_;
+        didDisconnectFromDevice(*deviceID);
     }
-    log(QStringLiteral("Disconnected from %1").arg(channel->userInfo()->description()));
-    setConnectedChannel(nullptr);
+    if (channel == connectedChannel_) {
+        log(QStringLiteral("Disconnected from %1").arg(descriptionOf(channel->userInfo())));
+        setConnectedChannel(nullptr);
+    }
 }
 
 } // namespace navrel

@@ -69,9 +69,13 @@ bool TestDevice::waitForConnection(std::chrono::milliseconds atMost) {
     if (!waitUntil([this] { return isConnectionWaiting(); }, atMost)) {
         return false;
     }
-    disconnect();
-    connection_ = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
+    adopt(::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC));
     return connection_ >= 0;
+}
+
+void TestDevice::adopt(int connection) {
+    disconnect();
+    connection_ = connection;
 }
 
 void TestDevice::disconnect() {

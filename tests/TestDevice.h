@@ -31,6 +31,8 @@ public:
     /// Waits for a connection, which takes the place of the one before.
     [[nodiscard]] bool
     waitForConnection(std::chrono::milliseconds atMost = std::chrono::seconds(20));
+    /// Takes over a connection that was made elsewhere, in place of the one before.
+    void adopt(int connection);
     /// Whether somebody has connected who was not waited for yet.
     bool isConnectionWaiting() const;
     void disconnect();

@@ -15,7 +15,8 @@ class AppDelegateTest : public ServedProject {};
 TEST_F(AppDelegateTest, theVersionEntryShowsNameAndFullVersion) {
     launch();
     FakeMenuItem item;
-    const auto other = AppDelegate::create({*manager_, desktop_, *defaults_, version_});
+    const auto other =
+        AppDelegate::create({*manager_, desktop_, *defaults_, version_, [this] { return hub_; }});
     other->setVersionItem(&item);
     other->applicationDidFinishLaunching();
     EXPECT_EQ(item.title, QStringLiteral("Navrel (v1.4.2)"));

@@ -1,35 +1,53 @@
 #include "tests/app/ServedProject.h"
 
+#include "tests/WaitUntil.h"
+
+#include <utility>
+
 namespace navrel {
 
 ServedProject::~ServedProject() {
+    device_.stopListening();
     device_.disconnect();
-    delegate_ = nullptr;
+    // A channel that ends holds its delegate until it has told it.
+    const std::weak_ptr<AppDelegate> watch = std::exchange(delegate_, nullptr);
+    EXPECT_TRUE(waitUntil([&] { return watch.expired(); }));
     if (manager_ != nullptr) {
         manager_->setWeakSelf(nullptr);
     }
 }
 
-void ServedProject::launch() {
+void ServedProject::chooseProject() {
     defaults_ = std::make_unique<UserDefaults>(profile_.filePath(QStringLiteral("Navrel.conf")));
     defaults_->setBool(QStringLiteral("automaticProjectSelection"), false);
     defaults_->setString(QStringLiteral("lastKnownProject"), project_.bundle());
+}
+
+void ServedProject::launch() {
+    ASSERT_TRUE(device_.listen());
+    launchUnconnected();
+    ASSERT_TRUE(device_.waitForConnection());
+}
+
+void ServedProject::launchUnconnected() {
+    chooseProject();
     start();
     runPass();
 }
 
 void ServedProject::launchWithoutProject() {
     defaults_ = std::make_unique<UserDefaults>(profile_.filePath(QStringLiteral("Navrel.conf")));
+    ASSERT_TRUE(device_.listen());
     start();
+    ASSERT_TRUE(device_.waitForConnection());
 }
 
 void ServedProject::start() {
-    ASSERT_TRUE(device_.listen());
     manager_ = KZDataManager::init(
         {*defaults_, editor_, desktop_, scanner_, profile_.filePath(QStringLiteral("data"))});
-    delegate_ = AppDelegate::create({*manager_, desktop_, *defaults_, version_});
+    delegate_ =
+        AppDelegate::create({*manager_, desktop_, *defaults_, version_, [this] { return hub_; }});
     delegate_->applicationDidFinishLaunching();
-    ASSERT_TRUE(device_.waitForConnection());
 }
 
 } // namespace navrel

@@ -27,6 +27,8 @@ protected:
     /// are let in by `activate`, as in the program.
     void launch();
     void launchWithoutProject();
+    /// The same on the project, but with nobody listening on the loopback address.
+    void launchUnconnected();
 
     /// One pass over the project.
     void runPass() { manager_->updateInBackground(); }
@@ -38,12 +40,15 @@ protected:
     FakeEditor editor_;
     SourceFileScanner scanner_;
     QString version_ = QStringLiteral("1.4.2");
+    /// A hub that never hears of a device, unless the test puts another one here.
+    std::shared_ptr<PTUSBHub> hub_ = PTUSBHub::create(nullptr);
     std::unique_ptr<UserDefaults> defaults_;
     std::shared_ptr<KZDataManager> manager_;
     std::shared_ptr<AppDelegate> delegate_;
     TestDevice device_;
 
 private:
+    void chooseProject();
     void start();
 };
 
