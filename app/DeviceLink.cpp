@@ -206,8 +206,11 @@ void AppDelegate::connectedToLocalIPv4Port(const std::shared_ptr<PTChannel>& cha
 // Any local user may listen on the companion app's port; the project is shown to its owner alone.
 bool AppDelegate::isServed([[maybe_unused]] const PTChannel& channel) {
 #ifdef __linux__
-    const auto owner = ownerOfPeer(channel.dispatchChannel()->descriptor());
-    if (!owner || (*owner != ::geteuid() && *owner != 0)) {
+    const int socket = channel.dispatchChannel()->descriptor();
+    const auto owner = ownerOfPeer(socket);
+    const bool isTrusted = owner ? *owner == ::geteuid() || *owner == 0
+                                 : hasPeerEnded(socket); // nobody is there to be shown anything
+    if (!isTrusted) {
         if (!std::exchange(hasLoggedRefusedPeer_, true)) {
             log(QStringLiteral("Refused to serve 127.0.0.1:%1: it belongs to another user (%2)")
                     .arg(kCompanionPort)

@@ -5,6 +5,7 @@
 #include <QFile>
 
 #include <arpa/inet.h>
+#include <poll.h>
 #include <sys/socket.h>
 
 namespace navrel {
@@ -96,6 +97,11 @@ std::optional<uid_t> ownerOfPeer(int socket) {
     return ownerOfPeer(contentsOf(QStringLiteral("/proc/net/tcp")) +
                            contentsOf(QStringLiteral("/proc/net/tcp6")),
                        local, peer);
+}
+
+bool hasPeerEnded(int socket) {
+    pollfd descriptor = {socket, POLLRDHUP, 0};
+    return ::poll(&descriptor, 1, 0) > 0 && (descriptor.revents & (POLLRDHUP | POLLHUP)) != 0;
 }
 
 } // namespace navrel

@@ -20,4 +20,7 @@ std::optional<uid_t> ownerOfPeer(QByteArrayView tables, const sockaddr_in& local
 /// The same for a connected socket, from the kernel's tables of now.
 std::optional<uid_t> ownerOfPeer(int socket);
 
+/// Whether the peer of a socket sends nothing more: it has ended the connection, or its half of it.
+bool hasPeerEnded(int socket);
+
 } // namespace navrel
