@@ -18,7 +18,8 @@ QString binary() {
 
 } // namespace
 
-NavrelProcess::NavrelProcess() {
+NavrelProcess::NavrelProcess()
+    : usbDaemonAddress_(QStringLiteral("UNIX:") + profile_.filePath(QStringLiteral("usbmuxd"))) {
     QDir(profile_.path()).mkpath(QStringLiteral("config/nl.kelvane"));
     // As the session manager makes it: Qt complains of one that others can look into.
     QDir(profile_.path())
@@ -55,6 +56,7 @@ void NavrelProcess::prepare(QProcess& process, const QStringList& arguments) con
                        profile_.filePath(QStringLiteral("config")));
     environment.insert(QStringLiteral("XDG_DATA_HOME"), profile_.filePath(QStringLiteral("data")));
     environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), profile_.filePath(QStringLiteral("run")));
+    environment.insert(QStringLiteral("USBMUXD_SOCKET_ADDRESS"), usbDaemonAddress_);
     // Without a display the program chooses its platform by itself.
     environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
     environment.remove(QStringLiteral("DISPLAY"));

@@ -23,6 +23,10 @@ public:
     /// Replaces the preferences file.
     void writeDefaults(const QByteArray& text);
 
+    /// Where the next start looks for the USB multiplexing daemon, as USBMUXD_SOCKET_ADDRESS wants
+    /// it; at first where there is none.
+    void setUSBDaemonAddress(const QString& address) { usbDaemonAddress_ = address; }
+
     [[nodiscard]] bool start();
     /// Ends it as the system does at the worst of times.
     void kill();
@@ -48,6 +52,7 @@ private:
     void prepare(QProcess& process, const QStringList& arguments) const;
 
     QTemporaryDir profile_;
+    QString usbDaemonAddress_;
     QProcess process_;
     QByteArray log_;
 };

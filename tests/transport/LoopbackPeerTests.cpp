@@ -93,6 +93,17 @@ TEST(LoopbackPeer, ofThisProcessBelongsToItsUser) {
     EXPECT_EQ(ownerOfPeer(connection.descriptor()), ::geteuid());
 }
 
+TEST(LoopbackPeer, thatHasGoneHasNoOwnerAndHasEnded) {
+    std::optional<RawListener> listener(2345);
+    const RawPeer connection = RawPeer::connectedTo(2345);
+    RawPeer accepted = listener->accept();
+    EXPECT_FALSE(hasPeerEnded(connection.descriptor()));
+    listener.reset();
+    accepted.close();
+    EXPECT_TRUE(hasPeerEnded(connection.descriptor()));
+    EXPECT_EQ(ownerOfPeer(connection.descriptor()), std::nullopt);
+}
+
 TEST(LoopbackPeer, ofASocketThatIsNotConnectedIsUnknown) {
     EXPECT_EQ(ownerOfPeer(makeIPv4StreamSocket().value()), std::nullopt);
 }
