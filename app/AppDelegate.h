@@ -72,10 +72,10 @@ public:
     /// Observes the devices that the hub announces; the last one attached is reached, as soon as no
     /// channel is connected.
     void startListeningForDevices();
-    /// Puts an attempt to reach the companion app on the wanted device on the connection queue: it
-    /// waits while a channel is connected, and runs on the main thread. One for a device in whose
-    /// place another is wanted by then is dropped, since that one has its own.
-    void enqueueConnectToUSBDevice();
+    /// Puts an attempt to reach the companion app on a device, the wanted one, on the connection
+    /// queue: it waits while a channel is connected, and runs on the main thread. It is dropped if
+    /// another device is wanted by then, which has an attempt of its own. Null: no device.
+    void enqueueConnectToUSBDevice(const std::shared_ptr<const DeviceID>& deviceID);
     /// Puts an attempt to reach the companion app on 127.0.0.1 on the connection queue: it waits
     /// while a channel is connected, and runs on the main thread.
     void enqueueConnectToLocalIPv4Port();
@@ -120,7 +120,7 @@ private:
 
     void deviceDidAttach(const QVariantMap& userInfo);
     void deviceDidDetach(const QVariantMap& userInfo);
-    void reachWantedDevice();
+    void reachDevice(const std::shared_ptr<const DeviceID>& deviceID);
     bool isSuperseded(const std::shared_ptr<const DeviceID>& deviceID) const;
     void connectToUSBDevice();
     void connectedToUSBDevice(const std::shared_ptr<PTChannel>& channel,

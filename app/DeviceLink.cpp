@@ -81,15 +81,17 @@ void AppDelegate::deviceDidAttach(const QVariantMap& userInfo) {
             DispatchQueue::mainQueue()->async([self, deviceID] {
                 const auto delegate = self.lock();
                 if (delegate && !delegate->isSuperseded(deviceID)) {
-                    delegate->reachWantedDevice();
+                    delegate->reachDevice(deviceID);
                 }
             });
         });
 }
 
-void AppDelegate::reachWantedDevice() {
-    disconnectFromCurrentChannel(); // one may have been connected in the meantime
-    enqueueConnectToUSBDevice();
+void AppDelegate::reachDevice(const std::shared_ptr<const DeviceID>& deviceID) {
+    if (connectedDeviceID_ && connectedChannel_) { // since the connection queue let this through
+        return disconnectFromCurrentChannel();     // which enqueues the attempt
+    }
+    enqueueConnectToUSBDevice(deviceID);
 }
 
 void AppDelegate::deviceDidDetach(const QVariantMap& userInfo) {
@@ -101,12 +103,12 @@ void AppDelegate::deviceDidDetach(const QVariantMap& userInfo) {
     }
 }
 
-void AppDelegate::enqueueConnectToUSBDevice() {
+void AppDelegate::enqueueConnectToUSBDevice(const std::shared_ptr<const DeviceID>& deviceID) {
     const std::weak_ptr<AppDelegate> self = weak_from_this();
-    notConnectedQueue_->async([self, meant = wantedDevice_->ID()] {
-        DispatchQueue::mainQueue()->async([self, meant] {
+    notConnectedQueue_->async([self, deviceID] {
+        DispatchQueue::mainQueue()->async([self, deviceID] {
             const auto delegate = self.lock();
-            if (delegate && !delegate->isSuperseded(meant)) {
+            if (delegate && !delegate->isSuperseded(deviceID)) {
                 delegate->connectToUSBDevice();
             }
         });
@@ -145,7 +147,8 @@ void AppDelegate::connectedToUSBDevice(const std::shared_ptr<PTChannel>& channel
     }
     // The same object, not the same number: a device that was attached anew has its own attempt.
     if (channel->userInfo() == wanted) {
-        QTimer::singleShot(kReconnectDelay, this, [this] { enqueueConnectToUSBDevice(); });
+        QTimer::singleShot(kReconnectDelay, this,
+                           [this, wanted] { enqueueConnectToUSBDevice(wanted); });
     }
 }
 
@@ -227,7 +230,7 @@ bool AppDelegate::isServed([[maybe_unused]] const PTChannel& channel) {
 
 void AppDelegate::setConnectedChannel(std::shared_ptr<PTChannel> channel) {
     // Asked before the queue goes on: a device that waited there brings its own attempt.
-    const bool isDeviceWanted = wantedDevice_->ID() != nullptr;
+    const auto wanted = wantedDevice_->ID();
     connectedChannel_ = std::move(channel);
     const bool isConnected = connectedChannel_ != nullptr;
     if (isConnected && !notConnectedQueueSuspended_) {
@@ -237,8 +240,8 @@ void AppDelegate::setConnectedChannel(std::shared_ptr<PTChannel> channel) {
         notConnectedQueue_->resume();
         notConnectedQueueSuspended_ = false;
     }
-    if (!isConnected && isDeviceWanted) {
-        enqueueConnectToUSBDevice();
+    if (!isConnected && wanted) {
+        enqueueConnectToUSBDevice(wanted);
     }
 }
 

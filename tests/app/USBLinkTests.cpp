@@ -3,6 +3,7 @@
 #include "tests/FakeUSBDaemon.h"
 #include "tests/WaitUntil.h"
 #include "tests/app/ServedProject.h"
+#include "tests/transport/FullListener.h"
 #include "transport/PTUSBHub.h"
 #include "transport/USBDaemonKeeper.h"
 
@@ -157,6 +158,21 @@ TEST_F(USBLinkTest, afterADetachTheAttemptsGoOnForNoDeviceUntilOneIsAttached) {
     ASSERT_NE(delegate_->connectedDeviceID(), nullptr);
     EXPECT_EQ(delegate_->connectedDeviceID()->value(), 8);
     EXPECT_EQ(connects(), 2); // attempts for no device never reach the daemon
+}
+
+TEST_F(USBLinkTest, anAttemptThatWaitsForItsTurnIsDroppedOnceTheDeviceIsAttachedAnew) {
+    launchWithDaemon();
+    daemon_.connectAnswer = 3;
+    daemon_.attach(7);
+    ASSERT_TRUE(waitUntil([&] { return connects() == 1; }));
+    runEventLoopFor(milliseconds(200)); // the attempt has failed and is to be repeated
+    daemon_.detach(7);
+    daemon_.connectAnswer = 0;
+    ASSERT_TRUE(connectDevice(7));
+    device_.disconnect();
+    ASSERT_TRUE(waitForDevice());
+    runEventLoopFor(milliseconds(1500));
+    EXPECT_EQ(connects(), 3);
 }
 
 TEST_F(USBLinkTest, anotherDeviceTakesTheWantedOnesPlaceWhileThatIsNotReached) {
@@ -322,6 +338,15 @@ TEST_F(USBLinkTest, disconnectingClosesADevicesChannelOnly) {
     EXPECT_FALSE(isConnected());
     EXPECT_TRUE(device_.waitForEnd());
     ASSERT_TRUE(waitForDevice()); // it is still wanted
+}
+
+TEST_F(USBLinkTest, aSimulatorThatDoesNotAnswerIsPassedOverSilentlyAndTheDeviceIsServed) {
+    const FullListener listener(2345);
+    ASSERT_TRUE(listener.isFull());
+    launchWithDaemon();
+    ASSERT_TRUE(connectDevice(7));
+    EXPECT_TRUE(device_.ask(211).has_value());
+    EXPECT_EQ(log_.messages(), QStringList{QStringLiteral("PTUSBDeviceDidAttachNotification: 7")});
 }
 
 TEST_F(USBLinkTest, disconnectingLeavesTheSimulatorAlone) {
