@@ -7,6 +7,9 @@
 namespace navrel {
 
 std::optional<qint64> FileSurvey::modificationDate(const QByteArray& path) {
+    if (!canNameAFile(path)) {
+        return std::nullopt;
+    }
     const auto known = dates_.find(path);
     if (known != dates_.end()) {
         return known->second;
@@ -20,11 +23,9 @@ std::optional<qint64> FileSurvey::modificationDate(const QByteArray& path) {
 bool FileSurvey::stillHolds() {
     if (!folderwise_) {
         std::vector<FolderwiseSurvey::Answer> answers;
+        answers.reserve(asked_.size());
         for (const QByteArray* path : asked_) {
-            // What can name no file is missing for ever.
-            if (canNameAFile(*path)) {
-                answers.push_back({*path, dates_.find(*path)->second});
-            }
+            answers.push_back({*path, dates_.find(*path)->second});
         }
         folderwise_.emplace(answers);
     }

@@ -15,10 +15,14 @@ namespace navrel {
 /// to see whether the answers still hold. Main thread only.
 class FileSurvey {
 public:
-    /// As `modificationDateOfFile`, or the answer that was given before.
+    /// As `modificationDateOfFile`, or the answer that was given before. What can name no file is
+    /// missing for ever and not remembered: such a path may have any length.
     std::optional<qint64> modificationDate(const QByteArray& path);
 
     bool exists(const QByteArray& path) { return modificationDate(path).has_value(); }
+
+    /// How many paths are remembered.
+    std::size_t size() const { return asked_.size(); }
 
     /// Asks about every path again. True when all answers are what they were; the survey keeps the
     /// former ones in any case.

@@ -41,6 +41,14 @@ std::optional<QByteArray> textIn(Value entry, std::string_view key) {
     return value.isString() ? std::optional(toByteArray(value.utf8())) : std::nullopt;
 }
 
+/// Whether the parent's path or the entry's own names no file for its length alone. To be asked
+/// before they are joined: an entry of megabytes would be copied for each group that lists it.
+bool isTooLong(const std::optional<QByteArray>& referencePath, Value entry) {
+    constexpr auto kLongest = static_cast<std::size_t>(kMaximumPathLength);
+    return referencePath &&
+           (referencePath->size() > kMaximumPathLength || entry["path"].utf8().size() > kLongest);
+}
+
 /// The parent's path joined with the entry's own. Where the entry has none, that is the parent's:
 /// the entry's source tree is ignored, a deliberate simplification.
 std::optional<QByteArray> resolvedPath(const std::optional<QByteArray>& referencePath,
@@ -93,15 +101,20 @@ CDObject* ProjectWalk::refreshedRecord(const Visit& visit, Value entry) {
     if (object != nullptr && isUpToDate(*object)) {
         return object;
     }
+    // A path that is too long names no file; what lies below would only have longer ones, without
+    // bound.
+    if (isTooLong(visit.referencePath, entry)) {
+        return nullptr;
+    }
     const std::optional<QByteArray> path = resolvedPath(visit.referencePath, entry);
+    if (path && path->size() > kMaximumPathLength) {
+        return nullptr;
+    }
     if (object == nullptr) {
         if (!path || !survey_.exists(*path)) {
             return nullptr;
         }
         object = &context_.insertObject();
-    } else if (path && path->size() > kMaximumPathLength) {
-        // Names no file; what lies below would only have longer paths, without bound.
-        return nullptr;
     }
     build(*object, visit, entry, path);
     return object;

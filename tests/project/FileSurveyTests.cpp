@@ -63,6 +63,7 @@ TEST_F(FileSurveyTest, pathsThatCanNameNoFileAreMissing) {
          {QByteArray(""), path("a") + '\0' + "b", path("") + QByteArray(PATH_MAX, 'a')}) {
         EXPECT_FALSE(survey_.exists(impossible));
     }
+    EXPECT_EQ(survey_.size(), 0U);
     EXPECT_TRUE(survey_.stillHolds());
 }
 

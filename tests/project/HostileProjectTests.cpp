@@ -1,9 +1,14 @@
+#include "project/FileDates.h"
+#include "project/FileSurvey.h"
+#include "project/ProjectWalk.h"
+#include "support/propertylist/PropertyListIndex.h"
 #include "tests/project/DataManagerFixture.h"
 
 namespace navrel {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::IsEmpty;
 
 /// Project files whose group trees are none: they end, in bounded time and memory.
 class HostileProject : public DataManagerTest {};
@@ -102,6 +107,54 @@ TEST_F(HostileProject, pathsBeyondTheSystemsLengthNameNothing) {
              .entry("B", "isa = PBXFileReference; path = \"a\\000b\";"));
     pass();
     EXPECT_THAT(identifiers(), ElementsAre("MAIN"));
+}
+
+/// How many paths a walk over a project asks the file system about.
+std::size_t pathsAskedAbout(ManagedObjectContext& context, const QByteArray& folder,
+                            const ProjectText& text) {
+    PropertyListDocument document;
+    EXPECT_TRUE(document.read(text.text()));
+    PropertyListIndex objects;
+    objects.build(document.root()["objects"]);
+    RecordingScanner scanner;
+    FileSurvey survey;
+    ProjectWalk(context, &objects, scanner, survey)
+        .generateObjectForID("MAIN", folder, std::nullopt, 0);
+    return survey.size();
+}
+
+TEST_F(HostileProject, megabytesOfPathCostNothingForEachGroupThatListsThem) {
+    constexpr int kGroups = 100;
+    QByteArrayList groups;
+    ProjectText text;
+    text.file("LONG", QByteArray(2'000'000, 'x'));
+    for (int group = 0; group < kGroups; ++group) {
+        const QByteArray identifier = numbered("G", group);
+        writeFolder(identifier.constData());
+        text.group(identifier.constData(), {"LONG"}, identifier);
+        groups.append(identifier);
+    }
+    text.group("MAIN", groups);
+    EXPECT_EQ(pathsAskedAbout(context(), folder().toUtf8(), text), kGroups + 1U);
+    EXPECT_EQ(identifiers().size(), kGroups + 1U);
+}
+
+TEST_F(HostileProject, megabytesOfPathCostNothingEachTimeAGroupListsThem) {
+    writeFolder(".");
+    QByteArrayList children;
+    for (int time = 0; time < 2'000; ++time) {
+        children.append("LONG");
+    }
+    const auto text =
+        ProjectText().group("MAIN", children).file("LONG", QByteArray(2'000'000, 'x'));
+    EXPECT_EQ(pathsAskedAbout(context(), folder().toUtf8(), text), 1U);
+    EXPECT_THAT(identifiers(), ElementsAre("MAIN"));
+}
+
+TEST_F(HostileProject, aPathBelowOneThatIsTooLongNamesNothing) {
+    const QByteArray folder(kMaximumPathLength + 1, '/');
+    EXPECT_EQ(pathsAskedAbout(context(), folder, ProjectText().group("MAIN", {})), 0U);
+    EXPECT_THAT(identifiers(), IsEmpty());
 }
 
 TEST_F(HostileProject, aRecordWhoseNewPathIsTooLongKeepsItsOldOneUntilItsFileIsGone) {
