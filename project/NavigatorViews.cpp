@@ -58,13 +58,14 @@ std::vector<QByteArray> extensionsAllowedIn(const ManagedObjectContext& context)
 std::vector<CDObject*> visibleChildren(const ManagedObjectContext& context,
                                        QByteArrayView identifier) {
     std::vector<CDObject*> children = context.objectsWithParentID(identifier);
-    const std::vector<QByteArray> allowed = extensionsAllowedIn(context);
+    std::vector<QByteArray> allowed = extensionsAllowedIn(context);
+    std::sort(allowed.begin(), allowed.end());
     // Deliberate: with every file type switched off nothing is filtered and all children show.
     if (!allowed.empty()) {
         std::erase_if(children, [&](const CDObject* child) {
             const bool isAllowed =
                 child->extension() &&
-                std::find(allowed.begin(), allowed.end(), *child->extension()) != allowed.end();
+                std::binary_search(allowed.begin(), allowed.end(), *child->extension());
             return !isAllowed && !child->isGroup().value_or(false);
         });
     }

@@ -6,8 +6,10 @@
 namespace navrel {
 namespace {
 
+using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::Truly;
 
 class NavigatorViews : public DataManagerTest {
 protected:
@@ -115,6 +117,25 @@ TEST_F(NavigatorViews, onlyAllowedTypesAndGroupsAreListed) {
     switchFileType("M", false);
     EXPECT_THAT(namesIn(navigator("MAIN")), ElementsAre("A.h", "e.xib", "Views"));
     EXPECT_THAT(namesIn(navigator("VIEWS")), IsEmpty());
+}
+
+TEST_F(NavigatorViews, thousandsOfTypesAreToldApart) {
+    constexpr int kFiles = 5'000;
+    writeFile("a.txt");
+    load(ProjectText().group("MAIN", {}));
+    for (int file = 0; file < kFiles; ++file) {
+        CDObject& record = context().insertObject();
+        record.setParentID(QByteArray("MAIN"));
+        record.setName(QByteArray::number(file));
+        record.setExtension(QByteArray::number(file));
+        CDFiletype& filetype = context().insertFiletype();
+        filetype.setExtension(QByteArray::number(file));
+        filetype.setAllowed(file % 2 == 0);
+    }
+    const std::vector<std::string> names = namesIn(navigator("MAIN"));
+    EXPECT_EQ(names.size(), kFiles / 2U);
+    EXPECT_THAT(names,
+                Each(Truly([](const std::string& name) { return std::stoi(name) % 2 == 0; })));
 }
 
 TEST_F(NavigatorViews, withEveryTypeSwitchedOffAllIsListedOnPurpose) {
