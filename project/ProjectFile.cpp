@@ -2,7 +2,6 @@
 
 #include "project/FileDates.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <ctime>
 #include <fcntl.h>
@@ -15,8 +14,10 @@ namespace navrel {
 
 namespace {
 
-// A file's times advance in steps of the kernel's clock tick, of which the longest is 10 ms: a file
-// written again within one keeps them. What is older than two when it is read cannot have.
+// The time of a file's last change advances in steps of the kernel's clock tick, of which the
+// longest is 10 ms: a file written again within one keeps it. What is older than two when it is
+// read cannot have. That is the status change alone: the modification date may be set to any time,
+// in the future too.
 constexpr qint64 kClockTickNanoseconds = 10'000'000;
 constexpr qint64 kSettlingTime = 2 * kClockTickNanoseconds;
 
@@ -113,8 +114,7 @@ std::optional<QByteArray> ProjectFile::readContent() {
     }
     std::optional<QByteArray> bytes = readToEnd(file.get(), before.st_size);
     const Identity identity(before);
-    const bool isSettled =
-        std::max(identity.modified, identity.statusChanged) + kSettlingTime < start;
+    const bool isSettled = identity.statusChanged < start - kSettlingTime;
     if (bytes && isSettled && ::fstat(file.get(), &after) == 0 && identity == Identity(after)) {
         identity_ = identity;
     }

@@ -11,7 +11,7 @@
 
 namespace navrel {
 
-/// No larger project file is read: three times the largest that people make.
+/// No larger project file is read: 20 times the largest that people make.
 inline constexpr qsizetype kMaximumProjectFileSize = qsizetype{64} * 1024 * 1024;
 
 /// A project.pbxproj as last read: its objects and the identifier of its main group. It is
