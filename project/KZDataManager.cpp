@@ -39,6 +39,8 @@ void KZDataManager::scheduleUpdates() {
             update();
         }
     });
+    // Other types of timer may be early by a twentieth.
+    updateTimer_.setTimerType(Qt::PreciseTimer);
     updateTimer_.start(kUpdateInterval);
 }
 
