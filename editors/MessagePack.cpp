@@ -4,8 +4,10 @@
 
 #include <QtEndian>
 
+#include <array>
 #include <bit>
 #include <limits>
+#include <utility>
 
 namespace navrel {
 
@@ -291,7 +293,7 @@ bool Reader::readScalar(quint8 first, QVariant& value) {
 }
 
 bool Reader::readCollection(quint8 first, QVariant& value, int depth) {
-    const bool isMap = first >= kMap16;
+    const bool isMap = first == kMap16 || first == kMap32;
     const int sizeOfCount = first == kArray16 || first == kMap16 ? 2 : 4;
     quint64 count = 0;
     if (!takeUnsigned(sizeOfCount, count)) {

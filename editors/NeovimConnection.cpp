@@ -2,6 +2,7 @@
 
 #include "editors/MessagePack.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>

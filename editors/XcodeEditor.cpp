@@ -9,7 +9,6 @@
 #include <QStringList>
 
 #include <atomic>
-#include <functional>
 #include <initializer_list>
 #include <thread>
 #include <utility>
