@@ -117,8 +117,9 @@ void QWFileReader::extendValidity() {
     validEnd_ += static_cast<quint64>(validUTF8Length(buffered(validEnd_, bufferEnd())));
 }
 
+/// Only what is known to be UTF-8 has characters: a stray byte behind a line is none of its own.
 inline bool QWFileReader::isInsideCharacter(quint64 offset) const {
-    return offset < bufferEnd() && isContinuation(buffer_[offset - bufferStart_]);
+    return offset < validEnd_ && isContinuation(buffer_[offset - bufferStart_]);
 }
 
 inline bool QWFileReader::isValidLine(quint64 end) const {

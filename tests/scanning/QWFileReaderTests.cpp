@@ -154,6 +154,15 @@ TEST_F(QWFileReaderTest, onlyTheLineThatIsNotUTF8IsNil) {
     EXPECT_EQ(reader->readLine(), std::nullopt);
 }
 
+TEST_F(QWFileReaderTest, aLineBeforeAStrayByteIsReturned) {
+    EXPECT_THAT(linesOf("a\n\xA9 1998\n"), ElementsAre("a\n"));
+    auto reader = readerOf("a\n\x80\nc\n\xBF");
+    EXPECT_EQ(reader->readLine(), "a\n");
+    EXPECT_EQ(reader->readLine(), std::nullopt);
+    EXPECT_EQ(reader->readLine(), "c\n");
+    EXPECT_EQ(reader->readLine(), std::nullopt);
+}
+
 // Delimiters of several bytes: the chunks show.
 
 TEST_F(QWFileReaderTest, aDelimiterOfSeveralBytesEndsALine) {
@@ -179,6 +188,15 @@ TEST_F(QWFileReaderTest, aLineThatEndsWithinACharacterIsNotUTF8) {
     // The delimiter is U+00E9; the chunk of two ends between its bytes.
     EXPECT_THAT(linesOf("a\xC3\xA9", "\xC3\xA9", 2), IsEmpty());
     EXPECT_THAT(linesOf("a\xC3\xA9", "\xC3\xA9", 3), ElementsAre("a\xC3\xA9"));
+}
+
+TEST_F(QWFileReaderTest, aLineThatBeginsWithinACharacterIsNotUTF8) {
+    auto reader = readerOf("a\xC3\xA9z\xC3\xA9");
+    reader->setLineDelimiter("\xC3\xA9");
+    reader->setChunkSize(2);
+    EXPECT_EQ(reader->readLine(), std::nullopt); // "a\xC3"
+    EXPECT_EQ(reader->readLine(), std::nullopt); // "\xA9z\xC3\xA9"
+    EXPECT_EQ(reader->currentOffset(), 6U);
 }
 
 TEST_F(QWFileReaderTest, anEmptyDelimiterMakesTheFileOneLine) {
