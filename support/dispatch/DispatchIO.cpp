@@ -46,7 +46,7 @@ DispatchIO::DispatchIO(StreamDescriptor descriptor, std::shared_ptr<DispatchQueu
 
 DispatchIO::~DispatchIO() {
     if (cleanupHandler_) { // dropped without having been closed
-        queue_->async([handler = std::move(cleanupHandler_), errnoValue = cleanupErrno_] {
+        queue_->async([handler = std::move(cleanupHandler_), errnoValue = cleanupErrno_]() mutable {
             handler(errnoValue);
         });
     }
@@ -65,8 +65,9 @@ void DispatchIO::read(quint64 length, const std::shared_ptr<DispatchQueue>& hand
         addRead(std::move(read));
         return;
     }
-    const auto shared = std::make_shared<Read>(std::move(read));
-    queue_->async([self = shared_from_this(), shared] { self->addRead(std::move(*shared)); });
+    queue_->async([self = shared_from_this(), read = std::move(read)]() mutable {
+        self->addRead(std::move(read));
+    });
 }
 
 void DispatchIO::write(DispatchData data, const std::shared_ptr<DispatchQueue>& handlerQueue,
@@ -80,8 +81,9 @@ void DispatchIO::write(DispatchData data, const std::shared_ptr<DispatchQueue>& 
         addWrite(std::move(write));
         return;
     }
-    const auto shared = std::make_shared<Write>(std::move(write));
-    queue_->async([self = shared_from_this(), shared] { self->addWrite(std::move(*shared)); });
+    queue_->async([self = shared_from_this(), write = std::move(write)]() mutable {
+        self->addWrite(std::move(write));
+    });
 }
 
 // A handler for the channel's queue that calls the given one on another queue. The operation has
@@ -102,9 +104,9 @@ DispatchIO::ReadHandler DispatchIO::forwarded(ReadHandler handler,
 DispatchIO::WriteHandler DispatchIO::forwarded(WriteHandler handler,
                                                const std::shared_ptr<DispatchQueue>& toQueue) {
     return [self = shared_from_this(), queue = toQueue->shared_from_this(),
-            original = std::move(handler)](int errnoValue) {
+            original = std::move(handler)](int errnoValue) mutable {
         self->beginOperation();
-        queue->async([self, original, errnoValue] {
+        queue->async([self, original = std::move(original), errnoValue]() mutable {
             original(errnoValue);
             self->queue_->async([self] { self->finishOperation(); });
         });
@@ -119,7 +121,7 @@ void DispatchIO::close(Close how) {
     }
 }
 
-void DispatchIO::addRead(Read read) {
+void DispatchIO::addRead(Read&& read) {
     beginOperation();
     if (isClosed_) {
         endReadLater(std::move(read), ECANCELED);
@@ -131,7 +133,7 @@ void DispatchIO::addRead(Read read) {
     }
 }
 
-void DispatchIO::addWrite(Write write) {
+void DispatchIO::addWrite(Write&& write) {
     beginOperation();
     if (isClosed_) {
         endWrite(std::move(write.handler), ECANCELED);
@@ -179,17 +181,16 @@ void DispatchIO::finishOperation() {
 }
 
 // As a job of the queue.
-void DispatchIO::endRead(const ReadHandler& handler, DispatchData data, int errnoValue) {
+void DispatchIO::endRead(ReadHandler& handler, DispatchData&& data, int errnoValue) {
     noteDescriptorError(errnoValue);
     handler(true, std::move(data), errnoValue);
     finishOperation();
 }
 
 // Inside a call, so the handler gets a job of its own.
-void DispatchIO::endReadLater(Read read, int errnoValue) {
-    const auto shared = std::make_shared<Read>(std::move(read));
-    queue_->async([self = shared_from_this(), shared, errnoValue] {
-        self->endRead(shared->handler, shared->bytes.takePiece(), errnoValue);
+void DispatchIO::endReadLater(Read&& read, int errnoValue) {
+    queue_->async([self = shared_from_this(), read = std::move(read), errnoValue]() mutable {
+        self->endRead(read.handler, read.bytes.takePiece(), errnoValue);
     });
 }
 
@@ -200,7 +201,7 @@ void DispatchIO::endWrite(WriteHandler handler, int errnoValue) {
         finishOperation();
         return;
     }
-    queue_->async([self = shared_from_this(), handler = std::move(handler), errnoValue] {
+    queue_->async([self = shared_from_this(), handler = std::move(handler), errnoValue]() mutable {
         handler(errnoValue);
         self->finishOperation();
     });
@@ -215,7 +216,7 @@ void DispatchIO::cleanUpIfEnded() {
         self->readNotifier_.reset();
         self->writeNotifier_.reset();
         self->descriptor_.forget();
-        if (const auto handler = std::exchange(self->cleanupHandler_, nullptr)) {
+        if (auto handler = std::exchange(self->cleanupHandler_, nullptr)) {
             handler(self->cleanupErrno_);
         }
     });
@@ -347,7 +348,7 @@ void DispatchIO::deliverPiece() {
 // At the end of the stream.
 void DispatchIO::deliverRest() {
     DispatchData rest = reads_.front().bytes.takePiece();
-    const Read read = std::move(reads_.front());
+    Read read = std::move(reads_.front());
     reads_.pop_front();
     if (!rest.isEmpty()) {
         read.handler(false, std::move(rest), 0);
@@ -359,8 +360,8 @@ void DispatchIO::failRead(int errnoValue) {
     endFirstRead(reads_.front().bytes.takePiece(), errnoValue);
 }
 
-void DispatchIO::endFirstRead(DispatchData data, int errnoValue) {
-    const ReadHandler handler = std::move(reads_.front().handler);
+void DispatchIO::endFirstRead(DispatchData&& data, int errnoValue) {
+    ReadHandler handler = std::move(reads_.front().handler);
     reads_.pop_front();
     endRead(handler, std::move(data), errnoValue);
 }
@@ -427,17 +428,17 @@ void DispatchIO::retireWrites(size_t writtenBytes) {
         if (write.bytes.unwritten() > 0) {
             return;
         }
-        const Write written = std::move(write); // its data may run a destructor of the caller's
+        Write written = std::move(write); // its data may run a destructor of the caller's
         writes_.pop_front();
-        endWrite(written.handler, 0);
+        endWrite(std::move(written.handler), 0);
     }
 }
 
 void DispatchIO::failWrite(int errnoValue) {
-    const Write failed = std::move(writes_.front());
+    Write failed = std::move(writes_.front());
     writes_.pop_front();
     unwrittenBytes_ -= failed.bytes.unwritten();
-    endWrite(failed.handler, errnoValue);
+    endWrite(std::move(failed.handler), errnoValue);
 }
 
 void DispatchIO::listenFor(Notifier& notifier, QSocketNotifier::Type type, bool enabled) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/dispatch/DispatchData.h"
+#include "support/dispatch/MoveOnlyFunction.h"
 #include "support/dispatch/ReadAhead.h"
 #include "support/dispatch/ReadOperation.h"
 #include "support/dispatch/StreamDescriptor.h"
@@ -9,7 +10,6 @@
 #include <QSocketNotifier>
 
 #include <deque>
-#include <functional>
 #include <limits>
 #include <memory>
 
@@ -26,7 +26,8 @@ class DispatchQueue;
 /// The channel reads ahead: bytes behind what an operation asked for wait in it for the next one,
 /// so nobody else may read the descriptor. It reads only while an operation waits, a few times an
 /// event, and not while more than `kMostUnwrittenBytes` or `kMostUnwrittenWrites` wait for a peer
-/// that does not read: its memory is bounded whatever a peer does.
+/// that does not read. So what a peer can make it hold is bounded by the piece that the first read
+/// asks for, and whoever takes a length from a peer is to limit it.
 ///
 /// Operations may be called on any thread; off the queue's thread they take effect in the order of
 /// their calls as soon as the queue gets there. The channel stays alive while operations are
@@ -36,14 +37,14 @@ public:
     /// One delivery of a read: the next piece of its bytes, whether it is the last delivery, and
     /// for the last one an errno value. At the end of the stream an unfinished read first delivers
     /// what it has, if anything, and then an empty last piece with errno 0.
-    using ReadHandler = std::function<void(bool done, DispatchData data, int errnoValue)>;
+    using ReadHandler = MoveOnlyFunction<void(bool done, DispatchData data, int errnoValue)>;
 
     /// The end of a write: 0 when all its bytes are written.
-    using WriteHandler = std::function<void(int errnoValue)>;
+    using WriteHandler = MoveOnlyFunction<void(int errnoValue)>;
 
     /// The end of the channel: EBADF when the descriptor turned out to be none, else 0. Whoever
     /// owns the descriptor closes it here, not before.
-    using CleanupHandler = std::function<void(int errnoValue)>;
+    using CleanupHandler = MoveOnlyFunction<void(int errnoValue)>;
 
     enum class Close {
         afterPending, ///< pending operations finish first
@@ -101,8 +102,8 @@ private:
 
     ReadHandler forwarded(ReadHandler handler, const std::shared_ptr<DispatchQueue>& toQueue);
     WriteHandler forwarded(WriteHandler handler, const std::shared_ptr<DispatchQueue>& toQueue);
-    void addRead(Read read);
-    void addWrite(Write write);
+    void addRead(Read&& read);
+    void addWrite(Write&& write);
     void closeNow(Close how);
 
     void readable();
@@ -115,7 +116,7 @@ private:
     bool isReceived(const StreamDescriptor::Transfer& transfer, size_t asked);
     void deliverPiece();
     void deliverRest();
-    void endFirstRead(DispatchData data, int errnoValue);
+    void endFirstRead(DispatchData&& data, int errnoValue);
     void failRead(int errnoValue);
     void arrangeReading();
     bool isPeerKeepingUp() const;
@@ -126,8 +127,8 @@ private:
     void retireWrites(size_t writtenBytes);
     void failWrite(int errnoValue);
 
-    void endRead(const ReadHandler& handler, DispatchData data, int errnoValue);
-    void endReadLater(Read read, int errnoValue);
+    void endRead(ReadHandler& handler, DispatchData&& data, int errnoValue);
+    void endReadLater(Read&& read, int errnoValue);
     void endWrite(WriteHandler handler, int errnoValue);
     void beginOperation();
     void finishOperation();

@@ -102,7 +102,7 @@ void* DispatchQueue::specific(const void* key) const {
     return specifics_.value(key).value;
 }
 
-bool DispatchQueue::tryPerform(const Job& job) {
+bool DispatchQueue::tryPerform(Job job) {
     std::unique_lock lock(mutex_);
     if (!canRun() || !jobs_.empty()) {
         return false;

@@ -1,11 +1,12 @@
 #pragma once
 
+#include "support/dispatch/MoveOnlyFunction.h"
+
 #include <QHash>
 #include <QString>
 #include <QThread>
 
 #include <deque>
-#include <functional>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -24,7 +25,7 @@ namespace navrel {
 /// jobs of a suspended queue that nobody holds are dropped unrun.
 class DispatchQueue final : public std::enable_shared_from_this<DispatchQueue> {
 public:
-    using Job = std::function<void()>;
+    using Job = MoveOnlyFunction<void()>;
     using SpecificDestructor = void (*)(void* value);
 
     /// The queue of the application's main thread, run by its event loop. Never destroyed. Any
@@ -67,7 +68,7 @@ public:
     /// Runs the job at once, as a job of this queue, if none is running or waiting and the queue is
     /// not suspended; jobs that it puts on the queue follow at once. False, with nothing run,
     /// otherwise. For events that arrive on the queue's thread, which alone may call it.
-    bool tryPerform(const Job& job);
+    bool tryPerform(Job job);
 
 private:
     struct Specific {
