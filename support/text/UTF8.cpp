@@ -2,7 +2,9 @@
 
 #include <unicode/ustring.h>
 
+#include <algorithm>
 #include <cstring>
+#include <limits>
 
 namespace navrel {
 
