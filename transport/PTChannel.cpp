@@ -222,7 +222,7 @@ struct PTChannel::IncomingFrame {
     quint32 type;
     quint32 tag;
     quint32 payloadSize;
-    std::function<void()> resume;
+    PTProtocol::Resume resume;
 };
 
 std::optional<Error>
@@ -238,7 +238,7 @@ PTChannel::startReadingFromConnectedChannel(const std::shared_ptr<DispatchIO>& c
     protocol_->readFramesOverChannel(
         channel, [self = shared_from_this(),
                   channel](const std::optional<Error>& error, quint32 type, quint32 tag,
-                           quint32 payloadSize, std::function<void()> resume) {
+                           quint32 payloadSize, PTProtocol::Resume resume) {
             if (!self->hasEnded(error, type == kPTFrameTypeEndOfStream)) {
                 self->frameDidBegin(channel, {type, tag, payloadSize, std::move(resume)});
             }

@@ -4,6 +4,7 @@
 #include "support/dispatch/DispatchIO.h"
 #include "support/dispatch/DispatchQueue.h"
 #include "transport/PTFrame.h"
+#include "transport/PTReadOutcome.h"
 
 #include <cerrno>
 #include <limits>
@@ -11,8 +12,6 @@
 #include <utility>
 
 namespace navrel {
-
-const QString kPTProtocolErrorDomain = QStringLiteral("PTProtocolError");
 
 namespace {
 
@@ -33,68 +32,15 @@ void releaseQueueLocalProtocol(void* value) {
     (*reference)->forgetQueue();
 }
 
-/// How a read of an exact length has ended.
-struct ReadOutcome {
-    DispatchData data;
-    int errnoValue;
-    // Deliberate: decided on the last piece alone, so a stream that ends within a frame has ended
-    // as cleanly as one that ends between frames.
-    bool isEndOfStream;
-};
-
-/// Gathers the pieces of a read, and calls back with the outcome after the last one.
+/// Calls back with what the end of a header's read says. What a stream still delivers when it ends
+/// within a header is nothing to anybody.
 template <typename Callback>
-DispatchIO::ReadHandler gatheringHandler(Callback callback) {
-    return [callback = std::move(callback),
-            accumulated = DispatchData()](bool done, DispatchData piece, int errnoValue) mutable {
-        const bool isEndOfStream = errnoValue == 0 && piece.isEmpty();
-        accumulated.append(std::move(piece));
+DispatchIO::ReadHandler headerHandler(Callback callback) {
+    return [callback = std::move(callback)](bool done, DispatchData piece, int errnoValue) {
         if (done) {
-            callback(ReadOutcome{std::move(accumulated), errnoValue, isEndOfStream});
+            callback(headerOutcome(std::move(piece), errnoValue));
         }
     };
-}
-
-/// The bytes in one piece, or the reason why there are none.
-std::optional<Error> mapOutcome(ReadOutcome& outcome) {
-    if (outcome.errnoValue != 0) {
-        return Error::posix(outcome.errnoValue);
-    }
-    auto contiguous = std::move(outcome.data).contiguous();
-    if (!contiguous) {
-        return Error::posix(ENOMEM);
-    }
-    outcome.data = std::move(*contiguous);
-    return std::nullopt;
-}
-
-/// Calls back with (error, header) at the end of a read; the header of an end of stream, and of a
-/// failure, has type 0.
-template <typename Callback>
-void tellHeader(ReadOutcome outcome, const Callback& callback) {
-    if (outcome.isEndOfStream) {
-        return callback(std::nullopt, PTFrameHeader());
-    }
-    if (const auto error = mapOutcome(outcome)) {
-        return callback(error, PTFrameHeader());
-    }
-    const auto header =
-        decodedFrameHeader({outcome.data.bytes(), static_cast<qsizetype>(outcome.data.size())});
-    if (!header) {
-        return callback(Error(kPTProtocolErrorDomain, 0), PTFrameHeader());
-    }
-    callback(std::nullopt, *header);
-}
-
-void tellPayload(ReadOutcome outcome, const PTProtocol::PayloadCallback& callback) {
-    if (outcome.isEndOfStream) {
-        return callback(std::nullopt, std::nullopt, nullptr, 0);
-    }
-    if (const auto error = mapOutcome(outcome)) {
-        return callback(error, std::nullopt, nullptr, 0);
-    }
-    const std::optional<DispatchData> data = std::move(outcome.data);
-    callback(std::nullopt, data, data->bytes(), data->size());
 }
 
 } // namespace
@@ -126,6 +72,8 @@ PTProtocol::createDispatchDataWithFrameOfType(quint32 type, quint32 frameTag,
     NAVREL_ASSERT_AS(payloadSize <= std::numeric_limits<quint32>::max(),
                      "payloadSize <= UINT32_MAX");
     const auto header = encodedFrameHeader({type, frameTag, static_cast<quint32>(payloadSize)});
+    // The header's bytes are freed where the last reference goes, not as a job of the queue: nobody
+    // can tell the difference, and a job would cost more than all the rest of sending.
     DispatchData frame = DispatchData::copying({header.data(), header.size()});
     if (payload) {
         frame.append(*payload);
@@ -149,22 +97,34 @@ void PTProtocol::sendFrameOfType(quint32 type, quint32 tag,
 
 void PTProtocol::readFrameOverChannel(const std::shared_ptr<DispatchIO>& channel,
                                       FrameCallback callback) {
-    const auto tell = [callback = std::move(callback)](const std::optional<Error>& error,
-                                                       const PTFrameHeader& header) {
-        callback(error, header.type, header.tag, header.payloadSize);
-    };
     channel->read(kPTFrameHeaderSize, queue(),
-                  gatheringHandler([self = shared_from_this(), tell](ReadOutcome outcome) {
-                      tellHeader(std::move(outcome), tell);
+                  headerHandler([self = shared_from_this(),
+                                 callback = std::move(callback)](const PTHeaderOutcome& outcome) {
+                      const auto& [type, tag, payloadSize] = outcome.header;
+                      callback(outcome.error, type, tag, payloadSize);
                   }));
 }
 
 void PTProtocol::readPayloadOfSize(size_t size, const std::shared_ptr<DispatchIO>& overChannel,
                                    PayloadCallback callback) {
+    if (size > kLargestPayload) {
+        return refusePayload(std::move(callback));
+    }
     overChannel->read(
         size, queue(),
-        gatheringHandler([self = shared_from_this(), callback = std::move(callback)](
-                             ReadOutcome outcome) { tellPayload(std::move(outcome), callback); }));
+        [self = shared_from_this(), callback = std::move(callback)](bool done, DispatchData piece,
+                                                                    int errnoValue) mutable {
+            if (done) {
+                const auto [error, data] = payloadOutcome(std::move(piece), errnoValue);
+                callback(error, data, data ? data->bytes() : nullptr, data ? data->size() : 0);
+            }
+        });
+}
+
+void PTProtocol::refusePayload(PayloadCallback callback) {
+    queue()->async([self = shared_from_this(), callback = std::move(callback)]() mutable {
+        callback(Error::posix(ENOMEM), std::nullopt, nullptr, 0);
+    });
 }
 
 void PTProtocol::readAndDiscardDataOfSize(size_t size,
@@ -172,8 +132,8 @@ void PTProtocol::readAndDiscardDataOfSize(size_t size,
                                           DiscardCallback callback) {
     overChannel->read(
         size, queue(),
-        [self = shared_from_this(),
-         callback = std::move(callback)](bool done, const DispatchData& piece, int errnoValue) {
+        [self = shared_from_this(), callback = std::move(callback)](
+            bool done, const DispatchData& piece, int errnoValue) mutable {
             if (done && callback) {
                 callback(errorFromErrno(errnoValue), piece.isEmpty());
             }
@@ -195,22 +155,18 @@ void PTProtocol::readFramesOverChannel(const std::shared_ptr<DispatchIO>& channe
 }
 
 void PTProtocol::readNextFrame(const std::shared_ptr<const FrameLoop>& loop) {
-    loop->channel->read(
-        kPTFrameHeaderSize, queue(), gatheringHandler([loop](ReadOutcome outcome) {
-            tellHeader(std::move(outcome),
-                       [&loop](const std::optional<Error>& error, const PTFrameHeader& header) {
-                           tellFrame(loop, error, header);
-                       });
-        }));
+    loop->channel->read(kPTFrameHeaderSize, loop->protocol->queue(),
+                        headerHandler([loop](const PTHeaderOutcome& outcome) {
+                            const auto& [type, tag, payloadSize] = outcome.header;
+                            loop->onFrame(outcome.error, type, tag, payloadSize,
+                                          Resume(loop, type));
+                        }));
 }
 
-void PTProtocol::tellFrame(const std::shared_ptr<const FrameLoop>& loop,
-                           const std::optional<Error>& error, const PTFrameHeader& header) {
-    loop->onFrame(error, header.type, header.tag, header.payloadSize, [loop, type = header.type] {
-        if (type != kPTFrameTypeEndOfStream) {
-            loop->protocol->readNextFrame(loop);
-        }
-    });
+void PTProtocol::Resume::operator()() const {
+    if (type_ != kPTFrameTypeEndOfStream) {
+        readNextFrame(loop_);
+    }
 }
 
 // A pointer that owns nothing: the queue must not be kept alive by what it holds itself.

@@ -2,22 +2,19 @@
 
 #include "support/Error.h"
 #include "support/dispatch/DispatchData.h"
+#include "support/dispatch/MoveOnlyFunction.h"
 
 #include <QString>
 
 #include <functional>
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace navrel {
 
 class DispatchIO;
 class DispatchQueue;
-struct PTFrameHeader;
-
-/// Domain of the one error of the protocol: code 0, a header that is cut off or has another
-/// version.
-extern const QString kPTProtocolErrorDomain;
 
 /// Turns a byte stream into frames (PTFrame.h) and back. It schedules nothing by itself: every
 /// operation is given the stream channel that it works on, and every callback runs on the
@@ -26,7 +23,13 @@ extern const QString kPTProtocolErrorDomain;
 ///
 /// An operation holds the protocol until its callback has run. Used on the protocol's queue only.
 class PTProtocol : public std::enable_shared_from_this<PTProtocol> {
+    struct FrameLoop;
+
 public:
+    /// The most that is gathered of one payload. A request is a small dictionary and a reply has a
+    /// few MiB, so a peer that really delivers more means no good, and is not to fill the memory.
+    static constexpr size_t kLargestPayload = size_t{64} * 1024 * 1024;
+
     using SendCallback = std::function<void(const std::optional<Error>& error)>;
 
     /// Type 0 without an error is the end of the stream. With an error type, tag and size are 0.
@@ -36,17 +39,31 @@ public:
     /// The payload in one piece, with a pointer to its bytes and their count. The data lives as
     /// long as the call, or as any copy of it that the callback takes. No data and size 0, without
     /// an error, at the end of the stream.
-    using PayloadCallback = std::function<void(const std::optional<Error>& error,
-                                               const std::optional<DispatchData>& contiguousData,
-                                               const char* buffer, size_t bufferSize)>;
+    using PayloadCallback = MoveOnlyFunction<void(const std::optional<Error>& error,
+                                                  const std::optional<DispatchData>& contiguousData,
+                                                  const char* buffer, size_t bufferSize)>;
 
     using DiscardCallback =
-        std::function<void(const std::optional<Error>& error, bool endOfStream)>;
+        MoveOnlyFunction<void(const std::optional<Error>& error, bool endOfStream)>;
+
+    /// Goes on with the loop that told of a frame, which it keeps alive.
+    class Resume {
+    public:
+        void operator()() const;
+
+    private:
+        friend class PTProtocol;
+        Resume(std::shared_ptr<const FrameLoop> loop, quint32 type)
+            : loop_(std::move(loop)), type_(type) {}
+
+        std::shared_ptr<const FrameLoop> loop_;
+        quint32 type_;
+    };
 
     /// A frame as in FrameCallback. Whoever is told calls `resume` once the payload has been read:
     /// only then is the next header read. After type 0, `resume` does nothing.
     using OnFrame = std::function<void(const std::optional<Error>& error, quint32 type, quint32 tag,
-                                       quint32 payloadSize, std::function<void()> resume)>;
+                                       quint32 payloadSize, Resume resume)>;
 
     /// A protocol on the given queue, which may be null: it is then no use before `setQueue`.
     static std::shared_ptr<PTProtocol> initWithDispatchQueue(std::shared_ptr<DispatchQueue> queue);
@@ -82,7 +99,8 @@ public:
     /// Reads one header. A payload, if it announces one, comes next on the channel.
     void readFrameOverChannel(const std::shared_ptr<DispatchIO>& channel, FrameCallback callback);
 
-    /// Reads exactly `size` bytes, into one buffer that grows as they arrive.
+    /// Reads exactly `size` bytes, into one buffer that grows as they arrive. More than
+    /// `kLargestPayload` end at once with the POSIX error ENOMEM, none of them read.
     void readPayloadOfSize(size_t size, const std::shared_ptr<DispatchIO>& overChannel,
                            PayloadCallback callback);
 
@@ -101,11 +119,8 @@ protected:
     quint32 nextFrameTag_ = 0;
 
 private:
-    struct FrameLoop;
-
-    void readNextFrame(const std::shared_ptr<const FrameLoop>& loop);
-    static void tellFrame(const std::shared_ptr<const FrameLoop>& loop,
-                          const std::optional<Error>& error, const PTFrameHeader& header);
+    void refusePayload(PayloadCallback callback);
+    static void readNextFrame(const std::shared_ptr<const FrameLoop>& loop);
 };
 
 /// The protocol that belongs to one queue: the queue owns it, so it refers to the queue without

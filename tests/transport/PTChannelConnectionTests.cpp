@@ -1,5 +1,6 @@
 #include "support/dispatch/DispatchQueue.h"
 #include "support/dispatch/DispatchSource.h"
+#include "tests/LogRecorder.h"
 #include "tests/transport/ChannelTest.h"
 
 #include <array>
@@ -282,6 +283,45 @@ TEST_F(PTChannelListening, outlivesTheConnectionsThatItAccepted) {
     peer.close();
     EXPECT_TRUE(waitUntil([&] { return !delegate_->ends.empty(); }));
     EXPECT_TRUE(waitUntil([&] { return listener.expired(); }));
+}
+
+TEST_F(PTChannelListening, logsAConnectionThatItsDelegateKeptFromBeingRead) {
+    const LogRecorder log;
+    delegate_->onConnection = [](PTChannel& channel) { channel.setConnState(kConnStateListening); };
+    const RawPeer peer = RawPeer::connectedTo(kPort);
+    EXPECT_TRUE(waitForConnections(1));
+    EXPECT_EQ(log.messages(),
+              QStringList(QStringLiteral("startReadingFromConnectedChannel failed in accept: ") +
+                          Error::posix(EPERM).description()));
+    delegate_->accepted[0]->setConnState(kConnStateConnected); // so that it can be closed
+}
+
+TEST_F(PTChannelListening, canBeginAgainRightAfterAConnectionWasClosedByThisSide) {
+    RawPeer peer = RawPeer::connectedTo(kPort);
+    EXPECT_TRUE(waitForConnections(1));
+    delegate_->accepted[0]->close();
+    EXPECT_TRUE(waitUntil([&] { return peer.hasEnded(); }));
+    peer.close();
+    listener_->close();
+    EXPECT_TRUE(waitUntil([&] { return listener_->dispatchSource() == nullptr; }));
+
+    listener_ = PTChannel::channelWithDelegate(delegate_);
+    listener_->listenOnPort(kPort, kLoopback, [](const std::optional<Error>& error) {
+        EXPECT_EQ(error, std::nullopt);
+    });
+    EXPECT_TRUE(listener_->isListening());
+}
+
+TEST(PTChannelConnectionWhoseDelegateHasNoEndOperation, endsWithoutTellingIt) {
+    const auto delegate = std::make_shared<RecordingDelegate>(quint8{0});
+    const RawListener listener(kPort);
+    auto channel = PTChannel::channelWithDelegate(delegate);
+    channel->connectToPort(kPort, kLoopback, nullptr);
+    ASSERT_TRUE(channel->isConnected());
+    listener.accept().close();
+    const std::weak_ptr<PTChannel> watched = std::exchange(channel, nullptr);
+    EXPECT_TRUE(waitUntil([&] { return watched.expired(); })); // all handlers have run
+    EXPECT_TRUE(delegate->ends.empty());
 }
 
 TEST(PTChannelListeningWithoutAnAcceptingDelegate, closesEveryConnectionAtOnce) {

@@ -1,11 +1,13 @@
 #include "support/dispatch/ReadOperation.h"
 #include "tests/transport/ChannelTest.h"
 #include "transport/PTFrame.h"
+#include "transport/PTReadOutcome.h"
 
 #include <QEventLoop>
 #include <QFile>
 #include <QTimer>
 
+#include <cerrno>
 #include <malloc.h>
 #include <thread>
 
@@ -220,10 +222,11 @@ size_t allocatedBytes() {
     return information.uordblks + information.hblkhd;
 }
 
-TEST_F(PTChannelFrames, thatAnnounce4GigabytesAndSendLittleTakeLittleMemory) {
+TEST_F(PTChannelFrames, thatAnnounceTheMostAndSendLittleTakeLittleMemory) {
+    static_assert(PTProtocol::kLargestPayload == 0x04000000);
     connect();
     const size_t before = allocatedBytes();
-    peer_.send(QByteArray::fromHex("00000001000000C800000007FFFFFFFF") + "little");
+    peer_.send(QByteArray::fromHex("00000001000000C80000000704000000") + "little");
     settle();
     if (before > 0) { // a sanitizer's allocator does not tell
         EXPECT_LT(allocatedBytes(), before + 2 * ReadOperation::kFirstCapacity);
@@ -232,6 +235,15 @@ TEST_F(PTChannelFrames, thatAnnounce4GigabytesAndSendLittleTakeLittleMemory) {
     peer_.close();
     EXPECT_TRUE(waitForEnd());
     EXPECT_EQ(delegate_->ends[0].error, std::nullopt);
+}
+
+TEST_F(PTChannelFrames, thatAnnounceMoreThanTheMostEndTheConnection) {
+    connect();
+    peer_.send(QByteArray::fromHex("00000001000000C80000000704000001") + "little");
+    EXPECT_TRUE(waitForEnd());
+    EXPECT_EQ(delegate_->ends[0].error, Error::posix(ENOMEM));
+    EXPECT_TRUE(delegate_->frames.empty());
+    EXPECT_TRUE(waitUntil([&] { return peer_.hasEnded(); }));
 }
 
 TEST_F(PTChannelFrames, thatAreRefusedTakeNoMemoryHoweverLargeTheyAre) {

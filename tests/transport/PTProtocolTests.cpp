@@ -4,9 +4,11 @@
 #include "tests/WaitUntil.h"
 #include "tests/transport/RawPeer.h"
 #include "transport/PTProtocol.h"
+#include "transport/PTReadOutcome.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <limits>
@@ -258,6 +260,32 @@ TEST_F(PTProtocolTest, reportsAPayloadThatCannotBeRead) {
     EXPECT_EQ(payload.error, Error::posix(ECANCELED));
     EXPECT_FALSE(payload.data);
     EXPECT_EQ(payload.size, 0U);
+}
+
+TEST_F(PTProtocolTest, gathersNoPayloadBeyondTheLargest) {
+    Payload payload;
+    protocol_->readPayloadOfSize(PTProtocol::kLargestPayload + 1, io_, recordInto(payload));
+    EXPECT_EQ(payload.calls, 0); // never inside the call
+    EXPECT_TRUE(waitUntil([&] { return payload.calls == 1; }));
+    EXPECT_EQ(payload.error, Error::posix(ENOMEM));
+    EXPECT_FALSE(payload.data);
+    EXPECT_EQ(payload.size, 0U);
+    peer_.send(frameBytes(5, 7));
+    EXPECT_EQ(readOneFrame(), (Told{std::nullopt, 5, 7, 0})); // nothing was read
+}
+
+TEST_F(PTProtocolTest, gathersTheLargestPayload) {
+    constexpr auto kSize = static_cast<qsizetype>(PTProtocol::kLargestPayload);
+    Payload payload;
+    protocol_->readPayloadOfSize(PTProtocol::kLargestPayload, io_, recordInto(payload));
+    const QByteArray part(1024 * 1024, 'x');
+    qsizetype sent = 0;
+    EXPECT_TRUE(waitUntil([&] {
+        sent += peer_.sendSome(part.first(std::min(part.size(), kSize - sent)));
+        return payload.calls == 1;
+    }));
+    EXPECT_EQ(payload.error, std::nullopt);
+    EXPECT_EQ(payload.size, PTProtocol::kLargestPayload);
 }
 
 TEST_F(PTProtocolTest, discardsAPayload) {

@@ -32,6 +32,9 @@ void RecordingDelegate::ioFrameChannelDidAcceptConnection(
     const std::shared_ptr<const PTAddress>& address) {
     accepted.push_back(otherChannel);
     acceptedAddresses.push_back(address->description());
+    if (onConnection) {
+        onConnection(*otherChannel);
+    }
 }
 
 } // namespace navrel

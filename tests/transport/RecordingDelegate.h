@@ -50,7 +50,8 @@ public:
     std::vector<QString> acceptedAddresses;
     std::vector<quint32> askedTypes;
     std::set<quint32> refusedTypes;
-    std::function<void(const Frame&)> onFrame; ///< called after the frame was recorded
+    std::function<void(const Frame&)> onFrame;    ///< called after the frame was recorded
+    std::function<void(PTChannel&)> onConnection; ///< called after the connection was recorded
 
 private:
     const quint8 operations_;

@@ -1,0 +1,36 @@
+#include "transport/PTReadOutcome.h"
+
+#include <cerrno>
+#include <utility>
+
+namespace navrel {
+
+const QString kPTProtocolErrorDomain = QStringLiteral("PTProtocolError");
+
+PTPayloadOutcome payloadOutcome(DispatchData lastPiece, int errnoValue) {
+    if (errnoValue != 0) {
+        return {Error::posix(errnoValue), std::nullopt};
+    }
+    if (lastPiece.isEmpty()) {
+        return {};
+    }
+    auto contiguous = std::move(lastPiece).contiguous();
+    if (!contiguous) {
+        return {Error::posix(ENOMEM), std::nullopt};
+    }
+    return {std::nullopt, std::move(contiguous)};
+}
+
+PTHeaderOutcome headerOutcome(DispatchData lastPiece, int errnoValue) {
+    const auto [error, bytes] = payloadOutcome(std::move(lastPiece), errnoValue);
+    if (!bytes) {
+        return {error};
+    }
+    const auto header = decodedFrameHeader({bytes->bytes(), static_cast<qsizetype>(bytes->size())});
+    if (!header) {
+        return {Error(kPTProtocolErrorDomain, 0)};
+    }
+    return {std::nullopt, *header};
+}
+
+} // namespace navrel

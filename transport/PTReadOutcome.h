@@ -1,0 +1,35 @@
+#pragma once
+
+#include "support/Error.h"
+#include "support/dispatch/DispatchData.h"
+#include "transport/PTFrame.h"
+
+#include <QString>
+
+#include <optional>
+
+namespace navrel {
+
+/// Domain of the one error of the protocol: code 0, a header that is cut off or has another
+/// version.
+extern const QString kPTProtocolErrorDomain;
+
+// What the last delivery of a read says, by its bytes and its errno value. Without bytes and
+// without an errno value it is the end of the stream. Deliberately decided on that delivery alone:
+// a stream that ends within a frame has ended as cleanly as one that ends between frames.
+
+/// An error, or a header; the header of an error, and of the end of the stream, has type 0.
+struct PTHeaderOutcome {
+    std::optional<Error> error;
+    PTFrameHeader header = {};
+};
+PTHeaderOutcome headerOutcome(DispatchData lastPiece, int errnoValue);
+
+/// An error, or the payload's bytes in one piece; neither at the end of the stream.
+struct PTPayloadOutcome {
+    std::optional<Error> error;
+    std::optional<DispatchData> contiguousData;
+};
+PTPayloadOutcome payloadOutcome(DispatchData lastPiece, int errnoValue);
+
+} // namespace navrel
