@@ -16,14 +16,8 @@ QByteArray textOfGroup(const QString& text, const RegularExpression::Match& matc
 
 } // namespace
 
-RegularExpression::Deadline superclassDeadline() {
-    return RegularExpression::Clock::now() + kSuperclassTimeLimit;
-}
-
-std::optional<SuperclassExpression>
-SuperclassExpression::forBaseName(QByteArrayView baseName,
-                                  std::optional<RegularExpression::Deadline> deadline,
-                                  const ScanPattern& pattern) {
+std::optional<SuperclassExpression> SuperclassExpression::forBaseName(QByteArrayView baseName,
+                                                                      const ScanPattern& pattern) {
     const auto name = decodeUTF8(baseName);
     if (!name) {
         return std::nullopt;
@@ -37,15 +31,17 @@ SuperclassExpression::forBaseName(QByteArrayView baseName,
     if (expression == nullptr) {
         return std::nullopt;
     }
-    return SuperclassExpression(std::move(*expression), deadline);
+    return SuperclassExpression(std::move(*expression));
 }
 
-std::optional<QByteArray> SuperclassExpression::superclassOnLine(QByteArrayView line) {
+std::optional<QByteArray>
+SuperclassExpression::superclassOnLine(QByteArrayView line,
+                                       std::optional<RegularExpression::Deadline> deadline) {
     const auto text = decodeUTF8(line);
     if (!text) {
         return std::nullopt;
     }
-    const auto found = expression_.matchesIn(*text, deadline_);
+    const auto found = expression_.matchesIn(*text, deadline);
     error_ = found.error;
     if (found.error || found.matches.empty()) {
         return std::nullopt;

@@ -56,8 +56,7 @@ std::optional<Error> PlainScan::scan(QByteArrayView text, const SourceName& name
 void PlainScan::scanLines(QByteArrayView text, const SourceName& name) {
     std::optional<SuperclassExpression> superclass;
     if (name.kind() == SourceKind::Header) {
-        superclass =
-            SuperclassExpression::forBaseName(name.baseName(), deadline_, patterns_.superclass);
+        superclass = SuperclassExpression::forBaseName(name.baseName(), patterns_.superclass);
     }
     quint32 lineNumber = 1;
     for (QByteArrayView rest = text; !rest.isEmpty(); ++lineNumber) {
@@ -66,7 +65,7 @@ void PlainScan::scanLines(QByteArrayView text, const SourceName& name) {
             return;
         }
         if (superclass && !findings_->superclass()) {
-            if (const auto found = superclass->superclassOnLine(line)) {
+            if (const auto found = superclass->superclassOnLine(line, deadline_)) {
                 findings_->setSuperclass(findings_->keepText(*found));
             }
             error_ = error_ ? error_ : superclass->error();

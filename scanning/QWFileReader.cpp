@@ -3,6 +3,7 @@
 #include "scanning/LineExpressions.h"
 #include "scanning/QWAdditions.h"
 #include "scanning/SourceFindings.h"
+#include "scanning/SuperclassSearch.h"
 #include "support/text/UTF8.h"
 
 #include <QChar>
@@ -236,17 +237,13 @@ void QWFileReader::enumerateLinesUsingBlock(const LineBlock& block) {
 }
 
 void QWFileReader::findSuperclassUsingBlock(const SuperclassBlock& block) {
-    auto expression =
-        SuperclassExpression::forBaseName(SourceName(filePath_).baseName(), superclassDeadline());
-    if (!expression) {
-        return;
-    }
+    SuperclassBudget budget;
+    SuperclassSearch search(SourceName(filePath_).baseName(), budget);
     enumerateLinesUsingBlock([&](QByteArrayView line, bool& stop) {
-        const auto superclass = expression->superclassOnLine(line);
-        if (superclass) {
+        if (const auto superclass = search.superclassOnLine(line)) {
             block(*superclass);
         }
-        stop = superclass.has_value() || expression->error().has_value();
+        stop = search.isOver();
     });
 }
 

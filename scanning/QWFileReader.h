@@ -61,7 +61,9 @@ public:
     /// (it may be the empty text), and ends there; never calls it where no line does. The file's
     /// own class is named like the file: its base name is put into the pattern as it is,
     /// deliberately, so that special characters in it are the pattern's. No superclass is found
-    /// where that makes no pattern, or one that takes longer than `kSuperclassTimeLimit`.
+    /// where that makes no pattern, or one that takes longer than `SuperclassBudget` lets one
+    /// header take; nor where ICU's memory does not suffice for a line. Then the lines behind are
+    /// not read.
     using SuperclassBlock = std::function<void(QByteArrayView superclass)>;
     void findSuperclassUsingBlock(const SuperclassBlock& block);
     /// The same, with the same pattern.

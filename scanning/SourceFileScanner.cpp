@@ -58,7 +58,7 @@ void SourceFileScanner::scan(const std::optional<QByteArray>& path) {
     const auto text = path ? buffer_.read(*path) : std::nullopt;
     isReadable_ = text.has_value();
     if (text) {
-        scanSource(*text, SourceName(*path), findings_);
+        scanSource(*text, SourceName(*path), findings_, superclassBudget_);
     }
 }
 

@@ -3,6 +3,7 @@
 #include "project/SourceScanner.h"
 #include "scanning/SourceFileBuffer.h"
 #include "scanning/SourceFindings.h"
+#include "scanning/SuperclassBudget.h"
 
 #include <QByteArray>
 
@@ -13,7 +14,8 @@ namespace navrel {
 /// Reads source files for their records. Loading calls the operations for one record after the
 /// other, each in the order superclass, shortcuts, elements: called so, they share one reading and
 /// one scan of the file, which is the state that all of them then tell of. An operation out of that
-/// order reads the file by itself. Main thread.
+/// order reads the file by itself. All headers share one `SuperclassBudget`, so that no project
+/// keeps the scanner busy with names that are patterns. Main thread.
 class SourceFileScanner final : public SourceScanner {
 public:
     void setSuperclassForManagedObject(CDObject& object) override;
@@ -35,6 +37,7 @@ private:
 
     SourceFileBuffer buffer_;
     SourceFindings findings_;
+    SuperclassBudget superclassBudget_;
     bool isReadable_ = false;
 
     // What the next operation must be for to go on with the findings.

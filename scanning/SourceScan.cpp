@@ -1,13 +1,16 @@
 #include "scanning/SourceScan.h"
 
-#include "scanning/LineExpressions.h"
 #include "scanning/RuleMatchers.h"
+#include "scanning/SuperclassSearch.h"
 #include "support/text/UTF8.h"
 
 #include <algorithm>
 #include <array>
+#include <initializer_list>
+#include <iterator>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 // Most of a source is nothing to any rule. So the text is searched, 64 bytes at a time, for the few
 // bytes that some rule begins with, and only there the rules of that beginning are tried. A pattern
@@ -55,47 +58,43 @@ private:
     quint32 line_ = 1;
 };
 
-/// Whether a base name stands for itself in a pattern. ICU decides about all others.
-bool isPlainBaseName(QByteArrayView name) {
-    return std::all_of(name.begin(), name.end(), [](char byte) {
-        return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
-               (byte >= '0' && byte <= '9') || byte == '_' || byte == '-';
-    });
-}
-
 /// The superclass of a header: on the first line that holds a match, the last one counts.
 class SuperclassRule {
 public:
-    SuperclassRule(const SourceName& name, QByteArrayView text, SourceFindings& findings)
-        : baseName_(name.baseName()), isPlain_(isPlainBaseName(baseName_)),
-          foldedBaseName_(isPlain_ ? baseName_.toLower() : QByteArray("")), text_(text),
-          findings_(findings) {}
+    SuperclassRule(const SourceName& name, QByteArrayView text, SourceFindings& findings,
+                   SuperclassBudget& budget)
+        : text_(text), findings_(findings) {
+        QByteArray baseName = name.baseName();
+        if (isPlainBaseName(baseName)) {
+            foldedBaseName_ = std::move(baseName).toLower();
+        } else {
+            search_.emplace(std::move(baseName), budget);
+        }
+    }
 
     /// Tries the rule where the beginning of the pattern may stand.
     void tryAt(const char* place) {
         if (place < next_) {
             return;
         }
-        if (isPlain_) {
+        if (!search_) {
             tryPlainNameAt(place);
-        } else if (!isEveryLineAsked()) {
+        } else if (!search_->isOver()) {
             tryLineAt(place);
         }
     }
 
-    /// Tries the lines that no beginning of the pattern leads to: a bar in the name makes it two
-    /// patterns, and the second one begins elsewhere.
+    /// Tries all lines where no beginning of the pattern leads to those with a match.
     void tryAllLines() {
-        if (isEveryLineAsked()) {
-            for (const char* at = text_.begin(); at < text_.end(); at = next_) {
+        if (search_ && search_->canBeginAnywhere()) {
+            for (const char* at = text_.begin(); at < text_.end() && !search_->isOver();
+                 at = next_) {
                 tryLineAt(at);
             }
         }
     }
 
 private:
-    bool isEveryLineAsked() const { return baseName_.contains('|'); }
-
     void tryPlainNameAt(const char* place) {
         const bool isOnLaterLine = lineEnd_ != nullptr && place >= lineEnd_;
         const auto match =
@@ -110,21 +109,13 @@ private:
         }
     }
 
-    /// Asks ICU about the line of a place, once, unless a colon is missing that every match has.
+    /// Asks about the line of a place, once.
     void tryLineAt(const char* place) {
         const QByteArrayView line = lineAt(place);
         next_ = line.end();
-        if (isDone_ || !line.contains(':')) {
-            return;
-        }
-        if (!expression_) {
-            expression_ = SuperclassExpression::forBaseName(baseName_, superclassDeadline());
-        }
-        const auto superclass = expression_ ? expression_->superclassOnLine(line) : std::nullopt;
-        if (superclass) {
+        if (const auto superclass = search_->superclassOnLine(line)) {
             findings_.setSuperclass(findings_.keepText(*superclass));
         }
-        isDone_ = superclass || !expression_ || expression_->error();
     }
 
     /// The line that a place lies on, with its line feed.
@@ -139,30 +130,28 @@ private:
         return {foldedBaseName_.data(), static_cast<std::size_t>(foldedBaseName_.size())};
     }
 
-    QByteArray baseName_;
-    bool isPlain_; ///< whether the name stands for itself in the pattern
-    QByteArray foldedBaseName_;
     QByteArrayView text_;
     SourceFindings& findings_;
     const char* next_ = nullptr; ///< where the next match may begin
 
-    const char* lineEnd_ = nullptr; ///< with a plain name: of the line that holds the first match
+    // With a plain base name.
+    QByteArray foldedBaseName_;
+    const char* lineEnd_ = nullptr; ///< of the line that holds the first match
 
-    // With another name.
-    std::optional<SuperclassExpression> expression_;
-    bool isDone_ = false;
+    std::optional<SuperclassSearch> search_; ///< with another
 };
 
 /// One pass over one text.
 class SourcePass {
 public:
     /// `isWhole` tells whether the text is the whole file's, so that it has elements.
-    SourcePass(QByteArrayView text, const SourceName& name, bool isWhole, SourceFindings& findings)
+    SourcePass(QByteArrayView text, const SourceName& name, bool isWhole, SourceFindings& findings,
+               SuperclassBudget& budget)
         : end_(text.end()), hasElements_(isWhole),
           methodTerminator_(name.kind() == SourceKind::Header ? ';' : '{'), findings_(findings),
           lines_(text.begin()) {
         if (name.kind() == SourceKind::Header) {
-            superclass_.emplace(name, text, findings);
+            superclass_.emplace(name, text, findings, budget);
             superclass_->tryAllLines();
         }
     }
@@ -400,23 +389,39 @@ Candidates candidatesOf(SourceKind kind) {
     return Candidates::ObjectiveC;
 }
 
-} // namespace
+/// The best that the processor has.
+CandidateSearch usualCandidateSearch() {
+    static const CandidateSearch search = fastestCandidateSearch();
+    return search;
+}
 
-void scanSource(QByteArrayView text, const SourceName& name, SourceFindings& findings,
-                CandidateSearch search) {
+void scanInOnePass(QByteArrayView text, const SourceName& name, SourceFindings& findings,
+                   SuperclassBudget& budget, CandidateSearch search) {
     findings.clear();
     const qsizetype validLength = validUTF8Length(text);
     const bool isWhole = validLength == text.size();
     if (!isWhole) {
         text = text.first(text.first(validLength).lastIndexOf('\n') + 1);
     }
-    SourcePass pass(text, name, isWhole, findings);
+    SourcePass pass(text, name, isWhole, findings, budget);
     CandidateVisit(candidatesOf(name.kind()), search, pass).visitAll(text);
 }
 
+} // namespace
+
+void scanSource(QByteArrayView text, const SourceName& name, SourceFindings& findings,
+                SuperclassBudget& budget) {
+    scanInOnePass(text, name, findings, budget, usualCandidateSearch());
+}
+
 void scanSource(QByteArrayView text, const SourceName& name, SourceFindings& findings) {
-    static const CandidateSearch search = fastestCandidateSearch();
-    scanSource(text, name, findings, search);
+    scanSource(text, name, findings, usualCandidateSearch());
+}
+
+void scanSource(QByteArrayView text, const SourceName& name, SourceFindings& findings,
+                CandidateSearch search) {
+    SuperclassBudget budget;
+    scanInOnePass(text, name, findings, budget, search);
 }
 
 } // namespace navrel

@@ -2,6 +2,7 @@
 
 #include "scanning/CandidateSearch.h"
 #include "scanning/SourceFindings.h"
+#include "scanning/SuperclassBudget.h"
 
 #include <QByteArrayView>
 
@@ -12,7 +13,12 @@ namespace navrel {
 /// patterns mean. Takes time in proportion to the length of the text, whatever it holds.
 ///
 /// A text that is not UTF-8 has no elements; superclass and shortcuts are those of the lines before
-/// the first one that is not. `findings` is cleared first; it holds parts of `text`.
+/// the first one that is not. A header has no superclass where its base name is a pattern that the
+/// budget does not suffice for. `findings` is cleared first; it holds parts of `text`.
+void scanSource(QByteArrayView text, const SourceName& name, SourceFindings& findings,
+                SuperclassBudget& budget);
+
+/// The same for a text by itself, with a full budget.
 void scanSource(QByteArrayView text, const SourceName& name, SourceFindings& findings);
 
 /// The same by a search for candidates of the caller's choice.

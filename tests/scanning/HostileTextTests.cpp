@@ -1,7 +1,10 @@
 #include "scanning/PlainScan.h"
+#include "scanning/SourceFileScanner.h"
 #include "scanning/SourceScan.h"
+#include "tests/project/OpenStore.h"
 #include "tests/scanning/FindingsText.h"
 #include "tests/scanning/IdealScan.h"
+#include "tests/scanning/ScratchFolder.h"
 
 #include <gmock/gmock.h>
 
@@ -126,6 +129,23 @@ TEST(HostileText, manyQuickSearchesTogetherEndInTimeToo) {
     // Each line is short work for the pattern, but there are many.
     const QByteArray line = "@interface " + QByteArray(12, 'a') + " : A\n";
     EXPECT_THAT(scan("/p/(a+)+b.h", megabyteOf(line)), IsEmpty());
+}
+
+TEST(HostileText, manyHeadersNamedLikeAPatternTogetherEndInTimeToo) {
+    const ScratchFolder folder;
+    const QByteArray path =
+        folder.write("(a+)+b.h", "@interface " + QByteArray(40, 'a') + " : A\n");
+    OpenStore store(QString::fromUtf8(folder.path("store")));
+    CDObject& object = store->insertObject();
+    object.setPath(path);
+    SourceFileScanner scanner;
+    const auto begin = RegularExpression::Clock::now();
+    for (int record = 0; record < 5000; ++record) {
+        scanner.setSuperclassForManagedObject(object);
+    }
+    EXPECT_EQ(object.subclassOf(), std::nullopt);
+    // Generous: with each header's own limit alone it would be twenty seconds.
+    EXPECT_LT(RegularExpression::Clock::now() - begin, std::chrono::seconds(5));
 }
 
 TEST(HostileText, recordsAreLimitedInNumber) {

@@ -81,6 +81,12 @@ TEST_F(LineScan, aBaseNameThatBacktracksWithoutEndEndsTheSuperclassScan) {
     EXPECT_LT(offset_, quint64(line.size() * 10));
 }
 
+TEST_F(LineScan, aSuperclassFarBehindManyLinesIsFound) {
+    const QByteArray lines = QByteArray("- (void)a:(int)b;\n").repeated(100'000);
+    EXPECT_THAT(superclasses("Foo.h", lines + "@interface Foo : A\n"), ElementsAre("A"));
+    EXPECT_THAT(superclasses("Foo+Bar.h", lines + "@interface FoooBar : A\n"), ElementsAre("A"));
+}
+
 TEST_F(LineScan, theShortcutBlockIsCalledForEachRecordAndAtTheEnd) {
     EXPECT_THAT(shortcuts("//navrel:a\n\nx // NAVREL:  b  \r\n// navrel:\n"),
                 ElementsAre("1 a", "3 b  ", "finished"));

@@ -91,6 +91,12 @@ TEST_P(SourceScan, specialCharactersInABaseNameAreThePatterns) {
     EXPECT_THAT(scan("/p/?Foo.h", "@interfaceFoo : C\n"), ElementsAre("superclass C"));
 }
 
+TEST_P(SourceScan, aBaseNameCanTakeTheColonOutOfThePattern) {
+    EXPECT_THAT(scan("/p/(A)|B.h", "@interface A"), ElementsAre("superclass A"));
+    EXPECT_THAT(scan("/p/(a)(?x)#.h", "@interface a"), ElementsAre("superclass a"));
+    EXPECT_THAT(scan("/p/a(?#b.h", "@interface a <x>"), ElementsAre("superclass <x>"));
+}
+
 TEST_P(SourceScan, aBaseNameThatIsNoPatternGivesNoSuperclass) {
     EXPECT_THAT(scan("/p/Foo(.h", "@interface Foo( : A\n"), IsEmpty());
     EXPECT_THAT(scan("/p/[.h", "@interface [ : A\n"), IsEmpty());

@@ -8,8 +8,8 @@ namespace navrel {
 namespace {
 
 constexpr std::array kPaths = {
-    "/p/Foo.h",     "/p/Foo.h",    "/p/Foo.m",     "/p/Foo.m", "/p/Foo.swift",
-    "/p/Foo.swift", "/p/Kissff.h", "/p/Foo+Bar.h", "/p/Foo.c",
+    "/p/Foo.h",    "/p/Foo.h",     "/p/Foo.m", "/p/Foo.m",   "/p/Foo.swift",  "/p/Foo.swift",
+    "/p/Kissff.h", "/p/Foo+Bar.h", "/p/Foo.c", "/p/(A)|B.h", "/p/(a)(?x)#.h", "/p/a(?#b.h",
 };
 
 using Pieces = std::vector<const char*>;
@@ -75,6 +75,8 @@ const std::vector<Pieces>& themes() {
          "@interface Kissff",
          "@interface Foo+Bar",
          "@interface \xE2\x84\xAAiss",
+         "@interface A",
+         "@interface a <x>",
          "Foo",
          "Kissff",
          "Ki\xC3\x9F\xEF\xAC\x80",
