@@ -1,5 +1,6 @@
 #pragma once
 
+#include "project/StoreLimits.h"
 #include "project/StoreTables.h"
 #include "support/Error.h"
 
@@ -27,7 +28,19 @@ public:
     ManagedObjectContext(const ManagedObjectContext&) = delete;
     ManagedObjectContext& operator=(const ManagedObjectContext&) = delete;
 
-    // Insertion: a record whose attributes are all nil.
+    // Insertion: a record whose attributes are all nil. What makes records of what it reads asks
+    // first whether there is room for one more (StoreLimits.h), and does without where there is
+    // none.
+
+    bool hasRoomForObject() const { return tables_->objects.size() < kMaximumObjects; }
+    bool hasRoomForFiletype() const { return tables_->filetypes.size() < kMaximumFiletypes; }
+    bool hasRoomForShortcut() const { return tables_->shortcuts.size() < kMaximumShortcuts; }
+    bool hasRoomForElement() const { return tables_->elements.size() < kMaximumElements; }
+    /// Whether there is room for one more record of each entity.
+    bool hasRoom() const {
+        return hasRoomForObject() && hasRoomForFiletype() && hasRoomForShortcut() &&
+               hasRoomForElement();
+    }
 
     CDObject& insertObject() { return tables_->objects.insert(); }
     CDFiletype& insertFiletype() { return tables_->filetypes.insert(); }
@@ -37,7 +50,6 @@ public:
     // Deletion. The record must not be used afterwards.
 
     void deleteObject(CDObject& record) { tables_->objects.remove(record); }
-    void deleteFiletype(CDFiletype& record) { tables_->filetypes.remove(record); }
     void deleteShortcut(CDShortcut& record) { tables_->shortcuts.remove(record); }
     void deleteElement(CDElement& record) { tables_->elements.remove(record); }
     void deleteAllObjects() { tables_->objects.removeAll(); }

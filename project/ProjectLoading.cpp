@@ -64,6 +64,9 @@ void KZDataManager::runPass(ManagedObjectContext& context) {
         ProjectWalk(context, projectFile_->objects(), collaborators_.scanner, *survey_)
             .generateObjectForID(*root, projectPath_->toUtf8(), std::nullopt, 0);
     }
+    if (!context.hasRoom()) {
+        log(QStringLiteral("The project is too large: not all of it is shown"));
+    }
     deleteVanishedObjects(context);
     if (context.objectsGeneration() == generation) {
         quietPass_ = QuietPass{projectFile_->generation(), generation};

@@ -95,7 +95,8 @@ void ProjectWalk::visit(const Visit& visit) {
     }
 }
 
-/// The object's record, new or brought up to date; null where there is none and nothing to record.
+/// The object's record, new or brought up to date; null where there is none and nothing to record,
+/// or no room for it.
 CDObject* ProjectWalk::refreshedRecord(const Visit& visit, Value entry) {
     CDObject* object = context_.lastObjectWithIdentifier(visit.identifier);
     if (object != nullptr && isUpToDate(*object)) {
@@ -111,7 +112,7 @@ CDObject* ProjectWalk::refreshedRecord(const Visit& visit, Value entry) {
         return nullptr;
     }
     if (object == nullptr) {
-        if (!path || !survey_.exists(*path)) {
+        if (!context_.hasRoomForObject() || !path || !survey_.exists(*path)) {
             return nullptr;
         }
         object = &context_.insertObject();
@@ -170,7 +171,7 @@ void ProjectWalk::buildFileReference(CDObject& object, Value entry,
 }
 
 void ProjectWalk::addFiletype(const QByteArray& extension) {
-    if (context_.filetypesWithExtension(extension).empty()) {
+    if (context_.hasRoomForFiletype() && context_.filetypesWithExtension(extension).empty()) {
         CDFiletype& filetype = context_.insertFiletype();
         filetype.setAllowed(true);
         filetype.setExtension(extension);

@@ -1,6 +1,7 @@
 #include "project/StoreFile.h"
 
 #include "project/ManagedObjectModel.h"
+#include "support/Assertion.h"
 
 #include <QByteArrayList>
 
@@ -25,11 +26,6 @@ constexpr qint64 kLayoutVersion = 1;
 // Another process holds the lock for no longer than it takes to read the tables; the main thread
 // waits for that, and not for a process that sits on the file.
 constexpr int kBusyTimeoutMilliseconds = 250;
-
-// All records are kept in memory. The store of a project with 45 MB of sources takes 15 MB and
-// holds 100,000 records; what is beyond these bounds was not made by this program.
-constexpr qint64 kMaximumFileSize = qint64{512} * 1024 * 1024;
-constexpr std::size_t kMaximumRecords = 2'000'000;
 
 // Rows are numbered by counting on from the last one. This program never gets near this number.
 constexpr qint64 kMaximumRowID = std::numeric_limits<qint64>::max() / 2;
@@ -69,7 +65,7 @@ QByteArrayList columnsOf() {
 }
 
 /// Whether there is nothing at the path yet, or a file of which a store can be made.
-std::optional<Error> checkFileKind(const QByteArray& path) {
+std::optional<Error> checkFileKind(const QByteArray& path, qint64 maximumSize) {
     struct stat status {};
     if (::stat(path.constData(), &status) != 0) {
         return errno == ENOENT ? std::nullopt : errorFromErrno(errno);
@@ -77,7 +73,7 @@ std::optional<Error> checkFileKind(const QByteArray& path) {
     if (!S_ISREG(status.st_mode)) {
         return storeError(StoreFileError::kNotARegularFile, "The store is not a regular file");
     }
-    if (status.st_size > kMaximumFileSize) {
+    if (status.st_size > maximumSize) {
         return storeError(StoreFileError::kTooLarge,
                           "The store is larger than any project makes it");
     }
@@ -146,7 +142,7 @@ int bindRecord(SQLiteStatement& statement, int last, const Record& record) {
 } // namespace
 
 std::optional<Error> StoreFile::open(const QByteArray& path, const ManagedObjectModel& model) {
-    std::optional<Error> error = checkFileKind(path);
+    std::optional<Error> error = checkFileKind(path, maximumSize_);
     if (!error) {
         error = database_.open(path);
     }
@@ -158,6 +154,9 @@ std::optional<Error> StoreFile::open(const QByteArray& path, const ManagedObject
     }
     if (!error) {
         error = leaveWriteAheadLog();
+    }
+    if (!error) {
+        error = limitSize();
     }
     if (!error) {
         error = prepareStatementsOf<CDObject>();
@@ -180,6 +179,21 @@ std::optional<Error> StoreFile::configure() {
     sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
     sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
     return database_.execute(kSettings);
+}
+
+/// Bounds the file for as long as it is open. A save beyond fails as on a full disk.
+std::optional<Error> StoreFile::limitSize() {
+    qint64 pageSize = 0;
+    std::optional<Error> error = forEachRow("PRAGMA page_size", [&](const SQLiteStatement& row) {
+        pageSize = row.integer(0);
+        return std::nullopt;
+    });
+    if (error) {
+        return error;
+    }
+    NAVREL_ASSERT(pageSize > 0);
+    return database_.execute("PRAGMA max_page_count = " +
+                             QByteArray::number(maximumSize_ / pageSize));
 }
 
 std::optional<Error> StoreFile::makeOrCheckTables(const ManagedObjectModel& model) {
@@ -344,7 +358,7 @@ std::optional<Error> StoreFile::loadTable(RecordTable<Record>& table) {
     SQLiteStatement& rows = std::get<Statements<Record>>(statements_).read;
     while (rows.step()) {
         const qint64 rowID = rows.integer(0);
-        if (table.size() == kMaximumRecords) {
+        if (table.size() == kMaximumStoredRecords) {
             return storeError(StoreFileError::kTooLarge,
                               "The store holds more records than any project makes");
         }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "project/SQLiteDatabase.h"
+#include "project/StoreLimits.h"
 #include "project/StoreTables.h"
 #include "support/Error.h"
 
@@ -36,6 +37,9 @@ enum class StoreFileError {
 /// attributes by name. Nothing of it is trusted. Main thread only.
 class StoreFile {
 public:
+    /// `maximumSize` is that of the file in bytes: a larger one is not opened, and none is made.
+    explicit StoreFile(qint64 maximumSize = kMaximumStoreSize) : maximumSize_(maximumSize) {}
+
     /// Opens the file, or makes it. On an error the file is left as it was and this object is of no
     /// further use.
     std::optional<Error> open(const QByteArray& path, const ManagedObjectModel& model);
@@ -60,6 +64,7 @@ private:
     };
 
     std::optional<Error> configure();
+    std::optional<Error> limitSize();
     std::optional<Error> makeOrCheckTables(const ManagedObjectModel& model);
     std::optional<Error> makeTables(const ManagedObjectModel& model);
     std::optional<Error> checkOwner();
@@ -81,6 +86,7 @@ private:
     std::optional<Error> forEachRow(const QByteArray& sql, const RowReceiver& receive);
     std::optional<Error> inTransaction(const std::function<std::optional<Error>()>& work);
 
+    qint64 maximumSize_;
     SQLiteDatabase database_;
     std::tuple<Statements<CDObject>, Statements<CDFiletype>, Statements<CDShortcut>,
                Statements<CDElement>>

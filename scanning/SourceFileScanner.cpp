@@ -19,6 +19,9 @@ void SourceFileScanner::generateShortcutsForManagedObject(const CDObject& object
         return;
     }
     for (const SourceShortcut& found : findings->shortcuts()) {
+        if (!context.hasRoomForShortcut()) {
+            return;
+        }
         CDShortcut& shortcut = context.insertShortcut();
         shortcut.setIdentifier(object.identifier());
         shortcut.setPath(object.path());
@@ -34,6 +37,9 @@ void SourceFileScanner::generateElementsForManagedObject(const CDObject& object,
         return;
     }
     findings->visitElements([&](const SourceElement& found) {
+        if (!context.hasRoomForElement()) {
+            return;
+        }
         CDElement& element = context.insertElement();
         element.setIdentifier(object.identifier());
         element.setPath(object.path());

@@ -15,7 +15,8 @@ namespace navrel {
 /// other, each in the order superclass, shortcuts, elements: called so, they share one reading and
 /// one scan of the file, which is the state that all of them then tell of. An operation out of that
 /// order reads the file by itself. All headers share one `SuperclassBudget`, so that no project
-/// keeps the scanner busy with names that are patterns. Main thread.
+/// keeps the scanner busy with names that are patterns. What the context has no room for is left
+/// out. Main thread.
 class SourceFileScanner final : public SourceScanner {
 public:
     void setSuperclassForManagedObject(CDObject& object) override;

@@ -3,6 +3,7 @@
 #include "project/ProjectWalk.h"
 #include "support/propertylist/PropertyListIndex.h"
 #include "tests/project/DataManagerFixture.h"
+#include "tests/project/OpenStore.h"
 
 namespace navrel {
 namespace {
@@ -185,6 +186,45 @@ TEST_F(HostileProject, aHundredThousandFilesAreLoaded) {
     load(text.group("MAIN", children));
     EXPECT_EQ(context().objects().size(), kFiles + 1U);
     EXPECT_EQ(object("F99999")->index(), 99'999);
+}
+
+TEST_F(HostileProject, moreFilesThanAStoreHoldsAreLeftOutAndTheStoreOpensAgain) {
+    for (const char* name : {"a.m", "b.m", "c.m"}) {
+        writeFile(name);
+    }
+    load(ProjectText().group("MAIN", {}));
+    const std::optional<QByteArray> existing = folder().toUtf8();
+    for (std::size_t size = context().objects().size() + 1; size < kMaximumObjects; ++size) {
+        context().insertObject().setPath(existing);
+    }
+    writeProject(ProjectText()
+                     .group("MAIN", {"A", "B", "C"})
+                     .file("A", "a.m")
+                     .file("B", "b.m")
+                     .file("C", "c.m"));
+    touch(".", 1'600'000'000);
+    takeLog();
+    pass();
+    EXPECT_NE(object("A"), nullptr);
+    EXPECT_EQ(object("B"), nullptr);
+    EXPECT_EQ(context().objects().size(), kMaximumObjects);
+    EXPECT_THAT(takeLog(), ElementsAre("The project is too large: not all of it is shown"));
+
+    endManager();
+    const OpenStore stored(storePath());
+    EXPECT_EQ(stored->objects().size(), kMaximumObjects);
+}
+
+TEST_F(HostileProject, fileTypesHaveALimit) {
+    writeFile("a.txt");
+    load(ProjectText().group("MAIN", {}));
+    while (context().hasRoomForFiletype()) {
+        context().insertFiletype();
+    }
+    writeProject(ProjectText().group("MAIN", {"A"}).file("A", "a.txt"));
+    pass();
+    EXPECT_NE(object("A"), nullptr);
+    EXPECT_EQ(context().filetypes().size(), kMaximumFiletypes);
 }
 
 } // namespace

@@ -1,7 +1,9 @@
 #include "project/SQLiteDatabase.h"
+#include "project/StoreFile.h"
 #include "tests/project/OpenStore.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -43,6 +45,12 @@ void insertElements(ManagedObjectContext& context, const QByteArray& identifier,
         CDElement& element = context.insertElement();
         element.setIdentifier(identifier);
         element.setLine(line);
+    }
+}
+
+void insertElementsNamed(RecordTable<CDElement>& elements, const QByteArray& name, int count) {
+    for (int element = 0; element < count; ++element) {
+        elements.insert().setName(name);
     }
 }
 
@@ -449,6 +457,28 @@ TEST_F(Store, aHundredThousandRecordsComeBack) {
     const OpenStore store(path());
     EXPECT_EQ(store->elements().size(), std::size_t{kFiles} * kElements);
     EXPECT_EQ(linesOf(store->elementsWithIdentifier("57")).back(), kElements);
+}
+
+TEST_F(Store, noSaveMakesTheFileLargerThanOneThatIsOpened) {
+    constexpr qint64 kMaximumSize = 100'000;
+    const ManagedObjectModel model;
+    {
+        StoreFile file(kMaximumSize);
+        StoreTables tables;
+        ASSERT_FALSE(file.open(path().toUtf8(), model).has_value());
+        insertElementsNamed(tables.elements, "small", 10);
+        ASSERT_FALSE(file.save(tables).has_value());
+        tables.elements.markSaved();
+        insertElementsNamed(tables.elements, QByteArray(1000, 'x'), 100);
+        ASSERT_TRUE(file.save(tables).has_value());
+    }
+    EXPECT_LE(QFileInfo(path()).size(), kMaximumSize);
+
+    StoreFile file(kMaximumSize);
+    StoreTables tables;
+    ASSERT_FALSE(file.open(path().toUtf8(), model).has_value());
+    ASSERT_FALSE(file.load(tables).has_value());
+    EXPECT_EQ(tables.elements.size(), 10U);
 }
 
 } // namespace

@@ -145,6 +145,21 @@ TEST_F(SourceFileScannerTest, anotherFileIsNotTakenForTheOneBefore) {
     EXPECT_THAT(elementNames(), ElementsAre("b"));
 }
 
+TEST_F(SourceFileScannerTest, whatTheStoreHasNoRoomForIsLeftOut) {
+    CDObject& object = objectWith("a.swift", "var a\nvar b\n//navrel:c\n//navrel:d\n");
+    for (std::size_t size = 1; size < kMaximumElements; ++size) {
+        store_->insertElement();
+    }
+    for (std::size_t size = 1; size < kMaximumShortcuts; ++size) {
+        store_->insertShortcut();
+    }
+    scan(object);
+    EXPECT_EQ(store_->elements().size(), kMaximumElements);
+    EXPECT_EQ(store_->elements().back()->name(), "a");
+    EXPECT_EQ(store_->shortcuts().size(), kMaximumShortcuts);
+    EXPECT_EQ(store_->shortcuts().back()->line(), 3);
+}
+
 TEST_F(SourceFileScannerTest, whatCannotBeReadHoldsNothing) {
     ASSERT_EQ(::mkfifo(folder_.path("pipe.h").constData(), 0600), 0);
     for (const QByteArray& path :
