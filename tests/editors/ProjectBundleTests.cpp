@@ -65,7 +65,7 @@ TEST_F(ProjectBundle, namesMayBeAnyBytes) {
 TEST_F(ProjectBundle, whatIsNoPathHasNoProject) {
     EXPECT_EQ(nearestProjectBundle(""), "");
     EXPECT_EQ(nearestProjectBundle("a.m"), "");
-    EXPECT_EQ(nearestProjectBundle("oil:///work/a.m"), "");
+    EXPECT_EQ(nearestProjectBundle("oil:///p/a.m"), "");
     makeBundle("work/App.xcodeproj");
     const QByteArray detour = QByteArray("/../work").repeated(1000);
     EXPECT_EQ(nearestProjectBundle(pathOf("work") + detour + "/a.m"), "") << "longer than a path";
