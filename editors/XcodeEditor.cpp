@@ -107,6 +107,9 @@ std::optional<QString> XcodeEditor::activeFileName() {
 }
 
 void XcodeEditor::openFile(const QString& path, std::optional<int> line) {
+    if (path.contains(QChar(u'\0'))) {
+        return; // names no file, and its beginning might name another one
+    }
     if (line) {
         // Before the opening, deliberately: the script waits for that by itself.
         performJumpScript(*line);
@@ -138,9 +141,6 @@ void XcodeEditor::performJumpScript(int line) const {
 }
 
 void XcodeEditor::performOpenScriptWithPath(const QString& path) const {
-    if (path.contains(QChar(u'\0'))) {
-        return; // names no file, and its beginning might name another one
-    }
     const bool looksLikeAnOption = path.startsWith(QLatin1Char('-'));
     runOnNewThread(tools_.xed, {looksLikeAnOption ? QStringLiteral("./") + path : path},
                    tools_.requestAtMost);

@@ -18,7 +18,8 @@ const QString kOpener = QStringLiteral("xdg-open");
 
 bool openWithDesktop(const QString& path) {
     const auto opener = findTool(kOpener);
-    if (!opener || path.isEmpty()) {
+    // A path with a NUL names no file, and its beginning might name another one.
+    if (!opener || path.isEmpty() || path.contains(QChar(u'\0'))) {
         return false;
     }
     return startDetachedTool(*opener, {QDir::current().absoluteFilePath(path)});

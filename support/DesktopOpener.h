@@ -7,7 +7,7 @@ namespace navrel {
 /// Hands a file to the desktop's default opener (`xdg-open` found in `PATH`; `open` on macOS),
 /// without a shell and without waiting for it. It gets the absolute path, so that neither an option
 /// ("-x") nor a URL ("https://…") can be made of what a device calls a path. False when there is no
-/// opener or it could not be started. Any thread.
+/// opener, it could not be started, or the path is empty or holds a NUL. Any thread.
 bool openWithDesktop(const QString& path);
 
 } // namespace navrel

@@ -27,12 +27,14 @@ public:
         }
         ::close(pipe[1]);
         char byte = 0;
-        isReady_ = isReady_ && ::read(pipe[0], &byte, 1) == 1;
+        isReady_ = isReady_ && process_ > 0 && ::read(pipe[0], &byte, 1) == 1;
         ::close(pipe[0]);
     }
     ~ForeignListener() {
-        ::kill(process_, SIGKILL);
-        ::waitpid(process_, nullptr, 0);
+        if (process_ > 0) { // of no process, kill would mean every one
+            ::kill(process_, SIGKILL);
+            ::waitpid(process_, nullptr, 0);
+        }
     }
     ForeignListener(const ForeignListener&) = delete;
     ForeignListener& operator=(const ForeignListener&) = delete;

@@ -203,13 +203,13 @@ TEST_F(XcodeEditorTest, missingToolsAreToleratedWhenOpening) {
     EXPECT_EQ(editor.activeFileName(), std::nullopt);
 }
 
-TEST_F(XcodeEditorTest, aPathWithANulCharacterOpensNothing) {
+TEST_F(XcodeEditorTest, aPathWithANulCharacterOpensNothingAndSelectsNoLine) {
     XcodeEditor editor(tools);
-    editor.openFile(QStringLiteral("/etc/passwd") + QChar(u'\0') + QStringLiteral(".m"),
-                    std::nullopt);
+    editor.openFile(QStringLiteral("/etc/passwd") + QChar(u'\0') + QStringLiteral(".m"), 3);
     editor.openFile(QStringLiteral("/main.m"), std::nullopt);
     ASSERT_TRUE(waitForCalls(tools.xed, 1));
     EXPECT_EQ(callsOf(tools.xed), QList<QByteArrayList>({{"/main.m"}}));
+    EXPECT_TRUE(callsOf(tools.osascript).isEmpty());
 }
 
 } // namespace

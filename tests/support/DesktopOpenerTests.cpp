@@ -33,9 +33,11 @@ TEST(DesktopOpener, withoutAnOpenerNothingIsOpened) {
     qputenv("PATH", path);
 }
 
-TEST(DesktopOpener, theEmptyPathIsRefused) {
+TEST(DesktopOpener, aPathThatNamesNoFileIsRefused) {
     const RecordingTool opener(QStringLiteral("xdg-open"));
     EXPECT_FALSE(openWithDesktop(QStringLiteral("")));
+    EXPECT_FALSE(
+        openWithDesktop(QStringLiteral("/etc/hosts") + QChar(u'\0') + QStringLiteral(".pdf")));
     EXPECT_EQ(opener.arguments(), QByteArrayList{});
 }
 
