@@ -6,7 +6,10 @@
 #include <gmock/gmock.h>
 
 #include <chrono>
+#include <fcntl.h>
 #include <sys/resource.h>
+#include <unistd.h>
+#include <vector>
 
 namespace navrel {
 namespace {
@@ -17,20 +20,33 @@ using ::testing::AllOf;
 using ::testing::Ge;
 using ::testing::Le;
 
-/// While it lives, the process can open no descriptor.
+/// While it lives, the process can open no descriptor: all that it may have are open. The limit
+/// stays above what the event loop polls, which the kernel holds to the same number.
 class NoDescriptorsLeft {
 public:
     NoDescriptorsLeft() {
         ::getrlimit(RLIMIT_NOFILE, &before_);
-        const rlimit none = {0, before_.rlim_max};
-        ::setrlimit(RLIMIT_NOFILE, &none);
+        const rlimit few = {kDescriptors, before_.rlim_max};
+        ::setrlimit(RLIMIT_NOFILE, &few);
+        for (int one = openOne(); one >= 0; one = openOne()) {
+            taken_.push_back(one);
+        }
     }
-    ~NoDescriptorsLeft() { ::setrlimit(RLIMIT_NOFILE, &before_); }
+    ~NoDescriptorsLeft() {
+        for (const int one : taken_) {
+            ::close(one);
+        }
+        ::setrlimit(RLIMIT_NOFILE, &before_);
+    }
     NoDescriptorsLeft(const NoDescriptorsLeft&) = delete;
     NoDescriptorsLeft& operator=(const NoDescriptorsLeft&) = delete;
 
 private:
+    static constexpr rlim_t kDescriptors = 128;
+    static int openOne() { return ::open("/dev/null", O_RDONLY | O_CLOEXEC); }
+
     rlimit before_ = {};
+    std::vector<int> taken_;
 };
 
 class DeviceLinkTest : public ServedProject {

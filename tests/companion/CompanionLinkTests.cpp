@@ -51,7 +51,8 @@ protected:
     void TearDown() override {
         link_->stop();
         const std::weak_ptr<CompanionLink> link = std::exchange(link_, nullptr);
-        EXPECT_TRUE(waitUntil([&] { return link.expired(); }));
+        // A channel keeps itself, and its delegate, until it has ended.
+        EXPECT_TRUE(waitUntil([&] { return link.expired() && navrel_.use_count() == 1; }));
     }
 
     std::shared_ptr<CompanionLink> link_ = CompanionLink::create();
@@ -107,6 +108,7 @@ TEST_F(CompanionLinkTest, aSecondCompanionCannotListen) {
     const auto error = second->listen(kCompanionPort);
     ASSERT_TRUE(error.has_value());
     EXPECT_TRUE(error->isPOSIX(EADDRINUSE));
+    second->stop();
 }
 
 } // namespace
