@@ -93,8 +93,10 @@ TEST_F(DeviceLinkTest, withNobodyListeningNothingIsLoggedAndTheAttemptRepeats) {
 
 TEST_F(DeviceLinkTest, anyOtherFailureIsLoggedAndTriedAgainOnceASecond) {
     launchAlone();
-    const NoDescriptorsLeft limit;
-    runEventLoopFor(milliseconds(2500));
+    {
+        const NoDescriptorsLeft limit;
+        runEventLoopFor(milliseconds(2500));
+    }
     // An attempt a second, no more.
     EXPECT_THAT(log_.messages().size(), AllOf(Ge(2), Le(3)));
     EXPECT_EQ(log_.messages().value(0),
