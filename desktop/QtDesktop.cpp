@@ -71,8 +71,8 @@ bool QtDesktop::presentError(const Error& error) {
     return false;
 }
 
-int QtDesktop::runQuitAlert(const QString& message, const QString& informativeText,
-                            const QStringList& buttons) {
+int QtDesktop::runAlert(const QString& message, const QString& informativeText,
+                        const QStringList& buttons) {
     if (!isDisplayThere()) {
         log(QStringLiteral("No display to ask on: %1").arg(message));
         return kAlertFirstButtonReturn + static_cast<int>(buttons.size());

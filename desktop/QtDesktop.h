@@ -11,8 +11,8 @@ public:
     std::optional<QString> runOpenPanel(const QString& title,
                                         const QStringList& allowedFileTypes) override;
     bool presentError(const Error& error) override;
-    int runQuitAlert(const QString& message, const QString& informativeText,
-                     const QStringList& buttons) override;
+    int runAlert(const QString& message, const QString& informativeText,
+                 const QStringList& buttons) override;
     bool openFile(const QString& path) override;
     void terminate() override;
 };

@@ -9,7 +9,7 @@ namespace navrel {
 
 class Error;
 
-/// What `runQuitAlert` returns for the first button; each further one is one more.
+/// What `runAlert` returns for the first button; each further one is one more.
 inline constexpr int kAlertFirstButtonReturn = 1000;
 
 /// The dialogs that the project model shows. All of them are modal: a call returns when the person
@@ -28,8 +28,8 @@ public:
 
     /// Asks a question with buttons in the given order; `kAlertFirstButtonReturn` plus the position
     /// of the one pressed.
-    virtual int runQuitAlert(const QString& message, const QString& informativeText,
-                             const QStringList& buttons) = 0;
+    virtual int runAlert(const QString& message, const QString& informativeText,
+                         const QStringList& buttons) = 0;
 
 protected:
     ProjectDialogs() = default;

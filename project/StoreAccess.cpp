@@ -122,7 +122,7 @@ bool KZDataManager::shouldTerminateDespite(const Error& saveError) {
     if (collaborators_.dialogs.presentError(saveError)) {
         return false;
     }
-    const int answer = collaborators_.dialogs.runQuitAlert(
+    const int answer = collaborators_.dialogs.runAlert(
         localized("Could not save changes while quitting. Quit anyway?"),
         localized(
             "Quitting now will lose any changes you have made since the last successful save"),

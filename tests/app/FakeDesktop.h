@@ -28,7 +28,7 @@ public:
         presentedErrors.push_back(error);
         return false;
     }
-    int runQuitAlert(const QString&, const QString&, const QStringList&) override {
+    int runAlert(const QString&, const QString&, const QStringList&) override {
         return kAlertFirstButtonReturn;
     }
     bool openFile(const QString& path) override {

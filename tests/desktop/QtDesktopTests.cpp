@@ -13,8 +13,8 @@ TEST(QtDesktop, withoutADisplayEveryDialogCountsAsDismissedAndTheLogSaysSo) {
 
     EXPECT_EQ(desktop.runOpenPanel(QStringLiteral("Select"), {QStringLiteral("xcodeproj")}),
               std::nullopt);
-    EXPECT_EQ(desktop.runQuitAlert(QStringLiteral("Quit?"), QString(),
-                                   {QStringLiteral("A"), QStringLiteral("B")}),
+    EXPECT_EQ(desktop.runAlert(QStringLiteral("Quit?"), QString(),
+                               {QStringLiteral("A"), QStringLiteral("B")}),
               kAlertFirstButtonReturn + 2);
     const Error error(QStringLiteral("D"), 1, QStringLiteral("It broke"));
     EXPECT_FALSE(desktop.presentError(error));

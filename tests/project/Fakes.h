@@ -58,8 +58,8 @@ public:
         errors.push_back(error);
         return dealsWithErrors;
     }
-    int runQuitAlert(const QString& message, const QString& informativeText,
-                     const QStringList& buttons) override {
+    int runAlert(const QString& message, const QString& informativeText,
+                 const QStringList& buttons) override {
         ++alerts;
         alertTexts = QStringList{message, informativeText} + buttons;
         return alertAnswer;
