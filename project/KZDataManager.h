@@ -63,7 +63,10 @@ public:
     /// Whether the project that is active in the editor is followed.
     bool automaticProjectSelection() const { return automaticProjectSelection_; }
     /// Plain setter: the user defaults stay as they are.
-    void setAutomaticProjectSelection(bool follow) { automaticProjectSelection_ = follow; }
+    void setAutomaticProjectSelection(bool follow);
+    /// The menu entry that shows whether automatic selection is on, from now on. Not owned; null,
+    /// as at first, is allowed.
+    void setAutomaticProjectSelectionItem(MenuItem* item);
     /// The menu entry that shows the current project. Not owned; null, as at first, is allowed.
     void setCurrentProjectItem(MenuItem* item) { currentProjectItem_ = item; }
     /// The manager itself, held strongly despite the name, so that it is never released:
@@ -172,6 +175,7 @@ private:
     std::optional<QString> projectPath_;
     bool automaticProjectSelection_ = true;
     MenuItem* currentProjectItem_ = nullptr;
+    MenuItem* automaticProjectSelectionItem_ = nullptr;
     std::unique_ptr<ProjectFile> projectFile_;
     std::unique_ptr<FileSurvey> survey_;
     std::optional<QuietPass> quietPass_;

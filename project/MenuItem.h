@@ -10,6 +10,8 @@ public:
     virtual ~MenuItem() = default;
 
     virtual void setTitle(const QString& title) = 0;
+    /// Shows whether what the entry switches is on.
+    virtual void setChecked(bool checked) = 0;
 
 protected:
     MenuItem() = default;

@@ -4,6 +4,7 @@
 #include "project/Editor.h"
 #include "project/KZDataManager.h"
 #include "project/ManagedObjectContext.h"
+#include "project/MenuItem.h"
 #include "project/ProjectDialogs.h"
 #include "support/UserDefaults.h"
 
@@ -20,7 +21,7 @@ const QString kLastKnownProjectKey = QStringLiteral("lastKnownProject");
 
 void KZDataManager::restoreSelection() {
     const UserDefaults& defaults = collaborators_.userDefaults;
-    automaticProjectSelection_ = defaults.boolForKey(kAutomaticProjectSelectionKey).value_or(true);
+    setAutomaticProjectSelection(defaults.boolForKey(kAutomaticProjectSelectionKey).value_or(true));
     if (const auto lastKnownProject = defaults.stringForKey(kLastKnownProjectKey)) {
         changeProjectToPath(lastKnownProject);
     } else {
@@ -28,9 +29,21 @@ void KZDataManager::restoreSelection() {
     }
 }
 
+void KZDataManager::setAutomaticProjectSelection(bool follow) {
+    automaticProjectSelection_ = follow;
+    if (automaticProjectSelectionItem_ != nullptr) {
+        automaticProjectSelectionItem_->setChecked(follow);
+    }
+}
+
+void KZDataManager::setAutomaticProjectSelectionItem(MenuItem* item) {
+    automaticProjectSelectionItem_ = item;
+    setAutomaticProjectSelection(automaticProjectSelection_);
+}
+
 void KZDataManager::open() {
     // Deliberate: off even when the person cancels, and nothing turns it on again.
-    automaticProjectSelection_ = false;
+    setAutomaticProjectSelection(false);
     std::optional<QString> path;
     {
         const QScopedValueRollback modal(modalDialogs_, modalDialogs_ + 1);
@@ -39,7 +52,7 @@ void KZDataManager::open() {
             {QStringLiteral("xcodeproj")});
     }
     if (path) {
-        automaticProjectSelection_ = false;
+        setAutomaticProjectSelection(false);
         collaborators_.userDefaults.setBool(kAutomaticProjectSelectionKey, false);
         changeProjectToPath(path);
     }

@@ -32,6 +32,9 @@ public:
     /// Nothing removes the key.
     void setString(const QString& key, const std::optional<QString>& value);
 
+    /// Where the preferences are kept, as a person would look for them.
+    QString fileName() const { return settings_.fileName(); }
+
 private:
     QSettings settings_;
 };

@@ -80,8 +80,10 @@ public:
 class FakeMenuItem final : public MenuItem {
 public:
     void setTitle(const QString& newTitle) override { title = newTitle; }
+    void setChecked(bool isChecked) override { checked = isChecked; }
 
     std::optional<QString> title;
+    std::optional<bool> checked;
 };
 
 /// Records which file was scanned for what, and stores one shortcut and one element a file.

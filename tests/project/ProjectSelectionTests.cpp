@@ -52,6 +52,18 @@ TEST_F(ProjectSelection, theLastKnownProjectIsSelectedAtStart) {
     EXPECT_EQ(manager().projectPath(), std::nullopt);
 }
 
+TEST_F(ProjectSelection, theMenuEntryShowsWhetherAutomaticSelectionIsOn) {
+    defaults.setString(kLastKnown, bundle());
+    FakeMenuItem item;
+    manager().setAutomaticProjectSelectionItem(&item);
+    EXPECT_EQ(item.checked, true);
+    manager().open();
+    EXPECT_EQ(item.checked, false);
+    manager().setAutomaticProjectSelection(true);
+    EXPECT_EQ(item.checked, true);
+    EXPECT_EQ(defaults.boolForKey(kAutomatic), std::nullopt);
+}
+
 TEST_F(ProjectSelection, automaticSelectionIsOnUnlessThePreferenceSaysOtherwise) {
     defaults.setString(kLastKnown, bundle());
     EXPECT_TRUE(manager().automaticProjectSelection());
