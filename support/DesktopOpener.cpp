@@ -25,4 +25,12 @@ bool openWithDesktop(const QString& path) {
     return startDetachedTool(*opener, {QDir::current().absoluteFilePath(path)});
 }
 
+bool openURLWithDesktop(const QUrl& url) {
+    const bool isWebAddress =
+        url.isValid() && !url.host().isEmpty() &&
+        (url.scheme() == QStringLiteral("http") || url.scheme() == QStringLiteral("https"));
+    const auto opener = isWebAddress ? findTool(kOpener) : std::nullopt;
+    return opener && startDetachedTool(*opener, {url.toString(QUrl::FullyEncoded)});
+}
+
 } // namespace navrel
