@@ -1,0 +1,48 @@
+#include "app/StatusMenuLayout.h"
+
+#include "app/AppDelegate.h"
+#include "app/StatusMenu.h"
+#include "project/KZDataManager.h"
+
+namespace navrel {
+
+namespace {
+
+enum FixedTag {
+    kVersionTag = 1,
+    kCurrentProjectTag,
+    kChooseProjectTag,
+    kAutomaticSelectionTag,
+    kManualTag,
+    kAboutTag,
+    kFindDeviceTag,
+    kQuitTag,
+};
+
+} // namespace
+
+void layOutStatusMenu(StatusMenu& menu, AppDelegate& delegate, KZDataManager& dataManager) {
+    delegate.setMenu(&menu);
+    delegate.setVersionItem(&menu.addText(kVersionTag, QStringLiteral("Navrel")));
+    menu.addSeparator();
+    dataManager.setCurrentProjectItem(
+        &menu.addText(kCurrentProjectTag, QStringLiteral("Current project: none")));
+    menu.addAction(kChooseProjectTag, QStringLiteral("Choose Project…"),
+                   [&dataManager] { dataManager.open(); });
+    // The plain setter, as a person may well turn on what the program itself only turns off. The
+    // preference is written when the program is quit through the menu.
+    dataManager.setAutomaticProjectSelectionItem(&menu.addSwitch(
+        kAutomaticSelectionTag, QStringLiteral("Select Project Automatically"), [&dataManager] {
+            dataManager.setAutomaticProjectSelection(!dataManager.automaticProjectSelection());
+        }));
+    menu.addSeparator();
+    menu.addAction(kManualTag, QStringLiteral("Manual"), [&delegate] { delegate.manual(); });
+    menu.addAction(kAboutTag, QStringLiteral("About Navrel"), [&delegate] { delegate.about(); });
+    menu.addAction(kFindDeviceTag, QStringLiteral("Find iOS Device"),
+                   [&delegate] { delegate.findIOSDevice(); });
+    menu.addSeparator();
+    menu.addAction(kQuitTag, QStringLiteral("Quit Navrel"), [&delegate] { delegate.quit(); });
+    menu.addSeparator();
+}
+
+} // namespace navrel
