@@ -2,9 +2,7 @@
 
 #include "app/Desktop.h"
 #include "app/WantedDevice.h"
-#include "project/KZDataManager.h"
 #include "project/MenuItem.h"
-#include "support/UserDefaults.h"
 #include "support/dispatch/DispatchQueue.h"
 
 #include <chrono>
@@ -17,6 +15,7 @@ namespace {
 /// From the end of start-up until device requests are answered: time for the first pass over the
 /// project, so that a device does not see an empty one.
 constexpr std::chrono::milliseconds kActivationDelay{1500};
+constexpr std::chrono::milliseconds kMenuInterval{1000};
 
 } // namespace
 
@@ -30,23 +29,23 @@ AppDelegate::AppDelegate(Collaborators collaborators)
 AppDelegate::~AppDelegate() = default;
 
 void AppDelegate::applicationDidFinishLaunching() {
+    checkForUpdate();
     if (versionItem_ != nullptr) {
         versionItem_->setTitle(QStringLiteral("Navrel (v%1)").arg(collaborators_.version));
+    }
+    if (menu_ != nullptr) {
+        collaborators_.desktop.showStatusItem(*menu_, QStringLiteral(":/MenuIcon.png"));
     }
     notConnectedQueue_ = DispatchQueue::serialQueue(QStringLiteral("PTExample.notConnectedQueue"));
     startListeningForDevices();
     enqueueConnectToLocalIPv4Port();
+    connect(&menuTimer_, &QTimer::timeout, this, [this] { createMenu(); });
+    menuTimer_.start(kMenuInterval);
     QTimer::singleShot(kActivationDelay, Qt::PreciseTimer, this, [this] { activate(); });
 }
 
 void AppDelegate::activate() {
     clearToSend_ = true;
-}
-
-void AppDelegate::quit() {
-    collaborators_.userDefaults.setBool(QStringLiteral("automaticProjectSelection"),
-                                        collaborators_.dataManager.automaticProjectSelection());
-    collaborators_.desktop.terminate();
 }
 
 } // namespace navrel

@@ -8,6 +8,8 @@
 #include <QObject>
 #include <QString>
 #include <QTimer>
+#include <QUrl>
+#include <QVariantList>
 #include <QVariantMap>
 
 #include <functional>
@@ -20,7 +22,9 @@ namespace navrel {
 class Desktop;
 class DispatchQueue;
 class KZDataManager;
+class MenuEntry;
 class MenuItem;
+class StatusMenu;
 class UserDefaults;
 class WantedDevice;
 
@@ -30,8 +34,8 @@ extern const QString kConnectedDeviceIDDidChange;
 /// The application delegate: starts the program, keeps one connection to the companion app, and
 /// answers its requests from the data manager. One per program. Main thread.
 ///
-/// Sources: AppDelegate.cpp (start and quit), DeviceLink.cpp (finding the companion app),
-/// CommandService.cpp (answering it).
+/// Sources: AppDelegate.cpp (start), Shell.cpp (the status menu), WebServices.cpp (update check,
+/// manual, About), DeviceLink.cpp (finding the companion app), CommandService.cpp (answering it).
 class AppDelegate final : public QObject,
                           public PTChannelDelegate,
                           public std::enable_shared_from_this<AppDelegate> {
@@ -45,6 +49,9 @@ public:
         QString version;
         /// Gives the hub that devices on USB are reached through; asked once, at start.
         std::function<std::shared_ptr<PTUSBHub>()> hub = &PTUSBHub::sharedHub;
+        /// The maker's web server, which has the latest version and the manual. One without an
+        /// address is never asked.
+        QUrl webServer = {};
     };
 
     /// A delegate that does nothing until `applicationDidFinishLaunching`.
@@ -53,15 +60,30 @@ public:
 
     // The shell.
 
-    /// Starts everything, in a fixed order; once, when the event loop is about to run.
+    /// Starts everything, in a fixed order; once, when the event loop is about to run. Waits for
+    /// the update check first, and for the person's answer to its alert.
     void applicationDidFinishLaunching();
     /// Lets device requests in, from now on.
     void activate();
     /// The quit entry: remembers whether automatic selection is on, then ends the program.
     void quit();
+    /// The About entry: loads the page again and brings its window to the front.
+    void about();
+    /// The manual entry: hands the manual of this version to the desktop's URL opener.
+    void manual();
+    /// Does nothing, as devices are found by themselves: there for a menu entry to be bound to.
+    void findIOSDevice() {}
+    /// Brings the shortcut entries of the menu up to date when another file has become active in
+    /// the editor. Once a second.
+    void createMenu();
+    /// What a shortcut entry does: shows its file in the editor, at its line. Nothing for another
+    /// entry, or one that the shortcuts have been replaced under.
+    void openFileForMenuItem(const MenuEntry& entry);
     /// Does nothing: the store is saved once a second, and the system closes the sockets.
     void applicationWillTerminate() {}
 
+    /// The status item's menu. Not owned; null, as at first, is allowed: then there is no item.
+    void setMenu(StatusMenu* menu) { menu_ = menu; }
     /// The menu entry that shows program and version. Not owned; null, as at first, is allowed.
     void setVersionItem(MenuItem* item) { versionItem_ = item; }
     /// Whether device requests are answered yet.
@@ -118,6 +140,10 @@ private:
 
     explicit AppDelegate(Collaborators collaborators);
 
+    void checkForUpdate();
+    QUrl addressOnServer(const QString& path) const;
+    void openURL(const QUrl& url);
+
     void deviceDidAttach(const QVariantMap& userInfo);
     void deviceDidDetach(const QVariantMap& userInfo);
     void reachDevice(const std::shared_ptr<const DeviceID>& deviceID);
@@ -147,7 +173,11 @@ private:
     Reply versionHandshake(const std::optional<Request>& request);
 
     Collaborators collaborators_;
+    StatusMenu* menu_ = nullptr;
     MenuItem* versionItem_ = nullptr;
+    QVariantList menuItems_;          ///< the shortcuts that the menu shows
+    std::optional<QString> activeID_; ///< of the file that was active when they were taken
+    QTimer menuTimer_;
     bool clearToSend_ = false;
 
     std::shared_ptr<DispatchQueue> notConnectedQueue_; // "PTExample.notConnectedQueue"

@@ -1,11 +1,14 @@
 #include "desktop/QtDesktop.h"
 
+#include "desktop/AboutWindow.h"
+#include "desktop/OpenPanel.h"
+#include "desktop/StatusItem.h"
 #include "support/DesktopOpener.h"
 #include "support/Error.h"
 #include "support/Log.h"
 
 #include <QApplication>
-#include <QFileDialog>
+#include <QIcon>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -13,7 +16,24 @@ namespace navrel {
 
 namespace {
 
-bool isDisplayThere() {
+QString messageOf(const Error& error) {
+    return error.localizedDescription().value_or(error.description());
+}
+
+QString detailsOf(const Error& error) {
+    QStringList details;
+    if (const auto reason = error.localizedFailureReason()) {
+        details.append(*reason);
+    }
+    if (const Error* cause = error.underlyingError()) {
+        details.append(messageOf(*cause));
+    }
+    return details.join(QStringLiteral("\n\n"));
+}
+
+} // namespace
+
+bool QtDesktop::isDisplayThere() {
     if (qobject_cast<QGuiApplication*>(QCoreApplication::instance()) == nullptr) {
         return false;
     }
@@ -21,78 +41,86 @@ bool isDisplayThere() {
     return platform != QStringLiteral("offscreen") && platform != QStringLiteral("minimal");
 }
 
-bool hasAllowedType(const QString& path, const QStringList& allowedFileTypes) {
-    for (const QString& type : allowedFileTypes) {
-        if (path.endsWith(QLatin1Char('.') + type)) {
-            return true;
-        }
-    }
-    return false;
-}
+QtDesktop::QtDesktop(bool hasDisplay) : hasDisplay_(hasDisplay) {}
 
-QString textOf(const Error& error) {
-    const QString text = error.localizedDescription().value_or(error.description());
-    const Error* cause = error.underlyingError();
-    QString details = error.localizedFailureReason().value_or(QString());
-    if (cause != nullptr) {
-        details +=
-            QStringLiteral("\n\n") + cause->localizedDescription().value_or(cause->description());
-    }
-    return details.isEmpty() ? text : QStringLiteral("%1\n\n%2").arg(text, details.trimmed());
-}
-
-} // namespace
+QtDesktop::~QtDesktop() = default;
 
 std::optional<QString> QtDesktop::runOpenPanel(const QString& title,
                                                const QStringList& allowedFileTypes) {
-    if (!isDisplayThere()) {
+    if (!hasDisplay_) {
         log(QStringLiteral("No display to ask on: %1").arg(title));
         return std::nullopt;
     }
-    // Bundles are folders here, so the panel picks folders, and asks again for any other one.
-    QFileDialog panel(nullptr, title);
-    panel.setFileMode(QFileDialog::Directory);
-    panel.setOption(QFileDialog::DontUseNativeDialog);
-    while (panel.exec() == QDialog::Accepted) {
-        const QString path = panel.selectedFiles().value(0);
-        if (hasAllowedType(path, allowedFileTypes)) {
-            return path;
-        }
-        panel.setDirectory(path);
+    OpenPanel panel(title, allowedFileTypes);
+    if (panel.exec() != QDialog::Accepted) {
+        return std::nullopt;
     }
-    return std::nullopt;
+    return panel.selectedFiles().constFirst();
 }
 
 bool QtDesktop::presentError(const Error& error) {
     log(error.description());
-    if (isDisplayThere()) {
-        QMessageBox::critical(nullptr, QStringLiteral("Navrel"), textOf(error));
+    if (hasDisplay_) {
+        QMessageBox alert(QMessageBox::Critical, QStringLiteral("Navrel"), QString(),
+                          QMessageBox::Ok);
+        alert.setTextFormat(Qt::PlainText);
+        alert.setText(messageOf(error));
+        alert.setInformativeText(detailsOf(error));
+        alert.exec();
     }
     return false;
 }
 
 int QtDesktop::runAlert(const QString& message, const QString& informativeText,
                         const QStringList& buttons) {
-    if (!isDisplayThere()) {
+    if (!hasDisplay_) {
         log(QStringLiteral("No display to ask on: %1").arg(message));
         return kAlertFirstButtonReturn + static_cast<int>(buttons.size());
     }
-    QMessageBox alert(QMessageBox::Warning, QStringLiteral("Navrel"), message);
+    QMessageBox alert(QMessageBox::Warning, QStringLiteral("Navrel"), QString());
+    // The texts may come from anywhere: they are no markup.
+    alert.setTextFormat(Qt::PlainText);
+    alert.setText(message);
     alert.setInformativeText(informativeText);
-    QList<QAbstractButton*> pushButtons;
+    QList<QPushButton*> pushButtons;
     for (const QString& title : buttons) {
         pushButtons.append(alert.addButton(title, QMessageBox::ActionRole));
     }
+    if (!pushButtons.isEmpty()) {
+        alert.setDefaultButton(pushButtons.constFirst());
+        alert.setEscapeButton(pushButtons.constLast());
+    }
     alert.exec();
-    return kAlertFirstButtonReturn + static_cast<int>(pushButtons.indexOf(alert.clickedButton()));
+    return kAlertFirstButtonReturn +
+           static_cast<int>(pushButtons.indexOf(qobject_cast<QPushButton*>(alert.clickedButton())));
 }
 
 bool QtDesktop::openFile(const QString& path) {
     return openWithDesktop(path);
 }
 
+bool QtDesktop::openURL(const QUrl& url) {
+    return openURLWithDesktop(url);
+}
+
+void QtDesktop::showStatusItem(StatusMenu& menu, const QString& imagePath) {
+    statusItem_ = std::make_unique<StatusItem>(menu, QIcon(imagePath), hasDisplay_);
+}
+
+void QtDesktop::showAboutWindow(const QString& page) {
+    if (!hasDisplay_) {
+        log(QStringLiteral("No display to show a window on: About Navrel"));
+        return;
+    }
+    if (aboutWindow_ == nullptr) {
+        aboutWindow_ = std::make_unique<AboutWindow>([this](const QUrl& url) { openURL(url); });
+    }
+    aboutWindow_->showPage(page);
+}
+
 void QtDesktop::terminate() {
-    QCoreApplication::quit();
+    // Not by closing the windows first, which are free to refuse.
+    QCoreApplication::exit();
 }
 
 } // namespace navrel

@@ -1,5 +1,8 @@
 #include "app/AppDelegate.h"
 #include "app/ProgramVersion.h"
+#include "app/StatusMenu.h"
+#include "app/StatusMenuLayout.h"
+#include "app/WebServer.h"
 #include "desktop/InstanceLock.h"
 #include "desktop/QtDesktop.h"
 #include "editors/EditorChoice.h"
@@ -39,14 +42,16 @@ std::optional<QString> instanceLockPath() {
 
 int runApplication(QApplication& application) {
     UserDefaults userDefaults;
+    StatusMenu menu;
     QtDesktop desktop;
     const auto editor = chooseEditor();
     SourceFileScanner scanner;
     const auto dataManager = KZDataManager::init(
         {userDefaults, *editor, desktop, scanner,
          QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)});
-    const auto delegate =
-        AppDelegate::create({*dataManager, desktop, userDefaults, programVersion()});
+    const auto delegate = AppDelegate::create(
+        {*dataManager, desktop, userDefaults, programVersion(), &PTUSBHub::sharedHub, webServer()});
+    layOutStatusMenu(menu, *delegate, *dataManager);
     QTimer::singleShot(0, delegate.get(),
                        [&delegate] { delegate->applicationDidFinishLaunching(); });
     QObject::connect(&application, &QCoreApplication::aboutToQuit, delegate.get(),

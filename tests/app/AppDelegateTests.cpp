@@ -8,6 +8,7 @@ class FakeMenuItem final : public MenuItem {
 public:
     QString title;
     void setTitle(const QString& text) override { title = text; }
+    void setChecked(bool) override {}
 };
 
 class AppDelegateTest : public ServedProject {};

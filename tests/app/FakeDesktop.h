@@ -19,6 +19,15 @@ public:
     QStringList openedFiles;
     std::vector<Error> presentedErrors;
     int terminations = 0;
+    /// What the person answers to alerts.
+    int alertAnswer = kAlertFirstButtonReturn + 1;
+    QStringList alertTexts;
+    bool opensURLs = true;
+    QList<QUrl> openedURLs;
+    QString statusItemImage;
+    QStringList aboutPages;
+    /// Alerts and the status item, in the order of their appearance.
+    QStringList events;
 
     std::optional<QString> runOpenPanel(const QString& title, const QStringList&) override {
         panelTitles.append(title);
@@ -28,9 +37,21 @@ public:
         presentedErrors.push_back(error);
         return false;
     }
-    int runAlert(const QString&, const QString&, const QStringList&) override {
-        return kAlertFirstButtonReturn;
+    int runAlert(const QString& message, const QString& informativeText,
+                 const QStringList& buttons) override {
+        events.append(QStringLiteral("alert"));
+        alertTexts = QStringList{message, informativeText} + buttons;
+        return alertAnswer;
     }
+    bool openURL(const QUrl& url) override {
+        openedURLs.append(url);
+        return opensURLs;
+    }
+    void showStatusItem(StatusMenu&, const QString& imagePath) override {
+        events.append(QStringLiteral("status item"));
+        statusItemImage = imagePath;
+    }
+    void showAboutWindow(const QString& page) override { aboutPages.append(page); }
     bool openFile(const QString& path) override {
         openedFiles.append(path);
         return true;

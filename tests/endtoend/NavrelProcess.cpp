@@ -61,6 +61,12 @@ void NavrelProcess::prepare(QProcess& process, const QStringList& arguments) con
     environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
     environment.remove(QStringLiteral("DISPLAY"));
     environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
+    // Nor does it show itself on the desktop of whoever runs the tests.
+    environment.remove(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"));
+    for (auto variable = extraEnvironment_.cbegin(); variable != extraEnvironment_.cend();
+         ++variable) {
+        environment.insert(variable.key(), variable.value());
+    }
     process.setProcessEnvironment(environment);
     process.setProgram(binary());
     process.setArguments(arguments);

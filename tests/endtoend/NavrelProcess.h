@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QMap>
 #include <QProcess>
 #include <QString>
 #include <QTemporaryDir>
@@ -26,6 +27,11 @@ public:
     /// Where the next start looks for the USB multiplexing daemon, as USBMUXD_SOCKET_ADDRESS wants
     /// it; at first where there is none.
     void setUSBDaemonAddress(const QString& address) { usbDaemonAddress_ = address; }
+
+    /// A variable in the environment of the next starts.
+    void setEnvironment(const QString& name, const QString& value) {
+        extraEnvironment_.insert(name, value);
+    }
 
     [[nodiscard]] bool start();
     /// Ends it as the system does at the worst of times.
@@ -53,6 +59,7 @@ private:
 
     QTemporaryDir profile_;
     QString usbDaemonAddress_;
+    QMap<QString, QString> extraEnvironment_;
     QProcess process_;
     QByteArray log_;
 };

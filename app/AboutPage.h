@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+
+namespace navrel {
+
+/// What the page about the program says of this installation.
+struct AboutFacts {
+    QString version;
+    QString storeFolder;
+    QString preferencesFile;
+};
+
+/// The page about the program, as HTML of Qt's rich-text subset. Empty when the program lacks the
+/// page.
+QString aboutPage(const AboutFacts& facts);
+
+} // namespace navrel

@@ -1,0 +1,107 @@
+#include "app/TextFetch.h"
+
+#include "support/text/UTF8.h"
+
+#include <QDeadlineTimer>
+#include <QEventLoop>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QThread>
+#include <QTimer>
+
+#include <algorithm>
+#include <memory>
+
+namespace navrel {
+
+namespace {
+
+constexpr int kMaximumRedirections = 5;
+constexpr int kStatusOK = 200;
+
+/// What the worker leaves for the caller, who may have stopped waiting.
+struct Fetched {
+    std::optional<QByteArray> bytes;
+};
+
+bool isHTTP(const QUrl& url) {
+    return url.scheme() == QStringLiteral("http") || url.scheme() == QStringLiteral("https");
+}
+
+bool hasNoAddressByDefinition(const QUrl& url) {
+    const QString host = url.host();
+    return host.isEmpty() || host == QStringLiteral("invalid") ||
+           host.endsWith(QStringLiteral(".invalid"));
+}
+
+std::optional<QByteArray> bytesOf(QNetworkReply& reply) {
+    const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    if (reply.error() != QNetworkReply::NoError || status != kStatusOK) {
+        return std::nullopt;
+    }
+    const QByteArray bytes = reply.read(kMaximumFetchedBytes + 1);
+    return bytes.size() > kMaximumFetchedBytes ? std::nullopt : std::optional(bytes);
+}
+
+/// Runs in a thread of its own, with an event loop of its own.
+std::optional<QByteArray> fetchBytes(const QUrl& url) {
+    QNetworkAccessManager manager;
+    QNetworkRequest request(url);
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
+                         QNetworkRequest::UserVerifiedRedirectPolicy);
+    request.setMaximumRedirectsAllowed(kMaximumRedirections);
+    const std::unique_ptr<QNetworkReply> reply(manager.get(request));
+    reply->setReadBufferSize(kMaximumFetchedBytes + 1);
+
+    QEventLoop loop;
+    const auto giveUp = [&reply] { reply->abort(); };
+    QObject::connect(reply.get(), &QNetworkReply::finished, &loop, &QEventLoop::quit);
+    QObject::connect(reply.get(), &QNetworkReply::redirected, &loop, [&](const QUrl& target) {
+        if (target.host() == url.host() && isHTTP(target)) {
+            Q_EMIT reply->redirectAllowed();
+        } else {
+            giveUp();
+        }
+    });
+    QObject::connect(reply.get(), &QNetworkReply::readyRead, &loop, [&] {
+        if (reply->bytesAvailable() > kMaximumFetchedBytes) {
+            giveUp();
+        }
+    });
+    QTimer::singleShot(kTextFetchLimit, &loop, giveUp);
+    if (!reply->isFinished()) {
+        loop.exec();
+    }
+    return bytesOf(*reply);
+}
+
+/// A text that a person can be shown: a server that sends something else has no version to offer.
+bool isReadable(const QString& text) {
+    return std::none_of(text.begin(), text.end(), [](QChar character) {
+        return character.category() == QChar::Other_Control && !character.isSpace();
+    });
+}
+
+} // namespace
+
+std::optional<QString> fetchText(const QUrl& url) {
+    if (!isHTTP(url) || hasNoAddressByDefinition(url)) {
+        return std::nullopt;
+    }
+    const auto fetched = std::make_shared<Fetched>();
+    auto* worker = QThread::create([url, fetched] { fetched->bytes = fetchBytes(url); });
+    worker->start();
+    if (!worker->wait(QDeadlineTimer(kTextFetchLimit))) {
+        // It ends by itself, soon: whatever holds it must not hold the caller.
+        QObject::connect(worker, &QThread::finished, worker, &QObject::deleteLater);
+        return std::nullopt;
+    }
+    delete worker;
+    if (!fetched->bytes) {
+        return std::nullopt;
+    }
+    auto text = decodeUTF8(*fetched->bytes);
+    return text && isReadable(*text) ? text : std::nullopt;
+}
+
+} // namespace navrel

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "app/StatusMenu.h"
+#include "desktop/DBusMenuTypes.h"
+
+#include <QDBusAbstractAdaptor>
+#include <QDBusVariant>
+
+namespace navrel {
+
+/// The status menu on the session bus, as panels read it: "com.canonical.dbusmenu". One level of
+/// entries below the root, which has the id 0. An entry that the person chooses does its work after
+/// the panel has its answer, since that work may be a dialog. Main thread.
+class DBusMenu final : public QDBusAbstractAdaptor, public StatusMenuView {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "com.canonical.dbusmenu")
+    Q_PROPERTY(uint Version READ version CONSTANT)
+    Q_PROPERTY(QString TextDirection READ textDirection CONSTANT)
+    Q_PROPERTY(QString Status READ status CONSTANT)
+    Q_PROPERTY(QStringList IconThemePath READ iconThemePath CONSTANT)
+
+public:
+    /// Serves the menu at the path where `exported` is registered. The menu must live longer.
+    DBusMenu(StatusMenu& menu, QObject& exported);
+    ~DBusMenu() override;
+
+    uint version() const { return 3; }
+    QString textDirection() const;
+    QString status() const { return QStringLiteral("normal"); }
+    QStringList iconThemePath() const { return {}; }
+
+    void menuDidChange() override;
+    void entryDidChange(const MenuEntry& entry) override;
+
+public Q_SLOTS:
+    /// An entry's properties (all, or those named), and with a depth other than 0 the entries below
+    /// it. The result is the revision of the menu. An unknown entry has none.
+    uint GetLayout(int parentId, int recursionDepth, const QStringList& propertyNames,
+                   navrel::DBusMenuLayoutItem& layout);
+    /// The properties of these entries; of all for an empty list.
+    QList<navrel::DBusMenuItem> GetGroupProperties(const QList<int>& ids,
+                                                   const QStringList& propertyNames);
+    QDBusVariant GetProperty(int id, const QString& name);
+    void Event(int id, const QString& eventId, const QDBusVariant& data, uint timestamp);
+    /// The result is the ids that are unknown.
+    QList<int> EventGroup(const QList<navrel::DBusMenuEvent>& events);
+    /// Whether the layout must be read again: never, since each change was announced.
+    bool AboutToShow(int id);
+    QList<int> AboutToShowGroup(const QList<int>& ids, QList<int>& idErrors);
+
+Q_SIGNALS:
+    void ItemsPropertiesUpdated(const QList<navrel::DBusMenuItem>& updatedProps,
+                                const QList<navrel::DBusMenuItemKeys>& removedProps);
+    void LayoutUpdated(uint revision, int parent);
+    void ItemActivationRequested(int id, uint timestamp);
+
+private:
+    bool isKnown(int id) const;
+
+    StatusMenu& menu_;
+    uint revision_ = 1;
+};
+
+} // namespace navrel

@@ -1,0 +1,51 @@
+#include "desktop/MenuWidget.h"
+
+#include "desktop/MenuText.h"
+
+#include <QTimer>
+
+namespace navrel {
+
+MenuWidget::MenuWidget(StatusMenu& menu) : menu_(menu) {
+    setToolTipsVisible(true);
+    setAccessibleName(QStringLiteral("Navrel"));
+    menu_.addView(*this);
+    menuDidChange();
+}
+
+MenuWidget::~MenuWidget() {
+    menu_.removeView(*this);
+}
+
+void MenuWidget::menuDidChange() {
+    clear();
+    actions_.clear();
+    for (const MenuEntry* entry : menu_.visibleEntries()) {
+        QAction* action = addAction(QString());
+        actions_.insert(entry->id(), action);
+        show(*entry, *action);
+        connect(action, &QAction::triggered, this, [this, id = entry->id()] {
+            // What is chosen may be a dialog, or replace this very action.
+            QTimer::singleShot(0, this, [this, id] { menu_.choose(id); });
+        });
+    }
+}
+
+void MenuWidget::entryDidChange(const MenuEntry& entry) {
+    if (QAction* action = actions_.value(entry.id())) {
+        show(entry, *action);
+    }
+}
+
+void MenuWidget::show(const MenuEntry& entry, QAction& action) const {
+    const QString title = titleOnOneLine(entry.title());
+    action.setSeparator(entry.kind() == MenuEntry::Kind::Separator);
+    action.setText(withoutMnemonics(title, QChar(u'&')));
+    // Only where it says more: Qt would show the text itself.
+    action.setToolTip(title == entry.title() ? QString() : entry.title());
+    action.setEnabled(entry.canBeChosen() || action.isSeparator());
+    action.setCheckable(entry.kind() == MenuEntry::Kind::Switch);
+    action.setChecked(entry.isChecked());
+}
+
+} // namespace navrel

@@ -1,0 +1,94 @@
+#include "desktop/MenuWindow.h"
+
+#include "desktop/MenuText.h"
+
+#include <QCloseEvent>
+#include <QFrame>
+#include <QTimer>
+#include <QVBoxLayout>
+
+namespace navrel {
+
+namespace {
+
+constexpr int kIDRole = Qt::UserRole;
+constexpr QSize kUsualSize{360, 480};
+constexpr int kSeparatorHeight = 9;
+
+/// One click, or Return, chooses: as in a menu, whatever the desktop does in lists of files.
+const QString kStyle = QStringLiteral("QListView { activate-on-singleclick: 1; padding: 4px; }"
+                                      "QListView::item { padding: 4px 8px; }");
+
+} // namespace
+
+MenuWindow::MenuWindow(StatusMenu& menu, const QIcon& icon) : menu_(menu) {
+    setWindowTitle(QStringLiteral("Navrel"));
+    setWindowIcon(icon);
+    resize(kUsualSize);
+    list_.setAccessibleName(QStringLiteral("Navrel"));
+    list_.setFrameShape(QFrame::NoFrame);
+    list_.setTextElideMode(Qt::ElideMiddle);
+    list_.setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    list_.setStyleSheet(kStyle);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(&list_);
+    connect(&list_, &QListWidget::itemActivated, this, [this](const QListWidgetItem* item) {
+        const int id = item->data(kIDRole).toInt();
+        QTimer::singleShot(0, this, [this, id] { menu_.choose(id); });
+    });
+    menu_.addView(*this);
+    menuDidChange();
+}
+
+MenuWindow::~MenuWindow() {
+    menu_.removeView(*this);
+}
+
+void MenuWindow::menuDidChange() {
+    const int row = list_.currentRow();
+    list_.clear();
+    for (const MenuEntry* entry : menu_.visibleEntries()) {
+        if (entry->kind() == MenuEntry::Kind::Separator) {
+            addSeparator();
+        } else {
+            show(*entry, *new QListWidgetItem(&list_));
+        }
+    }
+    list_.setCurrentRow(row);
+}
+
+void MenuWindow::addSeparator() {
+    auto* item = new QListWidgetItem(&list_);
+    item->setFlags(Qt::NoItemFlags);
+    auto* line = new QFrame;
+    line->setFrameShape(QFrame::HLine);
+    line->setFrameShadow(QFrame::Sunken);
+    item->setSizeHint({0, kSeparatorHeight});
+    list_.setItemWidget(item, line);
+}
+
+void MenuWindow::entryDidChange(const MenuEntry& entry) {
+    for (int row = 0; row < list_.count(); ++row) {
+        if (list_.item(row)->data(kIDRole).toInt() == entry.id()) {
+            show(entry, *list_.item(row));
+        }
+    }
+}
+
+void MenuWindow::show(const MenuEntry& entry, QListWidgetItem& item) const {
+    item.setData(kIDRole, entry.id());
+    item.setText(titleOnOneLine(entry.title()));
+    item.setToolTip(entry.title().toHtmlEscaped());
+    item.setFlags(entry.canBeChosen() ? Qt::ItemIsEnabled | Qt::ItemIsSelectable : Qt::NoItemFlags);
+    if (entry.kind() == MenuEntry::Kind::Switch) {
+        item.setCheckState(entry.isChecked() ? Qt::Checked : Qt::Unchecked);
+    }
+}
+
+void MenuWindow::closeEvent(QCloseEvent* event) {
+    event->ignore();
+    showMinimized();
+}
+
+} // namespace navrel

@@ -1,0 +1,93 @@
+#include "desktop/StatusItem.h"
+
+#include "desktop/MenuWindow.h"
+#include "desktop/StatusNotifierItem.h"
+
+#include <QCursor>
+#include <QDBusConnection>
+#include <QStandardPaths>
+
+#include <chrono>
+
+namespace navrel {
+
+namespace {
+
+/// X11 does not tell when a tray appears, at least not through Qt.
+constexpr std::chrono::milliseconds kTrayInterval{1000};
+constexpr std::chrono::milliseconds kPatienceWithPanels{2000};
+
+/// One colour, which panels replace by their own: only by name, and only once it is installed.
+QString installedSymbolicIcon() {
+    const QString name = QStringLiteral("nl.kelvane.Navrel-symbolic");
+    const QString file = QStringLiteral("icons/hicolor/symbolic/apps/%1.svg").arg(name);
+    const bool isInstalled =
+        !QStandardPaths::locate(QStandardPaths::GenericDataLocation, file).isEmpty();
+    return isInstalled ? name : QString();
+}
+
+} // namespace
+
+StatusItem::StatusItem(StatusMenu& menu, const QIcon& icon, bool hasDisplay)
+    : icon_(icon), hasDisplay_(hasDisplay), menuWidget_(menu),
+      window_(std::make_unique<MenuWindow>(menu, icon)) {
+    offerOnBus(menu);
+    connect(&trayTimer_, &QTimer::timeout, this, [this] { chooseWhere(); });
+    trayTimer_.start(kTrayInterval);
+    QTimer::singleShot(kPatienceWithPanels, this, [this] {
+        mayShowWindow_ = true;
+        chooseWhere();
+    });
+    chooseWhere();
+}
+
+StatusItem::~StatusItem() = default;
+
+void StatusItem::offerOnBus(StatusMenu& menu) {
+    const QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected()) {
+        return;
+    }
+    busItem_ = std::make_unique<StatusNotifierItem>(
+        bus, menu, StatusNotifierItem::Appearance{installedSymbolicIcon(), icon_},
+        [this](QPoint position) {
+            if (hasDisplay_) {
+                menuWidget_.popup(position);
+            }
+        },
+        [this] { chooseWhere(); });
+}
+
+void StatusItem::chooseWhere() {
+    const bool isOnPanel = busItem_ != nullptr && busItem_->hasHost();
+    const bool isInTray = hasDisplay_ && !isOnPanel && QSystemTrayIcon::isSystemTrayAvailable();
+    showInTray(isInTray);
+    showInWindow(hasDisplay_ && mayShowWindow_ && !isOnPanel && !isInTray);
+}
+
+void StatusItem::showInTray(bool show) {
+    if (show == (trayIcon_ != nullptr)) {
+        return;
+    }
+    if (!show) {
+        trayIcon_.reset();
+        return;
+    }
+    trayIcon_ = std::make_unique<QSystemTrayIcon>(icon_);
+    trayIcon_->setContextMenu(&menuWidget_);
+    connect(trayIcon_.get(), &QSystemTrayIcon::activated, this,
+            [this](QSystemTrayIcon::ActivationReason reason) {
+                if (reason == QSystemTrayIcon::Trigger) {
+                    menuWidget_.popup(QCursor::pos());
+                }
+            });
+    trayIcon_->show();
+}
+
+void StatusItem::showInWindow(bool show) {
+    if (show != window_->isVisible()) {
+        window_->setVisible(show);
+    }
+}
+
+} // namespace navrel

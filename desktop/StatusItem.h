@@ -1,0 +1,45 @@
+#pragma once
+
+#include "desktop/MenuWidget.h"
+
+#include <QIcon>
+#include <QObject>
+#include <QSystemTrayIcon>
+#include <QTimer>
+
+#include <memory>
+
+namespace navrel {
+
+class MenuWindow;
+class StatusMenu;
+class StatusNotifierItem;
+
+/// Shows the status item where this desktop shows such items, for as long as it lives: on the
+/// session bus where a panel hosts items, else in an X11 tray, else as a small window with the same
+/// menu, so that the program can be reached everywhere. Panels come and go; the item follows. Main
+/// thread.
+class StatusItem final : public QObject {
+public:
+    /// Without a display only panels on the session bus can show the item. The menu must live
+    /// longer.
+    StatusItem(StatusMenu& menu, const QIcon& icon, bool hasDisplay);
+    ~StatusItem() override;
+
+private:
+    void offerOnBus(StatusMenu& menu);
+    void chooseWhere();
+    void showInTray(bool show);
+    void showInWindow(bool show);
+
+    QIcon icon_;
+    bool hasDisplay_;
+    MenuWidget menuWidget_;
+    std::unique_ptr<StatusNotifierItem> busItem_;
+    std::unique_ptr<QSystemTrayIcon> trayIcon_;
+    std::unique_ptr<MenuWindow> window_;
+    QTimer trayTimer_;
+    bool mayShowWindow_ = false; ///< not at first: at login, panels start beside the program
+};
+
+} // namespace navrel
