@@ -77,3 +77,8 @@ build() {
     rm -f "$root/build-$preset.log"
     cmake --build --preset "$preset" ${1:+--target "$@"} >&2
 }
+
+# The version of the project, as its CMakeLists.txt has it.
+project_version() {
+    sed -nE 's/^project\(Navrel VERSION ([0-9.]+) .*/\1/p' "$root/CMakeLists.txt"
+}
