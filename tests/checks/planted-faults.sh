@@ -30,3 +30,28 @@ expect_fault check-layers "support/Bad.h:1: support must not include project/Goo
 
 touch "$tree/tests/support/text/ForgottenTests.cpp"
 expect_fault check-tests-registered "tests/support/text/ForgottenTests.cpp: in no CMakeLists.txt"
+
+# What installs, as it is and then with a fault in each place that is judged.
+source=$(dirname "$scripts")
+
+# plant [FILE SED_COMMAND]
+plant() {
+    rm -rf "${tree:?}"/*
+    cp -r "$source/packaging" "$source/CMakeLists.txt" "$source/CHANGELOG.md" "$tree"
+    [ $# -eq 0 ] || sed -i "$2" "$tree/$1"
+}
+plant
+"$scripts/check-packaging" "$tree"
+
+plant packaging/linux/nl.kelvane.Navrel.desktop 's/^Categories=.*/Categories=Nonsense;/'
+expect_fault check-packaging 'value "Nonsense'
+plant packaging/linux/nl.kelvane.Navrel.metainfo.xml 's/<summary>.*//'
+expect_fault check-packaging 'component-summary-missing'
+plant packaging/man/navrel.1 's/^\.Sh FILES/.Hs FILES/'
+expect_fault check-packaging 'skipping unknown macro: .Hs'
+plant packaging/man/navrel.1 "s/^takes no arguments/$(printf 'x%.0s' {1..90})/"
+expect_fault check-packaging "can't break line"
+plant packaging/debian/changelog '1s/0\.1/9.8/'
+expect_fault check-packaging 'packaging/debian/changelog: the version is 9.8'
+plant packaging/linux/nl.kelvane.Navrel.metainfo.xml 's/release version="0/release version="9/'
+expect_fault check-packaging 'the version is 9.'
