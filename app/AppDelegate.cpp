@@ -24,7 +24,12 @@ std::shared_ptr<AppDelegate> AppDelegate::create(Collaborators collaborators) {
 }
 
 AppDelegate::AppDelegate(Collaborators collaborators)
-    : collaborators_(std::move(collaborators)), wantedDevice_(std::make_shared<WantedDevice>()) {}
+    : collaborators_(std::move(collaborators)), wantedDevice_(std::make_shared<WantedDevice>()),
+      usbRetryTimer_(this) {
+    usbRetryTimer_.setSingleShot(true);
+    usbRetryTimer_.setTimerType(Qt::PreciseTimer);
+    connect(&usbRetryTimer_, &QTimer::timeout, this, [this] { enqueueConnectToUSBDevice(); });
+}
 
 AppDelegate::~AppDelegate() = default;
 

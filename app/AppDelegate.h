@@ -94,10 +94,11 @@ public:
     /// Observes the devices that the hub announces; the last one attached is reached, as soon as no
     /// channel is connected.
     void startListeningForDevices();
-    /// Puts an attempt to reach the companion app on a device, the wanted one, on the connection
-    /// queue: it waits while a channel is connected, and runs on the main thread. It is dropped if
-    /// another device is wanted by then, which has an attempt of its own. Null: no device.
-    void enqueueConnectToUSBDevice(const std::shared_ptr<const DeviceID>& deviceID);
+    /// Puts an attempt to reach the companion app on a device on the connection queue: it waits
+    /// while a channel is connected, and runs on the main thread, for the device that is wanted by
+    /// then, or for none. It takes the place of any that still waits, and is dropped if that device
+    /// is being reached already.
+    void enqueueConnectToUSBDevice();
     /// Puts an attempt to reach the companion app on 127.0.0.1 on the connection queue: it waits
     /// while a channel is connected, and runs on the main thread.
     void enqueueConnectToLocalIPv4Port();
@@ -146,8 +147,8 @@ private:
 
     void deviceDidAttach(const QVariantMap& userInfo);
     void deviceDidDetach(const QVariantMap& userInfo);
-    void reachDevice(const std::shared_ptr<const DeviceID>& deviceID);
-    bool isSuperseded(const std::shared_ptr<const DeviceID>& deviceID) const;
+    void reachWantedDevice();
+    void enqueueAttempt(const std::function<void(AppDelegate&)>& attempt);
     void connectToUSBDevice();
     void connectedToUSBDevice(const std::shared_ptr<PTChannel>& channel,
                               const std::optional<Error>& error);
@@ -186,6 +187,9 @@ private:
     std::vector<NotificationCentre::Token> deviceObservers_;
     /// Shared with the jobs of the connection queue, which may outlive the delegate.
     const std::shared_ptr<WantedDevice> wantedDevice_;
+    quint64 lastUSBAttempt_ = 0; ///< number of the attempt enqueued last; any other is dropped
+    std::weak_ptr<PTChannel> usbAttempt_; ///< of the attempt under way that began last
+    QTimer usbRetryTimer_;                ///< runs while a failed attempt is to be repeated
     std::shared_ptr<const DeviceID> connectedDeviceID_;
     std::shared_ptr<PTChannel> connectedChannel_;
     bool hasLoggedRefusedPeer_ = false; ///< until a peer has been served again

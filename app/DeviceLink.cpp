@@ -78,20 +78,21 @@ void AppDelegate::deviceDidAttach(const QVariantMap& userInfo) {
             if (!wanted->want(deviceID, properties)) {
                 return; // it is being reached already
             }
-            DispatchQueue::mainQueue()->async([self, deviceID] {
-                const auto delegate = self.lock();
-                if (delegate && !delegate->isSuperseded(deviceID)) {
-                    delegate->reachDevice(deviceID);
+            DispatchQueue::mainQueue()->async([self] {
+                if (const auto delegate = self.lock()) {
+                    delegate->reachWantedDevice();
                 }
             });
         });
 }
 
-void AppDelegate::reachDevice(const std::shared_ptr<const DeviceID>& deviceID) {
-    if (connectedDeviceID_ && connectedChannel_) { // since the connection queue let this through
-        return disconnectFromCurrentChannel();     // which enqueues the attempt
+// A device may have been connected since the connection queue let this through.
+void AppDelegate::reachWantedDevice() {
+    if (connectedChannel_ && connectedChannel_->userInfo() == wantedDevice_->ID()) {
+        return; // it is this one, which an attempt that waited has reached
     }
-    enqueueConnectToUSBDevice(deviceID);
+    disconnectFromCurrentChannel();
+    enqueueConnectToUSBDevice();
 }
 
 void AppDelegate::deviceDidDetach(const QVariantMap& userInfo) {
@@ -103,23 +104,16 @@ void AppDelegate::deviceDidDetach(const QVariantMap& userInfo) {
     }
 }
 
-void AppDelegate::enqueueConnectToUSBDevice(const std::shared_ptr<const DeviceID>& deviceID) {
-    const std::weak_ptr<AppDelegate> self = weak_from_this();
-    notConnectedQueue_->async([self, deviceID] {
-        DispatchQueue::mainQueue()->async([self, deviceID] {
-            const auto delegate = self.lock();
-            if (delegate && !delegate->isSuperseded(deviceID)) {
-                delegate->connectToUSBDevice();
-            }
-        });
+// Only one attempt waits at a time, be it in the queue or for its second to pass: were the retry
+// that was parked while the simulator was connected to run beside the one that its end enqueues,
+// each would go on being repeated, and every simulator would leave one more behind.
+void AppDelegate::enqueueConnectToUSBDevice() {
+    usbRetryTimer_.stop();
+    enqueueAttempt([number = ++lastUSBAttempt_](AppDelegate& delegate) {
+        if (number == delegate.lastUSBAttempt_) {
+            delegate.connectToUSBDevice();
+        }
     });
-}
-
-// Whether another device is wanted by now, which has its own attempt: two for one device would both
-// succeed, and one of the connections would be left over.
-bool AppDelegate::isSuperseded(const std::shared_ptr<const DeviceID>& deviceID) const {
-    const auto wanted = wantedDevice_->ID();
-    return wanted && wanted != deviceID;
 }
 
 // Deliberate: an attempt whose device has gone meanwhile runs all the same, for no device. It
@@ -127,8 +121,13 @@ bool AppDelegate::isSuperseded(const std::shared_ptr<const DeviceID>& deviceID) 
 // attached.
 void AppDelegate::connectToUSBDevice() {
     const auto deviceID = wantedDevice_->ID();
+    const auto underWay = usbAttempt_.lock();
+    if (underWay && underWay->userInfo() == deviceID) {
+        return; // if both succeeded, one of the connections would be left over
+    }
     const auto channel = PTChannel::channelWithDelegate(shared_from_this());
     channel->setUserInfo(deviceID);
+    usbAttempt_ = channel;
     channel->connectToPort(kCompanionPort, hub_,
                            deviceID ? QVariant(deviceID->value()) : QVariant(),
                            [self = weak_from_this(), channel](const std::optional<Error>& error) {
@@ -141,14 +140,16 @@ void AppDelegate::connectToUSBDevice() {
 void AppDelegate::connectedToUSBDevice(const std::shared_ptr<PTChannel>& channel,
                                        const std::optional<Error>& error) {
     const auto wanted = wantedDevice_->ID();
+    if (usbAttempt_.lock() == channel) {
+        usbAttempt_.reset();
+    }
     if (!error) {
         connectedDeviceID_ = wanted;
         return setConnectedChannel(channel);
     }
     // The same object, not the same number: a device that was attached anew has its own attempt.
     if (channel->userInfo() == wanted) {
-        QTimer::singleShot(kReconnectDelay, this,
-                           [this, wanted] { enqueueConnectToUSBDevice(wanted); });
+        usbRetryTimer_.start(kReconnectDelay);
     }
 }
 
@@ -163,15 +164,7 @@ void AppDelegate::didDisconnectFromDevice(const DeviceID& deviceID) {
 // The simulator.
 
 void AppDelegate::enqueueConnectToLocalIPv4Port() {
-    // Two hops: the first waits for the queue, the second brings the attempt to the main thread.
-    const std::weak_ptr<AppDelegate> self = weak_from_this();
-    notConnectedQueue_->async([self] {
-        DispatchQueue::mainQueue()->async([self] {
-            if (const auto delegate = self.lock()) {
-                delegate->connectToLocalIPv4Port();
-            }
-        });
-    });
+    enqueueAttempt([](AppDelegate& delegate) { delegate.connectToLocalIPv4Port(); });
 }
 
 void AppDelegate::connectToLocalIPv4Port() {
@@ -228,9 +221,24 @@ bool AppDelegate::isServed([[maybe_unused]] const PTChannel& channel) {
 
 // The connected channel.
 
+// Two hops: the first waits for the queue, the second brings the attempt to the main thread. A
+// channel that was connected between the two parks the attempt again.
+void AppDelegate::enqueueAttempt(const std::function<void(AppDelegate&)>& attempt) {
+    notConnectedQueue_->async([self = weak_from_this(), attempt] {
+        DispatchQueue::mainQueue()->async([self, attempt] {
+            const auto delegate = self.lock();
+            if (!delegate) {
+                return;
+            }
+            if (delegate->connectedChannel_) {
+                return delegate->enqueueAttempt(attempt);
+            }
+            attempt(*delegate);
+        });
+    });
+}
+
 void AppDelegate::setConnectedChannel(std::shared_ptr<PTChannel> channel) {
-    // Asked before the queue goes on: a device that waited there brings its own attempt.
-    const auto wanted = wantedDevice_->ID();
     connectedChannel_ = std::move(channel);
     const bool isConnected = connectedChannel_ != nullptr;
     if (isConnected && !notConnectedQueueSuspended_) {
@@ -240,8 +248,8 @@ void AppDelegate::setConnectedChannel(std::shared_ptr<PTChannel> channel) {
         notConnectedQueue_->resume();
         notConnectedQueueSuspended_ = false;
     }
-    if (!isConnected && wanted) {
-        enqueueConnectToUSBDevice(wanted);
+    if (!isConnected && wantedDevice_->ID()) {
+        enqueueConnectToUSBDevice();
     }
 }
 

@@ -185,6 +185,46 @@ TEST_F(USBLinkTest, anotherDeviceTakesTheWantedOnesPlaceWhileThatIsNotReached) {
     EXPECT_EQ(delegate_->connectedDeviceID()->value(), 8);
 }
 
+TEST_F(USBLinkTest, howeverOftenTheSimulatorComesAndGoesADeviceIsTriedOnceASecond) {
+    launchWithDaemon();
+    daemon_.connectAnswer = 3;
+    daemon_.attach(7);
+    ASSERT_TRUE(waitUntil([&] { return connects() == 1; }));
+    for (int round = 0; round < 3; ++round) {
+        TestDevice simulator;
+        ASSERT_TRUE(simulator.listen());
+        ASSERT_TRUE(simulator.waitForConnection());
+        ASSERT_TRUE(waitUntil([&] { return isConnected(); }));
+        runEventLoopFor(milliseconds(1200)); // the next attempt is parked
+        simulator.stopListening();
+        simulator.disconnect();
+        ASSERT_TRUE(waitUntil([&] { return !isConnected(); }));
+    }
+    const int before = connects();
+    runEventLoopFor(milliseconds(2500));
+    EXPECT_LE(connects() - before, 3);
+    EXPECT_GE(connects() - before, 1);
+}
+
+TEST_F(USBLinkTest, anAttemptUnderWayWhenTheSimulatorGoesIsNotMadeTwice) {
+    launchWithDaemon();
+    daemon_.connectAnswer = std::nullopt;
+    daemon_.attach(7);
+    ASSERT_TRUE(waitUntil([&] { return connects() == 1; }));
+    TestDevice simulator;
+    ASSERT_TRUE(simulator.listen());
+    ASSERT_TRUE(simulator.waitForConnection());
+    ASSERT_TRUE(waitUntil([&] { return isConnected(); }));
+    simulator.stopListening();
+    simulator.disconnect();
+    ASSERT_TRUE(waitUntil([&] { return !isConnected(); }));
+    runEventLoopFor(milliseconds(500));
+    EXPECT_EQ(connects(), 1);
+    daemon_.connectAnswer = 3;
+    daemon_.closeConnecting(); // it fails, and is repeated
+    EXPECT_TRUE(waitUntil([&] { return connects() == 2; }));
+}
+
 // Losing a device.
 
 TEST_F(USBLinkTest, unpluggingTheConnectedDeviceIsLoggedAndLeavesTheLinkIdle) {
