@@ -20,6 +20,7 @@ namespace {
 constexpr char kAddressVariable[] = "USBMUXD_SOCKET_ADDRESS";
 const QString kDefaultPath = QStringLiteral("/var/run/usbmuxd");
 const QString kPathPrefix = QStringLiteral("UNIX:");
+const QString kLocalHost = QStringLiteral("localhost");
 
 /// Non-blocking, so that a daemon which accepts nobody is a failure and never holds the caller.
 OwnedDescriptor makeStreamSocket(int family) {
@@ -59,21 +60,29 @@ OwnedDescriptor connectToPath(const QString& path) {
                      sizeof address);
 }
 
-OwnedDescriptor connectToHost(const QString& host, const QString& port) {
+using AddressList = std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)>;
+
+/// The address that a host's number and a port stand for; null for a name. Nobody is asked for
+/// names: their servers may take half a minute to say nothing, and nothing else runs meanwhile.
+AddressList numericAddress(const QString& host, const QString& port) {
     addrinfo wanted = {};
     wanted.ai_socktype = SOCK_STREAM;
+    wanted.ai_flags = AI_NUMERICHOST | AI_NUMERICSERV;
     addrinfo* found = nullptr;
-    const QByteArray hostBytes = host.toUtf8();
-    if (::getaddrinfo(hostBytes.constData(), port.toUtf8().constData(), &wanted, &found) != 0) {
+    const QByteArray number = host == kLocalHost ? QByteArrayLiteral("127.0.0.1") : host.toUtf8();
+    if (::getaddrinfo(number.constData(), port.toUtf8().constData(), &wanted, &found) != 0) {
+        found = nullptr;
+    }
+    return {found, ::freeaddrinfo};
+}
+
+OwnedDescriptor connectToHost(const QString& host, const QString& port) {
+    const AddressList address = numericAddress(host, port);
+    if (!address) {
         errno = EHOSTUNREACH;
         return {};
     }
-    const std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)> owned(found, ::freeaddrinfo);
-    OwnedDescriptor socket;
-    for (const addrinfo* one = found; one != nullptr && !socket.isValid(); one = one->ai_next) {
-        socket = connected(makeStreamSocket(one->ai_family), one->ai_addr, one->ai_addrlen);
-    }
-    return socket;
+    return connected(makeStreamSocket(address->ai_family), address->ai_addr, address->ai_addrlen);
 }
 
 bool isPort(const QString& text) {
@@ -94,7 +103,7 @@ std::optional<USBDaemonAddress> USBDaemonAddress::fromText(const QString& text) 
         host = host.sliced(1, host.size() - 2);
     }
     const QString port = text.sliced(colon + 1);
-    if (host.isEmpty() || !isPort(port)) {
+    if (host.isEmpty() || !isPort(port) || !numericAddress(host, port)) {
         return std::nullopt;
     }
     return USBDaemonAddress{{}, host, port};
@@ -108,7 +117,8 @@ USBDaemonAddress USBDaemonAddress::fromEnvironment() {
     const QString text = qEnvironmentVariable(kAddressVariable);
     const auto address = fromText(text);
     if (!address) {
-        log(QStringLiteral("Ignoring %1: neither \"UNIX:\" and a path nor \"host:port\": %2")
+        log(QStringLiteral("Ignoring %1: neither \"UNIX:\" and a path nor the number of a host "
+                           "(or \"localhost\") and a port: %2")
                 .arg(QLatin1String(kAddressVariable), text));
     }
     return address.value_or(standard);

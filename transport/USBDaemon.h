@@ -27,11 +27,12 @@ protected:
 /// Where a daemon listens: a socket of the file system, or a port of a host.
 struct USBDaemonAddress {
     QString path; ///< empty for a host and port
-    QString host;
+    QString host; ///< a number, or "localhost" for 127.0.0.1
     QString port;
 
-    /// Reads "UNIX:" and a path, or "host:port" ("[::1]:27015" for IPv6); nothing for any other
-    /// text.
+    /// Reads "UNIX:" and a path, or "host:port" ("127.0.0.1:27015", "[::1]:27015",
+    /// "localhost:27015"); nothing for any other text. Hosts are numbers: a name would have to be
+    /// looked up, which may hold the caller for long; "localhost" alone needs no looking up.
     static std::optional<USBDaemonAddress> fromText(const QString& text);
 
     /// The one that USBMUXD_SOCKET_ADDRESS names; "/var/run/usbmuxd" where it is not set, or cannot

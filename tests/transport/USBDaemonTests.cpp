@@ -34,6 +34,15 @@ TEST(USBDaemonAddress, aTextWithoutPathOrHostOrPortIsNone) {
     }
 }
 
+TEST(USBDaemonAddress, aHostIsANumberSinceNamesAreNotLookedUp) {
+    for (const char* text : {"example.invalid:27015", "localhost.:27015", "ip6-localhost:27015",
+                             "1.2.3.4.5:27015", "[::1::2]:27015"}) {
+        EXPECT_FALSE(address(text).has_value()) << text;
+    }
+    EXPECT_TRUE(address("192.0.2.1:27015").has_value());
+    EXPECT_TRUE(address("[2001:db8::1]:27015").has_value());
+}
+
 TEST(USBDaemonAddress, withoutTheVariableItIsTheDaemonsOwn) {
     qunsetenv("USBMUXD_SOCKET_ADDRESS");
     EXPECT_EQ(USBDaemonAddress::fromEnvironment().path, QStringLiteral("/var/run/usbmuxd"));
@@ -57,9 +66,11 @@ TEST(USBDaemonSocket, connectsToAPath) {
 
 TEST(USBDaemonSocket, connectsToAHostAndPort) {
     const RawListener listener(27015);
-    const OwnedDescriptor stream = USBDaemonSocket(*address("127.0.0.1:27015")).openStream();
-    ASSERT_TRUE(stream.isValid());
-    EXPECT_GE(listener.accept().descriptor(), 0);
+    for (const char* text : {"127.0.0.1:27015", "localhost:27015"}) {
+        const OwnedDescriptor stream = USBDaemonSocket(*address(text)).openStream();
+        ASSERT_TRUE(stream.isValid()) << text;
+        EXPECT_GE(listener.accept().descriptor(), 0) << text;
+    }
 }
 
 TEST(USBDaemonSocket, failsWithTheReason) {
