@@ -30,9 +30,19 @@ bool isListenRequest(const PTUSBPacket& request) {
 } // namespace
 
 std::shared_ptr<KeptUSBStream> KeptUSBStream::create(OwnedDescriptor program, USBDaemon& daemon,
+                                                     std::chrono::milliseconds replyTimeout,
                                                      Events events) {
     const std::shared_ptr<KeptUSBStream> stream(new KeptUSBStream(daemon, std::move(events)));
     stream->program_ = stream->bufferedSocket(std::move(program));
+    stream->replyTimer_->setSingleShot(true);
+    stream->replyTimer_->setInterval(replyTimeout);
+    QObject::connect(stream->replyTimer_.get(), &QTimer::timeout, stream->replyTimer_.get(),
+                     [weakSelf = std::weak_ptr(stream)] {
+                         if (const auto self = weakSelf.lock()) {
+                             self->daemonIsGone(ETIMEDOUT);
+                             self->proceed();
+                         }
+                     });
     return stream;
 }
 
@@ -78,6 +88,7 @@ void KeptUSBStream::reachDaemon() {
     }
     daemon_ = bufferedSocket(std::move(socket));
     daemon_->write(request_);
+    replyTimer_->start();
 }
 
 void KeptUSBStream::takePackets() {
@@ -100,6 +111,9 @@ void KeptUSBStream::takePackets() {
 void KeptUSBStream::packetDidArrive(const QByteArray& bytes) {
     const PTUSBPacket packet = decodedPTUSBPacket(bytes);
     const bool isReply = packet.tag == requestTag_ && packet.tag != kPTUSBBroadcastTag;
+    if (isReply) {
+        replyTimer_->stop();
+    }
     if (!isListening_) {
         if (isReply) { // anything else is no answer to what was asked
             program_->write(bytes);
@@ -133,6 +147,7 @@ void KeptUSBStream::noteDevice(const PTUSBPacket& packet) {
 }
 
 void KeptUSBStream::daemonIsGone(int errnoValue) {
+    replyTimer_->stop();
     daemon_.reset();
     if (!isListening_) {
         return answerRequest(kPTUSBReplyConnectionRefused);

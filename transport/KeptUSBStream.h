@@ -5,8 +5,10 @@
 #include "transport/USBDaemon.h"
 
 #include <QByteArray>
+#include <QTimer>
 #include <QtGlobal>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -24,7 +26,7 @@ namespace navrel {
 ///              daemon that goes, or sends what is no packet, before it has replied is answered
 ///              for: "connection refused".
 ///
-/// Main thread.
+/// A daemon that does not reply in time counts as gone. Main thread.
 class KeptUSBStream final : public std::enable_shared_from_this<KeptUSBStream> {
 public:
     struct Events {
@@ -34,8 +36,10 @@ public:
         std::function<void()> didEnd;
     };
 
-    /// The program's end of the stream is the peer of `program`.
+    /// The program's end of the stream is the peer of `program`. The daemon, which is not owned,
+    /// has `replyTimeout` for its reply.
     static std::shared_ptr<KeptUSBStream> create(OwnedDescriptor program, USBDaemon& daemon,
+                                                 std::chrono::milliseconds replyTimeout,
                                                  Events events);
 
     /// Tries to connect a listening stream that has no daemon.
@@ -67,6 +71,8 @@ private:
     std::unique_ptr<BufferedSocket> daemon_; ///< null while there is none
     QByteArray request_;                     ///< empty until it has arrived
     quint32 requestTag_ = 0;
+    /// Runs while the daemon owes its reply. Deleted later, since it may be what ends the stream.
+    const std::unique_ptr<QTimer, QScopedPointerDeleteLater> replyTimer_{new QTimer};
     bool isListening_ = false;
     bool isAnswered_ = false;
     bool isRelaying_ = false;

@@ -15,7 +15,8 @@ constexpr std::chrono::seconds kLookInterval{1};
 
 } // namespace
 
-USBDaemonKeeper::USBDaemonKeeper(USBDaemonAddress address) : daemon_(std::move(address)) {
+USBDaemonKeeper::USBDaemonKeeper(USBDaemonAddress address, std::chrono::milliseconds replyTimeout)
+    : daemon_(std::move(address)), replyTimeout_(replyTimeout) {
     lookTimer_.setInterval(kLookInterval);
     QObject::connect(&lookTimer_, &QTimer::timeout, &lookTimer_, [this] { lookForDaemon(); });
     QObject::connect(&watcher_, &QFileSystemWatcher::directoryChanged, &watcher_,
@@ -28,7 +29,7 @@ OwnedDescriptor USBDaemonKeeper::openStream() {
         return {};
     }
     OwnedDescriptor programEnd(ends[0]);
-    streams_.push_back(KeptUSBStream::create(OwnedDescriptor(ends[1]), daemon_,
+    streams_.push_back(KeptUSBStream::create(OwnedDescriptor(ends[1]), daemon_, replyTimeout_,
                                              {[this] {
                                                   watchFolder();
                                                   lookTimer_.start();

@@ -6,6 +6,7 @@
 #include <QFileSystemWatcher>
 #include <QTimer>
 
+#include <chrono>
 #include <memory>
 #include <vector>
 
@@ -24,7 +25,12 @@ namespace navrel {
 /// Streams end with the keeper. Main thread.
 class USBDaemonKeeper final : public USBDaemon {
 public:
-    explicit USBDaemonKeeper(USBDaemonAddress address);
+    /// How long the daemon may take for a reply. A device, and with it the daemon, answers within
+    /// milliseconds; one that has hung never does, and until it is given up nothing else is tried.
+    static constexpr std::chrono::seconds kReplyTimeout{5};
+
+    explicit USBDaemonKeeper(USBDaemonAddress address,
+                             std::chrono::milliseconds replyTimeout = kReplyTimeout);
     USBDaemonKeeper(const USBDaemonKeeper&) = delete;
     USBDaemonKeeper& operator=(const USBDaemonKeeper&) = delete;
 
@@ -37,6 +43,7 @@ private:
     void dropEndedStreams();
 
     USBDaemonSocket daemon_;
+    const std::chrono::milliseconds replyTimeout_;
     QTimer lookTimer_; ///< runs while a listening stream has no daemon
     QFileSystemWatcher watcher_;
     std::vector<std::shared_ptr<KeptUSBStream>> streams_;

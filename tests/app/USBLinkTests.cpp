@@ -132,6 +132,18 @@ TEST_F(USBLinkTest, aFailingAttemptIsSilentAndRepeatedEverySecondUntilTheDeviceG
     EXPECT_EQ(connects(), attempts);
 }
 
+TEST_F(USBLinkTest, anAttemptThatTheDaemonNeverAnswersFailsInTheEndAndIsRepeated) {
+    keeper_ = std::make_shared<USBDaemonKeeper>(*USBDaemonAddress::fromText(daemon_.address()),
+                                                milliseconds(300));
+    hub_ = PTUSBHub::create(keeper_);
+    launchWithDaemon();
+    daemon_.connectAnswer = std::nullopt;
+    daemon_.attach(7);
+    ASSERT_TRUE(waitUntil([&] { return connects() == 2; }));
+    daemon_.connectAnswer = 0;
+    EXPECT_TRUE(waitForDevice());
+}
+
 TEST_F(USBLinkTest, aDeviceThatIsAttachedAnewWhileAnAttemptFailsIsReachedByItsOwnAttemptAlone) {
     launchWithDaemon();
     daemon_.connectAnswer = std::nullopt;

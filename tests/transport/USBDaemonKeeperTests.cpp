@@ -25,7 +25,12 @@ const QString kListen = QStringLiteral("Listen");
 /// A hub on a keeper on a daemon that comes and goes.
 class USBDaemonKeeperTest : public testing::Test {
 protected:
-    USBDaemonKeeperTest() {
+    static constexpr milliseconds kImpatience{300};
+
+    USBDaemonKeeperTest() { makeHub(); }
+
+    void makeHub() {
+        hub_ = PTUSBHub::create(keeper_);
         auto& centre = NotificationCentre::defaultCentre();
         const auto noting = [this](const QString& what) {
             return [this, what](const Notification& notification) {
@@ -65,6 +70,13 @@ protected:
         return waitUntil([&] { return told_ == told; }, atMost);
     }
 
+    /// Waits for replies no longer than a test can.
+    void becomeImpatient() {
+        keeper_ = std::make_shared<USBDaemonKeeper>(*USBDaemonAddress::fromText(daemon_.address()),
+                                                    kImpatience);
+        makeHub();
+    }
+
     static QStringList list(const char* words) {
         return QString::fromLatin1(words).split(QLatin1Char(' '));
     }
@@ -86,7 +98,7 @@ protected:
     FakeUSBDaemon daemon_;
     std::shared_ptr<USBDaemonKeeper> keeper_ =
         std::make_shared<USBDaemonKeeper>(*USBDaemonAddress::fromText(daemon_.address()));
-    std::shared_ptr<PTUSBHub> hub_ = PTUSBHub::create(keeper_);
+    std::shared_ptr<PTUSBHub> hub_;
     std::vector<NotificationCentre::Token> tokens_;
     QStringList told_;
     Outcomes starts_;
@@ -188,6 +200,23 @@ TEST_F(USBDaemonKeeperTest, aDaemonThatGoesBeforeItAnswersCountsAsAbsent) {
     daemon_.stop();
     ASSERT_TRUE(waitUntil([&] { return !starts_.empty(); }));
     EXPECT_EQ(starts_, Outcomes{std::nullopt});
+    EXPECT_EQ(log_.messages().size(), 1);
+}
+
+TEST_F(USBDaemonKeeperTest, aDaemonThatNeverAnswersTheListenCountsAsAbsentAndIsAskedAgain) {
+    becomeImpatient();
+    daemon_.listenAnswer = std::nullopt;
+    ASSERT_TRUE(daemon_.start());
+    listen();
+    EXPECT_EQ(starts_, Outcomes{std::nullopt});
+    EXPECT_EQ(log_.messages(),
+              QStringList{QStringLiteral("PTUSBHub failed to initialize: Error "
+                                         "Domain=NSPOSIXErrorDomain Code=110 \"Connection timed "
+                                         "out\"")});
+    daemon_.listenAnswer = 0;
+    EXPECT_TRUE(waitUntil([&] { return daemon_.countOfRequests(kListen) == 2; }));
+    daemon_.attach(7);
+    EXPECT_TRUE(waitForTold(list("+7")));
     EXPECT_EQ(log_.messages().size(), 1);
 }
 
@@ -369,6 +398,29 @@ TEST_F(USBDaemonKeeperTest, aDaemonThatGoesInTheMiddleOfAConnectRefusesIt) {
     daemon_.closeConnecting();
     ASSERT_TRUE(waitUntil([&] { return !connectOutcomes_.empty(); }));
     EXPECT_EQ(connectOutcomes_[0], Error(kPTUSBHubErrorDomain, 3));
+}
+
+TEST_F(USBDaemonKeeperTest, aConnectThatIsNeverAnsweredIsRefusedInTheEnd) {
+    becomeImpatient();
+    startAndListen();
+    daemon_.attach(7);
+    daemon_.connectAnswer = std::nullopt;
+    connect();
+    ASSERT_TRUE(waitUntil([&] { return !connectOutcomes_.empty(); }));
+    EXPECT_EQ(connectOutcomes_[0], Error(kPTUSBHubErrorDomain, 3));
+    EXPECT_TRUE(waitUntil([&] { return daemon_.connectionCount() == 1; }));
+}
+
+TEST_F(USBDaemonKeeperTest, onceAnsweredAStreamMayBeSilentForAsLongAsItLikes) {
+    becomeImpatient();
+    startAndListen();
+    daemon_.attach(7);
+    connect();
+    ASSERT_TRUE(waitUntil([&] { return stream_ != nullptr; }));
+    const RawPeer device(daemon_.waitForDeviceConnection());
+    EXPECT_FALSE(waitUntil([&] { return device.hasEnded() || daemon_.listenerCount() == 0; },
+                           3 * kImpatience));
+    EXPECT_EQ(daemon_.countOfRequests(kListen), 1);
 }
 
 TEST_F(USBDaemonKeeperTest, anAnswerThatIsCutOffOrNoPacketIsARefusal) {
