@@ -2,6 +2,7 @@
 
 #include "support/Log.h"
 #include "support/propertylist/PropertyList.h"
+#include "transport/PTUSBChannel.h"
 
 #include <cerrno>
 #include <utility>
@@ -92,7 +93,7 @@ void KeptUSBStream::reachDaemon() {
 }
 
 void KeptUSBStream::takePackets() {
-    while (!isRelaying_ && program_->unwritten() < kMostWaitingBytes) {
+    while (daemon_ && !isRelaying_ && program_->unwritten() < kMostWaitingBytes) {
         const PTUSBPacketTaken taken = takePTUSBPacket(daemon_->received());
         if (taken.isMalformed) {
             return daemonIsGone(EBADMSG);
@@ -102,7 +103,8 @@ void KeptUSBStream::takePackets() {
         }
         packetDidArrive(*taken.packet);
     }
-    if (!isRelaying_ && daemon_->hasEnded() && program_->unwritten() < kMostWaitingBytes) {
+    if (daemon_ && !isRelaying_ && daemon_->hasEnded() &&
+        program_->unwritten() < kMostWaitingBytes) {
         const int errnoValue = daemon_->errnoValue();
         daemonIsGone(errnoValue != 0 ? errnoValue : ECONNRESET);
     }
@@ -121,12 +123,28 @@ void KeptUSBStream::packetDidArrive(const QByteArray& bytes) {
         }
         return;
     }
-    if (isReply && isAnswered_) {
-        return; // to the request as it was repeated
+    if (isReply) {
+        return listenReplyDidArrive(packet, bytes);
     }
-    isAnswered_ = isAnswered_ || isReply;
     noteDevice(packet);
     program_->write(bytes);
+}
+
+// The program hears the reply to its own request and logs a refusal; one of the request as it was
+// repeated is heard of here alone.
+void KeptUSBStream::listenReplyDidArrive(const PTUSBPacket& reply, const QByteArray& bytes) {
+    std::optional<Error> error = reply.error;
+    PTUSBChannel::errorFromPlistResponse(reply.message, error);
+    if (!std::exchange(isAnswered_, true)) {
+        program_->write(bytes);
+    } else if (error && !hasToldOfRefusal_) {
+        log(QStringLiteral("The USB daemon refuses to announce devices, and is asked again: %1")
+                .arg(error->description()));
+    }
+    hasToldOfRefusal_ = error.has_value();
+    if (error) {
+        dropDaemon();
+    }
 }
 
 void KeptUSBStream::noteDevice(const PTUSBPacket& packet) {
@@ -147,12 +165,10 @@ void KeptUSBStream::noteDevice(const PTUSBPacket& packet) {
 }
 
 void KeptUSBStream::daemonIsGone(int errnoValue) {
-    replyTimer_->stop();
-    daemon_.reset();
+    dropDaemon();
     if (!isListening_) {
         return answerRequest(kPTUSBReplyConnectionRefused);
     }
-    reportAllDetached();
     if (!isAnswered_) {
         // The program is told that it listens, since it will. What keeps it from hearing anything
         // for now, only this place knows: so it is logged here, in the hub's words.
@@ -160,7 +176,15 @@ void KeptUSBStream::daemonIsGone(int errnoValue) {
                 .arg(Error::posix(errnoValue).description()));
         answerRequest(kPTUSBReplyOK);
     }
-    events_.didLoseDaemon();
+}
+
+void KeptUSBStream::dropDaemon() {
+    replyTimer_->stop();
+    daemon_.reset();
+    if (isListening_) {
+        reportAllDetached();
+        events_.didLoseDaemon();
+    }
 }
 
 void KeptUSBStream::reportAllDetached() {

@@ -21,7 +21,8 @@ namespace navrel {
 ///
 ///   "Listen"   Packets are passed on whole, and the stream never ends by itself. When the daemon
 ///              goes, or sends what is no packet, each device that it had announced is reported as
-///              detached, and the request is repeated to the daemon that comes next.
+///              detached, and the request is repeated to the daemon that comes next. A daemon that
+///              refuses is left and asked again, too; the program hears the first reply alone.
 ///   any other  The reply is passed on, and from then on the bytes of both sides, until one ends. A
 ///              daemon that goes, or sends what is no packet, before it has replied is answered
 ///              for: "connection refused".
@@ -56,8 +57,10 @@ private:
     void takeRequest();
     void takePackets();
     void packetDidArrive(const QByteArray& bytes);
+    void listenReplyDidArrive(const PTUSBPacket& reply, const QByteArray& bytes);
     void noteDevice(const PTUSBPacket& packet);
     void daemonIsGone(int errnoValue);
+    void dropDaemon();
     void reportAllDetached();
     void answerRequest(PTUSBReplyCode code);
     void sendToProgram(quint32 tag, const QVariantMap& message);
@@ -75,6 +78,7 @@ private:
     const std::unique_ptr<QTimer, QScopedPointerDeleteLater> replyTimer_{new QTimer};
     bool isListening_ = false;
     bool isAnswered_ = false;
+    bool hasToldOfRefusal_ = false; ///< until the daemon has agreed to the Listen
     bool isRelaying_ = false;
     bool hasEnded_ = false;
     std::set<qlonglong> attachedDevices_;

@@ -111,6 +111,12 @@ void walk(QByteArray& bytes, OnPacket onPacket) {
     }
 }
 
+std::optional<Error> refusalIn(const PTUSBPacket& reply) {
+    std::optional<Error> error = reply.error;
+    PTUSBChannel::errorFromPlistResponse(reply.message, error);
+    return error;
+}
+
 /// How often devices come and go.
 struct Traffic {
     size_t attached = 0;
@@ -123,6 +129,9 @@ Traffic trafficIn(QByteArray bytes) {
     Traffic traffic;
     std::set<qlonglong> devices;
     walk(bytes, [&](const PTUSBPacket& packet) {
+        if (packet.tag == kRequestTag) {
+            return !refusalIn(packet); // a daemon that refuses is left
+        }
         if (packet.tag != kPTUSBBroadcastTag || !packet.message) {
             return true;
         }
@@ -173,8 +182,7 @@ std::optional<QByteArray> bytesBehindReply(QByteArray bytes) {
         if (packet.tag != kRequestTag) {
             return true;
         }
-        error = packet.error;
-        PTUSBChannel::errorFromPlistResponse(packet.message, error);
+        error = refusalIn(packet);
         return false;
     });
     return error ? std::nullopt : std::optional(bytes);

@@ -133,6 +133,39 @@ TEST_F(USBDaemonKeeperTest, aRefusalToListenIsPassedOn) {
     EXPECT_EQ(starts_, Outcomes{Error(kPTUSBHubErrorDomain, 6)});
 }
 
+TEST_F(USBDaemonKeeperTest, afterARefusalListeningIsTakenUpOnceTheDaemonAgrees) {
+    daemon_.listenAnswer = 6;
+    ASSERT_TRUE(daemon_.start());
+    listen();
+    EXPECT_TRUE(waitUntil([&] { return daemon_.countOfRequests(kListen) == 3; }));
+    daemon_.listenAnswer = 0;
+    daemon_.attach(7);
+    EXPECT_TRUE(waitForTold(list("+7")));
+    EXPECT_EQ(starts_.size(), 1U);
+    EXPECT_EQ(log_.messages(), QStringList()); // the hub tells whoever lets it listen
+}
+
+TEST_F(USBDaemonKeeperTest, aRefusalOfTheRepeatedListenIsLoggedOnceAndAskedAgain) {
+    startAndListen();
+    for (int round = 1; round <= 2; ++round) {
+        daemon_.stop();
+        daemon_.listenAnswer = 1;
+        ASSERT_TRUE(daemon_.start());
+        daemon_.attach(7);
+        const int before = daemon_.countOfRequests(kListen);
+        ASSERT_TRUE(waitUntil([&] { return daemon_.countOfRequests(kListen) == before + 3; }));
+        ASSERT_EQ(log_.messages().size(), round);
+        EXPECT_EQ(log_.messages().last(),
+                  QStringLiteral("The USB daemon refuses to announce devices, and is asked again: "
+                                 "Error Domain=PTUSBHubError Code=1 \"illegal command\""));
+        daemon_.listenAnswer = 0;
+        told_.clear();
+        ASSERT_TRUE(waitUntil([&] { return daemon_.listenerCount() == 1; }));
+        ASSERT_TRUE(waitForTold(list("+7"))) << told_.join(QLatin1Char(' ')).toStdString();
+    }
+    EXPECT_EQ(starts_, Outcomes{std::nullopt});
+}
+
 TEST_F(USBDaemonKeeperTest, aDaemonAbsentAtStartIsLoggedOnceWithTheReason) {
     listen();
     EXPECT_EQ(starts_, Outcomes{std::nullopt});
