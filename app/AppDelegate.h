@@ -2,6 +2,7 @@
 
 #include "app/DeviceID.h"
 #include "support/NotificationCentre.h"
+#include "transport/LoopbackPeer.h"
 #include "transport/PTChannel.h"
 #include "transport/PTUSBHub.h"
 
@@ -52,6 +53,11 @@ public:
         /// The maker's web server, which has the latest version and the manual. One without an
         /// address is never asked.
         QUrl webServer = {};
+        /// Tells whom a connected socket has reached on the loopback address.
+        std::function<LoopbackPeer(int socket)> loopbackPeer = &systemLoopbackPeer;
+
+        /// As the kernel has it; where its tables are not known, always this user.
+        static LoopbackPeer systemLoopbackPeer(int socket);
     };
 
     /// A delegate that does nothing until `applicationDidFinishLaunching`.

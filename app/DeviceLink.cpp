@@ -14,9 +14,6 @@
 #include "transport/CompanionProtocol.h"
 #include "transport/PTAddress.h"
 #include "transport/PTUSBPacket.h"
-#ifdef __linux__
-#include "transport/LoopbackPeer.h"
-#endif
 
 #include <cerrno>
 #include <chrono>
@@ -196,27 +193,34 @@ void AppDelegate::connectedToLocalIPv4Port(const std::shared_ptr<PTChannel>& cha
     disconnectFromCurrentChannel();
     setConnectedChannel(channel);
     channel->setUserInfo(address);
-    log(QStringLiteral("Connected to %1").arg(address->description()));
+    log(QStringLiteral("Connected to %1").arg(descriptionOf(address)));
+}
+
+LoopbackPeer AppDelegate::Collaborators::systemLoopbackPeer([[maybe_unused]] int socket) {
+#ifdef __linux__
+    return navrel::loopbackPeer(socket);
+#else
+    return {::geteuid(), false};
+#endif
 }
 
 // Any local user may listen on the companion app's port; the project is shown to its owner alone.
-bool AppDelegate::isServed([[maybe_unused]] const PTChannel& channel) {
-#ifdef __linux__
-    const int socket = channel.dispatchChannel()->descriptor();
-    const auto owner = ownerOfPeer(socket);
-    const bool isTrusted = owner ? *owner == ::geteuid() || *owner == 0
-                                 : hasPeerEnded(socket); // nobody is there to be shown anything
-    if (!isTrusted) {
-        if (!std::exchange(hasLoggedRefusedPeer_, true)) {
-            log(QStringLiteral("Refused to serve 127.0.0.1:%1: it belongs to another user (%2)")
-                    .arg(kCompanionPort)
-                    .arg(owner ? QString::number(*owner) : QStringLiteral("unknown")));
-        }
-        return false;
+// One who is not known is not served. That is worth a message only while the peer is there: of one
+// that has gone again nothing can be told, not even that it was somebody else's.
+bool AppDelegate::isServed(const PTChannel& channel) {
+    const auto stream = channel.dispatchChannel();
+    const LoopbackPeer peer =
+        stream ? collaborators_.loopbackPeer(stream->descriptor()) : LoopbackPeer{{}, true};
+    if (peer.owner && (*peer.owner == ::geteuid() || *peer.owner == 0)) {
+        hasLoggedRefusedPeer_ = false;
+        return true;
     }
-    hasLoggedRefusedPeer_ = false;
-#endif
-    return true;
+    if ((peer.owner || !peer.hasEnded) && !std::exchange(hasLoggedRefusedPeer_, true)) {
+        log(QStringLiteral("Refused to serve 127.0.0.1:%1: it belongs to another user (%2)")
+                .arg(kCompanionPort)
+                .arg(peer.owner ? QString::number(*peer.owner) : QStringLiteral("unknown")));
+    }
+    return false;
 }
 
 // The connected channel.

@@ -99,6 +99,10 @@ std::optional<uid_t> ownerOfPeer(int socket) {
                        local, peer);
 }
 
+LoopbackPeer loopbackPeer(int socket) {
+    return {ownerOfPeer(socket), hasPeerEnded(socket)};
+}
+
 bool hasPeerEnded(int socket) {
     pollfd descriptor = {socket, POLLRDHUP, 0};
     return ::poll(&descriptor, 1, 0) > 0 && (descriptor.revents & (POLLRDHUP | POLLHUP)) != 0;

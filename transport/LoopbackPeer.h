@@ -8,7 +8,14 @@
 
 namespace navrel {
 
-// Whom a connection to the loopback address has reached: any local user may listen there.
+/// Whom a connection to the loopback address has reached: any local user may listen there.
+struct LoopbackPeer {
+    std::optional<uid_t> owner; ///< nothing when nobody is known to own the peer's socket
+    bool hasEnded = false;      ///< the peer had ended the connection when its owner was looked for
+};
+
+/// The peer of a connected socket, from the kernel's tables of now.
+LoopbackPeer loopbackPeer(int socket);
 
 /// The user who owns the peer's socket, as the kernel's tables of TCP sockets (/proc/net/tcp and
 /// tcp6, in any order) have it. That of the connection's own row, or, as long as the peer has not

@@ -64,6 +64,88 @@ private:
     bool isReady_ = false;
 };
 
+/// Peers of whomever the test says.
+class LoopbackPeerOwnerTest : public ServedProject {
+protected:
+    LoopbackPeerOwnerTest() {
+        loopbackPeer_ = [this](int) { return peer_; };
+    }
+
+    bool isServed() const { return delegate_->connectedChannel() != nullptr; }
+
+    /// Waits for an attempt of the program at such a peer, which is turned away.
+    [[nodiscard]] bool isTurnedAway(const LoopbackPeer& peer) {
+        peer_ = peer;
+        return device_.waitForConnection() && device_.waitForEnd() && !isServed();
+    }
+
+    LoopbackPeer peer_;
+};
+
+const LoopbackPeer kForeignPeer = {kAnotherUser, false};
+const LoopbackPeer kUnknownPeer = {std::nullopt, false};
+const LoopbackPeer kGonePeer = {std::nullopt, true};
+const QString kRefusal =
+    QStringLiteral("Refused to serve 127.0.0.1:2345: it belongs to another user ");
+
+TEST_F(LoopbackPeerOwnerTest, isServedAsThisUserAndAsRoot) {
+    for (const uid_t user : {::geteuid(), uid_t{0}}) {
+        peer_ = {user, false};
+        if (!delegate_) {
+            launch();
+            delegate_->activate();
+        } else {
+            device_.disconnect();
+            ASSERT_TRUE(device_.waitForConnection());
+        }
+        ASSERT_TRUE(device_.ask(211).has_value()) << user;
+    }
+}
+
+TEST_F(LoopbackPeerOwnerTest, isTurnedAwayAsAnotherUserWhichIsLoggedOnceAndTriedAgain) {
+    peer_ = kForeignPeer;
+    launch();
+    ASSERT_TRUE(device_.waitForEnd());
+    ASSERT_TRUE(isTurnedAway(kForeignPeer));
+    EXPECT_EQ(log_.messages(), QStringList{kRefusal + QStringLiteral("(65534)")});
+}
+
+TEST_F(LoopbackPeerOwnerTest, isTurnedAwayWhenNobodyKnowsWhoItIs) {
+    peer_ = kUnknownPeer;
+    launch();
+    ASSERT_TRUE(device_.waitForEnd());
+    ASSERT_TRUE(isTurnedAway(kUnknownPeer));
+    EXPECT_EQ(log_.messages(), QStringList{kRefusal + QStringLiteral("(unknown)")});
+}
+
+TEST_F(LoopbackPeerOwnerTest, isPassedOverSilentlyWhenItHasGoneBeforeItsOwnerIsKnown) {
+    peer_ = kGonePeer;
+    launch();
+    ASSERT_TRUE(device_.waitForEnd());
+    ASSERT_TRUE(isTurnedAway(kGonePeer));
+    EXPECT_EQ(log_.messages(), QStringList());
+
+    ASSERT_TRUE(isTurnedAway(kForeignPeer));
+    ASSERT_TRUE(isTurnedAway(kGonePeer)); // which says nothing about the next one
+    ASSERT_TRUE(isTurnedAway(kForeignPeer));
+    EXPECT_EQ(log_.messages().size(), 1);
+}
+
+TEST_F(LoopbackPeerOwnerTest, isLoggedAgainOnceAnotherWasServed) {
+    peer_ = kForeignPeer;
+    launch();
+    ASSERT_TRUE(device_.waitForEnd());
+    peer_ = {::geteuid(), false};
+    ASSERT_TRUE(device_.waitForConnection());
+    ASSERT_TRUE(waitUntil([&] { return isServed(); }));
+    device_.disconnect();
+    ASSERT_TRUE(isTurnedAway(kForeignPeer));
+    EXPECT_EQ(log_.messages(), (QStringList{kRefusal + QStringLiteral("(65534)"),
+                                            QStringLiteral("Connected to 127.0.0.1:2345"),
+                                            QStringLiteral("Disconnected from 127.0.0.1:2345"),
+                                            kRefusal + QStringLiteral("(65534)")}));
+}
+
 class LoopbackPeerLinkTest : public ServedProject {
 protected:
     void SetUp() override {

@@ -13,6 +13,7 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 
 namespace navrel {
@@ -42,6 +43,10 @@ protected:
     QString version_ = QStringLiteral("1.4.2");
     /// A hub that never hears of a device, unless the test puts another one here.
     std::shared_ptr<PTUSBHub> hub_ = PTUSBHub::create(nullptr);
+    /// Tells whom the program has reached on the loopback address: as it is, unless the test knows
+    /// better.
+    std::function<LoopbackPeer(int socket)> loopbackPeer_ =
+        &AppDelegate::Collaborators::systemLoopbackPeer;
     std::unique_ptr<UserDefaults> defaults_;
     std::shared_ptr<KZDataManager> manager_;
     std::shared_ptr<AppDelegate> delegate_;
