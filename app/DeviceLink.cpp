@@ -69,18 +69,20 @@ void AppDelegate::deviceDidAttach(const QVariantMap& userInfo) {
     if (!deviceID) {
         return;
     }
-    const QVariantMap properties = userInfo.value(QStringLiteral("Properties")).toMap();
-    notConnectedQueue_->async(
-        [self = weak_from_this(), wanted = wantedDevice_, deviceID, properties] {
-            if (!wanted->want(deviceID, properties)) {
-                return; // it is being reached already
+    // One job waits, however often devices come and go while a channel is connected.
+    if (!wantedDevice_->announce(deviceID, userInfo.value(QStringLiteral("Properties")).toMap())) {
+        return;
+    }
+    notConnectedQueue_->async([self = weak_from_this(), wanted = wantedDevice_] {
+        if (!wanted->wantAnnounced()) {
+            return; // it is being reached already, or has gone
+        }
+        DispatchQueue::mainQueue()->async([self] {
+            if (const auto delegate = self.lock()) {
+                delegate->reachWantedDevice();
             }
-            DispatchQueue::mainQueue()->async([self] {
-                if (const auto delegate = self.lock()) {
-                    delegate->reachWantedDevice();
-                }
-            });
         });
+    });
 }
 
 // A device may have been connected since the connection queue let this through.

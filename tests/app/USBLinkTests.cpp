@@ -324,6 +324,40 @@ TEST_F(USBLinkTest, ofSeveralDevicesThatWaitedTheLastOneIsReachedOnce) {
     EXPECT_EQ(connects(), 2);
 }
 
+TEST_F(USBLinkTest, ofSeveralDevicesThatWaitedOneThatHasGoneIsPassedOver) {
+    launchWithDaemon();
+    ASSERT_TRUE(connectDevice(7));
+    daemon_.attach(8);
+    daemon_.attach(9);
+    daemon_.detach(9);
+    ASSERT_TRUE(waitForLog(QStringLiteral("PTUSBDeviceDidDetachNotification: 9")));
+    daemon_.detach(7);
+    ASSERT_TRUE(device_.waitForEnd());
+    ASSERT_TRUE(waitForDevice());
+    EXPECT_EQ(delegate_->connectedDeviceID()->value(), 8);
+    EXPECT_EQ(connects(), 2);
+}
+
+TEST_F(USBLinkTest, aDeviceThatCameAndWentWhileTheSimulatorWasConnectedIsNotTried) {
+    constexpr int kRounds = 1000;
+    ASSERT_TRUE(daemon_.start());
+    launch();
+    listen();
+    ASSERT_TRUE(waitUntil([&] { return isConnected() && daemon_.listenerCount() == 1; }));
+    QByteArray traffic;
+    for (int round = 0; round < kRounds; ++round) {
+        traffic += FakeUSBDaemon::attachedPacket(8) + FakeUSBDaemon::detachedPacket(8);
+    }
+    daemon_.sendToListeners(traffic);
+    ASSERT_TRUE(waitUntil([&] { return log_.messages().size() == 1 + 2 * kRounds; }));
+    device_.stopListening();
+    device_.disconnect();
+    ASSERT_TRUE(waitUntil([&] { return !isConnected(); }));
+    runEventLoopFor(milliseconds(300));
+    EXPECT_EQ(connects(), 0);
+    EXPECT_TRUE(connectDevice(8));
+}
+
 TEST_F(USBLinkTest, aDeviceAttachedWhileTheSimulatorIsConnectedIsReachedAfterIt) {
     ASSERT_TRUE(daemon_.start());
     launch();
