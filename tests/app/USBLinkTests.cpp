@@ -20,6 +20,26 @@ using std::chrono::milliseconds;
 
 const QString kConnect = QStringLiteral("Connect");
 
+/// Counts the failed attempts that are made again. Those for no device reach no daemon: nothing
+/// else is to be seen of them.
+class RepeatedAttempts {
+public:
+    explicit RepeatedAttempts(AppDelegate& delegate) : timer_(*delegate.findChild<QTimer*>()) {
+        connection_ = QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { ++count_; });
+    }
+    ~RepeatedAttempts() { QObject::disconnect(connection_); }
+    RepeatedAttempts(const RepeatedAttempts&) = delete;
+    RepeatedAttempts& operator=(const RepeatedAttempts&) = delete;
+
+    int count() const { return count_; }
+    bool isOneDue() const { return timer_.isActive(); }
+
+private:
+    const QTimer& timer_;
+    QMetaObject::Connection connection_;
+    int count_ = 0;
+};
+
 /// The link on a daemon that the test has in hand, with or without a simulator.
 class USBLinkTest : public ServedProject {
 protected:
@@ -160,16 +180,41 @@ TEST_F(USBLinkTest, aDeviceThatIsAttachedAnewWhileAnAttemptFailsIsReachedByItsOw
 
 TEST_F(USBLinkTest, afterADetachTheAttemptsGoOnForNoDeviceUntilOneIsAttached) {
     launchWithDaemon();
+    const RepeatedAttempts repeated(*delegate_);
     daemon_.connectAnswer = 3;
     daemon_.attach(7);
-    ASSERT_TRUE(waitUntil([&] { return connects() == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return connects() == 1 && repeated.isOneDue(); }));
     daemon_.detach(7);
     ASSERT_TRUE(waitForLog(QStringLiteral("PTUSBDeviceDidDetachNotification: 7")));
+    QElapsedTimer sinceDetached;
+    sinceDetached.start();
+    const int before = repeated.count();
+    ASSERT_TRUE(waitUntil([&] { return repeated.count() == before + 3; }));
+    EXPECT_GE(sinceDetached.elapsed(), 1800); // the first was due already
+    ASSERT_TRUE(waitUntil([&] { return repeated.isOneDue(); }));
+
     daemon_.connectAnswer = 0;
     EXPECT_TRUE(connectDevice(8));
     ASSERT_NE(delegate_->connectedDeviceID(), nullptr);
     EXPECT_EQ(delegate_->connectedDeviceID()->value(), 8);
     EXPECT_EQ(connects(), 2); // attempts for no device never reach the daemon
+    EXPECT_FALSE(repeated.isOneDue());
+}
+
+TEST_F(USBLinkTest, howeverFastADeviceComesAndGoesTheAttemptsForNoneAreOneASecond) {
+    launchWithDaemon();
+    const RepeatedAttempts repeated(*delegate_);
+    daemon_.connectAnswer = 3;
+    for (int round = 1; round <= 5; ++round) {
+        daemon_.attach(7);
+        ASSERT_TRUE(waitUntil([&] { return connects() == round && repeated.isOneDue(); }));
+        daemon_.detach(7);
+    }
+    QElapsedTimer sinceDetached;
+    sinceDetached.start();
+    const int before = repeated.count();
+    ASSERT_TRUE(waitUntil([&] { return repeated.count() == before + 3; }));
+    EXPECT_GE(sinceDetached.elapsed(), 1800);
 }
 
 TEST_F(USBLinkTest, anAttemptThatWaitsForItsTurnIsDroppedOnceTheDeviceIsAttachedAnew) {
@@ -212,10 +257,11 @@ TEST_F(USBLinkTest, howeverOftenTheSimulatorComesAndGoesADeviceIsTriedOnceASecon
         simulator.disconnect();
         ASSERT_TRUE(waitUntil([&] { return !isConnected(); }));
     }
+    QElapsedTimer sinceGone;
+    sinceGone.start();
     const int before = connects();
-    runEventLoopFor(milliseconds(2500));
-    EXPECT_LE(connects() - before, 3);
-    EXPECT_GE(connects() - before, 1);
+    ASSERT_TRUE(waitUntil([&] { return connects() == before + 3; }));
+    EXPECT_GE(sinceGone.elapsed(), 1800); // the first comes at once
 }
 
 TEST_F(USBLinkTest, anAttemptUnderWayWhenTheSimulatorGoesIsNotMadeTwice) {
