@@ -89,8 +89,9 @@ public:
     void connectToPort(quint16 port, quint32 IPv4Address, const ConnectCallback& callback);
 
     /// Connects to a port (in host byte order) of a device on USB; see PTUSBHub::connectToDevice.
-    /// A channel whose attempt failed is in the state None again. The delegate is told of the end
-    /// of the stream also where the attempt failed.
+    /// A channel whose attempt failed is in the state None again. The callback is called before
+    /// this returns when the daemon cannot be reached, else later. The delegate is told of the end
+    /// of the stream also where the daemon refused the attempt.
     void connectToPort(quint16 port, const std::shared_ptr<PTUSBHub>& overUSBHub,
                        const QVariant& deviceID, Callback callback);
 

@@ -24,9 +24,10 @@ class DispatchQueue;
 /// their replies, and broadcasts. After a successful "Connect" its stream carries the bytes of a
 /// device's port instead, and lives on in whoever took it.
 ///
-/// All calls on the queue that it was opened on, where all callbacks run, later than the call.
-/// Dropping it lets go of the stream, unless a packet is being read: that keeps it until `cancel`
-/// or `stop`, or until the packet has come.
+/// All calls on the queue that it was opened on, where all callbacks run, later than the call; that
+/// of a message which no property list can hold is called before the call returns. Dropping it lets
+/// go of the stream, unless a packet is being read: that keeps it until `cancel` or `stop`, or
+/// until the packet has come.
 class PTUSBChannel final : public std::enable_shared_from_this<PTUSBChannel> {
 public:
     using Message = std::optional<QVariantMap>;
@@ -78,7 +79,7 @@ public:
     void sendDispatchData(DispatchData data, Callback callback);
     /// The bytes are shared, not copied.
     void sendData(const QByteArray& data, Callback callback);
-    /// 1, 2, 3, …; after 4294967295 comes 0.
+    /// 1, 2, 3, …; after 4294967295 comes 0, the tag of broadcasts: that one request gets no reply.
     quint32 nextPacketTag() { return ++nextPacketTag_; }
 
     // The steps of reading.
@@ -89,8 +90,9 @@ public:
     void readFromOffset(size_t offset, size_t length, DataCallback callback);
     /// Reads a packet, unless one is being read.
     void setNeedsReadingPacket();
-    /// Reads a packet and hands it to the callback of its request, or to the handler (may be null).
-    /// Stops the program when a packet is being read.
+    /// Reads a packet and hands it to the callback of the request that its tag names, or, with tag
+    /// 0, as that of a failed read is, to the handler (may be null). Stops the program when a
+    /// packet is being read.
     void scheduleReadPacketWithBroadcastHandler(BroadcastHandler broadcastHandler);
     /// Reads a packet. Deliberately, a stream that ends where a packet should come or in the middle
     /// of one stops the program: a daemon never does that, and whoever provides a stream sees to

@@ -38,14 +38,17 @@ public:
     PTUSBHub& operator=(const PTUSBHub&) = delete;
 
     /// Listens for devices; `onStart` receives the outcome, `onEnd` the end of listening; both may
-    /// be null. Only the first call does anything: deliberately, any later one reports success at
-    /// once, even after a failure.
+    /// be null. Only the first call does anything: deliberately, any later one reports success,
+    /// even after a failure. It does so before it returns, as the first one does when the daemon
+    /// cannot be reached.
     void listenOnQueue(const std::shared_ptr<DispatchQueue>& queue, const Callback& onStart,
                        const Callback& onEnd);
 
     /// Connects to a TCP port (in host byte order) of a device, whose identifier is passed on as it
-    /// came; none at all is an unknown device. `onStart` receives a stream of the port's bytes, and
-    /// `onEnd` (may be null) is called once that stream is closed, also that of a failed attempt.
+    /// came; none at all is an unknown device. `onStart` (not null) receives a stream of the port's
+    /// bytes, or why there is none: before this returns when the daemon cannot be reached, else
+    /// later. `onEnd` (may be null) is called once that stream is closed, also that of an attempt
+    /// that the daemon refused.
     void connectToDevice(const QVariant& deviceID, quint16 port, const StartCallback& onStart,
                          const Callback& onEnd);
 

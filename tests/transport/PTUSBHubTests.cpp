@@ -294,6 +294,14 @@ TEST_F(PTUSBFramedChannelTest, aRefusedAttemptLeavesTheChannelReadyForAnother) {
     EXPECT_TRUE(waitUntil([&] { return delegate_->ends.size() == 2; }));
 }
 
+TEST_F(PTUSBFramedChannelTest, withoutADaemonTheAttemptFailsBeforeTheCallReturns) {
+    daemon_.stop();
+    connectChannel(7);
+    EXPECT_EQ(connectOutcomes_, Outcomes{Error::posix(ECONNREFUSED)});
+    EXPECT_EQ(channel_->connState(), kConnStateNone);
+    EXPECT_TRUE(delegate_->ends.empty());
+}
+
 TEST_F(PTUSBFramedChannelTest, aChannelInUseRefusesToConnect) {
     connectChannel(7);
     connectChannel(7);
