@@ -70,7 +70,9 @@ private:
                 }
                 at = readScalar(at);
             } else if (byteAt(at) == ';') {
-                nodes_.append(nodes_.at(key));
+                if (!nodes_.append(nodes_.at(key))) {
+                    return failFull(at);
+                }
             } else {
                 return fail(at, "expected \"=\" or \";\" after a key");
             }
@@ -126,8 +128,8 @@ private:
         }
         const std::uint32_t around = open_;
         open_ = nodes_.size();
-        nodes_.append({*at == '(' ? NodeKind::array : NodeKind::dictionary, around, 0});
-        return at + 1;
+        const NodeKind kind = *at == '(' ? NodeKind::array : NodeKind::dictionary;
+        return nodes_.append({kind, around, 0}) ? at + 1 : failFull(at);
     }
 
     // Ends the innermost container, and with it a value of the one around it.
@@ -152,8 +154,7 @@ private:
     const char* readString(const char* at, const char* expected) {
         const char* const end = Scanner::endOfUnquoted(at, end_);
         if (end != at) {
-            append(NodeKind::string, at, end);
-            return end;
+            return append(NodeKind::string, at, end) ? end : failFull(at);
         }
         if (byteAt(at) == '"' || byteAt(at) == '\'') {
             return readQuoted(at);
@@ -170,8 +171,7 @@ private:
                 return fail(quote, "expected the string to be closed");
             }
             if (*at == *quote) {
-                append(kind, quote + 1, at);
-                return at + 1;
+                return append(kind, quote + 1, at) ? at + 1 : failFull(quote);
             }
             kind = NodeKind::escapedString;
             at += end_ - at >= 2 ? 2 : 1; // an escaped quote does not end the string
@@ -190,8 +190,7 @@ private:
         if (digits % 2 != 0) {
             return fail(at, "expected an even number of hexadecimal digits");
         }
-        append(NodeKind::data, bracket + 1, at);
-        return at + 1;
+        return append(NodeKind::data, bracket + 1, at) ? at + 1 : failFull(bracket);
     }
 
     // Between most tokens there is nothing or a single blank: that much is done in place, and the
@@ -247,9 +246,9 @@ private:
 
     void countOne() { nodes_.at(open_).countOne(); }
 
-    void append(NodeKind kind, const char* from, const char* to) {
-        nodes_.append({kind, static_cast<std::uint32_t>(from - begin_),
-                       static_cast<std::uint32_t>(to - from)});
+    bool append(NodeKind kind, const char* from, const char* to) {
+        return nodes_.append({kind, static_cast<std::uint32_t>(from - begin_),
+                              static_cast<std::uint32_t>(to - from)});
     }
 
     std::size_t size() const { return static_cast<std::size_t>(end_ - begin_); }
@@ -258,6 +257,10 @@ private:
                      PropertyListErrorCode code = PropertyListErrorCode::malformed) {
         failure_ = {static_cast<std::size_t>(at - begin_), code, reason};
         return nullptr;
+    }
+
+    const char* failFull(const char* at) {
+        return fail(at, "the list has too many values", PropertyListErrorCode::tooLarge);
     }
 
     const char* const begin_;

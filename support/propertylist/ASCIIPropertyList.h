@@ -32,8 +32,8 @@ struct TextFailure {
     const char* reason;
 };
 
-/// Appends the nodes of a list; positions count from the beginning of the text. On failure the
-/// nodes are of no use.
+/// Appends the nodes of a list; positions count from the beginning of the text. A list of more
+/// values than there may be nodes is a failure. On failure the nodes are of no use.
 std::optional<TextFailure> parseASCII(std::string_view text, NodeArray& nodes);
 
 /// The same without vector instructions: what other processors run.

@@ -186,7 +186,13 @@ private:
 
     std::optional<Span> readReferences(const Marker& marker, quint64 referencesPerItem) {
         const std::optional<Span> span = readSpan(marker, referencesPerItem * referenceSize_);
-        if (span && span->count > kMaxPropertyListValues) {
+        if (!span) {
+            return std::nullopt;
+        }
+        // A container is read once, and what it refers to unfolds to a value each at the least. So
+        // this many are too many before there is memory for the first.
+        references_ += span->count * referencesPerItem;
+        if (references_ > kMaxPropertyListValues) {
             fail(marker.position, "the list has too many values", PropertyListErrorCode::tooLarge);
             return std::nullopt;
         }
@@ -374,6 +380,7 @@ private:
     quint64 objectsEnd_ = 0;
     std::vector<Object> objects_;
     quint64 contentsRead_ = 0; // bytes, of all objects so far
+    quint64 references_ = 0;   // of all containers so far
     int depth_ = 0;
     QString failure_;
     quint64 failurePosition_ = 0;

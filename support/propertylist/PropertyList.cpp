@@ -3,7 +3,6 @@
 #include "support/propertylist/BinaryPropertyList.h"
 #include "support/propertylist/PropertyListDocument.h"
 #include "support/propertylist/PropertyListLimits.h"
-#include "support/propertylist/PropertyListValues.h"
 #include "support/propertylist/XMLPropertyList.h"
 
 namespace navrel {
@@ -13,13 +12,8 @@ const QString kPropertyListErrorDomain = QStringLiteral("PropertyListError");
 namespace {
 
 std::optional<QVariant> readASCII(const QByteArray& bytes, std::optional<Error>* error) {
-    PropertyListDocument document;
+    PropertyListDocument document(kMaxPropertyListValues);
     if (!document.read(bytes, error)) {
-        return std::nullopt;
-    }
-    if (document.valueCount() > kMaxPropertyListValues) {
-        propertylist::report(error, PropertyListErrorCode::tooLarge,
-                             QStringLiteral("the list has too many values"));
         return std::nullopt;
     }
     return document.root().toVariant();

@@ -1,6 +1,7 @@
 #include "support/propertylist/PropertyListDocument.h"
 
 #include "support/propertylist/ASCIIPropertyList.h"
+#include "support/propertylist/PropertyListValues.h"
 #include "support/propertylist/XMLPropertyList.h"
 
 #include <algorithm>
@@ -16,10 +17,25 @@ namespace propertylist {
 namespace {
 // Enough for any small list, so that a first reading does not grow its memory too often.
 constexpr std::size_t kFirstNodes = 1024;
+
+// 1 MiB is never given back, nor is what a list takes that grows and shrinks while it is edited.
+constexpr std::size_t kKeptNodes = std::size_t{128} << 10;
+constexpr std::size_t kMostSpareTimes = 4;
 } // namespace
 
-void NodeArray::grow() {
-    nodes_.resize(std::max(kFirstNodes, nodes_.size() * 2));
+bool NodeArray::grow() {
+    if (nodes_.size() == most_) {
+        return false;
+    }
+    nodes_.resize(std::min(most_, std::max(kFirstNodes, nodes_.size() * 2)));
+    return true;
+}
+
+void NodeArray::trim() {
+    if (nodes_.size() > kKeptNodes && nodes_.size() / kMostSpareTimes > size_) {
+        nodes_.resize(size_);
+        nodes_.shrink_to_fit();
+    }
 }
 
 } // namespace propertylist
@@ -43,6 +59,7 @@ bool PropertyListDocument::read(QByteArray bytes, std::optional<Error>* error) {
     if (!isRead) {
         clear();
     }
+    nodes_.trim();
     return isRead;
 }
 
@@ -58,50 +75,67 @@ bool PropertyListDocument::readASCII(QByteArray bytes, std::optional<Error>* err
 
 bool PropertyListDocument::readXML(const QByteArray& bytes, std::optional<Error>* error) {
     const std::optional<QVariant> list = propertylist::readXML(bytes, error);
-    if (list) {
-        append(*list);
+    if (list && !append(*list)) {
+        propertylist::report(error, PropertyListErrorCode::tooLarge,
+                             QStringLiteral("the list has too many values"));
+        return false;
     }
     return list.has_value();
 }
 
-void PropertyListDocument::append(const QVariant& value) {
-    if (value.typeId() == QMetaType::QVariantMap) {
-        const QVariantMap map = value.toMap();
-        const std::uint32_t node = open(NodeKind::dictionary, map.size());
-        for (auto entry = map.cbegin(); entry != map.cend(); ++entry) {
-            append(entry.key());
-            append(entry.value());
-        }
-        nodes_.at(node).setPosition(nodes_.size());
-    } else if (value.typeId() == QMetaType::QVariantList) {
-        const QVariantList list = value.toList();
-        const std::uint32_t node = open(NodeKind::array, list.size());
-        for (const QVariant& element : list) {
-            append(element);
-        }
-        nodes_.at(node).setPosition(nodes_.size());
-    } else if (value.typeId() == QMetaType::QString) {
-        append(value.toString());
-    } else {
-        nodes_.append({NodeKind::scalar, 0, 0});
+// These are false when the list has more values than it may have.
+
+bool PropertyListDocument::append(const QVariant& value) {
+    switch (value.typeId()) {
+    case QMetaType::QVariantMap:
+        return append(value.toMap());
+    case QMetaType::QVariantList:
+        return append(value.toList());
+    case QMetaType::QString:
+        return append(value.toString());
+    default:
+        return nodes_.append({NodeKind::scalar, 0, 0});
     }
 }
 
-void PropertyListDocument::append(const QString& string) {
+bool PropertyListDocument::append(const QString& string) {
     const QByteArray text = string.toUtf8();
-    nodes_.append({NodeKind::string, static_cast<std::uint32_t>(bytes_.size()),
-                   static_cast<std::uint32_t>(text.size())});
+    const auto position = static_cast<std::uint32_t>(bytes_.size());
     bytes_ += text;
+    return nodes_.append({NodeKind::string, position, static_cast<std::uint32_t>(text.size())});
 }
 
-std::uint32_t PropertyListDocument::open(NodeKind kind, qsizetype count) {
-    nodes_.append({kind, 0, static_cast<std::uint32_t>(count)});
-    return nodes_.size() - 1;
+bool PropertyListDocument::append(const QVariantMap& map) {
+    const std::uint32_t node = nodes_.size();
+    if (!nodes_.append({NodeKind::dictionary, 0, static_cast<std::uint32_t>(map.size())})) {
+        return false;
+    }
+    for (auto entry = map.cbegin(); entry != map.cend(); ++entry) {
+        if (!append(entry.key()) || !append(entry.value())) {
+            return false;
+        }
+    }
+    nodes_.at(node).setPosition(nodes_.size());
+    return true;
+}
+
+bool PropertyListDocument::append(const QVariantList& list) {
+    const std::uint32_t node = nodes_.size();
+    if (!nodes_.append({NodeKind::array, 0, static_cast<std::uint32_t>(list.size())})) {
+        return false;
+    }
+    for (const QVariant& element : list) {
+        if (!append(element)) {
+            return false;
+        }
+    }
+    nodes_.at(node).setPosition(nodes_.size());
+    return true;
 }
 
 void PropertyListDocument::clear() {
     nodes_.clear();
-    unescaped_.clear();
+    unescaped_ = {}; // which clearing would leave its buckets
     bytes_.clear();
 }
 

@@ -17,8 +17,9 @@ namespace navrel {
 
 /// A property list in the old-style ASCII format, or in XML, as a flat array of small nodes over
 /// the list's bytes. It serves project files, which are read again whenever they change: reading
-/// copies no text, and the memory of the nodes is kept from one reading to the next. One thread at
-/// a time, readers of values included (escapes are undone when a string is first looked at).
+/// copies no text, and the memory of the nodes is kept from one reading to the next, unless it is
+/// many times what the new list takes. One thread at a time, readers of values included (escapes
+/// are undone when a string is first looked at).
 class PropertyListDocument {
 public:
     class Value;
@@ -28,7 +29,9 @@ public:
     template <typename Iterator>
     class Range;
 
-    PropertyListDocument() = default;
+    /// For lists of up to so many values, at all levels, keys included.
+    explicit PropertyListDocument(std::size_t mostValues = kMaxPropertyListNodes)
+        : nodes_(mostValues) {}
     PropertyListDocument(const PropertyListDocument&) = delete;
     PropertyListDocument& operator=(const PropertyListDocument&) = delete;
 
@@ -47,9 +50,10 @@ public:
 private:
     bool readASCII(QByteArray bytes, std::optional<Error>* error);
     bool readXML(const QByteArray& bytes, std::optional<Error>* error);
-    void append(const QVariant& value);
-    void append(const QString& string);
-    std::uint32_t open(propertylist::NodeKind kind, qsizetype count);
+    bool append(const QVariant& value);
+    bool append(const QString& string);
+    bool append(const QVariantMap& map);
+    bool append(const QVariantList& list);
     void clear();
 
     const propertylist::Node& nodeAt(std::uint32_t index) const { return nodes_.at(index); }

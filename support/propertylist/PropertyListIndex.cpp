@@ -13,6 +13,10 @@ namespace {
 
 constexpr std::size_t kFewestSlots = 16;
 
+// As for a document's nodes.
+constexpr std::size_t kKeptSlots = std::size_t{128} << 10;
+constexpr std::size_t kMostSpareTimes = 4;
+
 const PropertyListIndex::Seed& seedOfProcess() {
     static const PropertyListIndex::Seed seed = [] {
         PropertyListIndex::Seed words{};
@@ -33,7 +37,11 @@ PropertyListIndex::PropertyListIndex() : seed_(seedOfProcess()) {}
 void PropertyListIndex::build(Value dictionary) {
     document_ = dictionary.document_;
     size_ = 0;
-    slots_.assign(std::bit_ceil(std::max(kFewestSlots, dictionary.count() * 2)), Slot());
+    const std::size_t slotCount = std::bit_ceil(std::max(kFewestSlots, dictionary.count() * 2));
+    if (slots_.capacity() > kKeptSlots && slots_.capacity() / kMostSpareTimes > slotCount) {
+        slots_ = {};
+    }
+    slots_.assign(slotCount, Slot());
     for (const auto [key, value] : dictionary.entries()) {
         insert(key);
     }

@@ -11,8 +11,8 @@
 namespace navrel {
 
 /// A hash index over the keys of one dictionary, for the "objects" of a project. The memory is kept
-/// from one building to the next. The hash is keyed with random words of the process, so that a
-/// file cannot be made whose keys collide.
+/// from one building to the next, unless it is many times what the new one takes. The hash is keyed
+/// with random words of the process, so that a file cannot be made whose keys collide.
 class PropertyListIndex {
 public:
     using Value = PropertyListDocument::Value;

@@ -16,8 +16,12 @@ inline constexpr int kMaxPropertyListDepth = 512;
 /// result meets it there. A project file of 20 MB has half as many.
 inline constexpr std::size_t kMaxPropertyListValues = 1'000'000;
 
+/// Values of one list that is read into a PropertyListDocument, keys included, of which each takes
+/// 8 bytes: 14 times the largest project file, which has one for every 11 bytes.
+inline constexpr std::size_t kMaxPropertyListNodes = std::size_t{4} << 20;
+
 /// Bytes of one list: 80 times the largest project file. Nodes keep positions in 32 bits and
-/// lengths in 29, and in the worst case take 8 bytes for each byte of the list.
+/// lengths in 29.
 inline constexpr std::size_t kMaxPropertyListBytes = std::size_t{256} << 20;
 
 } // namespace navrel

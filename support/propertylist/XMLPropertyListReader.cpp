@@ -16,6 +16,10 @@ namespace {
 /// each attribute of a tag with every other one.
 constexpr std::size_t kMaxTagBytes = 256;
 
+/// The most tags: a key and a value have one at both ends, and with the list's own and a document
+/// type there are fewer than for one value more.
+constexpr std::size_t kMaxTags = 4 * (kMaxPropertyListValues + 1);
+
 /// Looks over the tags of a text, from its beginning to where it stops being XML, for what the XML
 /// reader is to be spared.
 class TagCheck {
@@ -33,6 +37,9 @@ public:
                 skipPast("?>", 2);
             } else if (const char* const reason = skipTag(rest.starts_with("<!"))) {
                 return TextFailure{at_, PropertyListErrorCode::malformed, reason};
+            } else if (++tags_ > kMaxTags) {
+                return TextFailure{at_, PropertyListErrorCode::tooLarge,
+                                   "the list has too many values"};
             }
         }
         return std::nullopt;
@@ -69,6 +76,7 @@ private:
 
     std::string_view text_;
     std::size_t at_ = 0;
+    std::size_t tags_ = 0;
 };
 
 /// Reads the tokens of one list. A failure is raised on the stream reader, which then stands still

@@ -294,7 +294,21 @@ TEST(ASCIIPropertyList, valuesHaveALimit) {
     const auto most = static_cast<qsizetype>(kMaxPropertyListValues) - 1; // and the array
 
     EXPECT_TRUE(propertyListWithData(arrayOf(most)).has_value());
-    EXPECT_EQ(reasonOf(arrayOf(most + 1)), QStringLiteral("the list has too many values"));
+    EXPECT_EQ(reasonOf(arrayOf(most + 1)),
+              QStringLiteral("line 1, column 2000000: the list has too many values"));
+}
+
+TEST(ASCIIPropertyList, aFullNodeArrayRefusesWhicheverValueComesNext) {
+    for (const char* text : {"(a, b, c)", "(a, b, \"c\")", "(a, b, <00>)", "(a, b, {})",
+                             "(a, b, ())", "{a = b; c;}", "{a; b;}", "{a; \"b\";}"}) {
+        NodeArray nodes(3);
+        const auto failure = propertylist::parseASCII(text, nodes);
+        ASSERT_TRUE(failure.has_value()) << text;
+        EXPECT_EQ(failure->code, PropertyListErrorCode::tooLarge) << text;
+        EXPECT_LE(nodes.capacity(), 3U);
+    }
+    NodeArray enough(3);
+    EXPECT_FALSE(propertylist::parseASCII("(a, b)", enough).has_value());
 }
 
 TEST(ASCIIPropertyList, bytesHaveALimit) {

@@ -332,6 +332,23 @@ TEST(BinaryPropertyList, sharedArraysDoNotUnfoldWithoutBound) {
     EXPECT_TRUE(error.localizedDescription()->endsWith(QStringLiteral("too many values")));
 }
 
+TEST(BinaryPropertyList, referencesAreCountedBeforeTheyAreFollowed) {
+    // Arrays that each refer to the next one first. The last one is found to be too much before its
+    // references are looked at.
+    constexpr quint64 kReferences = kMaxPropertyListValues / 2;
+    const auto arrayOf = [](char first) {
+        return hex("af 12") + bigEndian(kReferences, 4) + first +
+               QByteArray(static_cast<qsizetype>(kReferences) - 1, '\x03');
+    };
+    const QByteArray first = arrayOf('\x01');
+    const QByteArray last = arrayOf('\x7F'); // which is no object's number
+    const Error error =
+        errorOf(fileOf({first, arrayOf('\x02'), last, hex("09")}, {.offset = 4, .reference = 1}));
+    EXPECT_EQ(error.code(), static_cast<qint64>(PropertyListErrorCode::tooLarge));
+    EXPECT_EQ(*error.localizedDescription(),
+              QStringLiteral("byte %1: the list has too many values").arg(8 + 2 * first.size()));
+}
+
 TEST(BinaryPropertyList, containersWithinThemselvesAreRefused) {
     EXPECT_EQ(reasonOf(fileOf({hex("a1 00")})),
               QStringLiteral("byte 8: expected no container within itself"));

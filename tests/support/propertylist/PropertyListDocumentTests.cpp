@@ -1,3 +1,4 @@
+#include "support/propertylist/PropertyList.h"
 #include "support/propertylist/PropertyListDocument.h"
 #include "support/propertylist/PropertyListHash.h"
 #include "support/propertylist/PropertyListIndex.h"
@@ -249,6 +250,62 @@ TEST(PropertyListIndex, keysOfEveryLengthAreTold) {
         EXPECT_EQ(index.find(key.utf8()).utf8(), value.utf8());
     }
     EXPECT_EQ(index.find("").utf8(), "empty");
+}
+
+TEST(PropertyListDocument, aListOfTooManyValuesIsRefusedHoweverItIsWritten) {
+    for (const char* text : {"(a, b, c)", "{a = b; c;}", "{a = (b);}"}) {
+        std::optional<Error> error;
+        PropertyListDocument document(3);
+        EXPECT_FALSE(document.read(text, &error)) << text;
+        EXPECT_EQ(error->code(), static_cast<qint64>(PropertyListErrorCode::tooLarge));
+        EXPECT_FALSE(document.root());
+    }
+    for (const char* body : {"<array><true/><true/><string>c</string></array>",
+                             "<dict><key>a</key><true/><key>b</key><true/></dict>",
+                             "<dict><key>a</key><array><array/></array></dict>"}) {
+        std::optional<Error> error;
+        PropertyListDocument document(3);
+        EXPECT_FALSE(document.read("<plist>" + QByteArray(body) + "</plist>", &error)) << body;
+        EXPECT_EQ(error->code(), static_cast<qint64>(PropertyListErrorCode::tooLarge));
+        EXPECT_FALSE(document.root());
+    }
+    PropertyListDocument document(3);
+    EXPECT_TRUE(document.read("(a, b)"));
+}
+
+TEST(PropertyListDocument, aFileOfNothingButValuesTakesAsManyAsItMay) {
+    std::optional<Error> error;
+    PropertyListDocument document;
+    const QByteArray keys = QByteArray("a;").repeated(qsizetype{32} << 20);
+    EXPECT_FALSE(document.read("{" + keys + "}", &error));
+    EXPECT_EQ(error->code(), static_cast<qint64>(PropertyListErrorCode::tooLarge));
+
+    const auto fewer = static_cast<qsizetype>(kMaxPropertyListNodes) - 2;
+    EXPECT_TRUE(document.read("{" + keys.first(fewer) + "}"));
+    EXPECT_EQ(document.valueCount(), kMaxPropertyListNodes - 1);
+}
+
+TEST(PropertyListDocument, nodesGiveBackWhatAFarLargerListTook) {
+    propertylist::NodeArray nodes;
+    const auto fill = [&nodes](std::size_t count) {
+        nodes.clear();
+        while (nodes.size() < count) {
+            ASSERT_TRUE(nodes.append({propertylist::NodeKind::string, nodes.size(), 1}));
+        }
+        nodes.trim();
+    };
+    fill(1'000'000);
+    fill(500'000);
+    EXPECT_GE(nodes.capacity(), 1'000'000U); // kept for the next reading
+    fill(3);
+    EXPECT_LE(nodes.capacity(), 128U << 10);
+    EXPECT_EQ(nodes.at(2).position(), 2U);
+    fill(1'000'000);
+    nodes.clear();
+    nodes.trim();
+    EXPECT_EQ(nodes.capacity(), 0U);
+    fill(2000);
+    EXPECT_EQ(nodes.size(), 2000U);
 }
 
 TEST(PropertyListIndex, theLastOfRepeatedKeysWins) {

@@ -254,5 +254,22 @@ TEST(XMLPropertyList, valuesHaveALimit) {
     EXPECT_EQ(errorOf(file).code(), static_cast<qint64>(PropertyListErrorCode::tooLarge));
 }
 
+TEST(XMLPropertyList, tagsAreCountedBeforeAnythingIsMadeOfThem) {
+    const auto tooMany = static_cast<qsizetype>(4 * kMaxPropertyListValues + 5);
+    // The list is malformed at once for whoever reads it; what is told is that it is too large.
+    const QByteArray file = "<plist><foo>" + QByteArray("<a>").repeated(tooMany);
+
+    EXPECT_EQ(errorOf(file).code(), static_cast<qint64>(PropertyListErrorCode::tooLarge));
+}
+
+TEST(XMLPropertyList, theMostValuesMayAllHaveKeys) {
+    const auto entries = static_cast<qsizetype>(kMaxPropertyListValues) - 1; // and the dictionary
+    const QByteArray file = "<!DOCTYPE plist><plist><dict>" +
+                            QByteArray("<key>a</key><string>b</string>").repeated(entries) +
+                            "</dict></plist>";
+
+    EXPECT_EQ(readFile(file), QVariant(QVariantMap{{QStringLiteral("a"), QStringLiteral("b")}}));
+}
+
 } // namespace
 } // namespace navrel
