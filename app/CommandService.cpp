@@ -6,15 +6,17 @@
 #include "app/ProgramVersion.h"
 #include "project/KZDataManager.h"
 #include "support/Log.h"
+#include "support/propertylist/PropertyList.h"
 #include "support/text/FilePath.h"
 #include "transport/CompanionProtocol.h"
 #include "transport/PTData.h"
 #include "transport/PTFrame.h"
 #include "transport/PTPayload.h"
 
+#include <QByteArrayView>
+
 #include <algorithm>
 #include <array>
-#include <string_view>
 
 namespace navrel {
 
@@ -25,7 +27,7 @@ constexpr quint32 kFirstIgnoredType = 100;
 constexpr quint32 kLastIgnoredType = 103;
 
 /// What the outline of the active file is offered for: exactly these, in this spelling.
-constexpr std::array<std::string_view, 6> kSourceExtensions = {"h", "m", "c", "cpp", "mm", "swift"};
+constexpr std::array<QByteArrayView, 6> kSourceExtensions = {"h", "m", "c", "cpp", "mm", "swift"};
 
 /// A payload as a dictionary; nothing when there is none, or it holds something else.
 std::optional<QVariantMap> dictionaryFromPayload(const std::shared_ptr<const PTData>& payload) {
@@ -50,14 +52,13 @@ std::optional<QString> textForKey(const std::optional<QVariantMap>& request, con
 
 /// A key's boolean, sent as such or as an integer; anything else counts as NO.
 bool flagForKey(const std::optional<QVariantMap>& request, const QString& key) {
-    const QVariant value = request ? request->value(key) : QVariant();
-    return value.typeId() != QMetaType::QString && value.toBool();
+    return request && booleanOf(request->value(key)).value_or(false);
 }
 
 bool isSourceFile(const QString& path) {
     const QByteArray extension = pathExtension(path.toUtf8());
     return std::find(kSourceExtensions.begin(), kSourceExtensions.end(),
-                     std::string_view(extension.constData())) != kSourceExtensions.end();
+                     QByteArrayView(extension)) != kSourceExtensions.end();
 }
 
 } // namespace

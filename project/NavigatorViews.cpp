@@ -3,6 +3,7 @@
 #include "project/KZDataManager.h"
 #include "project/ManagedObjectContext.h"
 #include "project/ProjectFile.h"
+#include "support/propertylist/PropertyList.h"
 #include "support/text/Collation.h"
 
 #include <QVariantList>
@@ -70,20 +71,6 @@ std::vector<CDObject*> visibleChildren(const ManagedObjectContext& context,
         });
     }
     return children;
-}
-
-/// A boolean that the device sent, which may come as a number.
-std::optional<bool> booleanIn(const QVariant& value) {
-    switch (value.typeId()) {
-    case QMetaType::Bool:
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-        return value.toBool();
-    default:
-        return std::nullopt;
-    }
 }
 
 } // namespace
@@ -167,7 +154,7 @@ QStringList KZDataManager::allowedFileTypes() {
 
 QVariantMap KZDataManager::changeFiletypeAllowanceWithDictionary(const QVariantMap& request) {
     const QVariant extension = request.value(QStringLiteral("extension"));
-    const std::optional<bool> allowed = booleanIn(request.value(QStringLiteral("allowed")));
+    const std::optional<bool> allowed = booleanOf(request.value(QStringLiteral("allowed")));
     const ManagedObjectContext* context = managedObjectContext();
     if (context != nullptr && extension.typeId() == QMetaType::QString && allowed) {
         for (CDFiletype* filetype :

@@ -3,6 +3,7 @@
 #include "support/propertylist/BinaryPropertyList.h"
 #include "support/propertylist/PropertyListDocument.h"
 #include "support/propertylist/PropertyListLimits.h"
+#include "support/propertylist/PropertyListValues.h"
 #include "support/propertylist/XMLPropertyList.h"
 
 namespace navrel {
@@ -20,6 +21,11 @@ std::optional<QVariant> readASCII(const QByteArray& bytes, std::optional<Error>*
 }
 
 } // namespace
+
+std::optional<bool> booleanOf(const QVariant& value) {
+    const std::optional<qlonglong> integer = propertylist::integerOf(value);
+    return integer ? std::optional(*integer != 0) : std::nullopt;
+}
 
 std::optional<QVariant> propertyListWithData(QByteArrayView data, std::optional<Error>* error) {
     if (data.startsWith(propertylist::kBinaryMagic)) {

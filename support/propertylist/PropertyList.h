@@ -24,6 +24,10 @@ enum class PropertyListErrorCode : qint64 {
     notWritable = 3, ///< a value that the format cannot hold; the text names its place
 };
 
+/// A boolean that came from elsewhere, where it may be an integer: 0 is false, every other one
+/// true. Nothing for values of other types; a text that spells a number is none.
+std::optional<bool> booleanOf(const QVariant& value);
+
 /// Reads a property list in any format: binary, else XML, else old-style ASCII. Binary lists give
 /// every kind of value, XML as well, ASCII maps, lists, strings and bytes. Nothing on failure, with
 /// the reason in `error` where it is given: "line L, column C: …" for the text formats (both from

@@ -1,7 +1,9 @@
 #include "app/ProgramVersion.h"
+#include "project/ManagedObjectContext.h"
 #include "tests/WaitUntil.h"
 #include "tests/app/ServedProject.h"
 
+#include <QDateTime>
 #include <QElapsedTimer>
 #include <QVariantList>
 
@@ -308,6 +310,27 @@ TEST_F(CommandServiceTest, autoUpdateOffIsAsIfItWereAbsent) {
         device_.ask(204, {{QStringLiteral("autoUpdate"), 0}, {kIdentifier, QStringLiteral("M")}});
     ASSERT_TRUE(reply.has_value());
     EXPECT_EQ(reply->value(kIdentifier).toString(), QStringLiteral("M"));
+}
+
+TEST_F(CommandServiceTest, onlyABooleanOrAnIntegerSwitchesAutoUpdateOn) {
+    launchActive();
+    editor_.fileName = QStringLiteral("Foo.h");
+    for (const QVariant& flag :
+         {QVariant(0.5), QVariant(1.0), QVariant(QByteArray("1")), QVariant(QStringLiteral("1")),
+          QVariant(QVariantList{1}), QVariant(QDateTime::currentDateTimeUtc())}) {
+        const auto reply = device_.ask(
+            204, {{QStringLiteral("autoUpdate"), flag}, {kIdentifier, QStringLiteral("M")}});
+        ASSERT_TRUE(reply.has_value()) << flag.typeName();
+        EXPECT_EQ(reply->value(kIdentifier).toString(), QStringLiteral("M")) << flag.typeName();
+    }
+}
+
+TEST_F(CommandServiceTest, anExtensionThatGoesOnBehindANULIsNoSourceFiles) {
+    launchActive();
+    editor_.fileName = QStringLiteral("Foo.m");
+    ManagedObjectContext& context = *manager_->managedObjectContext();
+    context.lastObjectWithIdentifier("M")->setPath(QByteArray("/Foo.m\0plist", 12));
+    EXPECT_EQ(device_.ask(204, {{QStringLiteral("autoUpdate"), 1}}), std::nullopt);
 }
 
 TEST_F(CommandServiceTest, fileTypesAreListedAndSwitched) {

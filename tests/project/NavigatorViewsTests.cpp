@@ -273,6 +273,8 @@ TEST_F(NavigatorViews, aRequestThatNamesNoKnownExtensionOrNoSwitchChangesNothing
          {QVariantMap(), QVariantMap{{extension, QStringLiteral("swift")}, {allowed, false}},
           QVariantMap{{extension, QStringLiteral("m")}},
           QVariantMap{{extension, QStringLiteral("m")}, {allowed, QStringLiteral("no")}},
+          QVariantMap{{extension, QStringLiteral("m")}, {allowed, 0.0}},
+          QVariantMap{{extension, QStringLiteral("m")}, {allowed, QByteArray()}},
           QVariantMap{{extension, QVariantList{QStringLiteral("m")}}, {allowed, false}},
           QVariantMap{{extension, 5}, {allowed, false}}, QVariantMap{{allowed, false}}}) {
         EXPECT_EQ(manager().changeFiletypeAllowanceWithDictionary(request), before);
