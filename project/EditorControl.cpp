@@ -3,6 +3,7 @@
 #include "project/Editor.h"
 #include "project/KZDataManager.h"
 #include "project/ManagedObjectContext.h"
+#include "support/text/UTF8.h"
 
 #include <algorithm>
 #include <cmath>
@@ -77,7 +78,7 @@ std::optional<QString> KZDataManager::objectIDForActiveFile() {
     if (objects.size() != 1 || !objects.front()->identifier()) {
         return std::nullopt;
     }
-    return QString::fromUtf8(*objects.front()->identifier());
+    return shownUTF8(*objects.front()->identifier());
 }
 
 void KZDataManager::openFile(const std::optional<QString>& path, const QVariant& line) {

@@ -5,6 +5,7 @@
 #include "project/PersistentStoreCoordinator.h"
 #include "project/ProjectFile.h"
 #include "support/Log.h"
+#include "support/text/UTF8.h"
 
 #include <QObject>
 
@@ -50,7 +51,7 @@ const PropertyListIndex* KZDataManager::pbxObjects() const {
 
 std::optional<QString> KZDataManager::rootID() const {
     const std::optional<QByteArray>& identifier = projectFile_->rootID();
-    return identifier ? std::optional(QString::fromUtf8(*identifier)) : std::nullopt;
+    return identifier ? std::optional(shownUTF8(*identifier)) : std::nullopt;
 }
 
 void KZDataManager::saveChanges(ManagedObjectContext& context) {

@@ -5,6 +5,7 @@
 #include "project/ProjectFile.h"
 #include "support/propertylist/PropertyList.h"
 #include "support/text/Collation.h"
+#include "support/text/UTF8.h"
 
 #include <QVariantList>
 
@@ -18,7 +19,7 @@ namespace {
 
 /// Only a store made by hand holds records without these; they show as empty.
 QString shown(const std::optional<QByteArray>& text) {
-    return QString::fromUtf8(text.value_or(""));
+    return shownUTF8(text.value_or(""));
 }
 
 int shown(std::optional<bool> flag) {
@@ -88,7 +89,7 @@ KZDataManager::navigatorDictionaryForID(const std::optional<QString>& identifier
         return std::nullopt;
     }
     return QVariantMap{
-        {QStringLiteral("identifier"), QString::fromUtf8(wanted)},
+        {QStringLiteral("identifier"), shownUTF8(wanted)},
         {QStringLiteral("label"), shown(object->name())},
         {QStringLiteral("items"), navigatorItems(visibleChildren(*context, wanted))},
         {QStringLiteral("path"), shown(object->path())},
@@ -109,7 +110,7 @@ QVariantMap KZDataManager::superclassDictionary() {
 
     QVariantList items;
     for (const QByteArray& superclass : superclasses) {
-        items.append(QString::fromUtf8(superclass));
+        items.append(shownUTF8(superclass));
     }
     return {{QStringLiteral("title"), QStringLiteral("Superclass navigator")},
             {QStringLiteral("items"), items}};
@@ -146,7 +147,7 @@ QStringList KZDataManager::allowedFileTypes() {
     QStringList extensions;
     if (const ManagedObjectContext* context = managedObjectContext()) {
         for (const QByteArray& extension : extensionsAllowedIn(*context)) {
-            extensions.append(QString::fromUtf8(extension));
+            extensions.append(shownUTF8(extension));
         }
     }
     return extensions;

@@ -8,6 +8,7 @@
 #include "project/ProjectWalk.h"
 #include "support/Log.h"
 #include "support/text/FilePath.h"
+#include "support/text/UTF8.h"
 
 namespace navrel {
 
@@ -23,10 +24,10 @@ void KZDataManager::updateInBackground() {
         return;
     }
     const QByteArray bundle = pbxProjPath_->toUtf8();
-    projectPath_ = QString::fromUtf8(deletingLastPathComponent(bundle));
+    projectPath_ = shownUTF8(deletingLastPathComponent(bundle));
     if (currentProjectItem_ != nullptr) {
-        currentProjectItem_->setTitle(QStringLiteral("Current project: %1")
-                                          .arg(QString::fromUtf8(lastPathComponent(bundle))));
+        currentProjectItem_->setTitle(
+            QStringLiteral("Current project: %1").arg(shownUTF8(lastPathComponent(bundle))));
     }
     projectFile_->read(bundle + "/project.pbxproj");
     if (ManagedObjectContext* context = managedObjectContext()) {
@@ -78,7 +79,7 @@ void KZDataManager::runPass(ManagedObjectContext& context) {
 void KZDataManager::deleteVanishedObjects(ManagedObjectContext& context) {
     for (CDObject* object : context.objects()) {
         if (!object->path() || !survey_->exists(*object->path())) {
-            log(QStringLiteral("Deleted %1").arg(QString::fromUtf8(object->name().value_or(""))));
+            log(QStringLiteral("Deleted %1").arg(shownUTF8(object->name().value_or(""))));
             context.deleteObject(*object);
         }
     }

@@ -5,6 +5,7 @@
 #include "project/ManagedObjectContext.h"
 #include "support/text/Collation.h"
 #include "support/text/FilePath.h"
+#include "support/text/UTF8.h"
 
 #include <QVariantList>
 
@@ -21,7 +22,7 @@ constexpr std::array kCounterpartExtensions = {"h", "m", "mm", "cpp", "c"};
 
 /// Only a store made by hand holds records without these; they show as empty.
 QString shown(const std::optional<QByteArray>& text) {
-    return QString::fromUtf8(text.value_or(""));
+    return shownUTF8(text.value_or(""));
 }
 
 QVariantMap shortcutItem(const CDShortcut& shortcut) {

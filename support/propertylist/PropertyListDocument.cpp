@@ -3,6 +3,7 @@
 #include "support/propertylist/ASCIIPropertyList.h"
 #include "support/propertylist/PropertyListValues.h"
 #include "support/propertylist/XMLPropertyList.h"
+#include "support/text/UTF8.h"
 
 #include <algorithm>
 #include <utility>
@@ -47,7 +48,7 @@ std::string_view viewOf(const QByteArray& bytes) {
 }
 
 QString stringOf(std::string_view utf8) {
-    return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
+    return shownUTF8({utf8.data(), static_cast<qsizetype>(utf8.size())});
 }
 
 } // namespace

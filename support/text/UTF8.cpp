@@ -10,6 +10,8 @@ namespace navrel {
 
 namespace {
 
+constexpr char kByteOrderMark[] = "\xEF\xBB\xBF";
+
 /// Long enough that the loop over it becomes vector instructions, short enough that a text with an
 /// occasional foreign character is still mostly skipped in blocks.
 constexpr qsizetype kBlockSize = 256;
@@ -116,6 +118,14 @@ std::optional<QString> decodeUTF8(QByteArrayView bytes) {
         return std::nullopt;
     }
     text.truncate(length);
+    return text;
+}
+
+QString shownUTF8(QByteArrayView bytes) {
+    QString text = QString::fromUtf8(bytes);
+    if (bytes.startsWith(kByteOrderMark)) {
+        text.prepend(QChar(QChar::ByteOrderMark));
+    }
     return text;
 }
 

@@ -19,4 +19,9 @@ bool isValidUTF8(QByteArrayView bytes);
 /// The text that the bytes spell, or nil where they are not valid UTF-8.
 std::optional<QString> decodeUTF8(QByteArrayView bytes);
 
+/// The text of bytes that were valid where they came from, for people and devices: a byte order
+/// mark at the beginning, of which QString::fromUtf8 makes nothing, is part of the name that
+/// begins with it. What is not valid shows as U+FFFD.
+QString shownUTF8(QByteArrayView bytes);
+
 } // namespace navrel

@@ -4,6 +4,7 @@
 #include "project/ManagedObjectContext.h"
 #include "support/Log.h"
 #include "support/UserDefaults.h"
+#include "support/text/UTF8.h"
 #include "tests/project/Fakes.h"
 #include "tests/project/ProjectText.h"
 
@@ -63,9 +64,7 @@ protected:
         return QDir(scratch_.path()).canonicalPath() + QStringLiteral("/work");
     }
     QString bundle() const { return folder() + QStringLiteral("/App.xcodeproj"); }
-    QString pathOf(const char* name) const {
-        return folder() + QLatin1Char('/') + QString::fromUtf8(name);
-    }
+    QString pathOf(const char* name) const { return folder() + QLatin1Char('/') + shownUTF8(name); }
     std::string pathText(const char* name) const { return pathOf(name).toStdString(); }
 
     static void write(const QString& path, const QByteArray& bytes) {

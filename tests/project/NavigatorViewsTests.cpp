@@ -33,7 +33,7 @@ protected:
     }
 
     QVariantMap navigator(const char* identifier) {
-        return manager().navigatorDictionaryForID(QString::fromUtf8(identifier)).value();
+        return manager().navigatorDictionaryForID(shownUTF8(identifier)).value();
     }
 
     void loadGroupWithFiles() {
@@ -163,6 +163,22 @@ TEST_F(NavigatorViews, namesReachTheDeviceAsTheyStand) {
     load(ProjectText().group("MAIN", {"🙂"}).file("🙂", name));
     EXPECT_THAT(namesIn(navigator("MAIN")), ElementsAre(name));
     EXPECT_EQ(navigator("🙂").value(QStringLiteral("identifier")), QStringLiteral("🙂"));
+}
+
+TEST_F(NavigatorViews, aByteOrderMarkIsPartOfTheNameThatBeginsWithIt) {
+    writeFile("\uFEFFa.\uFEFFm");
+    load(ProjectText().group("MAIN", {"\uFEFFA"}).file("\uFEFFA", "\uFEFFa.\uFEFFm"));
+    EXPECT_THAT(namesIn(navigator("MAIN")), ElementsAre("\uFEFFa.\uFEFFm"));
+    const QVariantMap file = navigator("\uFEFFA");
+    EXPECT_EQ(file.value(QStringLiteral("identifier")), QStringLiteral("\uFEFFA"));
+    EXPECT_EQ(file.value(QStringLiteral("label")), QStringLiteral("\uFEFFa.\uFEFFm"));
+    EXPECT_EQ(manager().allowedFileTypes(), QStringList{QStringLiteral("\uFEFFm")});
+    editor.fileName = QStringLiteral("\uFEFFa.\uFEFFm");
+    EXPECT_EQ(manager().objectIDForActiveFile(), QStringLiteral("\uFEFFA"));
+
+    context().objects().front()->setSubclassOf(QByteArray("\uFEFFBase"));
+    EXPECT_EQ(manager().superclassDictionary().value(QStringLiteral("items")),
+              QVariantList{QStringLiteral("\uFEFFBase")});
 }
 
 TEST_F(NavigatorViews, superclassesAreListedInOrderWithoutRepeats) {

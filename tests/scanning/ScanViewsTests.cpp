@@ -63,6 +63,16 @@ protected:
 
 // Shortcuts.
 
+TEST_F(ScanViews, aByteOrderMarkIsPartOfTheNameThatBeginsWithIt) {
+    addShortcut("\uFEFFtap");
+    addFile("A", "\uFEFFa.m");
+    addElement("A", 1, "\uFEFFrun");
+    EXPECT_THAT(valuesOf(manager().shortcutsDictionary(), QStringLiteral("shortcut")),
+                ElementsAre("\uFEFFtap"));
+    EXPECT_THAT(valuesOf(elementsOf("A"), QStringLiteral("name")), ElementsAre("\uFEFFrun"));
+    EXPECT_EQ(elementsOf("A").value(QStringLiteral("title")), QStringLiteral("\uFEFFa.m"));
+}
+
 TEST_F(ScanViews, withoutShortcutsTheirListIsEmpty) {
     const QVariantMap dictionary = manager().shortcutsDictionary();
     EXPECT_EQ(dictionary.keys(), QStringList{QStringLiteral("items")});

@@ -252,6 +252,19 @@ TEST(PropertyListIndex, keysOfEveryLengthAreTold) {
     EXPECT_EQ(index.find("").utf8(), "empty");
 }
 
+TEST(PropertyListDocument, aByteOrderMarkIsPartOfTheTextThatBeginsWithIt) {
+    const QVariantMap map{{QStringLiteral("\uFEFFkey"), QStringLiteral("\uFEFFvalue")}};
+    for (const char* text :
+         {"{\"\uFEFFkey\" = \"\uFEFFvalue\";}", "\uFEFF{\"\uFEFFkey\" = \"\uFEFFvalue\";}",
+          "<plist><dict><key>\uFEFFkey</key><string>\uFEFFvalue</string></dict></plist>"}) {
+        EXPECT_EQ(propertyListWithData(text), map) << text;
+        PropertyListDocument document;
+        ASSERT_TRUE(document.read(text)) << text;
+        EXPECT_EQ(document.root()["\uFEFFkey"].utf8(), "\uFEFFvalue") << text;
+        EXPECT_EQ(document.root().toVariant(), map) << text;
+    }
+}
+
 TEST(PropertyListDocument, aListOfTooManyValuesIsRefusedHoweverItIsWritten) {
     for (const char* text : {"(a, b, c)", "{a = b; c;}", "{a = (b);}"}) {
         std::optional<Error> error;

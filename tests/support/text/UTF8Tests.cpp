@@ -64,6 +64,19 @@ TEST(UTF8, decodingKeepsNulAndTheByteOrderMark) {
     EXPECT_EQ(text->at(2), QChar(u'\0'));
 }
 
+TEST(UTF8, whatIsShownKeepsByteOrderMarksAndReplacesWhatIsInvalid) {
+    EXPECT_EQ(shownUTF8(QByteArray()), QString());
+    EXPECT_EQ(shownUTF8("\xEF\xBB\xBF"), QString(QChar(0xFEFF)));
+    EXPECT_EQ(shownUTF8("\xEF\xBB\xBF\xEF\xBB\xBF"
+                        "a\xEF\xBB\xBF"),
+              QStringLiteral("\uFEFF\uFEFFa\uFEFF"));
+    EXPECT_EQ(shownUTF8("\xEF\xBB\xBF"
+                        "\xFF"
+                        "a"),
+              QStringLiteral("\uFEFF\uFFFDa"));
+    EXPECT_EQ(shownUTF8(QByteArray("a\0b", 3)), QString::fromLatin1("a\0b", 3));
+}
+
 TEST(UTF8, decodingAndValidityAgreeOnRandomBytes) {
     constexpr quint32 kSeed = 20261;
     SCOPED_TRACE(kSeed);
