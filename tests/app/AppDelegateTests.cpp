@@ -1,15 +1,8 @@
-#include "project/MenuItem.h"
+#include "tests/FakeMenuItem.h"
 #include "tests/app/ServedProject.h"
 
 namespace navrel {
 namespace {
-
-class FakeMenuItem final : public MenuItem {
-public:
-    QString title;
-    void setTitle(const QString& text) override { title = text; }
-    void setChecked(bool) override {}
-};
 
 class AppDelegateTest : public ServedProject {};
 

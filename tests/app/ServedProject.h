@@ -4,11 +4,11 @@
 #include "project/KZDataManager.h"
 #include "scanning/SourceFileScanner.h"
 #include "support/UserDefaults.h"
+#include "tests/FakeEditor.h"
 #include "tests/LogRecorder.h"
 #include "tests/SmallProject.h"
 #include "tests/TestDevice.h"
 #include "tests/app/FakeDesktop.h"
-#include "tests/app/FakeEditor.h"
 
 #include <QTemporaryDir>
 #include <gtest/gtest.h>

@@ -5,6 +5,7 @@
 #include "support/Log.h"
 #include "support/UserDefaults.h"
 #include "support/text/UTF8.h"
+#include "tests/FakeEditor.h"
 #include "tests/project/Fakes.h"
 #include "tests/project/ProjectText.h"
 

@@ -1,9 +1,7 @@
 #pragma once
 
 #include "project/CDObject.h"
-#include "project/Editor.h"
 #include "project/ManagedObjectContext.h"
-#include "project/MenuItem.h"
 #include "project/ProjectDialogs.h"
 #include "project/SourceScanner.h"
 #include "support/Error.h"
@@ -18,28 +16,6 @@
 #include <vector>
 
 namespace navrel {
-
-/// Answers as told and counts the questions.
-class FakeEditor final : public Editor {
-public:
-    std::optional<QString> activeProjectPath() override {
-        ++projectQueries;
-        return projectPath;
-    }
-    std::optional<QString> activeFileName() override { return fileName; }
-    void openFile(const QString& path, std::optional<int> line) override {
-        opened.push_back({path, line});
-    }
-
-    struct Opened {
-        QString path;
-        std::optional<int> line;
-    };
-    std::optional<QString> projectPath;
-    std::optional<QString> fileName;
-    int projectQueries = 0;
-    std::vector<Opened> opened;
-};
 
 /// Answers as told and records what was shown.
 class FakeDialogs final : public ProjectDialogs {
@@ -75,15 +51,6 @@ public:
     int alerts = 0;
     QStringList alertTexts;
     int alertAnswer = 0;
-};
-
-class FakeMenuItem final : public MenuItem {
-public:
-    void setTitle(const QString& newTitle) override { title = newTitle; }
-    void setChecked(bool isChecked) override { checked = isChecked; }
-
-    std::optional<QString> title;
-    std::optional<bool> checked;
 };
 
 /// Records which file was scanned for what, and stores one shortcut and one element a file.

@@ -1,5 +1,6 @@
 #include "project/SQLiteDatabase.h"
 #include "support/propertylist/PropertyListIndex.h"
+#include "tests/FakeMenuItem.h"
 #include "tests/project/DataManagerFixture.h"
 
 #include <unistd.h>

@@ -1,4 +1,5 @@
 #include "project/SQLiteDatabase.h"
+#include "tests/FakeMenuItem.h"
 #include "tests/WaitUntil.h"
 #include "tests/project/DataManagerFixture.h"
 

@@ -2,11 +2,15 @@
 
 #include "project/Editor.h"
 
+#include <QString>
+
+#include <optional>
 #include <vector>
 
 namespace navrel {
 
-/// An editor that answers as it was told to and records what it was asked to open.
+/// An editor that answers as it was told to, counts the questions for its project, and records what
+/// it was asked to open.
 class FakeEditor final : public Editor {
 public:
     struct Opened {
@@ -17,9 +21,13 @@ public:
 
     std::optional<QString> projectPath;
     std::optional<QString> fileName;
+    int projectQueries = 0;
     std::vector<Opened> opened;
 
-    std::optional<QString> activeProjectPath() override { return projectPath; }
+    std::optional<QString> activeProjectPath() override {
+        ++projectQueries;
+        return projectPath;
+    }
     std::optional<QString> activeFileName() override { return fileName; }
     void openFile(const QString& path, std::optional<int> line) override {
         opened.push_back({path, line});
