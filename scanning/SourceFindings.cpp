@@ -33,6 +33,15 @@ constexpr std::size_t listOf(ElementType type) {
     return 4;
 }
 
+/// Keeps the memory for the next file, but not what only a made-up file takes.
+template <typename Record>
+void clearRecords(std::vector<Record>& records) {
+    records.clear();
+    if (records.capacity() > SourceFindings::kMostKeptRecords) {
+        records.shrink_to_fit();
+    }
+}
+
 } // namespace
 
 SourceName::SourceName(QByteArrayView path)
@@ -50,11 +59,19 @@ const QByteArray& nameOfElementType(ElementType type) {
 
 void SourceFindings::clear() {
     superclass_.reset();
-    shortcuts_.clear();
+    clearRecords(shortcuts_);
     for (auto& list : elements_) {
-        list.clear();
+        clearRecords(list);
     }
     texts_.release();
+}
+
+std::size_t SourceFindings::recordCapacity() const {
+    std::size_t capacity = shortcuts_.capacity();
+    for (const auto& list : elements_) {
+        capacity += list.capacity();
+    }
+    return capacity;
 }
 
 void SourceFindings::addShortcut(const SourceShortcut& shortcut) {

@@ -52,7 +52,8 @@ struct SourceShortcut {
 };
 
 /// What a scan found in one file. Texts are UTF-8 and lie partly in the scanned text, partly here:
-/// valid while both stay as they are. Kept from file to file, it soon allocates no more.
+/// valid while both stay as they are. Kept from file to file, it soon allocates no more; what a
+/// list of more than `kMostKeptRecords` took is given back.
 class SourceFindings {
 public:
     SourceFindings() = default;
@@ -63,7 +64,13 @@ public:
     /// sources that people keep hold some ten thousands.
     static constexpr std::size_t kMostRecords = 1'000'000;
 
+    /// Above what the largest sources take; 1.5 MiB a list.
+    static constexpr std::size_t kMostKeptRecords = 65'536;
+
     void clear();
+
+    /// How many records there is memory for, in all lists together.
+    std::size_t recordCapacity() const;
 
     /// The superclass that a header declares for the class of its own name, maybe the empty text;
     /// nil where it declares none, and for other files.

@@ -156,6 +156,9 @@ TEST(HostileText, recordsAreLimitedInNumber) {
     std::size_t elements = 0;
     findings->visitElements([&elements](const SourceElement&) { ++elements; });
     EXPECT_EQ(elements, SourceFindings::kMostRecords);
+
+    scanSource("//navrel:a\n", SourceName("/p/b.m"), *findings);
+    EXPECT_LT(findings->recordCapacity(), SourceFindings::kMostKeptRecords);
 }
 
 } // namespace
