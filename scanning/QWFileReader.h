@@ -20,6 +20,10 @@ struct ShortcutRecord {
 
 /// Reads a text file line by line, forward and once, without holding more of it than a line and a
 /// buffer. One thread at a time.
+///
+/// The program itself reads sources whole and scans them in one pass (SourceFileScanner.h), which
+/// is faster. This is the reader for whoever wants lines, and the scans of lines are what the tests
+/// hold that pass to.
 class QWFileReader {
 public:
     /// A reader at the beginning of the file, or null where `RegularFile::open` gives no file.

@@ -78,6 +78,9 @@ const CDObject* counterpartOf(const ManagedObjectContext& context, const CDObjec
 
 } // namespace
 
+// Without a store there is no failed fetch that could be logged: the failure to open the store has
+// been presented, and is at every attempt.
+
 QVariantMap KZDataManager::shortcutsDictionary() {
     std::vector<CDShortcut*> shortcuts;
     if (const ManagedObjectContext* context = managedObjectContext()) {

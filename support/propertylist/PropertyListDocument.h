@@ -103,7 +103,8 @@ public:
     Range<EntryIterator> entries() const;
 
     /// The value as maps, lists, strings and bytes, the last of repeated keys winning. An invalid
-    /// variant for nothing.
+    /// variant for nothing, and for what XML has beside these (numbers, booleans, dates and data),
+    /// of which the document keeps no value.
     QVariant toVariant() const;
 
 private:
