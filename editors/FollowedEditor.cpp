@@ -1,5 +1,6 @@
 #include "editors/FollowedEditor.h"
 
+#include "editors/Deadlines.h"
 #include "editors/ProjectBundle.h"
 #include "editors/RequestedPath.h"
 #include "support/Log.h"
@@ -22,8 +23,9 @@ FollowedEditor::~FollowedEditor() = default;
 /// The bytes of the active file's path: empty where there is none, nil where no editor answers.
 std::optional<QByteArray> FollowedEditor::activeFile() {
     const QDeadlineTimer deadline(kQueryAtMost);
+    std::size_t left = editors_.size();
     for (const auto& editor : editors_) {
-        if (const auto file = editor->activeFile(deadline)) {
+        if (const auto file = editor->activeFile(shareOf(deadline, left--))) {
             // A buffer may bear any name; one that is no path is no file.
             return file->startsWith('/') ? *file : QByteArrayLiteral("");
         }

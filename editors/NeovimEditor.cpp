@@ -1,5 +1,6 @@
 #include "editors/NeovimEditor.h"
 
+#include "editors/Deadlines.h"
 #include "editors/NeovimConnection.h"
 #include "editors/NeovimScripts.h"
 #include "editors/NeovimServers.h"
@@ -7,6 +8,8 @@
 
 #include <QVariantMap>
 
+#include <algorithm>
+#include <chrono>
 #include <memory>
 #include <thread>
 #include <utility>
@@ -22,6 +25,9 @@ using Reply = NeovimConnection::Reply;
 constexpr std::chrono::milliseconds kReadinessPause{5};
 /// An editor that runs answers in a few milliseconds; the next one is worth trying after this.
 constexpr std::chrono::milliseconds kFirstAnswerAtMost{1000};
+/// Less than this is no fair chance on a busy machine: who would be left less waits for the next
+/// question, when those that kept silent now are left alone.
+constexpr std::chrono::milliseconds kLeastShare{100};
 
 Reply runScript(NeovimConnection& editor, const char* script, const QVariantList& arguments,
                 const QDeadlineTimer& deadline) {
@@ -66,9 +72,14 @@ QString failureText(const Reply& reply) {
     return QString::fromUtf8(error.isEmpty() ? QByteArray() : error.last().toByteArray());
 }
 
-QDeadlineTimer earlierOf(const QDeadlineTimer& deadline, std::chrono::milliseconds atMost) {
-    const QDeadlineTimer own(atMost);
-    return own < deadline ? own : deadline;
+/// How long a server may take while others wait behind it: half of what is left, so that one that
+/// is stopped leaves them their chance.
+QDeadlineTimer shareOfNext(const QDeadlineTimer& deadline, bool isLast) {
+    if (isLast) {
+        return deadline;
+    }
+    const std::chrono::milliseconds left(deadline.remainingTime());
+    return earlierOf(deadline, std::max(left / 2, kLeastShare));
 }
 
 } // namespace
@@ -76,11 +87,14 @@ QDeadlineTimer earlierOf(const QDeadlineTimer& deadline, std::chrono::millisecon
 NeovimEditor::NeovimEditor(std::chrono::milliseconds leftAloneFor) : silent_(leftAloneFor) {}
 
 std::optional<QByteArray> NeovimEditor::activeFile(const QDeadlineTimer& deadline) {
-    for (const QByteArray& socket : neovimServerSockets()) {
-        if (silent_.contains(socket) || deadline.hasExpired()) {
-            continue;
+    QByteArrayList sockets = neovimServerSockets();
+    sockets.removeIf([this](const QByteArray& socket) { return silent_.contains(socket); });
+    for (qsizetype i = 0; i < sockets.size(); ++i) {
+        if (i > 0 && std::chrono::milliseconds(deadline.remainingTime()) < kLeastShare) {
+            break;
         }
-        if (auto file = activeFileOf(socket, deadline)) {
+        const bool isLast = i + 1 == sockets.size();
+        if (auto file = activeFileOf(sockets[i], shareOfNext(deadline, isLast))) {
             return file;
         }
     }
@@ -112,10 +126,12 @@ std::optional<QByteArray> NeovimEditor::activeFileOf(const QByteArray& socket,
 
 bool NeovimEditor::open(const QByteArray& path, std::optional<int> line,
                         const QDeadlineTimer& deadline) {
+    // The other half is for opening, or for an editor of another kind.
+    const QDeadlineTimer search = shareOf(deadline, 2);
     for (const QByteArray& socket : neovimServerSockets()) {
         bool isOverdue = false;
         const auto editor = NeovimConnection::open(socket, isOverdue);
-        const auto soon = earlierOf(deadline, kFirstAnswerAtMost);
+        const auto soon = earlierOf(search, kFirstAnswerAtMost);
         if (editor == nullptr || readinessOf(*editor, soon) != Readiness::Ready) {
             continue;
         }

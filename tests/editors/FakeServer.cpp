@@ -1,8 +1,14 @@
 #include "tests/editors/FakeServer.h"
 
+#include "editors/MessagePack.h"
+
+#include <array>
 #include <cstring>
+#include <ctime>
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 #include <utility>
@@ -49,6 +55,62 @@ void FakeServer::serve() {
         conversation_(connection, isEnding_);
         ::close(connection);
     }
+}
+
+FakeNeovim::FakeNeovim(const QByteArray& path, QByteArray file, Mood mood)
+    : path_(path), file_(std::move(file)), mood_(mood),
+      server_(std::make_unique<FakeServer>(
+          path, [this](int connection, const std::atomic<bool>& isEnding) {
+              converse(connection, isEnding);
+          })) {}
+
+FakeNeovim::~FakeNeovim() {
+    server_ = nullptr;
+    ::unlink(path_.constData()); // as the real one does at its end
+}
+
+void FakeNeovim::converse(int connection, const std::atomic<bool>& isEnding) const {
+    QByteArray received;
+    pollfd waited = {connection, POLLIN, 0};
+    while (!isEnding) {
+        if (::poll(&waited, 1, kTurnMilliseconds) <= 0) {
+            continue;
+        }
+        std::array<char, 4096> piece;
+        const ssize_t count = ::recv(connection, piece.data(), piece.size(), 0);
+        if (count <= 0) {
+            return;
+        }
+        received.append(piece.data(), count);
+        const MessagePackReading reading = readMessagePack(received);
+        if (reading.outcome != MessagePackReading::Outcome::Complete) {
+            continue;
+        }
+        received.remove(0, reading.length);
+        const QByteArray reply = replyTo(reading.value.toList());
+        ::send(connection, reply.constData(), static_cast<size_t>(reply.size()), MSG_NOSIGNAL);
+    }
+}
+
+/// The bytes that answer a request; none while silent.
+QByteArray FakeNeovim::replyTo(const QVariantList& request) const {
+    if (mood_ == Mood::Silent) {
+        return {};
+    }
+    const QByteArray beginning = QByteArray("\x94\x01") + messagePackOf(request[1]) + '\xC0';
+    if (request[2] == QByteArray("nvim_get_mode")) {
+        return beginning +
+               "\x81\xA8"
+               "blocking" +
+               (mood_ == Mood::WaitsForAKey ? '\xC3' : '\xC2');
+    }
+    return beginning + messagePackOf(file_);
+}
+
+void makeOlder(const QByteArray& path, int seconds) {
+    const timespec date = {::time(nullptr) - seconds, 0};
+    const std::array<timespec, 2> dates = {date, date};
+    ::utimensat(AT_FDCWD, path.constData(), dates.data(), 0);
 }
 
 void leaveStaleSocket(const QByteArray& path) {

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <QByteArray>
+#include <QVariant>
 
 #include <atomic>
 #include <functional>
+#include <memory>
 #include <string>
 #include <thread>
 
@@ -33,6 +35,35 @@ private:
     std::atomic<bool> isEnding_ = false;
     std::thread thread_;
 };
+
+/// A server that answers the questions for the active file as Neovim does, or is busy with its
+/// person.
+class FakeNeovim {
+public:
+    enum class Mood {
+        Answers,
+        WaitsForAKey, ///< half a command was typed, or a prompt is open
+        Silent,       ///< stopped: connections are taken by the system, and nothing comes back
+    };
+
+    FakeNeovim(const QByteArray& path, QByteArray file, Mood mood = Mood::Answers);
+    ~FakeNeovim();
+
+    void setMood(Mood mood) { mood_ = mood; }
+    int connections() const { return server_->connections(); }
+
+private:
+    void converse(int connection, const std::atomic<bool>& isEnding) const;
+    QByteArray replyTo(const QVariantList& request) const;
+
+    const QByteArray path_;
+    const QByteArray file_;
+    std::atomic<Mood> mood_;
+    std::unique_ptr<FakeServer> server_;
+};
+
+/// Dates a socket so many seconds back: those that are made one after another may bear one date.
+void makeOlder(const QByteArray& path, int seconds);
 
 /// Leaves a socket behind on which nobody listens.
 void leaveStaleSocket(const QByteArray& path);

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <mutex>
 #include <thread>
 #include <vector>
@@ -25,8 +26,12 @@ struct Opened {
 /// Answers as told and records what it was asked to open.
 class FakeRunningEditor final : public RunningEditor {
 public:
-    std::optional<QByteArray> activeFile(const QDeadlineTimer&) override {
+    std::optional<QByteArray> activeFile(const QDeadlineTimer& deadline) override {
         ++queries;
+        timeGiven = std::chrono::milliseconds(deadline.remainingTime());
+        if (isStopped) {
+            std::this_thread::sleep_until(std::chrono::steady_clock::now() + timeGiven);
+        }
         return file;
     }
     bool open(const QByteArray& path, std::optional<int> line, const QDeadlineTimer&) override {
@@ -49,7 +54,10 @@ public:
     }
 
     std::optional<QByteArray> file;
+    /// Takes all the time that it is given, and then answers nothing.
+    bool isStopped = false;
     int queries = 0;
+    std::chrono::milliseconds timeGiven{};
     std::atomic<bool> answersOpen = true;
     std::atomic<bool> isHeld = false;
 
@@ -99,6 +107,14 @@ TEST_F(FollowedEditorTest, theFirstThatAnswersIsFollowed) {
 TEST_F(FollowedEditorTest, whenNoneAnswersTheLastResortDoes) {
     EXPECT_EQ(followed.activeFileName(), QStringLiteral(""));
     EXPECT_EQ(followed.activeProjectPath(), QStringLiteral(""));
+}
+
+TEST_F(FollowedEditorTest, anEditorThatIsStoppedLeavesTheNextOneItsShare) {
+    first->isStopped = true;
+    second->file = "/a/two.m";
+    EXPECT_EQ(followed.activeFileName(), QStringLiteral("two.m"));
+    EXPECT_LE(first->timeGiven, FollowedEditor::kQueryAtMost / 2);
+    EXPECT_GT(second->timeGiven, std::chrono::milliseconds(0));
 }
 
 TEST_F(FollowedEditorTest, withoutALastResortAnEditorThatDoesNotAnswerCannotBeAsked) {

@@ -18,11 +18,13 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <memory>
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
 
 namespace navrel {
 namespace {
@@ -84,6 +86,43 @@ TEST_F(HostileNeovim, aServerThatWasLeftAloneIsAskedAgainLater) {
         forgiving.activeFile(QDeadlineTimer(milliseconds(20)));
         return server.connections() >= 2;
     }));
+}
+
+TEST_F(HostileNeovim, theNextServerIsAskedWhileTheNewestIsStopped) {
+    const FakeNeovim older(socket("1"), "/older.m");
+    makeOlder(socket("1"), 60);
+    const FakeNeovim stopped(socket("2"), "/stopped.m", FakeNeovim::Mood::Silent);
+    // Half of this is time enough, whatever else the machine does.
+    EXPECT_EQ(editor.activeFile(QDeadlineTimer(milliseconds(3000))), QByteArray("/older.m"));
+    EXPECT_EQ(editor.activeFile(QDeadlineTimer(milliseconds(3000))), QByteArray("/older.m"));
+    EXPECT_EQ(stopped.connections(), 1) << "it is left alone";
+}
+
+TEST_F(HostileNeovim, manyStoppedServersHideTheOneThatAnswersNotForLong) {
+    const FakeNeovim oldest(socket("1"), "/oldest.m");
+    makeOlder(socket("1"), 60);
+    std::vector<std::unique_ptr<FakeNeovim>> stopped;
+    for (const char* name : {"2", "3", "4", "5", "6"}) {
+        stopped.push_back(std::make_unique<FakeNeovim>(socket(name), "/stopped.m", //
+                                                       FakeNeovim::Mood::Silent));
+    }
+    // Each question leaves at least one of them alone from then on.
+    std::optional<QByteArray> file;
+    for (std::size_t i = 0; i <= stopped.size() && !file; ++i) {
+        file = ask();
+    }
+    EXPECT_EQ(file, QByteArray("/oldest.m"));
+}
+
+TEST_F(HostileNeovim, openingLeavesTimeForAnEditorOfAnotherKind) {
+    std::vector<std::unique_ptr<FakeNeovim>> stopped;
+    for (const char* name : {"1", "2", "3", "4", "5", "6"}) {
+        stopped.push_back(std::make_unique<FakeNeovim>(socket(name), "/stopped.m", //
+                                                       FakeNeovim::Mood::Silent));
+    }
+    const QDeadlineTimer deadline(milliseconds(4000));
+    EXPECT_FALSE(editor.open("/a.m", 1, deadline));
+    EXPECT_FALSE(deadline.hasExpired());
 }
 
 TEST_F(HostileNeovim, garbageIsNoAnswer) {
