@@ -69,23 +69,27 @@ std::optional<QByteArray> unquoted(const QByteArray& printed) {
 
 } // namespace
 
-EmacsEditor::EmacsEditor(std::chrono::milliseconds leftAloneFor) : silent_(leftAloneFor) {}
+EmacsEditor::EmacsEditor(std::chrono::milliseconds leftAloneFor)
+    : silent_(leftAloneFor), answers_(answerStandsFor(leftAloneFor)) {}
 
-std::optional<QByteArray> EmacsEditor::activeFile(const QDeadlineTimer& deadline) {
+std::optional<ActiveFile> EmacsEditor::activeFile(const QDeadlineTimer& deadline) {
     if (silent_.contains(kTheServer)) {
-        return std::nullopt;
+        return answers_.of(kTheServer);
     }
     const Evaluation evaluation = evaluate(emacsActiveFileExpression(), deadline);
     if (evaluation.isOverdue) {
         silent_.add(kTheServer);
+        return answers_.of(kTheServer);
     }
     const auto text = evaluation.value ? unquoted(*evaluation.value) : std::nullopt;
-    if (!text) {
+    const auto file = QByteArray::fromBase64Encoding(text.value_or(QByteArray()),
+                                                     QByteArray::AbortOnBase64DecodingErrors);
+    if (!text || !file) {
+        answers_.forget(kTheServer);
         return std::nullopt;
     }
-    const auto file =
-        QByteArray::fromBase64Encoding(*text, QByteArray::AbortOnBase64DecodingErrors);
-    return file ? std::optional(*file) : std::nullopt;
+    answers_.add(kTheServer, *file);
+    return answers_.of(kTheServer);
 }
 
 bool EmacsEditor::open(const QByteArray& path, std::optional<int> line,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "editors/LastAnswers.h"
 #include "editors/RunningEditor.h"
 #include "editors/SilentEditors.h"
 
@@ -13,12 +14,13 @@ class EmacsEditor final : public RunningEditor {
 public:
     explicit EmacsEditor(std::chrono::milliseconds leftAloneFor = kSilentEditorLeftAlone);
 
-    std::optional<QByteArray> activeFile(const QDeadlineTimer& deadline) override;
+    std::optional<ActiveFile> activeFile(const QDeadlineTimer& deadline) override;
     bool open(const QByteArray& path, std::optional<int> line,
               const QDeadlineTimer& deadline) override;
 
 private:
     SilentEditors silent_; ///< main thread
+    LastAnswers answers_;  ///< main thread
 };
 
 } // namespace navrel

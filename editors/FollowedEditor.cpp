@@ -20,17 +20,26 @@ FollowedEditor::FollowedEditor(std::vector<std::shared_ptr<RunningEditor>> edito
 
 FollowedEditor::~FollowedEditor() = default;
 
-/// The bytes of the active file's path: empty where there is none, nil where no editor answers.
-std::optional<QByteArray> FollowedEditor::activeFile() {
+/// The bytes of the active file's path: empty where there is none, nil where no editor answers and
+/// none that did is still there.
+std::optional<QByteArray> FollowedEditor::activeFile() const {
     const QDeadlineTimer deadline(kQueryAtMost);
+    std::optional<ActiveFile> followed;
     std::size_t left = editors_.size();
     for (const auto& editor : editors_) {
-        if (const auto file = editor->activeFile(shareOf(deadline, left--))) {
-            // A buffer may bear any name; one that is no path is no file.
-            return file->startsWith('/') ? *file : QByteArrayLiteral("");
+        const auto file = editor->activeFile(shareOf(deadline, left--));
+        if (file && (!followed || file->isCurrent)) {
+            followed = file;
+        }
+        if (followed && followed->isCurrent) {
+            break;
         }
     }
-    return std::nullopt;
+    if (!followed) {
+        return std::nullopt;
+    }
+    // A buffer may bear any name; one that is no path is no file.
+    return followed->path.startsWith('/') ? followed->path : QByteArrayLiteral("");
 }
 
 std::optional<QString> FollowedEditor::activeProjectPath() {

@@ -13,6 +13,12 @@ class DispatchQueue;
 
 /// The editor that the person has open just now: of several kinds the first that answers when
 /// asked. The active project is told from the active file's place.
+///
+/// An editor that answered before and is only busy (half a command, a prompt) or stopped counts as
+/// showing what it showed. For about ten seconds no other one is asked in its place; from then on,
+/// the next that answers is followed; where none does, its last answer stands for as long as it is
+/// there. A query that said "nothing is active", or "could not be asked", would make the data
+/// manager empty the store every time that somebody types half a command or presses Ctrl-Z.
 class FollowedEditor final : public Editor {
 public:
     /// A query takes no longer, however many kinds are asked: it blocks the main thread.
@@ -38,7 +44,7 @@ public:
 private:
     struct Request;
 
-    std::optional<QByteArray> activeFile();
+    std::optional<QByteArray> activeFile() const;
 
     const std::vector<std::shared_ptr<RunningEditor>> editors_;
     const std::shared_ptr<Editor> lastResort_;

@@ -84,44 +84,65 @@ QDeadlineTimer shareOfNext(const QDeadlineTimer& deadline, bool isLast) {
 
 } // namespace
 
-NeovimEditor::NeovimEditor(std::chrono::milliseconds leftAloneFor) : silent_(leftAloneFor) {}
+NeovimEditor::NeovimEditor(std::chrono::milliseconds leftAloneFor)
+    : silent_(leftAloneFor), answers_(answerStandsFor(leftAloneFor)) {}
 
-std::optional<QByteArray> NeovimEditor::activeFile(const QDeadlineTimer& deadline) {
-    QByteArrayList sockets = neovimServerSockets();
-    sockets.removeIf([this](const QByteArray& socket) { return silent_.contains(socket); });
-    for (qsizetype i = 0; i < sockets.size(); ++i) {
-        if (i > 0 && std::chrono::milliseconds(deadline.remainingTime()) < kLeastShare) {
-            break;
+std::optional<ActiveFile> NeovimEditor::activeFile(const QDeadlineTimer& deadline) {
+    const QByteArrayList sockets = neovimServerSockets();
+    answers_.forgetAllBut(sockets);
+    std::optional<ActiveFile> lastKnown;
+    bool isFirst = true;
+    for (const QByteArray& socket : sockets) {
+        std::optional<ActiveFile> file;
+        const bool isTimeLeft =
+            isFirst || std::chrono::milliseconds(deadline.remainingTime()) >= kLeastShare;
+        if (silent_.contains(socket) || !isTimeLeft) {
+            file = answers_.of(socket);
+        } else {
+            file = activeFileOf(socket, shareOfNext(deadline, socket == sockets.back()));
+            isFirst = false;
         }
-        const bool isLast = i + 1 == sockets.size();
-        if (auto file = activeFileOf(sockets[i], shareOfNext(deadline, isLast))) {
+        if (file && file->isCurrent) {
             return file;
         }
+        lastKnown = lastKnown ? lastKnown : file;
     }
-    return std::nullopt;
+    return lastKnown;
 }
 
-std::optional<QByteArray> NeovimEditor::activeFileOf(const QByteArray& socket,
+/// Asks one server. One that is busy or silent stands by its last answer; one that is gone, or no
+/// Neovim, has none.
+std::optional<ActiveFile> NeovimEditor::activeFileOf(const QByteArray& socket,
                                                      const QDeadlineTimer& deadline) {
-    bool isSilent = false;
-    const auto editor = NeovimConnection::open(socket, isSilent);
+    bool isOverdue = false;
+    const auto editor = NeovimConnection::open(socket, isOverdue);
+    if (editor == nullptr && !isOverdue) {
+        answers_.forget(socket);
+        return std::nullopt;
+    }
     Reply file;
     if (editor != nullptr) {
         const Readiness readiness = readinessOf(*editor, deadline);
         if (readiness == Readiness::WaitsForAKey) {
-            return std::nullopt; // which cost next to nothing: it may be asked again at once
+            return answers_.of(socket); // which cost next to nothing: it may be asked again at once
         }
         if (readiness == Readiness::Ready) {
             file = runScript(*editor, kNeovimActiveFileScript, {}, deadline);
         }
-        isSilent = file.kind == Reply::Kind::None;
+        isOverdue = file.kind == Reply::Kind::None && deadline.hasExpired();
     }
-    if (isSilent) {
+    if (file.kind == Reply::Kind::None) {
         silent_.add(socket);
     }
-    const bool isText = file.kind == Reply::Kind::Result && //
-                        file.value.typeId() == QMetaType::QByteArray;
-    return isText ? std::optional(file.value.toByteArray()) : std::nullopt;
+    if (isOverdue) {
+        return answers_.of(socket);
+    }
+    if (file.kind != Reply::Kind::Result || file.value.typeId() != QMetaType::QByteArray) {
+        answers_.forget(socket);
+        return std::nullopt;
+    }
+    answers_.add(socket, file.value.toByteArray());
+    return answers_.of(socket);
 }
 
 bool NeovimEditor::open(const QByteArray& path, std::optional<int> line,

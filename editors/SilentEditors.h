@@ -12,6 +12,12 @@ namespace navrel {
 /// every question, twice a second, for as long as it is stopped.
 inline constexpr std::chrono::milliseconds kSilentEditorLeftAlone{10'000};
 
+/// How long the last answer of an editor that is left alone stands against other editors: a little
+/// longer, so that it has been asked again by then.
+inline std::chrono::milliseconds answerStandsFor(std::chrono::milliseconds leftAloneFor) {
+    return leftAloneFor * 6 / 5;
+}
+
 /// The editors that did not answer lately and are not asked for a while. One thread at a time.
 class SilentEditors {
 public:

@@ -66,9 +66,11 @@ protected:
     bool open(const QByteArray& path, std::optional<int> line = std::nullopt) {
         return editor.open(path, line, QDeadlineTimer(seconds(10)));
     }
-    std::optional<QByteArray> activeFile() {
-        return editor.activeFile(QDeadlineTimer(seconds(10)));
+    static std::optional<QByteArray> activeFileIn(EmacsEditor& asked) {
+        const auto file = asked.activeFile(QDeadlineTimer(seconds(10)));
+        return file ? std::optional(file->path) : std::nullopt;
     }
+    std::optional<QByteArray> activeFile() { return activeFileIn(editor); }
 
     /// That a file is shown, one line of it as the active region.
     void expectSelected(const QByteArray& file, const QByteArray& text) {

@@ -26,13 +26,13 @@ struct Opened {
 /// Answers as told and records what it was asked to open.
 class FakeRunningEditor final : public RunningEditor {
 public:
-    std::optional<QByteArray> activeFile(const QDeadlineTimer& deadline) override {
+    std::optional<ActiveFile> activeFile(const QDeadlineTimer& deadline) override {
         ++queries;
         timeGiven = std::chrono::milliseconds(deadline.remainingTime());
         if (isStopped) {
             std::this_thread::sleep_until(std::chrono::steady_clock::now() + timeGiven);
         }
-        return file;
+        return file ? std::optional(ActiveFile{*file, !isBusy}) : std::nullopt;
     }
     bool open(const QByteArray& path, std::optional<int> line, const QDeadlineTimer&) override {
         while (isHeld) {
@@ -54,6 +54,8 @@ public:
     }
 
     std::optional<QByteArray> file;
+    /// Shows what it showed when it last answered, which is a while ago.
+    bool isBusy = false;
     /// Takes all the time that it is given, and then answers nothing.
     bool isStopped = false;
     int queries = 0;
@@ -115,6 +117,18 @@ TEST_F(FollowedEditorTest, anEditorThatIsStoppedLeavesTheNextOneItsShare) {
     EXPECT_EQ(followed.activeFileName(), QStringLiteral("two.m"));
     EXPECT_LE(first->timeGiven, FollowedEditor::kQueryAtMost / 2);
     EXPECT_GT(second->timeGiven, std::chrono::milliseconds(0));
+}
+
+TEST_F(FollowedEditorTest, anEditorThatHasBeenBusyForLongIsFollowedIfNoOtherAnswers) {
+    first->file = "/a/one.m";
+    first->isBusy = true;
+    EXPECT_EQ(followed.activeFileName(), QStringLiteral("one.m")) << "not the desktop's answer";
+    second->file = "/a/two.m";
+    EXPECT_EQ(followed.activeFileName(), QStringLiteral("two.m"));
+    second->isBusy = true;
+    EXPECT_EQ(followed.activeFileName(), QStringLiteral("one.m"));
+    first->file = std::nullopt;
+    EXPECT_EQ(followed.activeFileName(), QStringLiteral("two.m"));
 }
 
 TEST_F(FollowedEditorTest, withoutALastResortAnEditorThatDoesNotAnswerCannotBeAsked) {

@@ -64,7 +64,7 @@ protected:
         clock.start();
         const auto file = asked.activeFile(QDeadlineTimer(kQueryAtMost));
         EXPECT_LT(milliseconds(clock.elapsed()), kQueryAtMost + kGrace);
-        return file;
+        return file ? std::optional(file->path) : std::nullopt;
     }
 
     ScratchEnvironment environment;
@@ -93,9 +93,52 @@ TEST_F(HostileNeovim, theNextServerIsAskedWhileTheNewestIsStopped) {
     makeOlder(socket("1"), 60);
     const FakeNeovim stopped(socket("2"), "/stopped.m", FakeNeovim::Mood::Silent);
     // Half of this is time enough, whatever else the machine does.
-    EXPECT_EQ(editor.activeFile(QDeadlineTimer(milliseconds(3000))), QByteArray("/older.m"));
-    EXPECT_EQ(editor.activeFile(QDeadlineTimer(milliseconds(3000))), QByteArray("/older.m"));
+    for (int question = 0; question < 2; ++question) {
+        const auto file = editor.activeFile(QDeadlineTimer(milliseconds(3000)));
+        ASSERT_TRUE(file.has_value());
+        EXPECT_EQ(file->path, "/older.m");
+    }
     EXPECT_EQ(stopped.connections(), 1) << "it is left alone";
+}
+
+TEST_F(HostileNeovim, aServerThatIsBusyShowsWhatItShowed) {
+    for (const auto mood : {FakeNeovim::Mood::WaitsForAKey, FakeNeovim::Mood::Silent}) {
+        NeovimEditor fresh;
+        FakeNeovim server(socket(), "/a.m");
+        ASSERT_TRUE(waitUntil([&] { return ask(fresh) == QByteArray("/a.m"); }));
+        server.setMood(mood);
+        EXPECT_EQ(ask(fresh), QByteArray("/a.m"));
+        EXPECT_EQ(ask(fresh), QByteArray("/a.m"));
+    }
+}
+
+TEST_F(HostileNeovim, aServerThatWasBusyFromTheBeginningShowsNothing) {
+    const FakeNeovim server(socket(), "/a.m", FakeNeovim::Mood::WaitsForAKey);
+    EXPECT_EQ(ask(), std::nullopt);
+}
+
+TEST_F(HostileNeovim, aServerThatIsGoneShowsNothingAnyMore) {
+    auto server = std::make_unique<FakeNeovim>(socket(), "/a.m");
+    ASSERT_TRUE(waitUntil([&] { return ask() == QByteArray("/a.m"); }));
+    server = nullptr;
+    EXPECT_EQ(ask(), std::nullopt);
+    leaveStaleSocket(socket()); // as after a crash
+    EXPECT_EQ(ask(), std::nullopt);
+}
+
+TEST_F(HostileNeovim, anotherServerIsFollowedOnceTheNewestHasBeenBusyForAWhile) {
+    const FakeNeovim older(socket("1"), "/older.m");
+    makeOlder(socket("1"), 60);
+    for (const auto mood : {FakeNeovim::Mood::WaitsForAKey, FakeNeovim::Mood::Silent}) {
+        NeovimEditor impatient(milliseconds(1000));
+        FakeNeovim newest(socket("2"), "/newest.m");
+        ASSERT_TRUE(waitUntil([&] { return ask(impatient) == QByteArray("/newest.m"); }));
+        newest.setMood(mood);
+        EXPECT_EQ(ask(impatient), QByteArray("/newest.m")) << "it is in the middle of something";
+        EXPECT_TRUE(waitUntil([&] { return ask(impatient) == QByteArray("/older.m"); }));
+        newest.setMood(FakeNeovim::Mood::Answers);
+        EXPECT_TRUE(waitUntil([&] { return ask(impatient) == QByteArray("/newest.m"); }));
+    }
 }
 
 TEST_F(HostileNeovim, manyStoppedServersHideTheOneThatAnswersNotForLong) {
@@ -221,42 +264,67 @@ protected:
         process.waitForFinished();
     }
 
-    void expectSilenceAndThenAnAnswer(const std::shared_ptr<RunningEditor>& editor) {
-        FollowedEditor followed({editor}, nullptr);
-        ASSERT_TRUE(waitUntil([&] { return followed.activeFileName().has_value(); }));
+    void signal(int number) const {
+        ASSERT_EQ(::kill(static_cast<pid_t>(process.processId()), number), 0);
+    }
 
-        ASSERT_EQ(::kill(static_cast<pid_t>(process.processId()), SIGSTOP), 0);
+    /// That an editor that shows a file goes on showing it while it is stopped, and that one which
+    /// was stopped from the beginning is no answer. Neither is waited for beyond the limit.
+    void expectItToStandStill(const std::shared_ptr<RunningEditor>& editor,
+                              const std::shared_ptr<RunningEditor>& lateComer) {
+        FollowedEditor followed({editor}, nullptr);
+        const auto showsTheFile = [&] {
+            return followed.activeFileName() == QStringLiteral("a.m");
+        };
+        ASSERT_TRUE(waitUntil(showsTheFile));
+
+        signal(SIGSTOP);
         QElapsedTimer clock;
         clock.start();
-        EXPECT_EQ(followed.activeProjectPath(), std::nullopt);
-        EXPECT_LT(milliseconds(clock.elapsed()), FollowedEditor::kQueryAtMost + kGrace);
+        EXPECT_TRUE(showsTheFile());
+        EXPECT_EQ(FollowedEditor({lateComer}, nullptr).activeProjectPath(), std::nullopt);
+        EXPECT_LT(milliseconds(clock.elapsed()), 2 * FollowedEditor::kQueryAtMost + kGrace);
+        // Also when it has been asked again.
+        const QDeadlineTimer later(kLeftAlone * 2);
+        EXPECT_TRUE(waitUntil([&] { return later.hasExpired() || !showsTheFile(); }));
+        EXPECT_TRUE(later.hasExpired());
 
-        ASSERT_EQ(::kill(static_cast<pid_t>(process.processId()), SIGCONT), 0);
-        EXPECT_EQ(followed.activeFileName(), std::nullopt) << "it is left alone";
-        EXPECT_TRUE(waitUntil([&] { return followed.activeFileName().has_value(); }));
+        signal(SIGCONT);
+        EXPECT_TRUE(showsTheFile());
+        process.kill();
+        process.waitForFinished();
+        EXPECT_TRUE(waitUntil([&] { return !followed.activeFileName().has_value(); }));
     }
+
+    static constexpr milliseconds kLeftAlone{1000};
 
     ScratchEnvironment environment;
     QProcess process;
 };
 
-TEST_F(StoppedEditor, aStoppedNeovimIsNoAnswer) {
+TEST_F(StoppedEditor, aStoppedNeovimShowsWhatItShowed) {
     if (!findTool(QStringLiteral("nvim"))) {
         GTEST_SKIP() << "needs nvim";
     }
     process.start(QStringLiteral("nvim"),
                   {QStringLiteral("--clean"), QStringLiteral("--headless"),
                    QStringLiteral("--listen"),
-                   environment.pathOf(QStringLiteral("xdg_runtime_dir/nvim.1.0"))});
-    expectSilenceAndThenAnAnswer(std::make_shared<NeovimEditor>(milliseconds(1000)));
+                   environment.pathOf(QStringLiteral("xdg_runtime_dir/nvim.1.0")),
+                   environment.pathOf(QStringLiteral("a.m"))});
+    expectItToStandStill(std::make_shared<NeovimEditor>(kLeftAlone),
+                         std::make_shared<NeovimEditor>(kLeftAlone));
 }
 
-TEST_F(StoppedEditor, aStoppedEmacsIsNoAnswer) {
+TEST_F(StoppedEditor, aStoppedEmacsShowsWhatItShowed) {
     if (!findTool(QStringLiteral("emacs"))) {
         GTEST_SKIP() << "needs emacs";
     }
-    process.start(QStringLiteral("emacs"), {QStringLiteral("-Q"), QStringLiteral("--fg-daemon")});
-    expectSilenceAndThenAnAnswer(std::make_shared<EmacsEditor>(milliseconds(1000)));
+    process.start(QStringLiteral("emacs"),
+                  {QStringLiteral("-Q"), QStringLiteral("--fg-daemon"), QStringLiteral("--eval"),
+                   QStringLiteral("(switch-to-buffer (find-file-noselect \"%1\"))")
+                       .arg(environment.pathOf(QStringLiteral("a.m")))});
+    expectItToStandStill(std::make_shared<EmacsEditor>(kLeftAlone),
+                         std::make_shared<EmacsEditor>(kLeftAlone));
 }
 
 } // namespace

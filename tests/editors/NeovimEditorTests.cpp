@@ -72,9 +72,11 @@ protected:
     bool open(const QByteArray& path, std::optional<int> line = std::nullopt) {
         return editor.open(path, line, QDeadlineTimer(seconds(10)));
     }
-    std::optional<QByteArray> activeFile() {
-        return editor.activeFile(QDeadlineTimer(seconds(10)));
+    static std::optional<QByteArray> activeFileIn(NeovimEditor& asked) {
+        const auto file = asked.activeFile(QDeadlineTimer(seconds(10)));
+        return file ? std::optional(file->path) : std::nullopt;
     }
+    std::optional<QByteArray> activeFile() { return activeFileIn(editor); }
 
     /// That a file is open in the current window, one line of it selected line-wise and in view.
     void expectSelected(const QByteArray& file, int line) {
@@ -312,11 +314,16 @@ TEST_F(NeovimEditorTest, unsavedChangesSurviveAChangeOnTheDiskWithoutAPrompt) {
 TEST_F(NeovimEditorTest, anEditorThatWaitsForAKeyIsNoAnswer) {
     start(fileA());
     terminal.type({QStringLiteral("\"")}); // and now the name of a register
-    ASSERT_TRUE(waitUntil([&] { return !activeFile().has_value(); }));
+    ASSERT_TRUE(waitUntil([] {
+        NeovimEditor fresh; // which has had no answer yet
+        return !activeFileIn(fresh).has_value();
+    }));
     EXPECT_FALSE(open(fileB(), 3));
 
     terminal.type({QStringLiteral("Escape")});
-    EXPECT_TRUE(waitUntil([&] { return activeFile() == fileA(); })) << "it is asked again at once";
+    NeovimEditor fresh;
+    EXPECT_TRUE(waitUntil([&] { return activeFileIn(fresh) == fileA(); }))
+        << "it is asked again at once";
 }
 
 TEST_F(NeovimEditorTest, anEditorBehindAPromptIsNoAnswer) {
@@ -340,8 +347,12 @@ TEST_F(NeovimEditorTest, theNewestServerIsAskedFirstAndTheNextOneInItsPlace) {
     ASSERT_TRUE(second.start({kNeovim, QStringLiteral("--clean"), QStringLiteral("--listen"),
                               socketNamed("2"), QFile::decodeName(fileB())}));
     EXPECT_TRUE(waitUntil([&] { return activeFile() == fileB(); }));
+    // What it said last stands for a while, and then the other one's turn has come.
+    NeovimEditor impatient(std::chrono::milliseconds(300));
+    ASSERT_EQ(activeFileIn(impatient), fileB());
     second.type({QStringLiteral("\"")});
-    EXPECT_TRUE(waitUntil([&] { return activeFile() == fileA(); }));
+    EXPECT_TRUE(waitUntil([&] { return activeFileIn(impatient) == fileA(); }));
+    EXPECT_EQ(activeFile(), fileB());
 }
 
 TEST_F(NeovimEditorTest, theServerOfTheEnvironmentIsAskedFirst) {

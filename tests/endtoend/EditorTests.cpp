@@ -136,15 +136,32 @@ TEST_F(NeovimTest, whileTheEditorIsStoppedRequestsGoOnBeingAnswered) {
     QElapsedTimer clock;
     clock.start();
     for (int request = 0; request < 20; ++request) {
-        EXPECT_EQ(elementsOfActiveFile(), std::nullopt);
-        EXPECT_TRUE(device_.ask(205).has_value());
+        const auto elements = elementsOfActiveFile();
+        ASSERT_TRUE(elements.has_value()) << "it still shows what it showed";
+        EXPECT_EQ(elements->value(QStringLiteral("identifier")).toString(), QStringLiteral("A"));
+        EXPECT_EQ(shownFiles(), 1);
     }
     // One of all these questions waited for the editor, or two in case ten seconds went by: twenty
     // that did would take ten seconds.
     EXPECT_LT(clock.elapsed(), 5000);
 
     ASSERT_EQ(::kill(process, SIGCONT), 0);
-    EXPECT_TRUE(waitUntil([this] { return shownFiles() == 1; }, std::chrono::seconds(40)));
+    EXPECT_TRUE(elementsOfActiveFile().has_value());
+}
+
+TEST_F(NeovimTest, whileTheEditorIsBusyItsProjectStays) {
+    ASSERT_TRUE(waitUntil([this] { return elementsOfActiveFile().has_value(); }));
+    // Half a command: the name of a register is to follow.
+    valueOf("feedkeys('\"')");
+    const QDeadlineTimer whileItLasts(std::chrono::seconds(3)); // three updates
+    ASSERT_TRUE(waitUntil([&] { return whileItLasts.hasExpired() || shownFiles() != 1; }));
+    EXPECT_TRUE(whileItLasts.hasExpired()) << "the project was emptied";
+    EXPECT_EQ(rememberedProject(), first_.bundle());
+    EXPECT_TRUE(elementsOfActiveFile().has_value());
+    // And the project is told anew once nobody is there any more.
+    neovim_.kill();
+    neovim_.waitForFinished();
+    EXPECT_TRUE(waitUntil([this] { return rememberedProject() == QStringLiteral(""); }));
 }
 
 class XcodeTest : public EditorTest {
