@@ -43,7 +43,7 @@ QByteArray onlyBundle(const QByteArray& folder) {
 } // namespace
 
 QByteArray nearestProjectBundle(const QByteArray& filePath) {
-    if (!filePath.startsWith('/') || filePath.size() > kMaximumPathLength) {
+    if (!filePath.startsWith('/') || !canNameAFile(filePath)) {
         return {};
     }
     QByteArray folder = filePath;

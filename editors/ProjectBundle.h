@@ -13,7 +13,4 @@ QByteArray nearestProjectBundle(const QByteArray& filePath);
 /// Looked through once a second; no one keeps a project among more files in one folder.
 inline constexpr int kMaximumFolderEntries = 50'000;
 
-/// The longest path that the system takes: what is longer names no file.
-inline constexpr qsizetype kMaximumPathLength = 4096;
-
 } // namespace navrel

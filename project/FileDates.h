@@ -1,8 +1,9 @@
 #pragma once
 
+#include "support/text/FilePath.h"
+
 #include <QByteArray>
 
-#include <climits>
 #include <ctime>
 #include <fcntl.h>
 #include <optional>
@@ -34,14 +35,6 @@ inline qint64 statusChangeDateIn(const struct stat& status) {
 #else
     return nanosecondsOf(status.st_ctim);
 #endif
-}
-
-/// No longer path names a file.
-inline constexpr qsizetype kMaximumPathLength = PATH_MAX - 1;
-
-/// Whether a path, as bytes, can name a file at all.
-inline bool canNameAFile(const QByteArray& path) {
-    return !path.isEmpty() && path.size() <= kMaximumPathLength && !path.contains('\0');
 }
 
 /// Modification date of a file by its path from an open folder, symbolic links followed; nil when

@@ -38,6 +38,10 @@ qsizetype extensionDot(QByteArrayView component) {
 
 } // namespace
 
+bool canNameAFile(QByteArrayView path) {
+    return !path.isEmpty() && path.size() <= kMaximumPathLength && !path.contains('\0');
+}
+
 QByteArray appendingPathComponent(QByteArrayView path, QByteArrayView component) {
     QByteArray result;
     result.reserve(path.size() + component.size() + 1);

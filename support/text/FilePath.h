@@ -3,9 +3,17 @@
 #include <QByteArray>
 #include <QByteArrayView>
 
+#include <climits>
+
 /// Operations on the text of file paths, as UTF-8 bytes: the form in which the project model keeps
 /// them and in which the file system takes them. None looks at the file system. Any thread.
 namespace navrel {
+
+/// No longer path names a file.
+inline constexpr qsizetype kMaximumPathLength = PATH_MAX - 1;
+
+/// Whether a path can name a file at all.
+bool canNameAFile(QByteArrayView path);
 
 /// The path of `component` within `path`: both joined with one slash, repeated slashes made one, a
 /// slash at the end dropped; ".." and "." stay as they are. A component that begins with a slash is

@@ -34,6 +34,14 @@ TEST(FilePath, theLastComponentIsTakenWithoutItsSlash) {
     EXPECT_EQ(lastPathComponent(""), "");
 }
 
+TEST(FilePath, noFileHasNoNameOrOneWithANulOrOneThatIsTooLong) {
+    EXPECT_TRUE(canNameAFile("/a/\xFF"));
+    EXPECT_TRUE(canNameAFile(QByteArray(kMaximumPathLength, 'x')));
+    EXPECT_FALSE(canNameAFile(QByteArray(kMaximumPathLength + 1, 'x')));
+    EXPECT_FALSE(canNameAFile(QByteArray("/a\0b", 4)));
+    EXPECT_FALSE(canNameAFile(""));
+}
+
 TEST(FilePath, deletingTheLastComponentLeavesTheFolder) {
     EXPECT_EQ(deletingLastPathComponent("/a/b"), "/a");
     EXPECT_EQ(deletingLastPathComponent("/a/b/"), "/a");
