@@ -23,7 +23,7 @@ FollowedEditor::~FollowedEditor() = default;
 /// The bytes of the active file's path: empty where there is none, nil where no editor answers and
 /// none that did is still there.
 std::optional<QByteArray> FollowedEditor::activeFile() const {
-    const QDeadlineTimer deadline(kQueryAtMost);
+    const QDeadlineTimer deadline(kAnswerAtMost);
     std::optional<ActiveFile> followed;
     std::size_t left = editors_.size();
     for (const auto& editor : editors_) {
@@ -43,12 +43,16 @@ std::optional<QByteArray> FollowedEditor::activeFile() const {
 }
 
 std::optional<QString> FollowedEditor::activeProjectPath() {
+    const QDeadlineTimer deadline(kQueryAtMost);
     const auto file = activeFile();
     if (!file) {
         return lastResort_ != nullptr ? lastResort_->activeProjectPath() : std::nullopt;
     }
-    // A folder whose name is not UTF-8 cannot be told of: it holds no project that could be shown.
-    return decodeUTF8(nearestProjectBundle(*file)).value_or(QStringLiteral(""));
+    if (const auto bundle = nearestProjectBundle(*file, deadline)) {
+        // A folder whose name is not UTF-8 cannot be told of: it holds no project to be shown.
+        activeProject_ = decodeUTF8(*bundle).value_or(QStringLiteral(""));
+    }
+    return activeProject_;
 }
 
 std::optional<QString> FollowedEditor::activeFileName() {

@@ -23,6 +23,8 @@ class FollowedEditor final : public Editor {
 public:
     /// A query takes no longer, however many kinds are asked: it blocks the main thread.
     static constexpr std::chrono::milliseconds kQueryAtMost{500};
+    /// Of which the editors have this; the rest is for looking through folders for the project.
+    static constexpr std::chrono::milliseconds kAnswerAtMost{400};
     /// Opening happens on a thread of its own; a big file takes an editor a moment.
     static constexpr std::chrono::milliseconds kOpenAtMost{5000};
     /// Of more files that wait to be opened the newer ones are dropped: a device that asks without
@@ -49,6 +51,8 @@ private:
     const std::vector<std::shared_ptr<RunningEditor>> editors_;
     const std::shared_ptr<Editor> lastResort_;
     const std::shared_ptr<DispatchQueue> requests_;
+    /// What was told last: it stands while folders are too slow to tell. Main thread.
+    QString activeProject_ = QStringLiteral("");
     /// Requests that have not ended. Any thread.
     const std::shared_ptr<std::atomic<int>> waiting_ = std::make_shared<std::atomic<int>>(0);
 };

@@ -88,7 +88,7 @@ NeovimEditor::NeovimEditor(std::chrono::milliseconds leftAloneFor)
     : silent_(leftAloneFor), answers_(answerStandsFor(leftAloneFor)) {}
 
 std::optional<ActiveFile> NeovimEditor::activeFile(const QDeadlineTimer& deadline) {
-    const QByteArrayList sockets = neovimServerSockets();
+    const QByteArrayList sockets = neovimServerSockets(shareOf(deadline, 2));
     answers_.forgetAllBut(sockets);
     std::optional<ActiveFile> lastKnown;
     bool isFirst = true;
@@ -149,7 +149,7 @@ bool NeovimEditor::open(const QByteArray& path, std::optional<int> line,
                         const QDeadlineTimer& deadline) {
     // The other half is for opening, or for an editor of another kind.
     const QDeadlineTimer search = shareOf(deadline, 2);
-    for (const QByteArray& socket : neovimServerSockets()) {
+    for (const QByteArray& socket : neovimServerSockets(search)) {
         bool isOverdue = false;
         const auto editor = NeovimConnection::open(socket, isOverdue);
         const auto soon = earlierOf(search, kFirstAnswerAtMost);

@@ -1,26 +1,23 @@
 #include "editors/NeovimServers.h"
 
+#include "editors/FolderEntries.h"
 #include "project/FileDates.h"
 
 #include <QtGlobal>
 
 #include <algorithm>
 #include <array>
-#include <dirent.h>
 #include <fnmatch.h>
 #include <functional>
-#include <memory>
 #include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace navrel {
 
 namespace {
-
-/// Temporary folders hold hundreds of entries; one that somebody has flooded is not worth the time.
-constexpr int kMaximumFolderEntries = 20'000;
 
 struct Found {
     QByteArray path;
@@ -33,45 +30,55 @@ bool lookUp(const QByteArray& path, mode_t kind, struct stat& status) {
            status.st_uid == ::geteuid();
 }
 
-/// Calls `visit` with the path of every entry of a folder whose name matches the pattern.
-void forEachMatch(const QByteArray& folder, const QByteArray& pattern,
-                  const std::function<void(const QByteArray& path)>& visit) {
-    const std::unique_ptr<DIR, int (*)(DIR*)> entries(::opendir(folder.constData()), &::closedir);
-    if (entries == nullptr) {
-        return;
-    }
-    const dirent* entry = nullptr;
-    for (int seen = 0; seen < kMaximumFolderEntries; ++seen) {
-        entry = ::readdir(entries.get());
-        if (entry == nullptr) {
-            return;
-        }
-        if (::fnmatch(pattern.constData(), entry->d_name, FNM_PERIOD) == 0) {
-            visit(folder + '/' + entry->d_name);
-        }
-    }
-}
+/// Looks for servers in folders, until the deadline.
+class Search {
+public:
+    explicit Search(const QDeadlineTimer& deadline) : deadline_(deadline) {}
 
-void collectSockets(const QByteArray& folder, const QByteArray& pattern,
-                    std::vector<Found>& found) {
-    forEachMatch(folder, pattern, [&found](const QByteArray& path) {
-        struct stat status = {};
-        if (lookUp(path, S_IFSOCK, status)) {
-            found.push_back({path, modificationDateIn(status)});
-        }
-    });
-}
+    /// Sockets whose name matches the pattern.
+    void lookIn(const QByteArray& folder, const QByteArray& pattern) {
+        forEachMatch(folder, pattern, [this](const QByteArray& path) {
+            struct stat status = {};
+            if (lookUp(path, S_IFSOCK, status)) {
+                found_.push_back({path, modificationDateIn(status)});
+            }
+        });
+    }
 
-/// The same in every folder of this user's whose name matches.
-void collectSocketsBelow(const QByteArray& folder, const QByteArray& folderPattern,
-                         const QByteArray& pattern, std::vector<Found>& found) {
-    forEachMatch(folder, folderPattern, [&](const QByteArray& path) {
-        struct stat status = {};
-        if (lookUp(path, S_IFDIR, status)) {
-            collectSockets(path, pattern, found);
-        }
-    });
-}
+    /// The same in every folder of this user's whose name matches.
+    void lookBelow(const QByteArray& folder, const QByteArray& folderPattern,
+                   const QByteArray& pattern) {
+        forEachMatch(folder, folderPattern, [&](const QByteArray& path) {
+            struct stat status = {};
+            if (lookUp(path, S_IFDIR, status)) {
+                lookIn(path, pattern);
+            }
+        });
+    }
+
+    /// What was found, the newest first.
+    std::vector<Found> takeFound() {
+        std::sort(found_.begin(), found_.end(), [](const Found& left, const Found& right) {
+            return left.modified > right.modified;
+        });
+        return std::move(found_);
+    }
+
+private:
+    /// Calls `visit` with the path of every entry of a folder whose name matches the pattern.
+    void forEachMatch(const QByteArray& folder, const QByteArray& pattern,
+                      const std::function<void(const QByteArray& path)>& visit) const {
+        forEachFolderEntry(folder, deadline_, [&](const QByteArray& name) {
+            if (::fnmatch(pattern.constData(), name.constData(), FNM_PERIOD) == 0) {
+                visit(folder + '/' + name);
+            }
+            return true;
+        });
+    }
+
+    const QDeadlineTimer deadline_;
+    std::vector<Found> found_;
+};
 
 /// The folder that Neovim names after the user; nothing matches where the user has no name.
 QByteArray userFolderName() {
@@ -85,24 +92,22 @@ QByteArray userFolderName() {
     return QByteArray("nvim.") + entry.pw_name;
 }
 
-std::vector<Found> foundSockets() {
+std::vector<Found> foundSockets(const QDeadlineTimer& deadline) {
     const QByteArray runtime = qgetenv("XDG_RUNTIME_DIR");
     const QByteArray chosenTemporary = qgetenv("TMPDIR");
     const QByteArray temporary = chosenTemporary.isEmpty() ? "/tmp" : chosenTemporary;
-    std::vector<Found> found;
+    Search search(deadline);
     if (!runtime.isEmpty()) {
-        collectSockets(runtime, "nvim.*.0", found);
+        search.lookIn(runtime, "nvim.*.0");
     }
-    collectSocketsBelow(temporary, "nvim*", "0", found);
-    collectSocketsBelow(temporary + '/' + userFolderName(), "*", "nvim.*.0", found);
-    std::sort(found.begin(), found.end(),
-              [](const Found& left, const Found& right) { return left.modified > right.modified; });
-    return found;
+    search.lookBelow(temporary + '/' + userFolderName(), "*", "nvim.*.0");
+    search.lookBelow(temporary, "nvim*", "0");
+    return search.takeFound();
 }
 
 } // namespace
 
-QByteArrayList neovimServerSockets() {
+QByteArrayList neovimServerSockets(const QDeadlineTimer& deadline) {
     QByteArrayList sockets;
     const auto add = [&sockets](const QByteArray& path) {
         // What does not begin with a slash is a network address, or nothing.
@@ -113,7 +118,7 @@ QByteArrayList neovimServerSockets() {
     };
     add(qgetenv("NVIM"));
     add(qgetenv("NVIM_LISTEN_ADDRESS"));
-    for (const Found& found : foundSockets()) {
+    for (const Found& found : foundSockets(deadline)) {
         add(found.path);
     }
     return sockets;

@@ -1,9 +1,8 @@
 #include "editors/ProjectBundle.h"
 
+#include "editors/FolderEntries.h"
 #include "support/text/FilePath.h"
 
-#include <dirent.h>
-#include <memory>
 #include <sys/stat.h>
 
 namespace navrel {
@@ -15,46 +14,41 @@ bool isFolder(const QByteArray& path) {
     return ::stat(path.constData(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-/// The only bundle in a folder; empty where there is none, or more than one.
-QByteArray onlyBundle(const QByteArray& folder) {
-    const std::unique_ptr<DIR, int (*)(DIR*)> entries(::opendir(folder.constData()), &::closedir);
+/// The only bundle in a folder; empty where there is none, or more than one. Nil when the deadline
+/// passed first.
+std::optional<QByteArray> onlyBundle(const QByteArray& folder, const QDeadlineTimer& deadline) {
     QByteArray bundle;
-    for (int seen = 0; entries != nullptr; ++seen) {
-        const dirent* entry = ::readdir(entries.get());
-        if (entry == nullptr) {
-            break;
-        }
-        if (seen == kMaximumFolderEntries) {
-            return {};
-        }
-        const QByteArray name = entry->d_name;
+    const FolderEnd end = forEachFolderEntry(folder, deadline, [&](const QByteArray& name) {
         const QByteArray path = appendingPathComponent(folder, name);
         if (pathExtension(name) != "xcodeproj" || !isFolder(path)) {
-            continue;
+            return true;
         }
-        if (!bundle.isEmpty()) {
-            return {};
-        }
+        const bool isFirst = bundle.isEmpty();
         bundle = path;
+        return isFirst;
+    });
+    if (end == FolderEnd::Overdue) {
+        return std::nullopt;
     }
-    return bundle;
+    return end == FolderEnd::Reached ? bundle : QByteArray();
 }
 
 } // namespace
 
-QByteArray nearestProjectBundle(const QByteArray& filePath) {
+std::optional<QByteArray> nearestProjectBundle(const QByteArray& filePath,
+                                               const QDeadlineTimer& deadline) {
     if (!filePath.startsWith('/') || !canNameAFile(filePath)) {
-        return {};
+        return QByteArray();
     }
     QByteArray folder = filePath;
     do {
         folder = deletingLastPathComponent(folder);
-        const QByteArray bundle = onlyBundle(folder);
-        if (!bundle.isEmpty()) {
+        const auto bundle = onlyBundle(folder, deadline);
+        if (!bundle || !bundle->isEmpty()) {
             return bundle;
         }
     } while (folder != "/");
-    return {};
+    return QByteArray();
 }
 
 } // namespace navrel

@@ -29,9 +29,7 @@ public:
     std::optional<ActiveFile> activeFile(const QDeadlineTimer& deadline) override {
         ++queries;
         timeGiven = std::chrono::milliseconds(deadline.remainingTime());
-        if (isStopped) {
-            std::this_thread::sleep_until(std::chrono::steady_clock::now() + timeGiven);
-        }
+        std::this_thread::sleep_for(isStopped ? timeGiven : timeTaken);
         return file ? std::optional(ActiveFile{*file, !isBusy}) : std::nullopt;
     }
     bool open(const QByteArray& path, std::optional<int> line, const QDeadlineTimer&) override {
@@ -60,6 +58,7 @@ public:
     bool isStopped = false;
     int queries = 0;
     std::chrono::milliseconds timeGiven{};
+    std::chrono::milliseconds timeTaken{};
     std::atomic<bool> answersOpen = true;
     std::atomic<bool> isHeld = false;
 
@@ -146,6 +145,21 @@ TEST_F(FollowedEditorTest, theActiveProjectIsTheBundleNearestToTheActiveFile) {
     EXPECT_EQ(followed.activeProjectPath(), QStringLiteral(""));
     first->file = "";
     EXPECT_EQ(followed.activeProjectPath(), QStringLiteral(""));
+}
+
+TEST_F(FollowedEditorTest, whileNoTimeIsLeftToLookForTheProjectTheLastOneStands) {
+    const QByteArray bundle = environment.bytesOf("work/App.xcodeproj");
+    ScratchEnvironment::write(bundle + "/project.pbxproj", "");
+    first->file = environment.bytesOf("elsewhere/a.m");
+    first->timeTaken = FollowedEditor::kQueryAtMost;
+    EXPECT_EQ(followed.activeProjectPath(), QStringLiteral("")) << "nothing was told so far";
+
+    first->timeTaken = {};
+    first->file = environment.bytesOf("work/a.m");
+    EXPECT_EQ(followed.activeProjectPath(), QString::fromUtf8(bundle));
+    first->timeTaken = FollowedEditor::kQueryAtMost;
+    first->file = environment.bytesOf("elsewhere/a.m");
+    EXPECT_EQ(followed.activeProjectPath(), QString::fromUtf8(bundle));
 }
 
 TEST_F(FollowedEditorTest, aBufferWhoseNameIsNoPathIsNoFile) {

@@ -32,6 +32,7 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr milliseconds kQueryAtMost{300};
+const QDeadlineTimer kWhenever(QDeadlineTimer::Forever);
 /// What a busy machine may add to a limit before it counts as not kept.
 constexpr milliseconds kGrace{2000};
 
@@ -210,7 +211,7 @@ TEST_F(HostileNeovim, anAnswerBeyondTheLimitIsNone) {
 
 TEST_F(HostileNeovim, aStaleSocketCostsNothingAndIsNoAnswer) {
     leaveStaleSocket(socket());
-    ASSERT_EQ(neovimServerSockets(), QByteArrayList{socket()});
+    ASSERT_EQ(neovimServerSockets(kWhenever), QByteArrayList{socket()});
     EXPECT_EQ(ask(), std::nullopt);
     EXPECT_FALSE(editor.open("/a.m", 1, QDeadlineTimer(milliseconds(5000))));
 }
@@ -219,8 +220,14 @@ TEST_F(HostileNeovim, aFolderFullOfSocketsIsCutShort) {
     for (int i = 0; i < kMaximumNeovimServers + 20; ++i) {
         leaveStaleSocket(socket(QByteArray::number(i).constData()));
     }
-    EXPECT_EQ(neovimServerSockets().size(), kMaximumNeovimServers);
+    EXPECT_EQ(neovimServerSockets(kWhenever).size(), kMaximumNeovimServers);
     EXPECT_EQ(ask(), std::nullopt);
+}
+
+TEST_F(HostileNeovim, whereFoldersAreSlowTheServerOfTheEnvironmentIsStillFound) {
+    leaveStaleSocket(socket());
+    environment.set("NVIM", environment.bytesOf("own"));
+    EXPECT_EQ(neovimServerSockets(QDeadlineTimer(0)), QByteArrayList{environment.bytesOf("own")});
 }
 
 TEST_F(HostileNeovim, aNetworkAddressIsNoSocket) {
@@ -246,7 +253,9 @@ TEST_F(HostileNeovim, theSocketOfAnotherUserIsNotUsed) {
     if (child == 0) {
         const bool isSomebodyElse = ::setresuid(kNobody, kNobody, kNobody) == 0;
         const bool isRefused = NeovimConnection::open(socket(), isOverdue) == nullptr;
-        ::_exit(!isSomebodyElse ? 2 : isRefused && neovimServerSockets().isEmpty() ? 0 : 1);
+        ::_exit(!isSomebodyElse                                         ? 2
+                : isRefused && neovimServerSockets(kWhenever).isEmpty() ? 0
+                                                                        : 1);
     }
     int status = 0;
     ASSERT_EQ(::waitpid(child, &status, 0), child);

@@ -11,8 +11,9 @@ protected:
     void makeBundle(const char* name) {
         std::filesystem::create_directories(environment.bytesOf(name).toStdString());
     }
-    QByteArray bundleOf(const char* file) const {
-        return nearestProjectBundle(environment.bytesOf(file));
+    QByteArray bundleOf(const char* file) const { return bundleOfPath(environment.bytesOf(file)); }
+    static QByteArray bundleOfPath(const QByteArray& path) {
+        return nearestProjectBundle(path, QDeadlineTimer(QDeadlineTimer::Forever)).value_or("none");
     }
     QByteArray pathOf(const char* name) const { return environment.bytesOf(name); }
 
@@ -42,8 +43,8 @@ TEST_F(ProjectBundle, aFolderWithTwoBundlesIsPassedOver) {
 TEST_F(ProjectBundle, withoutABundleThereIsNoProject) {
     makeBundle("work/src");
     EXPECT_EQ(bundleOf("work/src/a.m"), "");
-    EXPECT_EQ(nearestProjectBundle("/nonexistent/folder/a.m"), "");
-    EXPECT_EQ(nearestProjectBundle("/"), "");
+    EXPECT_EQ(bundleOfPath("/nonexistent/folder/a.m"), "");
+    EXPECT_EQ(bundleOfPath("/"), "");
 }
 
 TEST_F(ProjectBundle, aFileWithTheNameOfABundleIsNone) {
@@ -62,13 +63,18 @@ TEST_F(ProjectBundle, namesMayBeAnyBytes) {
     EXPECT_EQ(bundleOf("w\n\xFF k/a.m"), pathOf("w\n\xFF k/A \"p.xcodeproj"));
 }
 
+TEST_F(ProjectBundle, whereTimeIsShortNothingIsKnown) {
+    makeBundle("work/App.xcodeproj");
+    EXPECT_EQ(nearestProjectBundle(pathOf("work/a.m"), QDeadlineTimer(0)), std::nullopt);
+}
+
 TEST_F(ProjectBundle, whatIsNoPathHasNoProject) {
-    EXPECT_EQ(nearestProjectBundle(""), "");
-    EXPECT_EQ(nearestProjectBundle("a.m"), "");
-    EXPECT_EQ(nearestProjectBundle("oil:///p/a.m"), "");
+    EXPECT_EQ(bundleOfPath(""), "");
+    EXPECT_EQ(bundleOfPath("a.m"), "");
+    EXPECT_EQ(bundleOfPath("oil:///p/a.m"), "");
     makeBundle("work/App.xcodeproj");
     const QByteArray detour = QByteArray("/../work").repeated(1000);
-    EXPECT_EQ(nearestProjectBundle(pathOf("work") + detour + "/a.m"), "") << "longer than a path";
+    EXPECT_EQ(bundleOfPath(pathOf("work") + detour + "/a.m"), "") << "longer than a path";
 }
 
 } // namespace
