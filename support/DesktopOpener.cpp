@@ -1,5 +1,7 @@
 #include "support/DesktopOpener.h"
 
+#include "support/Errands.h"
+#include "support/Log.h"
 #include "support/ToolRunner.h"
 
 #include <QDir>
@@ -14,23 +16,31 @@ const QString kOpener = QStringLiteral("open");
 const QString kOpener = QStringLiteral("xdg-open");
 #endif
 
+/// Starts the opener with one argument; nobody waits for it.
+bool startOpener(const QString& argument) {
+    static const Errands openers(QStringLiteral("files and addresses opened"),
+                                 kMaximumRunningOpeners);
+    const auto opener = findTool(kOpener);
+    return opener && openers.start({[tool = *opener, argument] {
+        if (!runTool(tool, {argument})) {
+            log(QStringLiteral("%1 could not be started").arg(tool));
+        }
+    }});
+}
+
 } // namespace
 
 bool openWithDesktop(const QString& path) {
-    const auto opener = findTool(kOpener);
     // A path with a NUL names no file, and its beginning might name another one.
-    if (!opener || path.isEmpty() || path.contains(QChar(u'\0'))) {
-        return false;
-    }
-    return startDetachedTool(*opener, {QDir::current().absoluteFilePath(path)});
+    const bool namesAFile = !path.isEmpty() && !path.contains(QChar(u'\0'));
+    return namesAFile && startOpener(QDir::current().absoluteFilePath(path));
 }
 
 bool openURLWithDesktop(const QUrl& url) {
     const bool isWebAddress =
         url.isValid() && !url.host().isEmpty() &&
         (url.scheme() == QStringLiteral("http") || url.scheme() == QStringLiteral("https"));
-    const auto opener = isWebAddress ? findTool(kOpener) : std::nullopt;
-    return opener && startDetachedTool(*opener, {url.toString(QUrl::FullyEncoded)});
+    return isWebAddress && startOpener(url.toString(QUrl::FullyEncoded));
 }
 
 } // namespace navrel

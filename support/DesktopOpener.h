@@ -8,11 +8,16 @@ namespace navrel {
 /// Hands a file to the desktop's default opener (`xdg-open` found in `PATH`; `open` on macOS),
 /// without a shell and without waiting for it. It gets the absolute path, so that neither an option
 /// ("-x") nor a URL ("https://…") can be made of what a device calls a path. False when there is no
-/// opener, it could not be started, or the path is empty or holds a NUL. Any thread.
+/// opener, too many run already, or the path is empty or holds a NUL. Any thread.
 bool openWithDesktop(const QString& path);
 
 /// Hands a web address (http or https, with a host) to the same opener. False when it is none,
-/// there is no opener, or it could not be started. Any thread.
+/// there is no opener, or too many run already. Any thread.
 bool openURLWithDesktop(const QUrl& url);
+
+/// An opener hands on and ends, except where no desktop environment runs: there it lives as long as
+/// the program that it starts. No one has more open at a time; a device that asks without end must
+/// not fill the machine with them.
+inline constexpr int kMaximumRunningOpeners = 32;
 
 } // namespace navrel

@@ -4,6 +4,8 @@
 #include <QProcess>
 #include <QStandardPaths>
 
+#include <unistd.h>
+
 namespace navrel {
 
 namespace {
@@ -20,14 +22,16 @@ std::optional<QString> findTool(const QString& name) {
     return path.isEmpty() ? std::nullopt : std::optional(path);
 }
 
-bool startDetachedTool(const QString& path, const QStringList& arguments) {
+bool runTool(const QString& path, const QStringList& arguments) {
     QProcess process;
-    process.setProgram(path);
-    process.setArguments(arguments);
     process.setStandardInputFile(QProcess::nullDevice());
     process.setStandardOutputFile(QProcess::nullDevice());
     process.setStandardErrorFile(QProcess::nullDevice());
-    return process.startDetached();
+    process.setChildProcessModifier([] { ::setsid(); });
+    process.start(path, arguments);
+    constexpr int kHoweverLong = -1;
+    process.waitForFinished(kHoweverLong);
+    return process.error() != QProcess::FailedToStart;
 }
 
 std::optional<QByteArray> outputOfTool(const QString& path, const QStringList& arguments,

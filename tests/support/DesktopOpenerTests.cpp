@@ -1,9 +1,16 @@
 #include "support/DesktopOpener.h"
+#include "tests/LogRecorder.h"
 #include "tests/RecordingTool.h"
 #include "tests/WaitUntil.h"
 
 #include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
 #include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace navrel {
 namespace {
@@ -39,6 +46,53 @@ TEST(DesktopOpener, aPathThatNamesNoFileIsRefused) {
     EXPECT_FALSE(
         openWithDesktop(QStringLiteral("/etc/hosts") + QChar(u'\0') + QStringLiteral(".pdf")));
     EXPECT_EQ(opener.arguments(), QByteArrayList{});
+}
+
+/// An opener that lives until it is let go, as where no desktop environment runs.
+class LastingOpener {
+public:
+    LastingOpener() {
+        ::mkfifo(fifo_.constData(), 0600);
+        QFile tool(folder_.filePath(QStringLiteral("xdg-open")));
+        if (tool.open(QIODevice::WriteOnly)) {
+            tool.write("#!/bin/sh\nexec timeout 60 sh -c \": <'" + fifo_ + "'\"\n");
+        }
+        tool.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        qputenv("PATH", folder_.path().toUtf8() + ':' + oldPath_);
+    }
+    ~LastingOpener() {
+        letGo();
+        qputenv("PATH", oldPath_);
+        ::close(end_);
+    }
+    LastingOpener(const LastingOpener&) = delete;
+    LastingOpener& operator=(const LastingOpener&) = delete;
+
+    void letGo() {
+        if (end_ < 0) {
+            end_ = ::open(fifo_.constData(), O_RDWR | O_CLOEXEC);
+        }
+    }
+
+private:
+    QTemporaryDir folder_;
+    const QByteArray fifo_ = folder_.filePath(QStringLiteral("fifo")).toUtf8();
+    const QByteArray oldPath_ = qgetenv("PATH");
+    int end_ = -1;
+};
+
+TEST(DesktopOpener, aDeviceThatAsksWithoutEndStartsOnlySoMany) {
+    LastingOpener opener;
+    LogRecorder log;
+    for (int i = 0; i < kMaximumRunningOpeners; ++i) {
+        EXPECT_TRUE(openWithDesktop(QStringLiteral("/a")));
+    }
+    EXPECT_FALSE(openWithDesktop(QStringLiteral("/a")));
+    EXPECT_FALSE(openURLWithDesktop(QUrl(QStringLiteral("https://example.org/"))));
+    EXPECT_EQ(log.take().size(), 2) << "a line for each that was refused";
+
+    opener.letGo();
+    EXPECT_TRUE(waitUntil([] { return openWithDesktop(QStringLiteral("/a")); }));
 }
 
 } // namespace

@@ -45,18 +45,22 @@ TEST(ToolRunner, aToolThatWritesForEverIsKilledAndCountsAsNoAnswer) {
               std::nullopt);
 }
 
-TEST(ToolRunner, aDetachedToolRunsWithoutBeingWaitedFor) {
+TEST(ToolRunner, aToolRunsToItsEndInASessionOfItsOwn) {
     QTemporaryDir folder;
     const QString trace = folder.filePath(QStringLiteral("trace"));
 
-    EXPECT_TRUE(
-        startDetachedTool(kShell, {QStringLiteral("-c"), QStringLiteral("echo \"$1\" >\"$0\""),
-                                   trace, QStringLiteral("here")}));
-    EXPECT_TRUE(waitUntil([&] {
-        QFile file(trace);
-        return file.open(QIODevice::ReadOnly) && file.readAll() == "here\n";
-    }));
-    EXPECT_FALSE(startDetachedTool(QStringLiteral("/nonexistent/tool"), {}));
+    EXPECT_TRUE(runTool(kShell, {QStringLiteral("-c"),
+                                 QStringLiteral("sleep 0.2; read -r line </proc/$$/stat; "
+                                                "echo \"$line\" >\"$0\"; exit 3"),
+                                 trace}));
+    QFile file(trace);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << "it has not ended";
+    // The process, its command and state, its parent, its process group, its session.
+    const QByteArrayList status = file.readAll().split(' ');
+    ASSERT_GT(status.size(), 6);
+    EXPECT_EQ(status[5], status[0]);
+
+    EXPECT_FALSE(runTool(QStringLiteral("/nonexistent/tool"), {}));
 }
 
 TEST(ToolRunner, toolsAreFoundInThePath) {
