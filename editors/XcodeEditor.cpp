@@ -1,6 +1,5 @@
 #include "editors/XcodeEditor.h"
 
-#include "support/Log.h"
 #include "support/ToolRunner.h"
 #include "support/text/FilePath.h"
 #include "support/text/UTF8.h"
@@ -8,20 +7,12 @@
 #include <QDeadlineTimer>
 #include <QStringList>
 
-#include <atomic>
 #include <initializer_list>
-#include <thread>
 #include <utility>
 
 namespace navrel {
 
 namespace {
-
-/// A person taps a few times a second and a request lasts less than one; a device that asks without
-/// end must not fill the machine with threads and processes.
-constexpr int kMaximumRunningTools = 512;
-
-std::atomic<int> runningTools = 0;
 
 QString script(std::initializer_list<QString> lines) {
     QString text;
@@ -74,18 +65,16 @@ QString jumpScript(int line) {
         .replace(QStringLiteral("LINE"), QString::number(line));
 }
 
-/// Runs a tool on a thread of its own, which nobody waits for; what it writes is dropped.
-void runOnNewThread(const QString& tool, const QStringList& arguments,
-                    std::chrono::milliseconds atMost) {
-    if (runningTools.fetch_add(1) >= kMaximumRunningTools) {
-        --runningTools;
-        log(QStringLiteral("Too many requests to Xcode at a time: one was dropped"));
-        return;
-    }
-    std::thread([tool, arguments, atMost] {
-        outputOfTool(tool, arguments, atMost);
-        --runningTools;
-    }).detach();
+// On a thread of its own each; what the tools write is dropped.
+
+void performJumpScript(const XcodeEditor::Tools& tools, int line) {
+    outputOfTool(tools.osascript, {QStringLiteral("-e"), jumpScript(line)}, tools.requestAtMost);
+}
+
+void performOpenScriptWithPath(const XcodeEditor::Tools& tools, const QString& path) {
+    const bool looksLikeAnOption = path.startsWith(QLatin1Char('-'));
+    outputOfTool(tools.xed, {looksLikeAnOption ? QStringLiteral("./") + path : path},
+                 tools.requestAtMost);
 }
 
 } // namespace
@@ -110,11 +99,13 @@ void XcodeEditor::openFile(const QString& path, std::optional<int> line) {
     if (path.contains(QChar(u'\0'))) {
         return; // names no file, and its beginning might name another one
     }
+    const auto open = [tools = tools_, path] { performOpenScriptWithPath(tools, path); };
     if (line) {
         // Before the opening, deliberately: the script waits for that by itself.
-        performJumpScript(*line);
+        requests_.start({[tools = tools_, line] { performJumpScript(tools, *line); }, open});
+    } else {
+        requests_.start({open});
     }
-    performOpenScriptWithPath(path);
 }
 
 /// What a script prints, without line feeds; nil when nothing could be read.
@@ -133,17 +124,6 @@ std::optional<QString> XcodeEditor::answerOf(const QString& script) {
     }
     auto text = decodeUTF8(*output);
     return text ? std::optional(text->remove(QLatin1Char('\n'))) : std::nullopt;
-}
-
-void XcodeEditor::performJumpScript(int line) const {
-    runOnNewThread(tools_.osascript, {QStringLiteral("-e"), jumpScript(line)},
-                   tools_.requestAtMost);
-}
-
-void XcodeEditor::performOpenScriptWithPath(const QString& path) const {
-    const bool looksLikeAnOption = path.startsWith(QLatin1Char('-'));
-    runOnNewThread(tools_.xed, {looksLikeAnOption ? QStringLiteral("./") + path : path},
-                   tools_.requestAtMost);
 }
 
 } // namespace navrel

@@ -2,6 +2,7 @@
 
 #include "editors/SilentEditors.h"
 #include "project/Editor.h"
+#include "support/Errands.h"
 
 #include <QString>
 
@@ -26,6 +27,10 @@ public:
         std::chrono::milliseconds leftAloneFor = kSilentEditorLeftAlone;
     };
 
+    /// A person taps a few times a second and a request lasts less than one; a device that asks
+    /// without end must not fill the machine with threads and processes.
+    static constexpr int kMaximumRunningTools = 64;
+
     XcodeEditor();
     explicit XcodeEditor(Tools tools);
 
@@ -35,15 +40,15 @@ public:
     /// Blocks while the script runs.
     std::optional<QString> activeFileName() override;
     /// Starts two threads: one that selects the line, where there is one, and one that opens the
-    /// file. Two requests in quick succession run at the same time, in no certain order.
+    /// file. Two requests in quick succession run at the same time, in no certain order. Where too
+    /// many tools run already nothing is done, which is logged.
     void openFile(const QString& path, std::optional<int> line) override;
 
 private:
     std::optional<QString> answerOf(const QString& script);
-    void performJumpScript(int line) const;
-    void performOpenScriptWithPath(const QString& path) const;
 
     const Tools tools_;
+    const Errands requests_{QStringLiteral("requests to Xcode"), kMaximumRunningTools};
     SilentEditors silent_;
 };
 

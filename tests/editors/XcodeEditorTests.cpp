@@ -1,9 +1,14 @@
 #include "editors/XcodeEditor.h"
+#include "tests/LogRecorder.h"
 #include "tests/WaitUntil.h"
 #include "tests/editors/ScratchEnvironment.h"
 
 #include <QElapsedTimer>
 #include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace navrel {
 namespace {
@@ -196,11 +201,57 @@ TEST_F(XcodeEditorTest, openingWaitsForNeitherTool) {
         waitUntil([&] { return QFile::exists(tools.osascript + QStringLiteral(".ended")); }));
 }
 
-TEST_F(XcodeEditorTest, missingToolsAreToleratedWhenOpening) {
-    tools.osascript = tools.xed = QStringLiteral("/nonexistent/tool");
-    XcodeEditor editor(tools);
-    editor.openFile(QStringLiteral("/main.m"), 1);
+TEST_F(XcodeEditorTest, aMissingToolKeepsTheOtherFromNothing) {
+    XcodeEditor::Tools withoutScripts = tools;
+    withoutScripts.osascript = QStringLiteral("/nonexistent/osascript");
+    XcodeEditor(withoutScripts).openFile(QStringLiteral("/one.m"), 1);
+    EXPECT_TRUE(
+        waitUntil([&] { return callsOf(tools.xed) == QList<QByteArrayList>({{"/one.m"}}); }));
+
+    XcodeEditor::Tools withoutOpener = tools;
+    withoutOpener.xed = QStringLiteral("/nonexistent/xed");
+    XcodeEditor(withoutOpener).openFile(QStringLiteral("/two.m"), 2);
+    const QList<QByteArrayList> wanted = {{"-e", jumpScript("2")}};
+    EXPECT_TRUE(waitUntil([&] { return callsOf(tools.osascript) == wanted; }));
+    EXPECT_EQ(callsOf(tools.xed).size(), 1);
+}
+
+TEST_F(XcodeEditorTest, missingToolsDoNotUseUpTheirNumber) {
+    LogRecorder log;
+    XcodeEditor::Tools missing = tools;
+    missing.osascript = missing.xed = QStringLiteral("/nonexistent/tool");
+    XcodeEditor editor(missing);
+    for (int i = 0; i < XcodeEditor::kMaximumRunningTools; ++i) {
+        EXPECT_TRUE(waitUntil([&] {
+            editor.openFile(QStringLiteral("/main.m"), 1);
+            return log.take().isEmpty();
+        }));
+    }
     EXPECT_EQ(editor.activeFileName(), std::nullopt);
+}
+
+TEST_F(XcodeEditorTest, aDeviceThatAsksWithoutEndFillsNoMachine) {
+    const QByteArray gate = environment.bytesOf("gate");
+    ASSERT_EQ(::mkfifo(gate.constData(), 0600), 0);
+    writeTool(tools.xed, "#!/bin/sh\nexec timeout 60 sh -c \": <'" + gate + "'\"\n");
+    LogRecorder log;
+    XcodeEditor editor(tools);
+    for (int i = 0; i < XcodeEditor::kMaximumRunningTools - 1; ++i) {
+        editor.openFile(QStringLiteral("/main.m"), std::nullopt);
+    }
+    EXPECT_EQ(log.messages(), QStringList());
+    editor.openFile(QStringLiteral("/main.m"), 1);
+    EXPECT_EQ(log.take().size(), 1) << "there is room for one of the two tools, but not for both";
+    editor.openFile(QStringLiteral("/main.m"), std::nullopt);
+    EXPECT_EQ(log.messages(), QStringList());
+
+    const int end = ::open(gate.constData(), O_RDWR | O_CLOEXEC);
+    EXPECT_TRUE(waitUntil([&] {
+        editor.openFile(QStringLiteral("/main.m"), 2);
+        return log.take().isEmpty();
+    })) << "and then it opens files as ever";
+    EXPECT_TRUE(waitForCalls(tools.osascript, 1));
+    ::close(end);
 }
 
 TEST_F(XcodeEditorTest, aPathWithANulCharacterOpensNothingAndSelectsNoLine) {
