@@ -47,29 +47,55 @@ Readiness readinessOf(NeovimConnection& editor, const QDeadlineTimer& deadline) 
     return blocking == false ? Readiness::Ready : Readiness::WaitsForAKey;
 }
 
-/// Brings the editor to where a file can be opened, from any mode.
-bool leaveMode(NeovimConnection& editor, const QDeadlineTimer& deadline) {
-    bool keysGiven = false;
-    while (readinessOf(editor, deadline) != Readiness::Silent) {
-        const Reply ready = runScript(editor, kNeovimIsReadyScript, {}, deadline);
-        if (ready.kind != Reply::Kind::Result || ready.value == true) {
-            return ready.kind == Reply::Kind::Result;
-        }
-        if (!keysGiven) {
-            runScript(editor, kNeovimLeaveModeScript, {}, deadline);
-            keysGiven = true;
-        }
-        std::this_thread::sleep_for(kReadinessPause);
-    }
-    return false;
-}
-
+/// Why a call did not succeed.
 QString failureText(const Reply& reply) {
     if (reply.kind == Reply::Kind::None) {
         return QStringLiteral("no answer");
     }
     const QVariantList error = reply.value.toList(); // [kind, text]
     return QString::fromUtf8(error.isEmpty() ? QByteArray() : error.last().toByteArray());
+}
+
+/// Brings the editor to where a file can be opened, from any mode. What kept it from that; nothing
+/// when it is there.
+std::optional<QString> leaveMode(NeovimConnection& editor, const QDeadlineTimer& deadline) {
+    bool keysGiven = false;
+    QString obstacle = failureText(Reply());
+    while (!deadline.hasExpired()) {
+        const Readiness readiness = readinessOf(editor, deadline);
+        if (readiness == Readiness::Silent) {
+            break;
+        }
+        if (readiness == Readiness::WaitsForAKey) {
+            obstacle = QStringLiteral("it waits for a key");
+        } else {
+            const Reply ready = runScript(editor, kNeovimIsReadyScript, {}, deadline);
+            if (ready.kind != Reply::Kind::Result) {
+                return failureText(ready);
+            }
+            if (ready.value == true) {
+                return std::nullopt;
+            }
+            obstacle = QStringLiteral("it stays in its mode");
+            if (!keysGiven) {
+                runScript(editor, kNeovimLeaveModeScript, {}, deadline);
+                keysGiven = true;
+            }
+        }
+        std::this_thread::sleep_for(kReadinessPause);
+    }
+    return obstacle;
+}
+
+/// Opens a file and selects a line. What kept the editor from that; nothing when it did.
+std::optional<QString> openIn(NeovimConnection& editor, const QByteArray& path,
+                              std::optional<int> line, const QDeadlineTimer& deadline) {
+    if (auto obstacle = leaveMode(editor, deadline)) {
+        return obstacle;
+    }
+    const QVariant lineOrNil = line ? QVariant(*line) : QVariant();
+    const Reply opened = runScript(editor, kNeovimOpenScript, {path, lineOrNil}, deadline);
+    return opened.kind == Reply::Kind::Result ? std::nullopt : std::optional(failureText(opened));
 }
 
 /// How long a server may take while others wait behind it: half of what is left, so that one that
@@ -156,14 +182,9 @@ bool NeovimEditor::open(const QByteArray& path, std::optional<int> line,
         if (editor == nullptr || readinessOf(*editor, soon) != Readiness::Ready) {
             continue;
         }
-        Reply opened;
-        if (leaveMode(*editor, deadline)) {
-            const QVariant lineOrNil = line ? QVariant(*line) : QVariant();
-            opened = runScript(*editor, kNeovimOpenScript, {path, lineOrNil}, deadline);
-        }
-        if (opened.kind != Reply::Kind::Result) {
+        if (const auto obstacle = openIn(*editor, path, line, deadline)) {
             log(QStringLiteral("Neovim did not open %1: %2")
-                    .arg(QString::fromUtf8(path), failureText(opened)));
+                    .arg(QString::fromUtf8(path), *obstacle));
         }
         return true;
     }

@@ -69,7 +69,7 @@ FakeNeovim::~FakeNeovim() {
     ::unlink(path_.constData()); // as the real one does at its end
 }
 
-void FakeNeovim::converse(int connection, const std::atomic<bool>& isEnding) const {
+void FakeNeovim::converse(int connection, const std::atomic<bool>& isEnding) {
     QByteArray received;
     pollfd waited = {connection, POLLIN, 0};
     while (!isEnding) {
@@ -93,18 +93,22 @@ void FakeNeovim::converse(int connection, const std::atomic<bool>& isEnding) con
 }
 
 /// The bytes that answer a request; none while silent.
-QByteArray FakeNeovim::replyTo(const QVariantList& request) const {
-    if (mood_ == Mood::Silent) {
+QByteArray FakeNeovim::replyTo(const QVariantList& request) {
+    const Mood mood = mood_;
+    if (mood == Mood::Silent) {
         return {};
     }
-    const QByteArray beginning = QByteArray("\x94\x01") + messagePackOf(request[1]) + '\xC0';
+    const QByteArray beginning = QByteArray("\x94\x01") + messagePackOf(request[1]);
     if (request[2] == QByteArray("nvim_get_mode")) {
-        return beginning +
-               "\x81\xA8"
-               "blocking" +
-               (mood_ == Mood::WaitsForAKey ? '\xC3' : '\xC2');
+        const bool isFirst = modesTold_++ == 0;
+        const bool waits = mood == Mood::WaitsForAKey || (mood == Mood::WaitsSoon && !isFirst);
+        return beginning + "\xC0\x81" + messagePackOf(QByteArray("blocking")) +
+               messagePackOf(waits);
     }
-    return beginning + messagePackOf(file_);
+    if (mood == Mood::Refuses) {
+        return beginning + messagePackOf(QVariantList{0, QByteArray("Refused")}) + '\xC0';
+    }
+    return beginning + '\xC0' + messagePackOf(file_);
 }
 
 void makeOlder(const QByteArray& path, int seconds) {

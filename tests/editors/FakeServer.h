@@ -43,6 +43,8 @@ public:
     enum class Mood {
         Answers,
         WaitsForAKey, ///< half a command was typed, or a prompt is open
+        WaitsSoon,    ///< the same, but not yet when it is asked first
+        Refuses,      ///< every script fails
         Silent,       ///< stopped: connections are taken by the system, and nothing comes back
     };
 
@@ -53,12 +55,13 @@ public:
     int connections() const { return server_->connections(); }
 
 private:
-    void converse(int connection, const std::atomic<bool>& isEnding) const;
-    QByteArray replyTo(const QVariantList& request) const;
+    void converse(int connection, const std::atomic<bool>& isEnding);
+    QByteArray replyTo(const QVariantList& request);
 
     const QByteArray path_;
     const QByteArray file_;
     std::atomic<Mood> mood_;
+    std::atomic<int> modesTold_ = 0;
     std::unique_ptr<FakeServer> server_;
 };
 

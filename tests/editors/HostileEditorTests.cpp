@@ -8,6 +8,7 @@
 #include "editors/NeovimEditor.h"
 #include "editors/NeovimServers.h"
 #include "support/ToolRunner.h"
+#include "tests/LogRecorder.h"
 #include "tests/WaitUntil.h"
 #include "tests/editors/FakeServer.h"
 #include "tests/editors/ScratchEnvironment.h"
@@ -24,6 +25,7 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace navrel {
@@ -167,6 +169,17 @@ TEST_F(HostileNeovim, openingLeavesTimeForAnEditorOfAnotherKind) {
     const QDeadlineTimer deadline(milliseconds(4000));
     EXPECT_FALSE(editor.open("/a.m", 1, deadline));
     EXPECT_FALSE(deadline.hasExpired());
+}
+
+TEST_F(HostileNeovim, whatKeepsAnEditorFromOpeningIsLoggedAsItIs) {
+    for (const auto& [mood, reason] :
+         {std::pair(FakeNeovim::Mood::Refuses, "Neovim did not open /a.m: Refused"),
+          std::pair(FakeNeovim::Mood::WaitsSoon, "Neovim did not open /a.m: it waits for a key")}) {
+        const FakeNeovim server(socket(), "", mood);
+        LogRecorder log;
+        EXPECT_TRUE(editor.open("/a.m", 1, QDeadlineTimer(milliseconds(1000))));
+        EXPECT_EQ(log.messages(), QStringList{QString::fromUtf8(reason)});
+    }
 }
 
 TEST_F(HostileNeovim, garbageIsNoAnswer) {

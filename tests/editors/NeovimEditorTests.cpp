@@ -334,6 +334,15 @@ TEST_F(NeovimEditorTest, anEditorBehindAPromptIsNoAnswer) {
     EXPECT_FALSE(open(fileB(), 3));
 }
 
+TEST_F(NeovimEditorTest, anEditorThatStaysInItsModeIsToldOf) {
+    start(fileA(), {QStringLiteral("+autocmd ModeChanged *:n call feedkeys('i', 'n')")});
+    terminal.type({QStringLiteral("i")});
+    ASSERT_TRUE(waitForValue("mode()", "i"));
+    EXPECT_TRUE(editor.open(fileB(), 3, QDeadlineTimer(seconds(2))));
+    ASSERT_EQ(log.messages().size(), 1);
+    EXPECT_TRUE(log.messages().front().endsWith(QStringLiteral(": it stays in its mode")));
+}
+
 TEST_F(NeovimEditorTest, aFileThatIsNotThereIsABufferOfItsName) {
     start(fileA());
     const QByteArray missing = environment.bytesOf("work/no such.m");
