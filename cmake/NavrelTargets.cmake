@@ -44,19 +44,24 @@ function(navrel_add_executable name)
     target_link_libraries(${name} PRIVATE navrel_options ${arg_LINK})
 endfunction()
 
-# navrel_add_tests(NAME SOURCES file... [LINK library...] [OWN_NETWORK] [TIMEOUT seconds])
+# navrel_add_tests(NAME SOURCES file... [LINK library...] [OWN_NETWORK | WIDGETS]
+#                  [TIMEOUT seconds])
 # One binary a folder, one ctest entry a test case. OWN_NETWORK runs every test of the binary in a
-# network namespace of its own, so that fixed ports never collide.
+# network namespace of its own, so that fixed ports never collide; WIDGETS gives it an application
+# with windows, which nobody sees.
 function(navrel_add_tests name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "OWN_NETWORK" "TIMEOUT" "SOURCES;LINK")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "OWN_NETWORK;WIDGETS" "TIMEOUT" "SOURCES;LINK")
     if(NOT arg_TIMEOUT)
         set(arg_TIMEOUT 120)
     endif()
+    set(main navrel_test_main)
+    if(arg_OWN_NETWORK)
+        set(main navrel_test_main_own_network)
+    elseif(arg_WIDGETS)
+        set(main navrel_test_main_widgets)
+    endif()
     add_executable(${name} ${arg_SOURCES})
-    target_link_libraries(${name} PRIVATE
-        navrel_options ${arg_LINK}
-        $<IF:$<BOOL:${arg_OWN_NETWORK}>,navrel_test_main_own_network,navrel_test_main>
-        GTest::gmock)
+    target_link_libraries(${name} PRIVATE navrel_options ${arg_LINK} ${main} GTest::gmock)
     gtest_discover_tests(${name}
         DISCOVERY_MODE PRE_TEST
         DISCOVERY_TIMEOUT 60

@@ -26,8 +26,16 @@ void MenuWidget::menuDidChange() {
         show(*entry, *action);
         connect(action, &QAction::triggered, this, [this, id = entry->id()] {
             // What is chosen may be a dialog, or replace this very action.
-            QTimer::singleShot(0, this, [this, id] { menu_.choose(id); });
+            QTimer::singleShot(0, this, [this, id] { choose(id); });
         });
+    }
+}
+
+void MenuWidget::choose(int id) {
+    menu_.choose(id);
+    if (const MenuEntry* entry = menu_.entryWithID(id)) {
+        // The click turned the check mark over, whether or not the choice turned the state.
+        entryDidChange(*entry);
     }
 }
 

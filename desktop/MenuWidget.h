@@ -20,6 +20,7 @@ public:
     void entryDidChange(const MenuEntry& entry) override;
 
 private:
+    void choose(int id);
     void show(const MenuEntry& entry, QAction& action) const;
 
     StatusMenu& menu_;

@@ -2,7 +2,13 @@
 #include "tests/NetworkNamespace.h"
 #endif
 
+#ifdef NAVREL_WIDGETS
+#include <QApplication>
+using Application = QApplication;
+#else
 #include <QCoreApplication>
+using Application = QCoreApplication;
+#endif
 #include <gmock/gmock.h>
 
 #include <cstdio>
@@ -16,7 +22,11 @@ int main(int argc, char** argv) {
         return 1;
     }
 #endif
-    QCoreApplication application(argc, argv);
+#ifdef NAVREL_WIDGETS
+    // Never on the desktop of whoever runs the tests.
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+#endif
+    Application application(argc, argv);
     ::testing::InitGoogleMock(&argc, argv);
     return RUN_ALL_TESTS();
 }

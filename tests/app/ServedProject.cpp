@@ -47,7 +47,7 @@ void ServedProject::start() {
         {*defaults_, editor_, desktop_, scanner_, profile_.filePath(QStringLiteral("data"))});
     delegate_ =
         AppDelegate::create({*manager_, desktop_, *defaults_, version_, [this] { return hub_; },
-                             [this](int socket) { return loopbackPeer_(socket); }});
+                             QUrl(), [this](int socket) { return loopbackPeer_(socket); }});
     delegate_->applicationDidFinishLaunching();
 }
 

@@ -1,0 +1,88 @@
+#include "desktop/MenuWindow.h"
+#include "tests/WaitUntil.h"
+
+#include <QCoreApplication>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <gtest/gtest.h>
+
+namespace navrel {
+namespace {
+
+class MenuWindowTest : public ::testing::Test {
+protected:
+    MenuWindowTest() { window_.QWidget::show(); }
+
+    QListWidget& list() const { return *window_.findChild<QListWidget*>(); }
+    QListWidgetItem& item(int row) const { return *list().item(row); }
+
+    void press(Qt::Key key) const {
+        QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
+        QCoreApplication::sendEvent(&list(), &press);
+    }
+    void click(int row) const {
+        const QPoint position = list().visualItemRect(&item(row)).center();
+        for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+            const Qt::MouseButtons buttons =
+                type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton;
+            QMouseEvent event(type, position, list().viewport()->mapToGlobal(position),
+                              Qt::LeftButton, buttons, Qt::NoModifier);
+            QCoreApplication::sendEvent(list().viewport(), &event);
+        }
+    }
+
+    StatusMenu menu_;
+    int manuals_ = 0;
+    int switches_ = 0;
+    MenuEntry& version_ = menu_.addText(1, QStringLiteral("Navrel & <b>co</b>"));
+    MenuEntry& automatic_ =
+        menu_.addSwitch(4, QStringLiteral("Automatic"), [this] { ++switches_; });
+    MenuEntry& manual_ = menu_.addAction(5, QStringLiteral("Manual"), [this] { ++manuals_; });
+    MenuWindow window_{menu_, QIcon()};
+};
+
+TEST_F(MenuWindowTest, itShowsTheSameEntriesAsTheMenu) {
+    menu_.addSeparator();
+    menu_.setShortcuts({QStringLiteral("a_b & c")}, {});
+    ASSERT_EQ(list().count(), 5);
+    EXPECT_EQ(item(0).text(), QStringLiteral("Navrel & <b>co</b>"));
+    EXPECT_EQ(item(0).flags(), Qt::NoItemFlags);
+    EXPECT_EQ(item(1).checkState(), Qt::Unchecked);
+    EXPECT_NE(list().itemWidget(&item(3)), nullptr);
+    EXPECT_EQ(item(4).text(), QStringLiteral("a_b & c"));
+    automatic_.setChecked(true);
+    EXPECT_EQ(item(1).checkState(), Qt::Checked);
+}
+
+TEST_F(MenuWindowTest, oneClickChoosesOnce) {
+    click(2);
+    ASSERT_TRUE(waitUntil([this] { return manuals_ > 0; }));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(manuals_, 1);
+    click(0);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(manuals_ + switches_, 1);
+}
+
+TEST_F(MenuWindowTest, theKeyboardReachesEveryEntry) {
+    list().setCurrentRow(1);
+    press(Qt::Key_Return);
+    ASSERT_TRUE(waitUntil([this] { return switches_ == 1; }));
+    press(Qt::Key_Down);
+    press(Qt::Key_Return);
+    EXPECT_TRUE(waitUntil([this] { return manuals_ == 1; }));
+}
+
+TEST_F(MenuWindowTest, closingOnlyMinimizesIt) {
+    window_.close();
+    EXPECT_TRUE(window_.isMinimized());
+    EXPECT_TRUE(window_.isVisible());
+}
+
+TEST_F(MenuWindowTest, itHasNamesForScreenReaders) {
+    EXPECT_EQ(window_.windowTitle(), QStringLiteral("Navrel"));
+    EXPECT_EQ(list().accessibleName(), QStringLiteral("Navrel"));
+}
+
+} // namespace
+} // namespace navrel
