@@ -142,6 +142,12 @@ public:
 private:
     using Request = QVariantMap;
     using Reply = std::optional<QVariantMap>;
+    /// What a peer on the loopback address is allowed.
+    enum class PeerTrust {
+        none, ///< it is turned away
+        gone, ///< it has ended the connection, and nobody knows who it was
+        full, ///< it is served
+    };
     /// What a frame type asks for. A request whose payload is no dictionary comes as nothing.
     struct Command;
 
@@ -159,7 +165,7 @@ private:
     void connectedToUSBDevice(const std::shared_ptr<PTChannel>& channel,
                               const std::optional<Error>& error);
     void connectToLocalIPv4Port();
-    bool isServed(const PTChannel& channel);
+    PeerTrust trustIn(const PTChannel& channel);
     void connectedToLocalIPv4Port(const std::shared_ptr<PTChannel>& channel,
                                   const std::optional<Error>& error,
                                   const std::shared_ptr<const PTAddress>& address);

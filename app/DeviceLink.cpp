@@ -189,13 +189,17 @@ void AppDelegate::connectedToLocalIPv4Port(const std::shared_ptr<PTChannel>& cha
         }
         return;
     }
-    if (!isServed(*channel)) {
+    const PeerTrust trust = trustIn(*channel);
+    if (trust == PeerTrust::none) {
         return channel->close();
     }
     disconnectFromCurrentChannel();
     setConnectedChannel(channel);
     channel->setUserInfo(address);
     log(QStringLiteral("Connected to %1").arg(descriptionOf(address)));
+    if (trust == PeerTrust::gone) {
+        channel->close(); // as it ends by itself, but with nothing read and nothing answered
+    }
 }
 
 LoopbackPeer AppDelegate::Collaborators::systemLoopbackPeer([[maybe_unused]] int socket) {
@@ -207,22 +211,25 @@ LoopbackPeer AppDelegate::Collaborators::systemLoopbackPeer([[maybe_unused]] int
 }
 
 // Any local user may listen on the companion app's port; the project is shown to its owner alone.
-// One who is not known is not served. That is worth a message only while the peer is there: of one
-// that has gone again nothing can be told, not even that it was somebody else's.
-bool AppDelegate::isServed(const PTChannel& channel) {
+// One whose owner is not known is not served. Where it has ended the connection, nobody need be
+// refused: the connection ends as any other does, and says nothing about the next one.
+AppDelegate::PeerTrust AppDelegate::trustIn(const PTChannel& channel) {
     const auto stream = channel.dispatchChannel();
     const LoopbackPeer peer =
         stream ? collaborators_.loopbackPeer(stream->descriptor()) : LoopbackPeer{{}, true};
     if (peer.owner && (*peer.owner == ::geteuid() || *peer.owner == 0)) {
         hasLoggedRefusedPeer_ = false;
-        return true;
+        return PeerTrust::full;
     }
-    if ((peer.owner || !peer.hasEnded) && !std::exchange(hasLoggedRefusedPeer_, true)) {
+    if (!peer.owner && peer.hasEnded) {
+        return PeerTrust::gone;
+    }
+    if (!std::exchange(hasLoggedRefusedPeer_, true)) {
         log(QStringLiteral("Refused to serve 127.0.0.1:%1: it belongs to another user (%2)")
                 .arg(kCompanionPort)
                 .arg(peer.owner ? QString::number(*peer.owner) : QStringLiteral("unknown")));
     }
-    return false;
+    return PeerTrust::none;
 }
 
 // The connected channel.

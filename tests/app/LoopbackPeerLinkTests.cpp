@@ -118,17 +118,31 @@ TEST_F(LoopbackPeerOwnerTest, isTurnedAwayWhenNobodyKnowsWhoItIs) {
     EXPECT_EQ(log_.messages(), QStringList{kRefusal + QStringLiteral("(unknown)")});
 }
 
-TEST_F(LoopbackPeerOwnerTest, isPassedOverSilentlyWhenItHasGoneBeforeItsOwnerIsKnown) {
+TEST_F(LoopbackPeerOwnerTest, isAConnectionThatEndsUnservedWhenItHadGoneBeforeItsOwnerWasKnown) {
     peer_ = kGonePeer;
     launch();
     ASSERT_TRUE(device_.waitForEnd());
-    ASSERT_TRUE(isTurnedAway(kGonePeer));
-    EXPECT_EQ(log_.messages(), QStringList());
+    delegate_->activate();
+    ASSERT_TRUE(waitUntil([&] { return log_.messages().size() >= 2; }));
+    EXPECT_EQ(log_.messages().first(2),
+              (QStringList{QStringLiteral("Connected to 127.0.0.1:2345"),
+                           QStringLiteral("Disconnected from 127.0.0.1:2345")}));
+    ASSERT_TRUE(device_.waitForConnection());                        // it is made again
+    static_cast<void>(device_.sendBytes(TestDevice::frame(211, 1))); // unless it is closed already
+    EXPECT_FALSE(device_.nextFrame().has_value());
+    EXPECT_TRUE(waitUntil([&] { return !isServed(); }));
+}
 
-    ASSERT_TRUE(isTurnedAway(kForeignPeer));
-    ASSERT_TRUE(isTurnedAway(kGonePeer)); // which says nothing about the next one
-    ASSERT_TRUE(isTurnedAway(kForeignPeer));
-    EXPECT_EQ(log_.messages().size(), 1);
+TEST_F(LoopbackPeerOwnerTest, saysNothingAboutTheNextOneWhenItHadGoneBeforeItsOwnerWasKnown) {
+    peer_ = kForeignPeer;
+    launch();
+    ASSERT_TRUE(device_.waitForEnd());
+    for (const LoopbackPeer& peer : {kGonePeer, kForeignPeer}) {
+        peer_ = peer;
+        ASSERT_TRUE(device_.waitForConnection());
+        ASSERT_TRUE(device_.waitForEnd());
+    }
+    EXPECT_EQ(log_.messages().count(kRefusal + QStringLiteral("(65534)")), 1);
 }
 
 TEST_F(LoopbackPeerOwnerTest, isLoggedAgainOnceAnotherWasServed) {
