@@ -121,6 +121,17 @@ TEST_F(DeviceLinkTest, anEndedConnectionIsLoggedOnceAndMadeAgain) {
                                             QStringLiteral("Connected to 127.0.0.1:2345")}));
 }
 
+TEST_F(DeviceLinkTest, aConnectionThatEndsWithAnErrorIsLoggedWithoutIt) {
+    launch();
+    ASSERT_TRUE(waitUntil([this] { return delegate_->connectedChannel() != nullptr; }));
+    device_.stopListening(); // it is not made again
+    log_.take();
+    ASSERT_TRUE(device_.sendBytes(QByteArray(16, 'x'))); // no frame
+    ASSERT_TRUE(device_.waitForEnd());
+    ASSERT_TRUE(waitUntil([this] { return !log_.messages().isEmpty(); }));
+    EXPECT_EQ(log_.messages(), QStringList{QStringLiteral("Disconnected from 127.0.0.1:2345")});
+}
+
 TEST_F(DeviceLinkTest, theEndOfAnotherChannelIsNoConcern) {
     launch();
     ASSERT_TRUE(waitUntil([this] { return delegate_->connectedChannel() != nullptr; }));

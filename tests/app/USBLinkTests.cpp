@@ -326,6 +326,41 @@ TEST_F(USBLinkTest, theDetachmentOfAnotherDeviceIsNoConcern) {
     EXPECT_TRUE(device_.ask(211).has_value());
 }
 
+TEST_F(USBLinkTest, theDetachmentOfTheWantedDeviceClosesTheSimulatorToo) {
+    launchWithDaemon();
+    daemon_.connectAnswer = 3;
+    daemon_.attach(7);
+    ASSERT_TRUE(waitUntil([&] { return connects() == 1; }));
+    TestDevice simulator;
+    ASSERT_TRUE(simulator.listen());
+    ASSERT_TRUE(simulator.waitForConnection());
+    ASSERT_TRUE(waitUntil([&] { return isConnected(); }));
+    log_.take();
+    daemon_.detach(7);
+    EXPECT_TRUE(simulator.waitForEnd());
+    ASSERT_TRUE(simulator.waitForConnection(milliseconds(2500)));
+    ASSERT_TRUE(waitUntil([&] { return log_.messages().size() >= 3; }));
+    EXPECT_EQ(log_.messages(), (QStringList{QStringLiteral("PTUSBDeviceDidDetachNotification: 7"),
+                                            QStringLiteral("Disconnected from 127.0.0.1:2345"),
+                                            QStringLiteral("Connected to 127.0.0.1:2345")}));
+}
+
+TEST_F(USBLinkTest, anAttemptThatSucceedsOnceItsDeviceHasGoneIsAConnectionOfNoDevice) {
+    launchWithDaemon();
+    daemon_.connectAnswer = std::nullopt;
+    daemon_.attach(7);
+    ASSERT_TRUE(waitUntil([&] { return connects() == 1; }));
+    daemon_.detach(7);
+    ASSERT_TRUE(waitForLog(QStringLiteral("PTUSBDeviceDidDetachNotification: 7")));
+    daemon_.sendToConnecting(FakeUSBDaemon::packet(1, {{QStringLiteral("Number"), 0}}));
+    ASSERT_TRUE(waitUntil([&] { return isConnected(); }));
+    EXPECT_EQ(delegate_->connectedDeviceID(), nullptr);
+    log_.take();
+    daemon_.closeConnecting();
+    ASSERT_TRUE(waitUntil([&] { return !isConnected(); }));
+    EXPECT_EQ(log_.messages(), QStringList{QStringLiteral("Disconnected from 7")});
+}
+
 TEST_F(USBLinkTest, anAnnouncementThatNamesNoDeviceIsLoggedAndPassedOver) {
     launchWithDaemon();
     daemon_.sendToListeners(

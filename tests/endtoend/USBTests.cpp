@@ -69,6 +69,21 @@ TEST_F(USBTest, aDaemonThatComesAndGoesWithItsDevicesIsFollowed) {
     EXPECT_EQ(navrel_.log().count("PTUSBHub failed to initialize: "), 1);
 }
 
+TEST_F(USBTest, aDaemonThatRefusesToListenIsLoggedOnceAndListenedToOnceItAgrees) {
+    daemon_.listenAnswer = 6;
+    ASSERT_TRUE(daemon_.start());
+    ASSERT_TRUE(navrel_.start());
+    ASSERT_TRUE(waitUntil([&] { return daemon_.countOfRequests(QStringLiteral("Listen")) == 3; }));
+    daemon_.listenAnswer = 0;
+    daemon_.attach(7);
+    ASSERT_TRUE(waitForDevice());
+    ASSERT_TRUE(device_.waitUntilServed());
+    EXPECT_EQ(navrel_.log().count("PTUSBHub failed to initialize: Error Domain=PTUSBHubError "
+                                  "Code=6 \"invalid version\"\n"),
+              1);
+    EXPECT_FALSE(navrel_.log().contains("refuses to announce"));
+}
+
 TEST_F(USBTest, aDaemonThatSendsNonsenseLeavesTheSimulatorServed) {
     ASSERT_TRUE(daemon_.start());
     ASSERT_TRUE(device_.listen());

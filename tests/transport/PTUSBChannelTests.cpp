@@ -103,6 +103,11 @@ TEST(PTUSBMessage, withoutABundleNameIsAlwaysListenAlone) {
     EXPECT_EQ(PTUSBChannel::packetDictionaryWithPacketType(kConnect, std::nullopt,
                                                            {std::nullopt, QStringLiteral("1")}),
               (QVariantMap{{QStringLiteral("MessageType"), kListen}}));
+    EXPECT_EQ(
+        PTUSBChannel::packetDictionaryWithPacketType(kConnect,
+                                                     QVariantMap{{QStringLiteral("DeviceID"), 7}},
+                                                     {std::nullopt, QStringLiteral("1")}),
+        (QVariantMap{{QStringLiteral("MessageType"), kListen}, {QStringLiteral("DeviceID"), 7}}));
 }
 
 TEST(PTUSBMessage, itsOwnEntriesWinOverThoseOfThePayload) {

@@ -279,6 +279,18 @@ TEST_F(PTUSBFramedChannelTest, framesFlowFromTheReplyOnHoweverTheyArrive) {
     }
 }
 
+TEST_F(PTUSBFramedChannelTest, theEndIsTheHubsAlsoWhereWhatTheDeviceSentIsNoFrame) {
+    daemon_.attach(7);
+    connectChannel(7);
+    ASSERT_TRUE(waitUntil([&] { return connectOutcomes_ == Outcomes{std::nullopt}; }));
+    const RawPeer device(daemon_.waitForDeviceConnection());
+    device.send(QByteArray(16, 'x'));
+    ASSERT_TRUE(waitUntil([&] { return delegate_->ends.size() == 1; }));
+    EXPECT_EQ(delegate_->ends[0].error, std::nullopt); // over TCP it is the protocol's error
+    EXPECT_EQ(channel_->connState(), kConnStateNone);
+    EXPECT_TRUE(waitUntil([&] { return device.hasEnded(); }));
+}
+
 TEST_F(PTUSBFramedChannelTest, aRefusedAttemptLeavesTheChannelReadyForAnother) {
     connectChannel(7);
     ASSERT_TRUE(waitUntil([&] { return connectOutcomes_.size() == 1; }));
