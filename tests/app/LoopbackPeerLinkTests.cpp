@@ -82,11 +82,18 @@ protected:
     LoopbackPeer peer_;
 };
 
-const LoopbackPeer kForeignPeer = {kAnotherUser, false};
+const LoopbackPeer kForeignPeer = {::geteuid() + 1, false};
 const LoopbackPeer kUnknownPeer = {std::nullopt, false};
 const LoopbackPeer kGonePeer = {std::nullopt, true};
-const QString kRefusal =
-    QStringLiteral("Refused to serve 127.0.0.1:2345: it belongs to another user ");
+
+QString refusalOf(const QString& user) {
+    return QStringLiteral("Refused to serve 127.0.0.1:2345: it belongs to another user (%1)")
+        .arg(user);
+}
+
+QString refusalOf(const LoopbackPeer& peer) {
+    return refusalOf(QString::number(*peer.owner));
+}
 
 TEST_F(LoopbackPeerOwnerTest, isServedAsThisUserAndAsRoot) {
     for (const uid_t user : {::geteuid(), uid_t{0}}) {
@@ -107,7 +114,7 @@ TEST_F(LoopbackPeerOwnerTest, isTurnedAwayAsAnotherUserWhichIsLoggedOnceAndTried
     launch();
     ASSERT_TRUE(device_.waitForEnd());
     ASSERT_TRUE(isTurnedAway(kForeignPeer));
-    EXPECT_EQ(log_.messages(), QStringList{kRefusal + QStringLiteral("(65534)")});
+    EXPECT_EQ(log_.messages(), QStringList{refusalOf(kForeignPeer)});
 }
 
 TEST_F(LoopbackPeerOwnerTest, isTurnedAwayWhenNobodyKnowsWhoItIs) {
@@ -115,7 +122,7 @@ TEST_F(LoopbackPeerOwnerTest, isTurnedAwayWhenNobodyKnowsWhoItIs) {
     launch();
     ASSERT_TRUE(device_.waitForEnd());
     ASSERT_TRUE(isTurnedAway(kUnknownPeer));
-    EXPECT_EQ(log_.messages(), QStringList{kRefusal + QStringLiteral("(unknown)")});
+    EXPECT_EQ(log_.messages(), QStringList{refusalOf(QStringLiteral("unknown"))});
 }
 
 TEST_F(LoopbackPeerOwnerTest, isAConnectionThatEndsUnservedWhenItHadGoneBeforeItsOwnerWasKnown) {
@@ -142,7 +149,7 @@ TEST_F(LoopbackPeerOwnerTest, saysNothingAboutTheNextOneWhenItHadGoneBeforeItsOw
         ASSERT_TRUE(device_.waitForConnection());
         ASSERT_TRUE(device_.waitForEnd());
     }
-    EXPECT_EQ(log_.messages().count(kRefusal + QStringLiteral("(65534)")), 1);
+    EXPECT_EQ(log_.messages().count(refusalOf(kForeignPeer)), 1);
 }
 
 TEST_F(LoopbackPeerOwnerTest, isLoggedAgainOnceAnotherWasServed) {
@@ -154,10 +161,10 @@ TEST_F(LoopbackPeerOwnerTest, isLoggedAgainOnceAnotherWasServed) {
     ASSERT_TRUE(waitUntil([&] { return isServed(); }));
     device_.disconnect();
     ASSERT_TRUE(isTurnedAway(kForeignPeer));
-    EXPECT_EQ(log_.messages(), (QStringList{kRefusal + QStringLiteral("(65534)"),
-                                            QStringLiteral("Connected to 127.0.0.1:2345"),
-                                            QStringLiteral("Disconnected from 127.0.0.1:2345"),
-                                            kRefusal + QStringLiteral("(65534)")}));
+    EXPECT_EQ(
+        log_.messages(),
+        (QStringList{refusalOf(kForeignPeer), QStringLiteral("Connected to 127.0.0.1:2345"),
+                     QStringLiteral("Disconnected from 127.0.0.1:2345"), refusalOf(kForeignPeer)}));
 }
 
 class LoopbackPeerLinkTest : public ServedProject {
