@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -55,7 +56,8 @@ public:
         ::mkfifo(fifo_.constData(), 0600);
         QFile tool(folder_.filePath(QStringLiteral("xdg-open")));
         if (tool.open(QIODevice::WriteOnly)) {
-            tool.write("#!/bin/sh\nexec timeout 60 sh -c \": <'" + fifo_ + "'\"\n");
+            tool.write("#!/bin/sh\necho >>'" + calls_ + "'\nexec timeout 60 sh -c \": <'" + fifo_ +
+                       "'\"\n");
         }
         tool.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         qputenv("PATH", folder_.path().toUtf8() + ':' + oldPath_);
@@ -68,6 +70,7 @@ public:
     LastingOpener(const LastingOpener&) = delete;
     LastingOpener& operator=(const LastingOpener&) = delete;
 
+    qint64 calls() const { return QFileInfo(QString::fromUtf8(calls_)).size(); }
     void letGo() {
         if (end_ < 0) {
             end_ = ::open(fifo_.constData(), O_RDWR | O_CLOEXEC);
@@ -77,6 +80,7 @@ public:
 private:
     QTemporaryDir folder_;
     const QByteArray fifo_ = folder_.filePath(QStringLiteral("fifo")).toUtf8();
+    const QByteArray calls_ = folder_.filePath(QStringLiteral("calls")).toUtf8();
     const QByteArray oldPath_ = qgetenv("PATH");
     int end_ = -1;
 };
@@ -93,6 +97,7 @@ TEST(DesktopOpener, aDeviceThatAsksWithoutEndStartsOnlySoMany) {
 
     opener.letGo();
     EXPECT_TRUE(waitUntil([] { return openWithDesktop(QStringLiteral("/a")); }));
+    EXPECT_TRUE(waitUntil([&] { return opener.calls() == kMaximumRunningOpeners + 1; }));
 }
 
 } // namespace
