@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/text/FilePath.h"
+
 #include <QDir>
 #include <QString>
 
@@ -8,13 +10,17 @@
 namespace navrel {
 
 /// The path that an editor is given for a requested one: absolute, so that nothing in it can look
-/// like an option, an address or a command. Nil for what names no file: nothing, or a NUL character
-/// within. A relative path is one from the folder of this process.
+/// like an option, an address or a command. Nil for what can name no file. A relative path is one
+/// from the folder of this process.
 inline std::optional<QString> requestedPath(const QString& path) {
-    if (path.isEmpty() || path.contains(QChar(u'\0'))) {
+    if (!canNameAFile(path)) {
         return std::nullopt;
     }
-    return path.startsWith(QLatin1Char('/')) ? path : QDir::currentPath() + QLatin1Char('/') + path;
+    if (path.startsWith(QLatin1Char('/'))) {
+        return path;
+    }
+    const QString absolute = QDir::currentPath() + QLatin1Char('/') + path;
+    return canNameAFile(absolute) ? std::optional(absolute) : std::nullopt;
 }
 
 } // namespace navrel

@@ -96,8 +96,9 @@ std::optional<QString> XcodeEditor::activeFileName() {
 }
 
 void XcodeEditor::openFile(const QString& path, std::optional<int> line) {
-    if (path.contains(QChar(u'\0'))) {
-        return; // names no file, and its beginning might name another one
+    // An empty path is left to the tool. What names no file might be taken for another one.
+    if (!path.isEmpty() && !canNameAFile(path)) {
+        return;
     }
     const auto open = [tools = tools_, path] { performOpenScriptWithPath(tools, path); };
     if (line) {

@@ -3,6 +3,7 @@
 #include "support/Errands.h"
 #include "support/Log.h"
 #include "support/ToolRunner.h"
+#include "support/text/FilePath.h"
 
 #include <QDir>
 
@@ -31,9 +32,8 @@ bool startOpener(const QString& argument) {
 } // namespace
 
 bool openWithDesktop(const QString& path) {
-    // A path with a NUL names no file, and its beginning might name another one.
-    const bool namesAFile = !path.isEmpty() && !path.contains(QChar(u'\0'));
-    return namesAFile && startOpener(QDir::current().absoluteFilePath(path));
+    // What names no file might be taken for another one: by its beginning, up to a NUL.
+    return canNameAFile(path) && startOpener(QDir::current().absoluteFilePath(path));
 }
 
 bool openURLWithDesktop(const QUrl& url) {

@@ -8,7 +8,7 @@ namespace navrel {
 /// Hands a file to the desktop's default opener (`xdg-open` found in `PATH`; `open` on macOS),
 /// without a shell and without waiting for it. It gets the absolute path, so that neither an option
 /// ("-x") nor a URL ("https://…") can be made of what a device calls a path. False when there is no
-/// opener, too many run already, or the path is empty or holds a NUL. Any thread.
+/// opener, too many run already, or the path can name no file. Any thread.
 bool openWithDesktop(const QString& path);
 
 /// Hands a web address (http or https, with a host) to the same opener. False when it is none,

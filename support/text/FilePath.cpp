@@ -42,6 +42,12 @@ bool canNameAFile(QByteArrayView path) {
     return !path.isEmpty() && path.size() <= kMaximumPathLength && !path.contains('\0');
 }
 
+bool canNameAFile(QStringView path) {
+    // A character takes a byte at the least: what is huge is not converted first.
+    return path.size() <= kMaximumPathLength && path.isValidUtf16() &&
+           canNameAFile(QByteArrayView(path.toUtf8()));
+}
+
 QByteArray appendingPathComponent(QByteArrayView path, QByteArrayView component) {
     QByteArray result;
     result.reserve(path.size() + component.size() + 1);

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QByteArrayView>
+#include <QStringView>
 
 #include <climits>
 
@@ -14,6 +15,10 @@ inline constexpr qsizetype kMaximumPathLength = PATH_MAX - 1;
 
 /// Whether a path can name a file at all.
 bool canNameAFile(QByteArrayView path);
+
+/// The same of a path as a text. One with half of a surrogate pair names none: its bytes would be
+/// those of another file.
+bool canNameAFile(QStringView path);
 
 /// The path of `component` within `path`: both joined with one slash, repeated slashes made one, a
 /// slash at the end dropped; ".." and "." stay as they are. A component that begins with a slash is

@@ -1,6 +1,7 @@
 #include "editors/EditorChoice.h"
 #include "editors/FollowedEditor.h"
 #include "editors/XcodeEditor.h"
+#include "support/text/FilePath.h"
 #include "tests/LogRecorder.h"
 #include "tests/RecordingTool.h"
 #include "tests/WaitUntil.h"
@@ -250,6 +251,9 @@ TEST_F(FollowedEditorTest, aRelativePathIsOneFromTheFolderOfTheProcess) {
 TEST_F(FollowedEditorTest, whatNamesNoFileOpensNothing) {
     followed.openFile(QStringLiteral(""), 1);
     followed.openFile(QStringLiteral("/a") + QChar(u'\0') + QStringLiteral("b"), 1);
+    followed.openFile(QStringLiteral("/a") + QChar(u'\xD83D') + QStringLiteral("b"), 1);
+    followed.openFile(QLatin1Char('/') + QString(1'000'000, QLatin1Char('x')), 1);
+    followed.openFile(QString(kMaximumPathLength, QLatin1Char('y')), 1);
     followed.openFile(QStringLiteral("/a.m"), 1);
     ASSERT_TRUE(waitUntil([&] { return !first->opened().empty(); }));
     EXPECT_EQ(first->opened().front().path, "/a.m");

@@ -254,9 +254,10 @@ TEST_F(XcodeEditorTest, aDeviceThatAsksWithoutEndFillsNoMachine) {
     ::close(end);
 }
 
-TEST_F(XcodeEditorTest, aPathWithANulCharacterOpensNothingAndSelectsNoLine) {
+TEST_F(XcodeEditorTest, aPathThatNamesNoFileOpensNothingAndSelectsNoLine) {
     XcodeEditor editor(tools);
     editor.openFile(QStringLiteral("/etc/passwd") + QChar(u'\0') + QStringLiteral(".m"), 3);
+    editor.openFile(QStringLiteral("/a") + QChar(u'\xD83D') + QStringLiteral(".m"), 3);
     editor.openFile(QStringLiteral("/main.m"), std::nullopt);
     ASSERT_TRUE(waitForCalls(tools.xed, 1));
     EXPECT_EQ(callsOf(tools.xed), QList<QByteArrayList>({{"/main.m"}}));

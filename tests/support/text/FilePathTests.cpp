@@ -1,5 +1,6 @@
 #include "support/text/FilePath.h"
 
+#include <QString>
 #include <gtest/gtest.h>
 
 namespace navrel {
@@ -40,6 +41,18 @@ TEST(FilePath, noFileHasNoNameOrOneWithANulOrOneThatIsTooLong) {
     EXPECT_FALSE(canNameAFile(QByteArray(kMaximumPathLength + 1, 'x')));
     EXPECT_FALSE(canNameAFile(QByteArray("/a\0b", 4)));
     EXPECT_FALSE(canNameAFile(""));
+}
+
+TEST(FilePath, aTextNamesAFileAsItsBytesDo) {
+    EXPECT_TRUE(canNameAFile(QStringLiteral("/caf\u00E9 \U0001F600.m")));
+    EXPECT_TRUE(canNameAFile(QString(kMaximumPathLength, QLatin1Char('x'))));
+    EXPECT_FALSE(canNameAFile(QString(kMaximumPathLength + 1, QLatin1Char('x'))));
+    EXPECT_FALSE(canNameAFile(QString(kMaximumPathLength, QChar(0x00E9)))) << "two bytes each";
+    EXPECT_FALSE(canNameAFile(QStringLiteral("/a") + QChar(u'\0') + QStringLiteral("b")));
+    EXPECT_FALSE(canNameAFile(QStringView()));
+    for (const char16_t half : {u'\xD83D', u'\xDE00'}) {
+        EXPECT_FALSE(canNameAFile(QStringLiteral("/a") + QChar(half) + QStringLiteral(".m")));
+    }
 }
 
 TEST(FilePath, deletingTheLastComponentLeavesTheFolder) {
