@@ -16,24 +16,39 @@ namespace {
 
 constexpr char kTheServer[] = "";
 
-/// Whether there may be a server: asking `emacsclient` costs a process, twice a second, on machines
-/// where no Emacs runs too.
-bool mayRun() {
+/// How `emacsclient` is told which server is meant.
+struct Server {
+    /// Whether there may be one: asking costs a process, twice a second, on machines where no Emacs
+    /// runs too.
+    bool mayRun = false;
+    QStringList options;
+};
+
+Server theServer() {
     if (qEnvironmentVariableIsSet("EMACS_SOCKET_NAME") ||
         qEnvironmentVariableIsSet("EMACS_SERVER_FILE")) {
-        return true;
+        return {true, {}};
     }
-    const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
-    const QString temporary = qEnvironmentVariable("TMPDIR", QStringLiteral("/tmp"));
+    const QString inTemporary = QStringLiteral("emacs%1/server").arg(::geteuid());
+    const QString temporary = qEnvironmentVariable("TMPDIR");
+    const QString folder = temporary.isEmpty() ? QStringLiteral("/tmp") : temporary;
     const QString home = qEnvironmentVariable("HOME");
-    const QStringList servers = {
-        runtime + QStringLiteral("/emacs/server"),
-        temporary + QStringLiteral("/emacs%1/server").arg(::geteuid()),
+    const QStringList found = {
+        qEnvironmentVariable("XDG_RUNTIME_DIR") + QStringLiteral("/emacs/server"),
         home + QStringLiteral("/.emacs.d/server/server"),
         home + QStringLiteral("/.config/emacs/server/server"),
     };
-    return std::any_of(servers.begin(), servers.end(),
-                       [](const QString& path) { return QFileInfo::exists(path); });
+    const auto exists = [](const QString& path) { return QFileInfo::exists(path); };
+    if (std::any_of(found.begin(), found.end(), exists)) {
+        return {true, {}};
+    }
+    const QString socket = folder + QLatin1Char('/') + inTemporary;
+    if (!exists(socket)) {
+        return {};
+    }
+    // A TMPDIR that is set to nothing counts as unset, but not for the client.
+    const bool isHidden = qEnvironmentVariableIsSet("TMPDIR") && temporary.isEmpty();
+    return {true, isHidden ? QStringList{QStringLiteral("-s"), socket} : QStringList()};
 }
 
 struct Evaluation {
@@ -44,12 +59,14 @@ struct Evaluation {
 
 Evaluation evaluate(const QByteArray& expression, const QDeadlineTimer& deadline) {
     const auto client = findTool(QStringLiteral("emacsclient"));
-    if (!client || !mayRun() || deadline.hasExpired()) {
+    const Server server = theServer();
+    if (!client || !server.mayRun || deadline.hasExpired()) {
         return {};
     }
     // The alternate editor that fails: otherwise, an Emacs could be started.
-    const QStringList arguments = {QStringLiteral("-a"), QStringLiteral("false"),
-                                   QStringLiteral("--eval"), QString::fromLatin1(expression)};
+    const QStringList arguments =
+        QStringList{QStringLiteral("-a"), QStringLiteral("false")} + server.options +
+        QStringList{QStringLiteral("--eval"), QString::fromLatin1(expression)};
     const auto output =
         outputOfTool(*client, arguments, std::chrono::milliseconds(deadline.remainingTime()));
     if (!output) {

@@ -8,8 +8,11 @@
 #include "tests/editors/ScratchEnvironment.h"
 #include "tests/editors/Terminal.h"
 
+#include <QFileInfo>
 #include <QProcess>
 #include <gtest/gtest.h>
+
+#include <unistd.h>
 
 namespace navrel {
 namespace {
@@ -118,6 +121,23 @@ TEST_F(EmacsEditorTest, theServerOfTheEnvironmentIsAsked) {
     start(fileA());
     environment.set("EMACS_SOCKET_NAME", environment.bytesOf("xdg_runtime_dir/emacs/server"));
     EXPECT_EQ(activeFile(), fileA());
+}
+
+TEST_F(EmacsEditorTest, aTemporaryFolderThatIsSetToNothingIsTheOneOfAll) {
+    const QByteArray folder = "/tmp/emacs" + QByteArray::number(::geteuid());
+    if (QFileInfo::exists(QString::fromUtf8(folder))) {
+        GTEST_SKIP() << folder.constData() << " is there: an Emacs of the person's may be using it";
+    }
+    environment.unset("XDG_RUNTIME_DIR");
+    environment.unset("TMPDIR");
+    startDaemon();
+    environment.set("TMPDIR", "");
+    EXPECT_TRUE(waitUntil([&] { return activeFile() == QByteArray(""); }));
+    EXPECT_TRUE(open(fileB(), 42));
+    EXPECT_EQ(activeFile(), fileB());
+    daemon.kill();
+    daemon.waitForFinished();
+    QDir(QString::fromUtf8(folder)).removeRecursively();
 }
 
 TEST_F(EmacsEditorTest, aDaemonWithoutAFrameIsAnEditorToo) {
