@@ -13,7 +13,10 @@ protected:
     std::optional<int> lineFor(const QVariant& line) {
         editor.opened.clear();
         manager().openFile(QStringLiteral("/a.m"), line);
-        EXPECT_EQ(editor.opened.size(), 1U);
+        if (editor.opened.size() != 1) {
+            ADD_FAILURE() << editor.opened.size() << " requests reached the editor";
+            return std::nullopt;
+        }
         EXPECT_EQ(editor.opened.front().path, QStringLiteral("/a.m"));
         return editor.opened.front().line;
     }

@@ -44,7 +44,7 @@ protected:
     }
     /// The daemon, and a frame in the terminal that shows a file.
     void start(const QByteArray& file) {
-        startDaemon();
+        ASSERT_NO_FATAL_FAILURE(startDaemon());
         ASSERT_TRUE(terminal.start(
             {QStringLiteral("emacsclient"), QStringLiteral("-nw"), QFile::decodeName(file)}));
         ASSERT_TRUE(waitUntil([&] { return shownFile() == quoted(file); }));
@@ -91,14 +91,14 @@ protected:
 };
 
 TEST_F(EmacsEditorTest, theSelectedWindowsFileIsActive) {
-    start(fileA());
+    ASSERT_NO_FATAL_FAILURE(start(fileA()));
     EXPECT_EQ(activeFile(), fileA());
     terminal.type({QStringLiteral("C-x"), QStringLiteral("b"), QStringLiteral("Enter")});
     EXPECT_TRUE(waitUntil([&] { return activeFile() == QByteArray(""); }));
 }
 
 TEST_F(EmacsEditorTest, behindTheMinibufferTheFileIsStillActive) {
-    start(fileA());
+    ASSERT_NO_FATAL_FAILURE(start(fileA()));
     terminal.type({QStringLiteral("M-x")});
     ASSERT_TRUE(terminal.waitForScreen("M-x"));
     ASSERT_TRUE(waitUntil([] { return valueOf("(minibuffer-depth)") == "1"; }));
@@ -118,7 +118,7 @@ TEST_F(EmacsEditorTest, withoutAnEmacsThereIsNoAnswerAndNoneIsStarted) {
 }
 
 TEST_F(EmacsEditorTest, theServerOfTheEnvironmentIsAsked) {
-    start(fileA());
+    ASSERT_NO_FATAL_FAILURE(start(fileA()));
     environment.set("EMACS_SOCKET_NAME", environment.bytesOf("xdg_runtime_dir/emacs/server"));
     EXPECT_EQ(activeFile(), fileA());
 }
@@ -130,7 +130,7 @@ TEST_F(EmacsEditorTest, aTemporaryFolderThatIsSetToNothingIsTheOneOfAll) {
     }
     environment.unset("XDG_RUNTIME_DIR");
     environment.unset("TMPDIR");
-    startDaemon();
+    ASSERT_NO_FATAL_FAILURE(startDaemon());
     environment.set("TMPDIR", "");
     EXPECT_TRUE(waitUntil([&] { return activeFile() == QByteArray(""); }));
     EXPECT_TRUE(open(fileB(), 42));
@@ -141,7 +141,7 @@ TEST_F(EmacsEditorTest, aTemporaryFolderThatIsSetToNothingIsTheOneOfAll) {
 }
 
 TEST_F(EmacsEditorTest, aDaemonWithoutAFrameIsAnEditorToo) {
-    startDaemon();
+    ASSERT_NO_FATAL_FAILURE(startDaemon());
     EXPECT_EQ(activeFile(), QByteArray(""));
     EXPECT_TRUE(open(fileB(), 42));
     expectSelected(fileB(), "line 42");
@@ -149,7 +149,7 @@ TEST_F(EmacsEditorTest, aDaemonWithoutAFrameIsAnEditorToo) {
 }
 
 TEST_F(EmacsEditorTest, aFileIsOpenedAndItsLineSelectedAndSeen) {
-    start(fileA());
+    ASSERT_NO_FATAL_FAILURE(start(fileA()));
     EXPECT_TRUE(open(fileB(), 142));
     expectSelected(fileB(), "line 142");
     EXPECT_TRUE(terminal.waitForScreen("line 142\n"));
@@ -159,7 +159,7 @@ TEST_F(EmacsEditorTest, aFileIsOpenedAndItsLineSelectedAndSeen) {
 }
 
 TEST_F(EmacsEditorTest, aLineOutsideTheFileIsTheNearestOne) {
-    start(fileA());
+    ASSERT_NO_FATAL_FAILURE(start(fileA()));
     EXPECT_TRUE(open(fileB(), 100'000));
     EXPECT_EQ(valueThere("(line-number-at-pos)"), "201");
     EXPECT_TRUE(open(fileB(), -5));
@@ -167,14 +167,14 @@ TEST_F(EmacsEditorTest, aLineOutsideTheFileIsTheNearestOne) {
 }
 
 TEST_F(EmacsEditorTest, aLineOutsideWhatTheBufferIsNarrowedToIsShown) {
-    start(fileA());
+    ASSERT_NO_FATAL_FAILURE(start(fileA()));
     valueThere("(narrow-to-region 1 10)");
     EXPECT_TRUE(open(fileA(), 142));
     expectSelected(fileA(), "line 142");
 }
 
 TEST_F(EmacsEditorTest, theWayBackIsOnTheGlobalMarkRing) {
-    start(fileA());
+    ASSERT_NO_FATAL_FAILURE(start(fileA()));
     terminal.type({QStringLiteral("M-g"), QStringLiteral("g"), QStringLiteral("50"),
                    QStringLiteral("Enter")});
     ASSERT_TRUE(waitForValueThere("(line-number-at-pos (window-point))", "50"));
@@ -185,7 +185,7 @@ TEST_F(EmacsEditorTest, theWayBackIsOnTheGlobalMarkRing) {
 }
 
 TEST_F(EmacsEditorTest, theWayBackWithinAFileIsOnItsMarkRing) {
-    start(fileA());
+    ASSERT_NO_FATAL_FAILURE(start(fileA()));
     terminal.type({QStringLiteral("M-g"), QStringLiteral("g"), QStringLiteral("50"),
                    QStringLiteral("Enter")});
     ASSERT_TRUE(waitForValueThere("(line-number-at-pos (window-point))", "50"));
@@ -194,7 +194,7 @@ TEST_F(EmacsEditorTest, theWayBackWithinAFileIsOnItsMarkRing) {
 }
 
 TEST_F(EmacsEditorTest, unsavedChangesAreKeptAlsoWhenTheFileChangesOnTheDisk) {
-    start(fileB());
+    ASSERT_NO_FATAL_FAILURE(start(fileB()));
     valueThere("(insert \"unsaved \")");
     EXPECT_TRUE(open(fileA(), 1));
     ScratchEnvironment::write(fileB(), ScratchEnvironment::lines(300));
@@ -206,7 +206,7 @@ TEST_F(EmacsEditorTest, unsavedChangesAreKeptAlsoWhenTheFileChangesOnTheDisk) {
 }
 
 TEST_F(EmacsEditorTest, aFileThatChangedOnTheDiskIsReadAgainWithoutAPrompt) {
-    start(fileB());
+    ASSERT_NO_FATAL_FAILURE(start(fileB()));
     EXPECT_TRUE(open(fileA(), 1));
     ScratchEnvironment::write(fileB(), ScratchEnvironment::lines(300));
     EXPECT_TRUE(open(fileB(), 250));
@@ -214,7 +214,7 @@ TEST_F(EmacsEditorTest, aFileThatChangedOnTheDiskIsReadAgainWithoutAPrompt) {
 }
 
 TEST_F(EmacsEditorTest, nothingIsAskedOfThePerson) {
-    start(fileA());
+    ASSERT_NO_FATAL_FAILURE(start(fileA()));
     // A big file, local variables that are not safe, a lock of somebody else, a link to a file
     // under version control.
     valueOf("(setq large-file-warning-threshold 10)");
@@ -240,14 +240,14 @@ TEST_F(EmacsEditorTest, nothingIsAskedOfThePerson) {
 }
 
 TEST_F(EmacsEditorTest, aPathThatLooksRemoteIsALocalOne) {
-    start(fileA());
+    ASSERT_NO_FATAL_FAILURE(start(fileA()));
     EXPECT_TRUE(open("/ssh:nowhere:/etc/x.m", 1));
     EXPECT_EQ(shownFile(), "\"/:/ssh:nowhere:/etc/x.m\"");
     EXPECT_EQ(activeFile(), QByteArray("/ssh:nowhere:/etc/x.m"));
 }
 
 TEST_F(EmacsEditorTest, anEditorThatCannotOpenIsLogged) {
-    start(fileA());
+    ASSERT_NO_FATAL_FAILURE(start(fileA()));
     valueOf("(add-hook 'find-file-hook (lambda () (error \"Refused\")))");
     EXPECT_TRUE(open(fileB(), 1));
     ASSERT_EQ(log.messages().size(), 1);

@@ -5,12 +5,14 @@
 #include "tests/LogRecorder.h"
 #include "tests/RecordingTool.h"
 #include "tests/WaitUntil.h"
+#include "tests/editors/FakeServer.h"
 #include "tests/editors/ScratchEnvironment.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <chrono>
+#include <memory>
 #include <mutex>
 #include <thread>
 #include <vector>
@@ -259,23 +261,79 @@ TEST_F(FollowedEditorTest, whatNamesNoFileOpensNothing) {
     EXPECT_EQ(first->opened().front().path, "/a.m");
 }
 
-TEST(EditorChoice, theEnvironmentNamesTheEditor) {
+/// A Neovim and an Emacs, each with a file; what they open is nobody's here.
+class EditorChoice : public ::testing::Test {
+protected:
+    EditorChoice() {
+        ScratchEnvironment::write(environment.bytesOf("bin/emacsclient"),
+                                  "#!/bin/sh\necho '\"" +
+                                      QByteArrayLiteral("/of/emacs.m").toBase64() + "\"'\n");
+        QFile(environment.pathOf(QStringLiteral("bin/emacsclient")))
+            .setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
+
+    void startNeovim() {
+        neovim = std::make_unique<FakeNeovim>(environment.bytesOf("xdg_runtime_dir/nvim.1.0"),
+                                              "/of/neovim.m");
+    }
+    void startEmacs() {
+        environment.set("PATH", environment.bytesOf("bin") + ':' + qgetenv("PATH"));
+        environment.set("EMACS_SOCKET_NAME", "server");
+    }
+    /// Waits for the editor to tell of an active file: on a busy machine it may be late, and is
+    /// then left alone for a while.
+    static bool showsFile(Editor& editor, const char* name) {
+        return waitUntil([&] { return editor.activeFileName() == QLatin1String(name); });
+    }
+
+    static bool isXcodeThere() { return QFile::exists(XcodeEditor::Tools().osascript); }
+
     ScratchEnvironment environment;
+    std::unique_ptr<FakeNeovim> neovim;
+};
+
+TEST_F(EditorChoice, theEnvironmentNamesTheEditorWhicheverElseRuns) {
+    startNeovim();
+    startEmacs();
     environment.set("NAVREL_EDITOR", "xcode");
     EXPECT_NE(std::dynamic_pointer_cast<XcodeEditor>(chooseEditor()), nullptr);
-    for (const char* name : {"neovim", "emacs"}) {
-        environment.set("NAVREL_EDITOR", name);
-        EXPECT_EQ(chooseEditor()->activeProjectPath(), std::nullopt) << name << " does not run";
-    }
+    environment.set("NAVREL_EDITOR", "neovim");
+    EXPECT_TRUE(showsFile(*chooseEditor(), "neovim.m"));
+    environment.set("NAVREL_EDITOR", "emacs");
+    EXPECT_TRUE(showsFile(*chooseEditor(), "emacs.m"));
     environment.set("NAVREL_EDITOR", "desktop");
-    EXPECT_EQ(chooseEditor()->activeProjectPath(), QStringLiteral(""));
+    EXPECT_TRUE(showsFile(*chooseEditor(), ""));
 }
 
-TEST(EditorChoice, withoutAnyEditorTheDesktopOpensFiles) {
-    if (QFile::exists(XcodeEditor::Tools().osascript)) {
+TEST_F(EditorChoice, aNamedEditorThatDoesNotRunHasNoSubstitute) {
+    startEmacs();
+    environment.set("NAVREL_EDITOR", "neovim");
+    EXPECT_EQ(chooseEditor()->activeFileName(), std::nullopt);
+    EXPECT_EQ(chooseEditor()->activeProjectPath(), std::nullopt);
+    environment.unset("EMACS_SOCKET_NAME");
+    startNeovim();
+    environment.set("NAVREL_EDITOR", "emacs");
+    EXPECT_EQ(chooseEditor()->activeFileName(), std::nullopt);
+}
+
+TEST_F(EditorChoice, neovimComesBeforeEmacsAndEmacsBeforeTheDesktop) {
+    if (isXcodeThere()) {
+        GTEST_SKIP() << "Xcode's tools are installed, and come first";
+    }
+    const auto editor = chooseEditor();
+    EXPECT_EQ(editor->activeFileName(), QStringLiteral(""));
+    startEmacs();
+    EXPECT_TRUE(showsFile(*editor, "emacs.m"));
+    startNeovim();
+    EXPECT_TRUE(showsFile(*editor, "neovim.m"));
+    neovim = nullptr;
+    EXPECT_TRUE(showsFile(*editor, "emacs.m"));
+}
+
+TEST_F(EditorChoice, withoutAnyEditorTheDesktopOpensFiles) {
+    if (isXcodeThere()) {
         GTEST_SKIP() << "Xcode's tools are installed";
     }
-    const ScratchEnvironment environment;
     const RecordingTool opener(QStringLiteral("xdg-open"));
     const auto editor = chooseEditor();
     EXPECT_EQ(editor->activeProjectPath(), QStringLiteral(""));
@@ -285,8 +343,7 @@ TEST(EditorChoice, withoutAnyEditorTheDesktopOpensFiles) {
     EXPECT_EQ(opener.arguments(), QByteArrayList{"/a.m"});
 }
 
-TEST(EditorChoice, anUnknownNameIsLoggedAndTheEditorDetected) {
-    ScratchEnvironment environment;
+TEST_F(EditorChoice, anUnknownNameIsLoggedAndTheEditorDetected) {
     environment.set("NAVREL_EDITOR", "ed");
     LogRecorder log;
     EXPECT_NE(chooseEditor(), nullptr);

@@ -96,14 +96,14 @@ protected:
 };
 
 TEST_F(NeovimEditorTest, theCurrentBuffersFileIsActive) {
-    start(fileA());
+    ASSERT_NO_FATAL_FAILURE(start(fileA()));
     EXPECT_EQ(activeFile(), fileA());
     terminal.type({QStringLiteral(":edit "), QFile::decodeName(fileB()), QStringLiteral("Enter")});
     EXPECT_TRUE(waitUntil([&] { return activeFile() == fileB(); }));
 }
 
 TEST_F(NeovimEditorTest, withoutAFileNothingIsActive) {
-    start(fileA());
+    ASSERT_NO_FATAL_FAILURE(start(fileA()));
     terminal.type({QStringLiteral(":enew"), QStringLiteral("Enter")});
     EXPECT_TRUE(waitUntil([&] { return activeFile() == QByteArray(""); }));
     terminal.type({QStringLiteral(":help"), QStringLiteral("Enter")});
@@ -112,7 +112,7 @@ TEST_F(NeovimEditorTest, withoutAFileNothingIsActive) {
 }
 
 TEST_F(NeovimEditorTest, behindACommandLineWindowTheFileIsStillActive) {
-    start(fileA());
+    ASSERT_NO_FATAL_FAILURE(start(fileA()));
     terminal.type({QStringLiteral("q:")});
     ASSERT_TRUE(waitForValue("getcmdwintype()", ":"));
     EXPECT_EQ(activeFile(), fileA());
@@ -124,7 +124,7 @@ TEST_F(NeovimEditorTest, withoutANeovimThereIsNoAnswer) {
 }
 
 TEST_F(NeovimEditorTest, aFileIsOpenedWithoutALine) {
-    start(fileA());
+    ASSERT_NO_FATAL_FAILURE(start(fileA()));
     EXPECT_TRUE(open(fileB()));
     EXPECT_EQ(valueOf("expand('%:p')"), fileB());
     EXPECT_EQ(valueOf("mode()"), "n");
@@ -147,7 +147,7 @@ void PrintTo(const State& state, std::ostream* stream) {
 class NeovimStates : public NeovimEditorTest, public ::testing::WithParamInterface<State> {};
 
 TEST_P(NeovimStates, aFileIsOpenedAndItsLineSelectedAndSeen) {
-    start(fileA());
+    ASSERT_NO_FATAL_FAILURE(start(fileA()));
     terminal.type(GetParam().keys);
     ASSERT_TRUE(waitForValue(GetParam().expression, GetParam().value));
 
@@ -191,7 +191,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& instance) { return std::string(instance.param.name); });
 
 TEST_F(NeovimEditorTest, aLineOutsideTheFileIsTheNearestOne) {
-    start(fileA());
+    ASSERT_NO_FATAL_FAILURE(start(fileA()));
     EXPECT_TRUE(open(fileB(), 100'000));
     expectSelected(fileB(), 200);
     EXPECT_TRUE(open(fileB(), -5));
@@ -199,7 +199,7 @@ TEST_F(NeovimEditorTest, aLineOutsideTheFileIsTheNearestOne) {
 }
 
 TEST_F(NeovimEditorTest, aFoldedLineIsInView) {
-    start(fileA(), {QStringLiteral("+10,190fold")});
+    ASSERT_NO_FATAL_FAILURE(start(fileA(), {QStringLiteral("+10,190fold")}));
     EXPECT_TRUE(open(fileA(), 100));
     expectSelected(fileA(), 100);
     EXPECT_EQ(valueOf("foldclosed(100)"), "-1");
@@ -207,14 +207,14 @@ TEST_F(NeovimEditorTest, aFoldedLineIsInView) {
 }
 
 TEST_F(NeovimEditorTest, theWayBackIsInTheJumpList) {
-    start(fileA(), {QStringLiteral("+50")});
+    ASSERT_NO_FATAL_FAILURE(start(fileA(), {QStringLiteral("+50")}));
     EXPECT_TRUE(open(fileB(), 142));
     terminal.type({QStringLiteral("Escape"), QStringLiteral("C-o")});
     EXPECT_TRUE(waitForValue("expand('%:p') . line('.')", fileA() + "50"));
 }
 
 TEST_F(NeovimEditorTest, theWayBackWithinAFileIsInTheJumpList) {
-    start(fileA(), {QStringLiteral("+50")});
+    ASSERT_NO_FATAL_FAILURE(start(fileA(), {QStringLiteral("+50")}));
     EXPECT_TRUE(open(fileA(), 142));
     terminal.type({QStringLiteral("Escape"), QStringLiteral("C-o")});
     EXPECT_TRUE(waitForValue("line('.')", "50"));
@@ -243,7 +243,7 @@ TEST_F(NeovimEditorTest, unsavedChangesAreKept) {
 }
 
 TEST_F(NeovimEditorTest, changesInABufferThatIsWipedWhenHiddenAreKept) {
-    start(fileA(), {QStringLiteral("+set bufhidden=wipe")});
+    ASSERT_NO_FATAL_FAILURE(start(fileA(), {QStringLiteral("+set bufhidden=wipe")}));
     terminal.type({QStringLiteral("iunsaved "), QStringLiteral("Escape")});
     ASSERT_TRUE(waitForValue("&modified . mode()", "1n"));
 
@@ -259,7 +259,7 @@ TEST_F(NeovimEditorTest, aFileThatAnotherNeovimHasOpenIsShownForReading) {
     other.type({QStringLiteral("ichanged "), QStringLiteral("Escape"), QStringLiteral(":preserve"),
                 QStringLiteral("Enter")});
     ASSERT_TRUE(other.waitForScreen("File preserved"));
-    start(fileA());
+    ASSERT_NO_FATAL_FAILURE(start(fileA()));
 
     EXPECT_TRUE(open(fileB(), 9));
     expectSelected(fileB(), 9);
@@ -280,7 +280,7 @@ TEST_F(NeovimEditorTest, theSwapFileOfACrashIsNoPromptAndStays) {
         crashing.kill();
         crashing.waitForFinished();
     }
-    start(fileA());
+    ASSERT_NO_FATAL_FAILURE(start(fileA()));
 
     EXPECT_TRUE(open(fileB(), 9));
     expectSelected(fileB(), 9);
@@ -289,7 +289,7 @@ TEST_F(NeovimEditorTest, theSwapFileOfACrashIsNoPromptAndStays) {
 }
 
 TEST_F(NeovimEditorTest, aFileThatChangedOnTheDiskIsReadAgainWithoutAPrompt) {
-    start(fileA(), {QStringLiteral("+set noautoread")});
+    ASSERT_NO_FATAL_FAILURE(start(fileA(), {QStringLiteral("+set noautoread")}));
     EXPECT_TRUE(open(fileB(), 1));
     EXPECT_TRUE(open(fileA(), 1));
     ScratchEnvironment::write(fileB(), ScratchEnvironment::lines(300));
@@ -299,7 +299,7 @@ TEST_F(NeovimEditorTest, aFileThatChangedOnTheDiskIsReadAgainWithoutAPrompt) {
 }
 
 TEST_F(NeovimEditorTest, unsavedChangesSurviveAChangeOnTheDiskWithoutAPrompt) {
-    start(fileB());
+    ASSERT_NO_FATAL_FAILURE(start(fileB()));
     terminal.type({QStringLiteral("iunsaved "), QStringLiteral("Escape")});
     ASSERT_TRUE(waitForValue("&modified . mode()", "1n"));
     EXPECT_TRUE(open(fileA(), 1));
@@ -312,7 +312,7 @@ TEST_F(NeovimEditorTest, unsavedChangesSurviveAChangeOnTheDiskWithoutAPrompt) {
 }
 
 TEST_F(NeovimEditorTest, anEditorThatWaitsForAKeyIsNoAnswer) {
-    start(fileA());
+    ASSERT_NO_FATAL_FAILURE(start(fileA()));
     terminal.type({QStringLiteral("\"")}); // and now the name of a register
     ASSERT_TRUE(waitUntil([] {
         NeovimEditor fresh; // which has had no answer yet
@@ -327,7 +327,7 @@ TEST_F(NeovimEditorTest, anEditorThatWaitsForAKeyIsNoAnswer) {
 }
 
 TEST_F(NeovimEditorTest, anEditorBehindAPromptIsNoAnswer) {
-    start(fileA());
+    ASSERT_NO_FATAL_FAILURE(start(fileA()));
     terminal.type({QStringLiteral(":echo \"a\\nb\\nc\""), QStringLiteral("Enter")});
     ASSERT_TRUE(terminal.waitForScreen("Press ENTER"));
     EXPECT_EQ(activeFile(), std::nullopt);
@@ -335,7 +335,8 @@ TEST_F(NeovimEditorTest, anEditorBehindAPromptIsNoAnswer) {
 }
 
 TEST_F(NeovimEditorTest, anEditorThatStaysInItsModeIsToldOf) {
-    start(fileA(), {QStringLiteral("+autocmd ModeChanged *:n call feedkeys('i', 'n')")});
+    ASSERT_NO_FATAL_FAILURE(
+        start(fileA(), {QStringLiteral("+autocmd ModeChanged *:n call feedkeys('i', 'n')")}));
     terminal.type({QStringLiteral("i")});
     ASSERT_TRUE(waitForValue("mode()", "i"));
     EXPECT_TRUE(editor.open(fileB(), 3, QDeadlineTimer(seconds(2))));
@@ -344,14 +345,14 @@ TEST_F(NeovimEditorTest, anEditorThatStaysInItsModeIsToldOf) {
 }
 
 TEST_F(NeovimEditorTest, aFileThatIsNotThereIsABufferOfItsName) {
-    start(fileA());
+    ASSERT_NO_FATAL_FAILURE(start(fileA()));
     const QByteArray missing = environment.bytesOf("work/no such.m");
     EXPECT_TRUE(open(missing, 3));
     EXPECT_EQ(valueOf("expand('%:p')"), missing);
 }
 
 TEST_F(NeovimEditorTest, theNewestServerIsAskedFirstAndTheNextOneInItsPlace) {
-    start(fileA());
+    ASSERT_NO_FATAL_FAILURE(start(fileA()));
     Terminal second(environment.pathOf(QStringLiteral("tmux2")));
     ASSERT_TRUE(second.start({kNeovim, QStringLiteral("--clean"), QStringLiteral("--listen"),
                               socketNamed("2"), QFile::decodeName(fileB())}));
@@ -365,7 +366,7 @@ TEST_F(NeovimEditorTest, theNewestServerIsAskedFirstAndTheNextOneInItsPlace) {
 }
 
 TEST_F(NeovimEditorTest, theServerOfTheEnvironmentIsAskedFirst) {
-    start(fileA());
+    ASSERT_NO_FATAL_FAILURE(start(fileA()));
     Terminal second(environment.pathOf(QStringLiteral("tmux2")));
     ASSERT_TRUE(second.start({kNeovim, QStringLiteral("--clean"), QStringLiteral("--listen"),
                               socketNamed("2"), QFile::decodeName(fileB())}));

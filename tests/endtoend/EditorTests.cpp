@@ -14,6 +14,7 @@
 #include <QSettings>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <csignal>
 #include <sys/types.h>
 
@@ -74,12 +75,12 @@ protected:
             GTEST_SKIP() << "needs nvim";
         }
         environment_.set("NVIM", socket_.toUtf8());
-        EditorTest::SetUp();
+        ASSERT_NO_FATAL_FAILURE(EditorTest::SetUp());
         neovim_.start(kNeovim, {QStringLiteral("--clean"), QStringLiteral("--headless"),
                                 QStringLiteral("--listen"), socket_,
                                 first_.folder() + QStringLiteral("/a.m")});
         ASSERT_TRUE(waitUntil([this] { return valueOf("v:vim_did_enter") == "1"; }));
-        startNavrel();
+        ASSERT_NO_FATAL_FAILURE(startNavrel());
     }
     ~NeovimTest() override {
         neovim_.kill();
@@ -125,7 +126,7 @@ TEST_F(NeovimTest, theProjectOfTheEditorsFileIsFollowedAndRemembered) {
 TEST_F(NeovimTest, theElementsOfTheEditorsFileAreShown) {
     ASSERT_TRUE(waitUntil([this] { return shownFiles() == 1; }));
     std::optional<QVariantMap> elements;
-    EXPECT_TRUE(waitUntil([&] { return (elements = elementsOfActiveFile()).has_value(); }));
+    ASSERT_TRUE(waitUntil([&] { return (elements = elementsOfActiveFile()).has_value(); }));
     EXPECT_EQ(elements->value(QStringLiteral("identifier")).toString(), QStringLiteral("A"));
 }
 
@@ -179,8 +180,8 @@ protected:
                                     tools_.pathOf("project") + ";;\n*'return name of'*) cat " +
                                     tools_.pathOf("file") + ";;\n*)\n" + record + ";;\nesac\n");
         setActive(first_, "a.m");
-        EditorTest::SetUp();
-        startNavrel();
+        ASSERT_NO_FATAL_FAILURE(EditorTest::SetUp());
+        ASSERT_NO_FATAL_FAILURE(startNavrel());
     }
 
     void setActive(const SmallProject& project, const QByteArray& file) const {
