@@ -89,7 +89,8 @@ public:
 
     // Selection.
 
-    /// Turns automatic selection off and lets the person pick a project (modal).
+    /// Turns automatic selection off and lets the person pick a project (modal). There is one panel
+    /// at a time: while it is shown, a further call turns automatic selection off, and that is all.
     void open();
     /// Path of the project that is active in the editor: the empty string when none is, nil when
     /// the editor could not be asked.
@@ -186,6 +187,7 @@ private:
     // How many modal dialogs are open. Their event loops run the timer too; no update happens
     // behind an open dialog.
     int modalDialogs_ = 0;
+    bool isOpenPanelShown_ = false;
 };
 
 } // namespace navrel

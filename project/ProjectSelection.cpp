@@ -44,8 +44,12 @@ void KZDataManager::setAutomaticProjectSelectionItem(MenuItem* item) {
 void KZDataManager::open() {
     // Deliberate: off even when the person cancels, and nothing turns it on again.
     setAutomaticProjectSelection(false);
+    if (isOpenPanelShown_) {
+        return; // the person is being asked
+    }
     std::optional<QString> path;
     {
+        const QScopedValueRollback shown(isOpenPanelShown_, true);
         const QScopedValueRollback modal(modalDialogs_, modalDialogs_ + 1);
         path = collaborators_.dialogs.runOpenPanel(
             QStringLiteral("Select *.xcodeproj file to use with Navrel"),

@@ -179,6 +179,24 @@ TEST_F(ProjectSelection, openTurnsAutomaticSelectionOffBeforeThePanelShows) {
     EXPECT_EQ(manager().pbxProjPath(), bundle());
 }
 
+TEST_F(ProjectSelection, thereIsOneOpenPanelAtATime) {
+    defaults.setString(kLastKnown, bundle());
+    manager();
+    dialogs.whileOpen = [&] {
+        dialogs.whileOpen = nullptr;
+        manager().setAutomaticProjectSelection(true);
+        manager().open();
+        EXPECT_EQ(dialogs.panels, 1);
+        EXPECT_FALSE(manager().automaticProjectSelection());
+        dialogs.pickedPath = QStringLiteral("/b/B.xcodeproj");
+    };
+    manager().open();
+    EXPECT_EQ(manager().pbxProjPath(), QStringLiteral("/b/B.xcodeproj"));
+
+    manager().open();
+    EXPECT_EQ(dialogs.panels, 2) << "once it is closed the next may be shown";
+}
+
 TEST_F(ProjectSelection, nothingTurnsAutomaticSelectionOnAgain) {
     dialogs.pickedPath = bundle();
     manager();
