@@ -109,6 +109,10 @@ void XcodeEditor::openFile(const QString& path, std::optional<int> line) {
     }
 }
 
+void XcodeEditor::selectLine(int line) {
+    requests_.start({[tools = tools_, line] { performJumpScript(tools, line); }});
+}
+
 /// What a script prints, without line feeds; nil when nothing could be read.
 std::optional<QString> XcodeEditor::answerOf(const QString& script) {
     if (silent_.contains("")) {

@@ -43,6 +43,8 @@ public:
     /// file. Two requests in quick succession run at the same time, in no certain order. Where too
     /// many tools run already nothing is done, which is logged.
     void openFile(const QString& path, std::optional<int> line) override;
+    /// Starts the first of these threads alone.
+    void selectLine(int line) override;
 
 private:
     std::optional<QString> answerOf(const QString& script);

@@ -24,6 +24,11 @@ public:
     /// reported.
     virtual void openFile(const QString& path, std::optional<int> line) = 0;
 
+    /// Selects a line (1-based) of the file in front: what a request comes to that names a line and
+    /// no file. Returns at once; no result is reported. An editor in which opening and selecting
+    /// are one operation does nothing: without its first half it has no meaning there.
+    virtual void selectLine(int line) { static_cast<void>(line); }
+
 protected:
     Editor() = default;
     Editor(const Editor&) = default;

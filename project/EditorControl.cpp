@@ -82,8 +82,11 @@ std::optional<QString> KZDataManager::objectIDForActiveFile() {
 }
 
 void KZDataManager::openFile(const std::optional<QString>& path, const QVariant& line) {
+    const auto number = lineNumber(line);
     if (path) {
-        collaborators_.editor.openFile(*path, lineNumber(line));
+        collaborators_.editor.openFile(*path, number);
+    } else if (number) {
+        collaborators_.editor.selectLine(*number);
     }
 }
 

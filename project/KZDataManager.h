@@ -147,7 +147,7 @@ public:
     /// none, or several files have that name.
     std::optional<QString> objectIDForActiveFile();
     /// Shows a file in the editor and, where a line (a number or a decimal text) is given, selects
-    /// it. Without a path nothing happens.
+    /// it. Without a path the line is selected in the file in front, by an editor that can.
     void openFile(const std::optional<QString>& path, const QVariant& line);
 
 private:

@@ -23,6 +23,7 @@ public:
     std::optional<QString> fileName;
     int projectQueries = 0;
     std::vector<Opened> opened;
+    std::vector<int> selectedLines; ///< without a file
 
     std::optional<QString> activeProjectPath() override {
         ++projectQueries;
@@ -32,6 +33,7 @@ public:
     void openFile(const QString& path, std::optional<int> line) override {
         opened.push_back({path, line});
     }
+    void selectLine(int line) override { selectedLines.push_back(line); }
 };
 
 } // namespace navrel

@@ -76,10 +76,18 @@ TEST_F(EditorControl, withoutALineTheFileIsOpenedWithoutOne) {
     EXPECT_EQ(lineFor(QVariant(QByteArray("1"))), std::nullopt);
 }
 
-TEST_F(EditorControl, withoutAPathNothingIsOpened) {
-    manager().openFile(std::nullopt, 42);
+TEST_F(EditorControl, withoutAPathOnlyTheLineIsSelected) {
+    manager().openFile(std::nullopt, QStringLiteral("42"));
+    EXPECT_EQ(editor.selectedLines, std::vector{42});
     manager().openFile(std::nullopt, QVariant());
+    EXPECT_EQ(editor.selectedLines, std::vector{42});
     EXPECT_TRUE(editor.opened.empty());
+}
+
+TEST_F(EditorControl, anEmptyPathIsPassedOn) {
+    manager().openFile(QStringLiteral(""), 7);
+    EXPECT_EQ(editor.opened, (std::vector<FakeEditor::Opened>{{QStringLiteral(""), 7}}));
+    EXPECT_TRUE(editor.selectedLines.empty());
 }
 
 TEST_F(EditorControl, theActiveFilesRecordIsFoundByItsName) {

@@ -188,6 +188,20 @@ TEST_F(XcodeEditorTest, openingAtALineRunsTheJumpScriptToo) {
     EXPECT_TRUE(waitForCalls(tools.xed, 5));
 }
 
+TEST_F(XcodeEditorTest, aLineWithoutAFileRunsTheJumpScriptAlone) {
+    XcodeEditor(tools).selectLine(42);
+    ASSERT_TRUE(waitForCalls(tools.osascript, 1));
+    EXPECT_EQ(callsOf(tools.osascript), QList<QByteArrayList>({{"-e", jumpScript("42")}}));
+    EXPECT_TRUE(callsOf(tools.xed).isEmpty());
+}
+
+TEST_F(XcodeEditorTest, anEmptyPathIsLeftToTheTools) {
+    XcodeEditor(tools).openFile(QStringLiteral(""), 42);
+    ASSERT_TRUE(waitForCalls(tools.xed, 1));
+    EXPECT_EQ(callsOf(tools.xed), QList<QByteArrayList>({{""}}));
+    EXPECT_TRUE(waitForCalls(tools.osascript, 1));
+}
+
 TEST_F(XcodeEditorTest, openingWaitsForNeitherTool) {
     answerWith("while [ ! -e \"$0.end\" ]; do sleep 0.05; done; : >\"$0.ended\"");
     XcodeEditor(tools).openFile(QStringLiteral("/main.m"), 1);
