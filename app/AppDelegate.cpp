@@ -26,6 +26,7 @@ std::shared_ptr<AppDelegate> AppDelegate::create(Collaborators collaborators) {
 AppDelegate::AppDelegate(Collaborators collaborators)
     : collaborators_(std::move(collaborators)), wantedDevice_(std::make_shared<WantedDevice>()),
       usbRetryTimer_(this) {
+    usbRetryTimer_.setObjectName(QStringLiteral("usbRetryTimer")); // for whoever watches it
     usbRetryTimer_.setSingleShot(true);
     usbRetryTimer_.setTimerType(Qt::PreciseTimer);
     connect(&usbRetryTimer_, &QTimer::timeout, this, [this] { enqueueConnectToUSBDevice(); });

@@ -24,7 +24,8 @@ const QString kConnect = QStringLiteral("Connect");
 /// else is to be seen of them.
 class RepeatedAttempts {
 public:
-    explicit RepeatedAttempts(AppDelegate& delegate) : timer_(*delegate.findChild<QTimer*>()) {
+    explicit RepeatedAttempts(AppDelegate& delegate)
+        : timer_(*delegate.findChild<QTimer*>(QStringLiteral("usbRetryTimer"))) {
         connection_ = QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { ++count_; });
     }
     ~RepeatedAttempts() { QObject::disconnect(connection_); }
