@@ -6,6 +6,7 @@
 #include "tests/TestDevice.h"
 #include "tests/WaitUntil.h"
 #include "tests/editors/ScratchEnvironment.h"
+#include "tests/endtoend/HeadlessNeovim.h"
 #include "tests/endtoend/NavrelProcess.h"
 #include "tests/endtoend/StandInTools.h"
 
@@ -71,38 +72,21 @@ protected:
 class NeovimTest : public EditorTest {
 protected:
     void SetUp() override {
-        if (!findTool(kNeovim)) {
+        if (!HeadlessNeovim::isAvailable()) {
             GTEST_SKIP() << "needs nvim";
         }
-        environment_.set("NVIM", socket_.toUtf8());
+        const QString socket = environment_.pathOf(QStringLiteral("neovim"));
+        environment_.set("NVIM", socket.toUtf8());
         ASSERT_NO_FATAL_FAILURE(EditorTest::SetUp());
-        neovim_.start(kNeovim, {QStringLiteral("--clean"), QStringLiteral("--headless"),
-                                QStringLiteral("--listen"), socket_,
-                                first_.folder() + QStringLiteral("/a.m")});
-        ASSERT_TRUE(waitUntil([this] { return valueOf("v:vim_did_enter") == "1"; }));
+        ASSERT_TRUE(neovim_.start(socket, first_.folder() + QStringLiteral("/a.m")));
         ASSERT_NO_FATAL_FAILURE(startNavrel());
     }
-    ~NeovimTest() override {
-        neovim_.kill();
-        neovim_.waitForFinished();
-    }
 
-    QByteArray valueOf(const QString& expression) const {
-        QProcess client;
-        client.setProcessChannelMode(QProcess::MergedChannels);
-        client.start(kNeovim, {QStringLiteral("--clean"), QStringLiteral("--headless"),
-                               QStringLiteral("--server"), socket_, QStringLiteral("--remote-expr"),
-                               expression});
-        client.waitForFinished();
-        return client.readAll().trimmed();
-    }
     QByteArray valueOf(const char* expression) const {
-        return valueOf(QString::fromUtf8(expression));
+        return neovim_.valueOf(QString::fromUtf8(expression));
     }
 
-    const QString kNeovim = QStringLiteral("nvim");
-    const QString socket_ = environment_.pathOf(QStringLiteral("neovim"));
-    QProcess neovim_;
+    HeadlessNeovim neovim_;
 };
 
 TEST_F(NeovimTest, aTapOnTheDeviceSelectsTheLineInTheEditor) {
@@ -132,7 +116,7 @@ TEST_F(NeovimTest, theElementsOfTheEditorsFileAreShown) {
 
 TEST_F(NeovimTest, whileTheEditorIsStoppedRequestsGoOnBeingAnswered) {
     ASSERT_TRUE(waitUntil([this] { return shownFiles() == 1; }));
-    const auto process = static_cast<pid_t>(neovim_.processId());
+    const auto process = static_cast<pid_t>(neovim_.processID());
     ASSERT_EQ(::kill(process, SIGSTOP), 0);
     QElapsedTimer clock;
     clock.start();
@@ -161,7 +145,6 @@ TEST_F(NeovimTest, whileTheEditorIsBusyItsProjectStays) {
     EXPECT_TRUE(elementsOfActiveFile().has_value());
     // And the project is told anew once nobody is there any more.
     neovim_.kill();
-    neovim_.waitForFinished();
     EXPECT_TRUE(waitUntil([this] { return rememberedProject() == QStringLiteral(""); }));
 }
 

@@ -1,0 +1,90 @@
+#include "tests/endtoend/XServer.h"
+
+#include "support/ToolRunner.h"
+#include "tests/WaitUntil.h"
+
+#include <QProcessEnvironment>
+#include <QRegularExpression>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <sys/prctl.h>
+
+namespace navrel {
+
+namespace {
+
+const QString kServer = QStringLiteral("Xvfb");
+const QString kDescriber = QStringLiteral("xwininfo");
+
+/// Nothing outlives the test, however that ends.
+void endWithTheTest(QProcess& process) {
+    process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
+}
+
+} // namespace
+
+bool XServer::isAvailable() {
+    return findTool(kServer).has_value() && findTool(kDescriber).has_value();
+}
+
+XServer::XServer() {
+    endWithTheTest(server_);
+    server_.start(kServer,
+                  {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
+                   QStringLiteral("0"), QStringLiteral("800x600x24"), QStringLiteral("-nolisten"),
+                   QStringLiteral("tcp")});
+    EXPECT_TRUE(waitUntil([this] { return server_.canReadLine(); }));
+    display_ = QStringLiteral(":") + QString::fromUtf8(server_.readLine()).trimmed();
+}
+
+XServer::~XServer() {
+    endClient();
+    server_.kill();
+    server_.waitForFinished();
+}
+
+void XServer::startClient(const QString& program, const QStringList& arguments) {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("DISPLAY"), display_);
+    client_.setProcessEnvironment(environment);
+    endWithTheTest(client_);
+    client_.start(program, arguments);
+    EXPECT_TRUE(client_.waitForStarted());
+}
+
+void XServer::endClient() {
+    client_.kill();
+    client_.waitForFinished();
+}
+
+QByteArray XServer::describe(const QStringList& arguments) const {
+    QProcess describer;
+    describer.start(kDescriber, QStringList{QStringLiteral("-display"), display_} + arguments);
+    describer.waitForFinished();
+    return describer.exitCode() == 0 ? describer.readAllStandardOutput() : QByteArray();
+}
+
+QList<int> XServer::widthsOfShownWindows(const QString& title) const {
+    static const QRegularExpression width(QStringLiteral("Width: (\\d+)"));
+    const QByteArray name = " \"" + title.toUtf8() + "\": ";
+    QList<int> widths;
+    for (const QByteArray& line :
+         describe({QStringLiteral("-root"), QStringLiteral("-tree")}).split('\n')) {
+        if (!line.contains(name)) {
+            continue;
+        }
+        const QString id = QString::fromLatin1(line.trimmed().split(' ').constFirst());
+        const QByteArray window = describe({QStringLiteral("-id"), id, QStringLiteral("-stats")});
+        if (window.contains("Map State: IsViewable")) {
+            widths.append(width.match(QString::fromUtf8(window)).captured(1).toInt());
+        }
+    }
+    return widths;
+}
+
+QByteArray XServer::windowsWithin(const QString& title) const {
+    return describe({QStringLiteral("-name"), title, QStringLiteral("-tree")});
+}
+
+} // namespace navrel
