@@ -63,7 +63,8 @@ void MenuWindow::addSeparator() {
     item->setFlags(Qt::NoItemFlags);
     auto* line = new QFrame;
     line->setFrameShape(QFrame::HLine);
-    line->setFrameShadow(QFrame::Sunken);
+    line->setFrameShadow(QFrame::Plain);
+    line->setForegroundRole(QPalette::PlaceholderText);
     item->setSizeHint({0, kSeparatorHeight});
     list_.setItemWidget(item, line);
 }

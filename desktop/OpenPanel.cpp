@@ -1,18 +1,31 @@
 #include "desktop/OpenPanel.h"
 
+#include <QApplication>
+#include <QDir>
 #include <QFileInfo>
-
-#include <algorithm>
 
 namespace navrel {
 
+QIcon BundleIcons::icon(const QFileInfo& file) const {
+    return file.isDir() && bundleTypes_.contains(file.suffix()) ? QApplication::windowIcon()
+                                                                : QFileIconProvider::icon(file);
+}
+
 OpenPanel::OpenPanel(const QString& title, const QStringList& bundleTypes)
-    : QFileDialog(nullptr, title), bundleTypes_(bundleTypes) {
+    : QFileDialog(nullptr, title, QDir::homePath()), bundleTypes_(bundleTypes),
+      icons_(bundleTypes) {
     setFileMode(QFileDialog::Directory);
     // The desktop's own panel would enter bundles, or pick any folder.
     setOption(QFileDialog::DontUseNativeDialog);
     setOption(QFileDialog::ShowDirsOnly);
     setLabelText(QFileDialog::Accept, QStringLiteral("Open"));
+    setLabelText(QFileDialog::FileName, QStringLiteral("Project:"));
+    QStringList patterns;
+    for (const QString& type : bundleTypes) {
+        patterns.append(QStringLiteral("*.") + type);
+    }
+    setNameFilter(patterns.join(u' '));
+    setIconProvider(&icons_);
     connect(this, &QFileDialog::directoryEntered, this,
             [this](const QString& folder) { folderEntered(folder); });
 }

@@ -8,13 +8,17 @@
 #include "support/Log.h"
 
 #include <QApplication>
+#include <QGridLayout>
 #include <QIcon>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSpacerItem>
 
 namespace navrel {
 
 namespace {
+
+constexpr int kAlertWidth = 420;
 
 QString messageOf(const Error& error) {
     return error.localizedDescription().value_or(error.description());
@@ -30,6 +34,22 @@ QString detailsOf(const Error& error) {
     }
     return details.join(QStringLiteral("\n\n"));
 }
+
+/// An alert wide enough for a sentence.
+class Alert final : public QMessageBox {
+public:
+    Alert(Icon icon, const QString& message, const QString& informativeText)
+        : QMessageBox(icon, QStringLiteral("Navrel"), QString()) {
+        // The texts may come from anywhere: they are no markup.
+        setTextFormat(Qt::PlainText);
+        setText(message);
+        setInformativeText(informativeText);
+        if (auto* grid = qobject_cast<QGridLayout*>(layout())) {
+            grid->addItem(new QSpacerItem(kAlertWidth, 0), grid->rowCount(), 0, 1,
+                          grid->columnCount());
+        }
+    }
+};
 
 } // namespace
 
@@ -61,12 +81,7 @@ std::optional<QString> QtDesktop::runOpenPanel(const QString& title,
 bool QtDesktop::presentError(const Error& error) {
     log(error.description());
     if (hasDisplay_) {
-        QMessageBox alert(QMessageBox::Critical, QStringLiteral("Navrel"), QString(),
-                          QMessageBox::Ok);
-        alert.setTextFormat(Qt::PlainText);
-        alert.setText(messageOf(error));
-        alert.setInformativeText(detailsOf(error));
-        alert.exec();
+        Alert(QMessageBox::Critical, messageOf(error), detailsOf(error)).exec();
     }
     return false;
 }
@@ -77,11 +92,7 @@ int QtDesktop::runAlert(const QString& message, const QString& informativeText,
         log(QStringLiteral("No display to ask on: %1").arg(message));
         return kAlertFirstButtonReturn + static_cast<int>(buttons.size());
     }
-    QMessageBox alert(QMessageBox::Warning, QStringLiteral("Navrel"), QString());
-    // The texts may come from anywhere: they are no markup.
-    alert.setTextFormat(Qt::PlainText);
-    alert.setText(message);
-    alert.setInformativeText(informativeText);
+    Alert alert(QMessageBox::Warning, message, informativeText);
     QList<QPushButton*> pushButtons;
     for (const QString& title : buttons) {
         pushButtons.append(alert.addButton(title, QMessageBox::ActionRole));

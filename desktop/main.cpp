@@ -11,6 +11,7 @@
 #include "support/UserDefaults.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QStandardPaths>
 #include <QTimer>
 
@@ -76,6 +77,8 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("Navrel"));
     QCoreApplication::setApplicationVersion(programVersion());
+    QGuiApplication::setDesktopFileName(QStringLiteral("nl.kelvane.Navrel"));
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/MenuIcon.png")));
     QApplication::setQuitOnLastWindowClosed(false);
     return runApplication(application);
 }
