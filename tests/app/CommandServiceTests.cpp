@@ -229,7 +229,9 @@ TEST_F(CommandServiceTest, aLineIsPassedOnAsNumberAndAsText) {
 TEST_F(CommandServiceTest, openingWithoutAPathOpensNothing) {
     launchActive();
     EXPECT_EQ(askWithPayload(201, "garbage\xFF"), std::nullopt);
+    EXPECT_TRUE(editor_.selectedLines.empty());
     EXPECT_EQ(device_.ask(201, {{QStringLiteral("line"), 3}}), std::nullopt);
+    EXPECT_EQ(editor_.selectedLines, std::vector{3});
     EXPECT_TRUE(editor_.opened.empty());
 }
 
