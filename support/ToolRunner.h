@@ -14,7 +14,7 @@ namespace navrel {
 std::optional<QString> findTool(const QString& name);
 
 /// Runs a program to its end, however long that takes; its output goes nowhere, its exit is not
-/// examined. It has a session of its own, and lives on when we end. False when it could not be
+/// examined. It leads its own process session, and lives on when we end. False when it could not be
 /// started. Blocks the calling thread. Any thread.
 bool runTool(const QString& path, const QStringList& arguments);
 
