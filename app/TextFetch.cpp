@@ -49,15 +49,16 @@ std::optional<QByteArray> fetchBytes(const QUrl& url) {
     QNetworkRequest request(url);
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
                          QNetworkRequest::UserVerifiedRedirectPolicy);
-    request.setMaximumRedirectsAllowed(kMaximumRedirections);
     const std::unique_ptr<QNetworkReply> reply(manager.get(request));
     reply->setReadBufferSize(kMaximumFetchedBytes + 1);
 
     QEventLoop loop;
+    int redirections = 0;
     const auto giveUp = [&reply] { reply->abort(); };
     QObject::connect(reply.get(), &QNetworkReply::finished, &loop, &QEventLoop::quit);
     QObject::connect(reply.get(), &QNetworkReply::redirected, &loop, [&](const QUrl& target) {
-        if (target.host() == url.host() && isHTTP(target)) {
+        const bool isWelcome = target.host() == url.host() && isHTTP(target);
+        if (isWelcome && ++redirections <= kMaximumRedirections) {
             Q_EMIT reply->redirectAllowed();
         } else {
             giveUp();

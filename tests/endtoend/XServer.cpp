@@ -3,6 +3,7 @@
 #include "support/ToolRunner.h"
 #include "tests/WaitUntil.h"
 
+#include <QCoreApplication>
 #include <QProcessEnvironment>
 #include <QRegularExpression>
 #include <gtest/gtest.h>
@@ -22,6 +23,14 @@ void endWithTheTest(QProcess& process) {
     process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
 }
 
+/// A number of this process's own. Left to themselves, servers in network namespaces of their own
+/// do not see each other, and take one another's socket away.
+QString numberOfDisplay() {
+    constexpr qint64 first = 100;
+    constexpr qint64 count = 50'000;
+    return QStringLiteral(":%1").arg(first + QCoreApplication::applicationPid() % count);
+}
+
 } // namespace
 
 bool XServer::isAvailable() {
@@ -31,9 +40,9 @@ bool XServer::isAvailable() {
 XServer::XServer() {
     endWithTheTest(server_);
     server_.start(kServer,
-                  {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
-                   QStringLiteral("0"), QStringLiteral("800x600x24"), QStringLiteral("-nolisten"),
-                   QStringLiteral("tcp")});
+                  {numberOfDisplay(), QStringLiteral("-displayfd"), QStringLiteral("1"),
+                   QStringLiteral("-screen"), QStringLiteral("0"), QStringLiteral("800x600x24"),
+                   QStringLiteral("-nolisten"), QStringLiteral("tcp")});
     EXPECT_TRUE(waitUntil([this] { return server_.canReadLine(); }));
     display_ = QStringLiteral(":") + QString::fromUtf8(server_.readLine()).trimmed();
 }
