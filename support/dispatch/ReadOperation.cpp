@@ -18,6 +18,11 @@ size_t ReadOperation::pieceLength() const {
 }
 
 bool ReadOperation::take(ReadAhead& ahead) {
+    if (filled_ == 0 && !isPieceComplete() && ahead.waiting().size() >= pieceLength()) {
+        capacity_ = filled_ = pieceLength();
+        small_ = ahead.takeShared(filled_);
+        return true;
+    }
     while (!ahead.isEmpty() && !isPieceComplete()) {
         const std::span<char> free = room();
         if (free.empty()) {

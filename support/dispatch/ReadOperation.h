@@ -22,7 +22,8 @@ public:
     /// Reads `length` bytes in pieces of `largestPiece`, which is not 0.
     ReadOperation(quint64 length, size_t largestPiece);
 
-    /// Takes from the read-ahead buffer what the piece still lacks. False when there is no memory.
+    /// Takes from the read-ahead buffer what the piece still lacks: a share in the buffer where
+    /// that is the whole piece, else a copy. False when there is no memory.
     bool take(ReadAhead& ahead);
 
     /// Whether the piece is worth reading straight into its buffer, past the read-ahead buffer.
@@ -46,7 +47,7 @@ private:
 
     quint64 undelivered_; ///< bytes of this piece and the following ones
     size_t largestPiece_;
-    std::shared_ptr<char[]> small_; ///< the buffer of a piece that is not large
+    std::shared_ptr<char[]> small_; ///< the buffer of a piece that is not large, or the share
     MallocedBytes large_;           ///< the buffer of one that is
     size_t capacity_ = 0;
     size_t filled_ = 0;

@@ -62,6 +62,33 @@ TEST(ReadOperation, comesInPiecesOfTheSizeAskedFor) {
     EXPECT_EQ(waitingIn(ahead), "f");
 }
 
+TEST(ReadOperation, aPieceThatHasAllArrivedIsAShareInWhatWasReadAhead) {
+    ReadAhead ahead = aheadWith("headpayl");
+    const char* const bytes = ahead.waiting().data();
+    ReadOperation header(4, kWhole);
+    EXPECT_TRUE(header.take(ahead));
+    EXPECT_TRUE(header.isPieceComplete());
+    EXPECT_EQ(header.takePiece().bytes(), bytes);
+    ReadOperation payload(5, kWhole); // whose last byte has not arrived
+    EXPECT_TRUE(payload.take(ahead));
+    EXPECT_FALSE(payload.isPieceComplete());
+    EXPECT_NE(payload.takePiece().bytes(), bytes + 4);
+}
+
+TEST(ReadOperation, whatSomebodyHasAShareInIsNotWrittenOver) {
+    ReadAhead ahead = aheadWith("kept");
+    ReadOperation read(4, kWhole);
+    EXPECT_TRUE(read.take(ahead));
+    DispatchData kept = read.takePiece();
+    const char* const bytes = kept.bytes();
+
+    EXPECT_NE(ahead.room().data(), bytes);
+    std::fill(ahead.room().begin(), ahead.room().end(), 'x');
+    EXPECT_EQ(kept.toByteArray(), "kept");
+    const char* const second = ahead.room().data();
+    EXPECT_EQ(ahead.room().data(), second); // nobody has a share: the same memory again
+}
+
 TEST(ReadOperation, takesNoMemoryBeforeBytesArrive) {
     ReadOperation read(100, kWhole);
     ReadAhead nothing;
