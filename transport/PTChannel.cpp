@@ -286,15 +286,18 @@ bool PTChannel::shouldAccept(const std::shared_ptr<DispatchIO>& stream,
 }
 
 void PTChannel::receivePayload(const std::shared_ptr<DispatchIO>& stream, IncomingFrame frame) {
+    const quint32 size = frame.payloadSize;
     protocol_->readPayloadOfSize(
-        frame.payloadSize, stream,
-        [self = shared_from_this(), frame = std::move(frame)](
-            const std::optional<Error>& error, const std::optional<DispatchData>& data,
-            const char* buffer, size_t bufferSize) {
-            if (self->hasEnded(error, bufferSize == 0)) {
+        size, stream,
+        // The frame's loop keeps this channel alive.
+        [this, frame = std::move(frame)](const std::optional<Error>& error,
+                                         std::optional<DispatchData>&& data, const char* buffer,
+                                         size_t bufferSize) mutable {
+            if (hasEnded(error, bufferSize == 0)) {
                 return;
             }
-            self->deliverFrame(frame, std::make_shared<const PTData>(data, buffer, bufferSize));
+            deliverFrame(frame,
+                         std::make_shared<const PTData>(std::move(data), buffer, bufferSize));
             frame.resume();
         });
 }
@@ -310,12 +313,12 @@ void PTChannel::deliverFrame(const IncomingFrame& frame,
 void PTChannel::discardPayload(const std::shared_ptr<DispatchIO>& stream, IncomingFrame frame) {
     protocol_->readAndDiscardDataOfSize(
         frame.payloadSize, stream,
-        [self = shared_from_this(),
-         resume = std::move(frame.resume)](const std::optional<Error>& error, bool endOfStream) {
-            if (!self->hasEnded(error, endOfStream)) {
+        [this, resume = std::move(frame.resume)](const std::optional<Error>& error,
+                                                 bool endOfStream) mutable {
+            if (!hasEnded(error, endOfStream)) {
                 resume();
             }
-        });
+        }); // here, too, the frame's loop keeps this channel alive
 }
 
 // Sending and ending.

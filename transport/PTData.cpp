@@ -4,7 +4,7 @@
 
 namespace navrel {
 
-PTData::PTData(std::optional<DispatchData> dispatchData, const char* data, size_t length)
+PTData::PTData(std::optional<DispatchData>&& dispatchData, const char* data, size_t length)
     : dispatchData_(std::move(dispatchData)), data_(data), length_(length) {}
 
 QString PTData::description() const {

@@ -14,7 +14,7 @@ namespace navrel {
 class PTData {
 public:
     /// `data` points to `length` bytes inside the dispatch data, which is contiguous.
-    PTData(std::optional<DispatchData> dispatchData, const char* data, size_t length);
+    PTData(std::optional<DispatchData>&& dispatchData, const char* data, size_t length);
     PTData(const PTData&) = delete;
     PTData& operator=(const PTData&) = delete;
 

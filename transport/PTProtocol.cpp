@@ -32,13 +32,21 @@ void releaseQueueLocalProtocol(void* value) {
     (*reference)->forgetQueue();
 }
 
+size_t sizeOf(const std::optional<DispatchData>& payload) {
+    return payload ? payload->size() : 0;
+}
+
+bool isFramePayloadSize(size_t size) {
+    return size <= std::numeric_limits<quint32>::max();
+}
+
 /// Calls back with what the end of a header's read says. What a stream still delivers when it ends
 /// within a header is nothing to anybody.
 template <typename Callback>
 DispatchIO::ReadHandler headerHandler(Callback callback) {
-    return [callback = std::move(callback)](bool done, DispatchData piece, int errnoValue) {
+    return [callback = std::move(callback)](bool done, const DispatchData& piece, int errnoValue) {
         if (done) {
-            callback(headerOutcome(std::move(piece), errnoValue));
+            callback(headerOutcome(piece, errnoValue));
         }
     };
 }
@@ -68,9 +76,8 @@ PTProtocol::sharedProtocolForQueue(const std::shared_ptr<DispatchQueue>& queue) 
 DispatchData
 PTProtocol::createDispatchDataWithFrameOfType(quint32 type, quint32 frameTag,
                                               const std::optional<DispatchData>& payload) const {
-    const size_t payloadSize = payload ? payload->size() : 0;
-    NAVREL_ASSERT_AS(payloadSize <= std::numeric_limits<quint32>::max(),
-                     "payloadSize <= UINT32_MAX");
+    const size_t payloadSize = sizeOf(payload);
+    NAVREL_ASSERT_AS(isFramePayloadSize(payloadSize), "payloadSize <= UINT32_MAX");
     const auto header = encodedFrameHeader({type, frameTag, static_cast<quint32>(payloadSize)});
     // The header's bytes are freed where the last reference goes, not as a job of the queue: nobody
     // can tell the difference, and a job would cost more than all the rest of sending.
@@ -91,7 +98,11 @@ void PTProtocol::sendFrameOfType(quint32 type, quint32 tag,
             callback(errorFromErrno(errnoValue));
         };
     }
-    overChannel->write(createDispatchDataWithFrameOfType(type, tag, payload), queue(),
+    // The frame as above, but that its header travels with the write.
+    const size_t payloadSize = sizeOf(payload);
+    NAVREL_ASSERT_AS(isFramePayloadSize(payloadSize), "payloadSize <= UINT32_MAX");
+    const auto header = encodedFrameHeader({type, tag, static_cast<quint32>(payloadSize)});
+    overChannel->write(WritePrefix(header), payload.value_or(DispatchData()), queue(),
                        std::move(handler));
 }
 
@@ -110,15 +121,16 @@ void PTProtocol::readPayloadOfSize(size_t size, const std::shared_ptr<DispatchIO
     if (size > kLargestPayload) {
         return refusePayload(std::move(callback));
     }
-    overChannel->read(
-        size, queue(),
-        [self = shared_from_this(), callback = std::move(callback)](bool done, DispatchData piece,
-                                                                    int errnoValue) mutable {
-            if (done) {
-                const auto [error, data] = payloadOutcome(std::move(piece), errnoValue);
-                callback(error, data, data ? data->bytes() : nullptr, data ? data->size() : 0);
-            }
-        });
+    overChannel->read(size, queue(),
+                      [self = shared_from_this(), callback = std::move(callback)](
+                          bool done, DispatchData&& piece, int errnoValue) mutable {
+                          if (done) {
+                              auto [error, data] = payloadOutcome(std::move(piece), errnoValue);
+                              const char* const buffer = data ? data->bytes() : nullptr;
+                              const size_t bufferSize = data ? data->size() : 0;
+                              callback(error, std::move(data), buffer, bufferSize);
+                          }
+                      });
 }
 
 void PTProtocol::refusePayload(PayloadCallback callback) {
@@ -154,18 +166,18 @@ void PTProtocol::readFramesOverChannel(const std::shared_ptr<DispatchIO>& channe
         FrameLoop{shared_from_this(), channel, std::move(onFrame)}));
 }
 
-void PTProtocol::readNextFrame(const std::shared_ptr<const FrameLoop>& loop) {
-    loop->channel->read(kPTFrameHeaderSize, loop->protocol->queue(),
-                        headerHandler([loop](const PTHeaderOutcome& outcome) {
-                            const auto& [type, tag, payloadSize] = outcome.header;
-                            loop->onFrame(outcome.error, type, tag, payloadSize,
-                                          Resume(loop, type));
-                        }));
+void PTProtocol::readNextFrame(std::shared_ptr<const FrameLoop> loop) {
+    const FrameLoop& kept = *loop;
+    kept.channel->read(kPTFrameHeaderSize, kept.protocol->queue(),
+                       headerHandler([loop = std::move(loop)](const PTHeaderOutcome& outcome) {
+                           const auto& [type, tag, payloadSize] = outcome.header;
+                           loop->onFrame(outcome.error, type, tag, payloadSize, Resume(loop, type));
+                       }));
 }
 
-void PTProtocol::Resume::operator()() const {
+void PTProtocol::Resume::operator()() {
     if (type_ != kPTFrameTypeEndOfStream) {
-        readNextFrame(loop_);
+        readNextFrame(std::move(loop_));
     }
 }
 

@@ -36,20 +36,21 @@ public:
     using FrameCallback = std::function<void(const std::optional<Error>& error, quint32 type,
                                              quint32 tag, quint32 payloadSize)>;
 
-    /// The payload in one piece, with a pointer to its bytes and their count. The data lives as
-    /// long as the call, or as any copy of it that the callback takes. No data and size 0, without
+    /// The payload in one piece, with a pointer to its bytes and their count, which are valid as
+    /// long as the data or a copy of it. No data and size 0, without
     /// an error, at the end of the stream.
     using PayloadCallback = MoveOnlyFunction<void(const std::optional<Error>& error,
-                                                  const std::optional<DispatchData>& contiguousData,
+                                                  std::optional<DispatchData> contiguousData,
                                                   const char* buffer, size_t bufferSize)>;
 
     using DiscardCallback =
         MoveOnlyFunction<void(const std::optional<Error>& error, bool endOfStream)>;
 
-    /// Goes on with the loop that told of a frame, which it keeps alive.
+    /// Goes on with the loop that told of a frame, which it keeps alive until then. To be called
+    /// once.
     class Resume {
     public:
-        void operator()() const;
+        void operator()();
 
     private:
         friend class PTProtocol;
@@ -120,7 +121,7 @@ protected:
 
 private:
     void refusePayload(PayloadCallback callback);
-    static void readNextFrame(const std::shared_ptr<const FrameLoop>& loop);
+    static void readNextFrame(std::shared_ptr<const FrameLoop> loop);
 };
 
 /// The protocol that belongs to one queue: the queue owns it, so it refers to the queue without

@@ -21,12 +21,20 @@ PTPayloadOutcome payloadOutcome(DispatchData lastPiece, int errnoValue) {
     return {std::nullopt, std::move(contiguous)};
 }
 
-PTHeaderOutcome headerOutcome(DispatchData lastPiece, int errnoValue) {
-    const auto [error, bytes] = payloadOutcome(std::move(lastPiece), errnoValue);
-    if (!bytes) {
-        return {error};
+PTHeaderOutcome headerOutcome(const DispatchData& lastPiece, int errnoValue) {
+    if (errnoValue != 0) {
+        return {Error::posix(errnoValue)};
     }
-    const auto header = decodedFrameHeader({bytes->bytes(), static_cast<qsizetype>(bytes->size())});
+    if (lastPiece.isEmpty()) {
+        return {};
+    }
+    // Every header that was not cut off has arrived in one region.
+    const auto contiguous = lastPiece.regions().size() == 1 ? std::nullopt : lastPiece.contiguous();
+    if (!contiguous && lastPiece.regions().size() > 1) {
+        return {Error::posix(ENOMEM)};
+    }
+    const DispatchData& bytes = contiguous ? *contiguous : lastPiece;
+    const auto header = decodedFrameHeader({bytes.bytes(), static_cast<qsizetype>(bytes.size())});
     if (!header) {
         return {Error(kPTProtocolErrorDomain, 0)};
     }

@@ -23,7 +23,7 @@ struct PTHeaderOutcome {
     std::optional<Error> error;
     PTFrameHeader header = {};
 };
-PTHeaderOutcome headerOutcome(DispatchData lastPiece, int errnoValue);
+PTHeaderOutcome headerOutcome(const DispatchData& lastPiece, int errnoValue);
 
 /// An error, or the payload's bytes in one piece; neither at the end of the stream.
 struct PTPayloadOutcome {

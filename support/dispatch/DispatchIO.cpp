@@ -55,28 +55,33 @@ DispatchIO::~DispatchIO() {
 // Operations: beginning, ending, closing.
 
 void DispatchIO::read(quint64 length, const std::shared_ptr<DispatchQueue>& handlerQueue,
-                      ReadHandler handler, size_t largestPiece) {
+                      ReadHandler&& handler, size_t largestPiece) {
     NAVREL_ASSERT(handlerQueue != nullptr);
     if (handlerQueue != queue_) {
         handler = forwarded(std::move(handler), handlerQueue);
     }
-    Read read = {ReadOperation(length, largestPiece), std::move(handler)};
     if (queue_->isCurrentThread()) {
-        addRead(std::move(read));
+        addRead(ReadOperation(length, largestPiece), std::move(handler));
         return;
     }
-    queue_->async([self = shared_from_this(), read = std::move(read)]() mutable {
-        self->addRead(std::move(read));
-    });
+    queue_->async(
+        [self = shared_from_this(), length, largestPiece, handler = std::move(handler)]() mutable {
+            self->addRead(ReadOperation(length, largestPiece), std::move(handler));
+        });
 }
 
 void DispatchIO::write(DispatchData data, const std::shared_ptr<DispatchQueue>& handlerQueue,
-                       WriteHandler handler) {
+                       WriteHandler&& handler) {
+    write(WritePrefix(), std::move(data), handlerQueue, std::move(handler));
+}
+
+void DispatchIO::write(const WritePrefix& prefix, DispatchData&& data,
+                       const std::shared_ptr<DispatchQueue>& handlerQueue, WriteHandler&& handler) {
     NAVREL_ASSERT(handlerQueue != nullptr);
     if (handler && handlerQueue != queue_) {
         handler = forwarded(std::move(handler), handlerQueue);
     }
-    Write write = {WriteOperation(std::move(data)), std::move(handler)};
+    Write write = {WriteOperation(prefix, std::move(data)), std::move(handler)};
     if (queue_->isCurrentThread()) {
         addWrite(std::move(write));
         return;
@@ -88,7 +93,7 @@ void DispatchIO::write(DispatchData data, const std::shared_ptr<DispatchQueue>& 
 
 // A handler for the channel's queue that calls the given one on another queue. The operation has
 // not ended before that one has returned.
-DispatchIO::ReadHandler DispatchIO::forwarded(ReadHandler handler,
+DispatchIO::ReadHandler DispatchIO::forwarded(ReadHandler&& handler,
                                               const std::shared_ptr<DispatchQueue>& toQueue) {
     return [self = shared_from_this(), queue = toQueue->shared_from_this(),
             original = std::make_shared<ReadHandler>(std::move(handler))](
@@ -101,7 +106,7 @@ DispatchIO::ReadHandler DispatchIO::forwarded(ReadHandler handler,
     };
 }
 
-DispatchIO::WriteHandler DispatchIO::forwarded(WriteHandler handler,
+DispatchIO::WriteHandler DispatchIO::forwarded(WriteHandler&& handler,
                                                const std::shared_ptr<DispatchQueue>& toQueue) {
     return [self = shared_from_this(), queue = toQueue->shared_from_this(),
             original = std::move(handler)](int errnoValue) mutable {
@@ -121,13 +126,13 @@ void DispatchIO::close(Close how) {
     }
 }
 
-void DispatchIO::addRead(Read&& read) {
+void DispatchIO::addRead(ReadOperation&& bytes, ReadHandler&& handler) {
     beginOperation();
     if (isClosed_) {
-        endReadLater(std::move(read), ECANCELED);
+        endReadLater({std::move(bytes), std::move(handler)}, ECANCELED);
         return;
     }
-    reads_.push_back(std::move(read));
+    reads_.emplaceBack(std::move(bytes), std::move(handler));
     if (!isServing_) {
         arrangeReading();
     }
@@ -140,7 +145,7 @@ void DispatchIO::addWrite(Write&& write) {
         return;
     }
     unwrittenBytes_ += write.bytes.unwritten();
-    writes_.push_back(std::move(write));
+    writes_.emplaceBack(std::move(write));
     if (writes_.size() == 1) {
         flushWrites();
     }
@@ -156,10 +161,11 @@ void DispatchIO::closeNow(Close how) {
 
 void DispatchIO::abandonOperations() {
     isStopped_ = true;
-    for (Read& read : std::exchange(reads_, {})) {
-        endReadLater(std::move(read), ECANCELED);
+    while (!reads_.empty()) {
+        endReadLater(reads_.takeFront(), ECANCELED);
     }
-    for (Write& write : std::exchange(writes_, {})) {
+    while (!writes_.empty()) {
+        Write write = writes_.takeFront();
         endWrite(std::move(write.handler), ECANCELED);
     }
     unwrittenBytes_ = 0;
@@ -195,7 +201,7 @@ void DispatchIO::endReadLater(Read&& read, int errnoValue) {
 }
 
 // Possibly inside a call, so the handler gets a job of its own.
-void DispatchIO::endWrite(WriteHandler handler, int errnoValue) {
+void DispatchIO::endWrite(WriteHandler&& handler, int errnoValue) {
     noteDescriptorError(errnoValue);
     if (!handler) {
         finishOperation();
@@ -335,21 +341,19 @@ void DispatchIO::deliverPiece() {
         endFirstRead(std::move(piece), 0);
         return;
     }
-    Read read = std::move(reads_.front()); // out of reach of whatever the handler does
-    reads_.pop_front();
+    Read read = reads_.takeFront(); // out of reach of whatever the handler does
     read.handler(false, std::move(piece), 0);
     if (isStopped_) {
         endReadLater(std::move(read), ECANCELED);
     } else {
-        reads_.push_front(std::move(read));
+        reads_.pushFront(std::move(read));
     }
 }
 
 // At the end of the stream.
 void DispatchIO::deliverRest() {
     DispatchData rest = reads_.front().bytes.takePiece();
-    Read read = std::move(reads_.front());
-    reads_.pop_front();
+    Read read = reads_.takeFront();
     if (!rest.isEmpty()) {
         read.handler(false, std::move(rest), 0);
     }
@@ -361,8 +365,8 @@ void DispatchIO::failRead(int errnoValue) {
 }
 
 void DispatchIO::endFirstRead(DispatchData&& data, int errnoValue) {
-    ReadHandler handler = std::move(reads_.front().handler);
-    reads_.pop_front();
+    ReadHandler handler = std::move(reads_.front().handler); // its data has been taken
+    reads_.dropFront();
     endRead(handler, std::move(data), errnoValue);
 }
 
@@ -401,7 +405,7 @@ void DispatchIO::flushWrites() {
 // One system call for as many writes as it can take. Returns whether another one may write more.
 bool DispatchIO::send() {
     WriteVectors vectors;
-    for (auto write = writes_.cbegin(); write != writes_.cend() && !vectors.isFull(); ++write) {
+    for (auto write = writes_.begin(); write != writes_.end() && !vectors.isFull(); ++write) {
         write->bytes.gather(vectors);
     }
     StreamDescriptor::Transfer transfer;
@@ -428,15 +432,13 @@ void DispatchIO::retireWrites(size_t writtenBytes) {
         if (write.bytes.unwritten() > 0) {
             return;
         }
-        Write written = std::move(write); // its data may run a destructor of the caller's
-        writes_.pop_front();
+        Write written = writes_.takeFront(); // its data may run a destructor of the caller's
         endWrite(std::move(written.handler), 0);
     }
 }
 
 void DispatchIO::failWrite(int errnoValue) {
-    Write failed = std::move(writes_.front());
-    writes_.pop_front();
+    Write failed = writes_.takeFront();
     unwrittenBytes_ -= failed.bytes.unwritten();
     endWrite(std::move(failed.handler), errnoValue);
 }

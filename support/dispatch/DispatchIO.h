@@ -5,11 +5,11 @@
 #include "support/dispatch/ReadAhead.h"
 #include "support/dispatch/ReadOperation.h"
 #include "support/dispatch/StreamDescriptor.h"
+#include "support/dispatch/WaitingLine.h"
 #include "support/dispatch/WriteOperation.h"
 
 #include <QSocketNotifier>
 
-#include <deque>
 #include <limits>
 #include <memory>
 
@@ -34,10 +34,16 @@ class DispatchQueue;
 /// pending.
 class DispatchIO final : public std::enable_shared_from_this<DispatchIO> {
 public:
+    /// Room for a counted reference and another function: a handler that calls one back.
+    static constexpr size_t kReadHandlerInlineSize =
+        sizeof(std::shared_ptr<void>) + sizeof(MoveOnlyFunction<void()>);
+
     /// One delivery of a read: the next piece of its bytes, whether it is the last delivery, and
     /// for the last one an errno value. At the end of the stream an unfinished read first delivers
-    /// what it has, if anything, and then an empty last piece with errno 0.
-    using ReadHandler = MoveOnlyFunction<void(bool done, DispatchData data, int errnoValue)>;
+    /// what it has, if anything, and then an empty last piece with errno 0. A piece that was read
+    /// ahead shares that buffer of 64 KiB: whoever keeps small ones for long copies them.
+    using ReadHandler = MoveOnlyFunction<void(bool done, DispatchData data, int errnoValue),
+                                         kReadHandlerInlineSize>;
 
     /// The end of a write: 0 when all its bytes are written.
     using WriteHandler = MoveOnlyFunction<void(int errnoValue)>;
@@ -75,13 +81,17 @@ public:
     /// Reads exactly `length` bytes and delivers them in pieces of `largestPiece` bytes. The
     /// announced length is not believed: memory grows with what arrives. ECANCELED after `close`.
     void read(quint64 length, const std::shared_ptr<DispatchQueue>& handlerQueue,
-              ReadHandler handler, size_t largestPiece = kWholeLength);
+              ReadHandler&& handler, size_t largestPiece = kWholeLength);
 
     /// Writes all bytes. The system is called at once when no earlier write waits. The handler may
     /// be null. A peer that is gone is an errno value (EPIPE), never a signal. ECANCELED after
     /// `close`.
     void write(DispatchData data, const std::shared_ptr<DispatchQueue>& handlerQueue,
-               WriteHandler handler);
+               WriteHandler&& handler);
+
+    /// The same for the data with the prefix before it.
+    void write(const WritePrefix& prefix, DispatchData&& data,
+               const std::shared_ptr<DispatchQueue>& handlerQueue, WriteHandler&& handler);
 
     /// No operation is taken any more. May be called again, to stop what a first call lets finish.
     void close(Close how);
@@ -100,9 +110,9 @@ private:
     DispatchIO(StreamDescriptor descriptor, std::shared_ptr<DispatchQueue> queue,
                CleanupHandler cleanupHandler);
 
-    ReadHandler forwarded(ReadHandler handler, const std::shared_ptr<DispatchQueue>& toQueue);
-    WriteHandler forwarded(WriteHandler handler, const std::shared_ptr<DispatchQueue>& toQueue);
-    void addRead(Read&& read);
+    ReadHandler forwarded(ReadHandler&& handler, const std::shared_ptr<DispatchQueue>& toQueue);
+    WriteHandler forwarded(WriteHandler&& handler, const std::shared_ptr<DispatchQueue>& toQueue);
+    void addRead(ReadOperation&& bytes, ReadHandler&& handler);
     void addWrite(Write&& write);
     void closeNow(Close how);
 
@@ -129,7 +139,7 @@ private:
 
     void endRead(ReadHandler& handler, DispatchData&& data, int errnoValue);
     void endReadLater(Read&& read, int errnoValue);
-    void endWrite(WriteHandler handler, int errnoValue);
+    void endWrite(WriteHandler&& handler, int errnoValue);
     void beginOperation();
     void finishOperation();
     void abandonOperations();
@@ -142,8 +152,8 @@ private:
     CleanupHandler cleanupHandler_;
 
     // Everything below: the queue's thread only.
-    std::deque<Read> reads_;
-    std::deque<Write> writes_;
+    WaitingLine<Read> reads_;
+    WaitingLine<Write> writes_;
     ReadAhead ahead_;
     size_t unwrittenBytes_ = 0;
     int operationCount_ = 0; ///< begun, and the last handler not yet returned

@@ -8,18 +8,20 @@
 
 namespace navrel {
 
-template <typename Signature>
+/// A std::function and a counted reference, with room for a few values.
+inline constexpr size_t kUsualInlineSize = 64;
+
+template <typename Signature, size_t InlineSize = kUsualInlineSize>
 class MoveOnlyFunction;
 
 /// Something to call, with one owner at a time. Unlike a std::function it may hold what cannot be
 /// copied, such as another function of this kind, and it allocates nothing for what fits into
 /// `kInlineSize` bytes, counted references included: what happens with every frame of a connection
 /// is handed on in these.
-template <typename Result, typename... Arguments>
-class MoveOnlyFunction<Result(Arguments...)> {
+template <typename Result, typename... Arguments, size_t InlineSize>
+class MoveOnlyFunction<Result(Arguments...), InlineSize> {
 public:
-    /// A std::function and a counted reference, with room for a few values.
-    static constexpr size_t kInlineSize = 64;
+    static constexpr size_t kInlineSize = InlineSize;
 
     /// Nothing to call.
     MoveOnlyFunction() = default;

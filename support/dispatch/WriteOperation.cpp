@@ -10,6 +10,10 @@ void WriteVectors::add(const char* bytes, size_t size) {
 }
 
 void WriteOperation::gather(WriteVectors& vectors) const {
+    const auto prefix = prefix_.bytes().subspan(writtenPrefix_);
+    if (!prefix.empty()) { // there is room: this is asked only then
+        vectors.add(prefix.data(), prefix.size());
+    }
     size_t skipped = offset_;
     for (const DispatchData::Region& region : data_.regions().subspan(region_)) {
         if (vectors.isFull()) {
@@ -22,8 +26,10 @@ void WriteOperation::gather(WriteVectors& vectors) const {
 
 size_t WriteOperation::advance(size_t count) {
     const size_t mine = std::min(count, unwritten_);
+    const size_t ofPrefix = std::min(mine, prefix_.bytes().size() - writtenPrefix_);
     unwritten_ -= mine;
-    offset_ += mine;
+    writtenPrefix_ += ofPrefix;
+    offset_ += mine - ofPrefix;
     const auto regions = data_.regions();
     while (region_ < regions.size() && offset_ >= regions[region_].size) {
         offset_ -= regions[region_++].size;

@@ -27,22 +27,43 @@ private:
     size_t size_ = 0;
 };
 
+/// A few bytes that go before the data of a write, such as a header: kept with the write, they need
+/// no buffer of their own.
+class WritePrefix {
+public:
+    static constexpr size_t kCapacity = 16;
+
+    WritePrefix() = default;
+    explicit WritePrefix(const std::array<char, kCapacity>& bytes)
+        : bytes_(bytes), size_(kCapacity) {}
+
+    std::span<const char> bytes() const { return {bytes_.data(), size_}; }
+
+private:
+    std::array<char, kCapacity> bytes_ = {};
+    size_t size_ = 0;
+};
+
 /// The bytes of one write on their way out.
 class WriteOperation {
 public:
-    explicit WriteOperation(DispatchData data) : data_(std::move(data)), unwritten_(data_.size()) {}
+    WriteOperation(const WritePrefix& prefix, DispatchData&& data)
+        : prefix_(prefix), data_(std::move(data)),
+          unwritten_(prefix_.bytes().size() + data_.size()) {}
 
     size_t unwritten() const { return unwritten_; }
 
-    /// Adds what is not written yet, as far as there is room.
+    /// Adds what is not written yet, as far as there is room, which there is for something.
     void gather(WriteVectors& vectors) const;
 
     /// Up to `count` more bytes are written; returns how many of them are this operation's.
     size_t advance(size_t count);
 
 private:
+    WritePrefix prefix_;
     DispatchData data_;
     size_t unwritten_;
+    size_t writtenPrefix_ = 0;
     size_t region_ = 0; ///< the first one with unwritten bytes
     size_t offset_ = 0; ///< bytes of it that are written
 };

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+namespace navrel {
+
+/// First come, first served. Memory for a few is kept, so that a connection whose operations come
+/// and go in turn allocates nothing for them, as a std::deque would. References are valid until the
+/// line changes.
+template <typename Value>
+class WaitingLine {
+public:
+    bool empty() const { return values_.empty(); }
+    std::size_t size() const { return values_.size() - first_; }
+
+    Value& front() { return values_[first_]; }
+    const Value& front() const { return values_[first_]; }
+
+    auto begin() const { return values_.cbegin() + static_cast<std::ptrdiff_t>(first_); }
+    auto end() const { return values_.cend(); }
+
+    template <typename... Arguments>
+    void emplaceBack(Arguments&&... arguments) {
+        values_.emplace_back(std::forward<Arguments>(arguments)...);
+    }
+
+    /// Puts back what was taken.
+    void pushFront(Value&& value) {
+        if (first_ > 0) {
+            values_[--first_] = std::move(value);
+        } else {
+            values_.push_back(std::move(value));
+            std::rotate(values_.begin(), values_.end() - 1, values_.end());
+        }
+    }
+
+    Value takeFront() {
+        Value value = std::move(front());
+        dropFront();
+        return value;
+    }
+
+    /// Whatever the first value still holds goes now or with a later one: it is to be moved out
+    /// before, as far as that matters.
+    void dropFront() {
+        ++first_;
+        if (first_ == values_.size()) {
+            clear();
+        } else if (first_ > kMostTaken && first_ > size()) {
+            values_.erase(values_.begin(), begin());
+            first_ = 0;
+        }
+    }
+
+private:
+    /// Places of values that are gone; more are given to others, as soon as that moves few of them.
+    static constexpr std::size_t kMostTaken = 64;
+    static constexpr std::size_t kMostKept = 256;
+
+    void clear() {
+        first_ = 0;
+        values_.clear();
+        if (values_.capacity() > kMostKept) {
+            values_.shrink_to_fit();
+        }
+    }
+
+    std::vector<Value> values_;
+    std::size_t first_ = 0; ///< those before it are gone
+};
+
+} // namespace navrel
