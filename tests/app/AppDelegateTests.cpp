@@ -1,6 +1,10 @@
 #include "tests/FakeMenuItem.h"
 #include "tests/app/ServedProject.h"
 
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
 namespace navrel {
 namespace {
 
@@ -26,6 +30,30 @@ TEST_F(AppDelegateTest, quittingRemembersAutomaticSelectionAndEndsTheProgram) {
     manager_->setAutomaticProjectSelection(false);
     delegate_->quit();
     EXPECT_EQ(defaults_->boolForKey(QStringLiteral("automaticProjectSelection")), false);
+}
+
+TEST_F(AppDelegateTest, quittingLeavesTheStoreInOneFileThatTheNextStartReads) {
+    project_.writeFile(QStringLiteral("a.h"), "\n");
+    project_.addEntry("A", "a.h");
+    launch();
+    manager_->changeFiletypeAllowanceWithDictionary(
+        {{QStringLiteral("extension"), QStringLiteral("h")}, {QStringLiteral("allowed"), false}});
+    runPass();
+    delegate_->quit();
+
+    // Deliberate: nothing is closed at the end. So what is there now is what the next start finds.
+    const QString folder = QStringLiteral("/data/nl.kelvane.Navrel");
+    const QString name = QStringLiteral("OSXCoreDataObjC.storedata");
+    EXPECT_EQ(QDir(profile_.path() + folder).entryList(QDir::Files), QStringList{name});
+    const QTemporaryDir next;
+    ASSERT_TRUE(QDir().mkpath(next.path() + folder));
+    ASSERT_TRUE(QFile::copy(profile_.path() + folder + QLatin1Char('/') + name,
+                            next.path() + folder + QLatin1Char('/') + name));
+    const auto manager = KZDataManager::init(
+        {*defaults_, editor_, desktop_, scanner_, next.filePath(QStringLiteral("data"))});
+    EXPECT_EQ(manager->allowedFileTypesDictionary(), manager_->allowedFileTypesDictionary());
+    EXPECT_EQ(manager->allowedFileTypes(), QStringList());
+    manager->setWeakSelf(nullptr);
 }
 
 TEST_F(AppDelegateTest, terminationByOthersStoresAndClosesNothing) {
