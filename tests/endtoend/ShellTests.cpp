@@ -239,8 +239,9 @@ TEST_F(ShellOnDisplayTest, anX11TrayShowsTheItemUntilItGoes) {
     }
     display_->startClient(trayer, {});
     ASSERT_TRUE(navrel_.start());
-    EXPECT_TRUE(waitUntil(
-        [this] { return display_->windowsWithin(QStringLiteral("panel")).contains("navrel"); }));
+    EXPECT_TRUE(waitUntil([this] {
+        return display_->windowsWithin(QStringLiteral("panel")).contains("navrel");
+    })) << display_->allWindows().data();
     EXPECT_FALSE(isWindowShown());
 
     display_->endClient();

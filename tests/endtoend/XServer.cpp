@@ -42,14 +42,17 @@ XServer::XServer() {
     server_.start(kServer,
                   {numberOfDisplay(), QStringLiteral("-displayfd"), QStringLiteral("1"),
                    QStringLiteral("-screen"), QStringLiteral("0"), QStringLiteral("800x600x24"),
-                   QStringLiteral("-nolisten"), QStringLiteral("tcp")});
+                   QStringLiteral("-nolisten"), QStringLiteral("tcp"), QStringLiteral("-noreset")});
     EXPECT_TRUE(waitUntil([this] { return server_.canReadLine(); }));
     display_ = QStringLiteral(":") + QString::fromUtf8(server_.readLine()).trimmed();
+    // It names its display before it takes every client.
+    EXPECT_TRUE(waitUntil([this] { return !allWindows().isEmpty(); }));
 }
 
 XServer::~XServer() {
     endClient();
-    server_.kill();
+    // Not killed: it takes its socket and its lock with it.
+    server_.terminate();
     server_.waitForFinished();
 }
 
@@ -78,8 +81,7 @@ QList<int> XServer::widthsOfShownWindows(const QString& title) const {
     static const QRegularExpression width(QStringLiteral("Width: (\\d+)"));
     const QByteArray name = " \"" + title.toUtf8() + "\": ";
     QList<int> widths;
-    for (const QByteArray& line :
-         describe({QStringLiteral("-root"), QStringLiteral("-tree")}).split('\n')) {
+    for (const QByteArray& line : allWindows().split('\n')) {
         if (!line.contains(name)) {
             continue;
         }
@@ -90,6 +92,10 @@ QList<int> XServer::widthsOfShownWindows(const QString& title) const {
         }
     }
     return widths;
+}
+
+QByteArray XServer::allWindows() const {
+    return describe({QStringLiteral("-root"), QStringLiteral("-tree")});
 }
 
 QByteArray XServer::windowsWithin(const QString& title) const {

@@ -26,6 +26,8 @@ public:
 
     /// The widths of the windows with this title that are shown, those within others included.
     QList<int> widthsOfShownWindows(const QString& title) const;
+    /// Every window, as xwininfo lists them: what to say of a failure.
+    QByteArray allWindows() const;
     /// The windows within the one with this title, as xwininfo lists them.
     QByteArray windowsWithin(const QString& title) const;
 
