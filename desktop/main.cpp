@@ -57,7 +57,10 @@ int runApplication(QApplication& application) {
                        [&delegate] { delegate->applicationDidFinishLaunching(); });
     QObject::connect(&application, &QCoreApplication::aboutToQuit, delegate.get(),
                      [&delegate] { delegate->applicationWillTerminate(); });
-    return QApplication::exec();
+    const int status = QApplication::exec();
+    // It would outlive even this: what it holds is closed in order, and nothing is saved.
+    dataManager->setWeakSelf(nullptr);
+    return status;
 }
 
 } // namespace

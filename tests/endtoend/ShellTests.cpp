@@ -148,7 +148,7 @@ TEST_F(ShellTest, theQuitEntryStoresAutomaticSelectionAndEndsTheProgram) {
     defaults.remove(key);
     defaults.sync();
     click(QStringLiteral("Quit Navrel"));
-    EXPECT_EQ(navrel_.waitForExit(), 0);
+    EXPECT_EQ(navrel_.waitForExit(), 0) << navrel_.log().data();
     defaults.sync();
     EXPECT_EQ(defaults.value(key).toString(), QStringLiteral("false"));
 }
