@@ -62,6 +62,9 @@ function(navrel_add_tests name)
     endif()
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(${name} PRIVATE navrel_options ${arg_LINK} ${main} GTest::gmock)
+    if(NAVREL_PRECOMPILE_HEADERS)
+        target_precompile_headers(${name} REUSE_FROM navrel_test_main)
+    endif()
     gtest_discover_tests(${name}
         DISCOVERY_MODE PRE_TEST
         DISCOVERY_TIMEOUT 60
