@@ -35,7 +35,7 @@ StatusItem::StatusItem(StatusMenu& menu, const QIcon& icon, bool hasDisplay)
     connect(&trayTimer_, &QTimer::timeout, this, [this] { chooseWhere(); });
     trayTimer_.start(kTrayInterval);
     QTimer::singleShot(kPatienceWithPanels, this, [this] {
-        mayShowWindow_ = true;
+        hasWaited_ = true;
         chooseWhere();
     });
     chooseWhere();
@@ -60,9 +60,13 @@ void StatusItem::offerOnBus(StatusMenu& menu) {
 
 void StatusItem::chooseWhere() {
     const bool isOnPanel = busItem_ != nullptr && busItem_->hasHost();
-    const bool isInTray = hasDisplay_ && !isOnPanel && QSystemTrayIcon::isSystemTrayAvailable();
+    const bool isPanelKnown = busItem_ == nullptr || busItem_->isHostKnown();
+    // Qt must not be asked before: where it meets a panel on the bus it takes that for the tray,
+    // now and ever after, and offers it an item of its own. One that never answers would block it.
+    const bool isInTray =
+        hasDisplay_ && isPanelKnown && !isOnPanel && QSystemTrayIcon::isSystemTrayAvailable();
     showInTray(isInTray);
-    showInWindow(hasDisplay_ && mayShowWindow_ && !isOnPanel && !isInTray);
+    showInWindow(hasDisplay_ && hasWaited_ && !isOnPanel && !isInTray);
 }
 
 void StatusItem::showInTray(bool show) {

@@ -39,7 +39,7 @@ private:
     std::unique_ptr<QSystemTrayIcon> trayIcon_;
     std::unique_ptr<MenuWindow> window_;
     QTimer trayTimer_;
-    bool mayShowWindow_ = false; ///< not at first: at login, panels start beside the program
+    bool hasWaited_ = false; ///< for a panel: at login, they start beside the program
 };
 
 } // namespace navrel

@@ -21,6 +21,12 @@ const QString kWatcherPath = QStringLiteral("/StatusNotifierWatcher");
 const QString kItemPath = QStringLiteral("/StatusNotifierItem");
 const QString kMenuPath = QStringLiteral("/MenuBar");
 
+/// Whether a call failed because nobody has the name that it was for.
+bool isAbsence(const QDBusError& error) {
+    return error.type() == QDBusError::ServiceUnknown ||
+           error.name() == QStringLiteral("org.freedesktop.DBus.Error.NameHasNoOwner");
+}
+
 } // namespace
 
 StatusNotifierItem::StatusNotifierItem(const QDBusConnection& bus, StatusMenu& menu,
@@ -38,6 +44,7 @@ StatusNotifierItem::StatusNotifierItem(const QDBusConnection& bus, StatusMenu& m
         !bus_.registerService(serviceName_)) {
         log(QStringLiteral("The status item cannot be on the session bus: %1")
                 .arg(bus_.lastError().message()));
+        hasHost_ = false;
         return;
     }
     watchHosts();
@@ -82,6 +89,10 @@ void StatusNotifierItem::offer() {
         answer->deleteLater();
         if (!answer->isError()) {
             askForHost();
+        } else if (isAbsence(answer->error())) {
+            setHasHost(false);
+        } else {
+            setHasHost(std::nullopt);
         }
     });
 }
@@ -97,12 +108,11 @@ void StatusNotifierItem::askForHost() {
         answer->deleteLater();
         const QDBusPendingReply<QVariant> reply = *answer;
         // A watcher that cannot say took the item all the same.
-        setHasHost(reply.isError() ? reply.error().type() != QDBusError::ServiceUnknown
-                                   : reply.value().toBool());
+        setHasHost(reply.isError() ? !isAbsence(reply.error()) : reply.value().toBool());
     });
 }
 
-void StatusNotifierItem::setHasHost(bool hasHost) {
+void StatusNotifierItem::setHasHost(std::optional<bool> hasHost) {
     if (hasHost_ != hasHost) {
         hasHost_ = hasHost;
         hostDidChange_();

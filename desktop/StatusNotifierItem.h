@@ -8,6 +8,7 @@
 #include <QString>
 
 #include <functional>
+#include <optional>
 
 namespace navrel {
 
@@ -28,13 +29,17 @@ public:
     };
 
     /// `bus` is the session's. `menuAt` shows the menu at a point of the screen by other means, for
-    /// panels that do not read it over the bus. `hostDidChange` is called when `hasHost` changed.
+    /// panels that do not read it over the bus. `hostDidChange` is called when `hasHost` changed,
+    /// or became certain.
     StatusNotifierItem(const QDBusConnection& bus, StatusMenu& menu, Appearance appearance,
                        std::function<void(QPoint)> menuAt, std::function<void()> hostDidChange);
     ~StatusNotifierItem() override;
 
     /// Whether a panel shows the item, as far as is known: each answer of the bus comes later.
-    bool hasHost() const { return hasHost_; }
+    bool hasHost() const { return hasHost_.value_or(false); }
+    /// Whether that is certain, be it that there is nobody to ask: not before the first answer, nor
+    /// when the panel's watcher refuses to tell.
+    bool isHostKnown() const { return hasHost_.has_value(); }
 
     const Appearance& appearance() const { return appearance_; }
     void showMenuAt(QPoint position) const { menuAt_(position); }
@@ -46,7 +51,7 @@ private Q_SLOTS:
 
 private:
     void offer();
-    void setHasHost(bool hasHost);
+    void setHasHost(std::optional<bool> hasHost);
     void watchHosts();
 
     QDBusConnection bus_;
@@ -55,7 +60,7 @@ private:
     std::function<void()> hostDidChange_;
     QString serviceName_;
     QDBusServiceWatcher watcher_;
-    bool hasHost_ = false;
+    std::optional<bool> hasHost_; ///< nil while it is not known
 };
 
 } // namespace navrel

@@ -112,10 +112,19 @@ void FakePanel::setHasHost(bool hasHost) {
 }
 
 QString FakePanel::introspect(const QString&) const {
-    return QString();
+    return QStringLiteral(R"(<interface name="org.kde.StatusNotifierWatcher">
+  <property name="IsStatusNotifierHostRegistered" type="b" access="read"/>
+  <method name="RegisterStatusNotifierItem"><arg name="service" type="s" direction="in"/></method>
+</interface>
+)");
 }
 
 bool FakePanel::handleMessage(const QDBusMessage& message, const QDBusConnection& connection) {
+    if (manners_ != Manners::Good) {
+        ++refusals;
+        return manners_ == Manners::Mute ||
+               connection.send(message.createErrorReply(QDBusError::Failed, QString()));
+    }
     if (message.member() == QStringLiteral("RegisterStatusNotifierItem")) {
         items.append(message.arguments().value(0).toString());
         return connection.send(message.createReply());

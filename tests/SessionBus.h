@@ -58,8 +58,14 @@ public:
     /// A host comes to the watcher, or goes.
     void setHasHost(bool hasHost);
 
+    /// How it answers calls: well, with errors, or never.
+    enum class Manners { Good, Refuses, Mute };
+    void setManners(Manners manners) { manners_ = manners; }
+
     /// The service names of the items that were offered since the panel's last appearance.
     QStringList items;
+    /// How many calls were refused, or are left without an answer.
+    int refusals = 0;
 
     QString introspect(const QString& path) const override;
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override;
@@ -67,6 +73,7 @@ public:
 private:
     QDBusConnection bus_;
     bool hasHost_ = true;
+    Manners manners_ = Manners::Good;
 };
 
 } // namespace navrel

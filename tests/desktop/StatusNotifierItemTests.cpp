@@ -92,6 +92,25 @@ TEST_F(StatusNotifierItemTest, aWatcherWithoutAHostShowsNothing) {
     EXPECT_TRUE(waitUntil([this] { return !item_->hasHost(); }));
 }
 
+TEST_F(StatusNotifierItemTest, withoutAPanelItIsKnownThatThereIsNone) {
+    makeItem();
+    EXPECT_FALSE(item_->isHostKnown());
+    EXPECT_TRUE(waitUntil([this] { return item_->isHostKnown(); }));
+    EXPECT_FALSE(item_->hasHost());
+    EXPECT_EQ(hostChanges_, 1);
+}
+
+TEST_F(StatusNotifierItemTest, aPanelThatRefusesTheItemDoesNotShowIt) {
+    ASSERT_TRUE(panel_->appear());
+    makeItem();
+    ASSERT_TRUE(isShown());
+    panel_->disappear();
+    panel_->setManners(FakePanel::Manners::Refuses);
+    ASSERT_TRUE(panel_->appear());
+    EXPECT_TRUE(waitUntil([this] { return panel_->refusals > 0 && !item_->isHostKnown(); }));
+    EXPECT_FALSE(item_->hasHost());
+}
+
 TEST_F(StatusNotifierItemTest, theItemIsAnIconWithAMenu) {
     ASSERT_TRUE(panel_->appear());
     QPixmap picture(64, 64);

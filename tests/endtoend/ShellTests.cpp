@@ -232,6 +232,25 @@ TEST_F(ShellOnDisplayTest, whereNothingShowsStatusItemsAWindowDoesUntilAPanelCom
     EXPECT_TRUE(waitUntil([this] { return isWindowShown(); }));
 }
 
+TEST_F(ShellOnDisplayTest, aPanelThatWasThereFirstLeavesAWindow) {
+    ASSERT_TRUE(panel_->appear());
+    ASSERT_TRUE(navrel_.start());
+    ASSERT_TRUE(isOnPanel());
+    EXPECT_TRUE(waitForLabel(QStringLiteral("Current project: App.xcodeproj")));
+    EXPECT_EQ(panel_->items.size(), 1);
+    EXPECT_FALSE(isWindowShown());
+    panel_->disappear();
+    EXPECT_TRUE(waitUntil([this] { return isWindowShown(); }));
+}
+
+TEST_F(ShellOnDisplayTest, aPanelThatNeverAnswersLeavesAWindow) {
+    panel_->setManners(FakePanel::Manners::Mute);
+    ASSERT_TRUE(panel_->appear());
+    ASSERT_TRUE(navrel_.start());
+    EXPECT_TRUE(waitUntil([this] { return isWindowShown(); }));
+    EXPECT_GT(panel_->refusals, 0);
+}
+
 TEST_F(ShellOnDisplayTest, anX11TrayShowsTheItemUntilItGoes) {
     const QString trayer = QStringLiteral("trayer");
     if (!findTool(trayer)) {
