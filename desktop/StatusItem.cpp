@@ -32,7 +32,12 @@ StatusItem::StatusItem(StatusMenu& menu, const QIcon& icon, bool hasDisplay)
     : icon_(icon), hasDisplay_(hasDisplay), menuWidget_(menu),
       window_(std::make_unique<MenuWindow>(menu, icon)) {
     offerOnBus(menu);
-    connect(&trayTimer_, &QTimer::timeout, this, [this] { chooseWhere(); });
+    connect(&trayTimer_, &QTimer::timeout, this, [this] {
+        if (busItem_ != nullptr && !busItem_->isOnBus()) {
+            busItem_.reset(); // nobody tells of that
+        }
+        chooseWhere();
+    });
     trayTimer_.start(kTrayInterval);
     QTimer::singleShot(kPatienceWithPanels, this, [this] {
         hasWaited_ = true;

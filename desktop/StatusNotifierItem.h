@@ -41,6 +41,9 @@ public:
     /// when the panel's watcher refuses to tell.
     bool isHostKnown() const { return hasHost_.has_value(); }
 
+    /// Whether it stands on a bus: not after that has ended.
+    bool isOnBus() const { return bus_.isConnected(); }
+
     const Appearance& appearance() const { return appearance_; }
     void showMenuAt(QPoint position) const { menuAt_(position); }
     /// Where the menu stands on the bus.

@@ -56,6 +56,10 @@ SessionBus::~SessionBus() {
     for (const QString& name : connectionNames_) {
         QDBusConnection::disconnectFromBus(name);
     }
+    end();
+}
+
+void SessionBus::end() {
     daemon_.kill();
     daemon_.waitForFinished();
 }

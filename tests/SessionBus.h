@@ -28,6 +28,8 @@ public:
     const QString& address() const { return address_; }
     /// A new connection, closed with the bus.
     QDBusConnection connect();
+    /// Ends the daemon, as at the end of a session: every connection is lost.
+    void end();
 
 private:
     QTemporaryDir folder_;

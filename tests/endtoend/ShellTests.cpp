@@ -251,6 +251,16 @@ TEST_F(ShellOnDisplayTest, aPanelThatNeverAnswersLeavesAWindow) {
     EXPECT_GT(panel_->refusals, 0);
 }
 
+TEST_F(ShellOnDisplayTest, aSessionBusThatEndsLeavesAWindow) {
+    ASSERT_TRUE(panel_->appear());
+    ASSERT_TRUE(navrel_.start());
+    ASSERT_TRUE(isOnPanel());
+    EXPECT_TRUE(waitForLabel(QStringLiteral("Current project: App.xcodeproj")));
+    bus_->end();
+    EXPECT_TRUE(waitUntil([this] { return isWindowShown(); }));
+    EXPECT_TRUE(navrel_.isRunning());
+}
+
 TEST_F(ShellOnDisplayTest, anX11TrayShowsTheItemUntilItGoes) {
     const QString trayer = QStringLiteral("trayer");
     if (!findTool(trayer)) {
