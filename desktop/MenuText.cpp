@@ -47,6 +47,10 @@ QString titleOnOneLine(const QString& title) {
            text.mid(boundaries.at(length - keptAtEnd));
 }
 
+QString toolTipForTitle(const QString& title) {
+    return QStringLiteral("<p style=\"white-space: pre-wrap\">%1</p>").arg(title.toHtmlEscaped());
+}
+
 QString withoutMnemonics(const QString& text, QChar announcer) {
     QString result = text;
     return result.replace(announcer, QString(2, announcer));

@@ -50,7 +50,7 @@ void MenuWidget::show(const MenuEntry& entry, QAction& action) const {
     action.setSeparator(entry.kind() == MenuEntry::Kind::Separator);
     action.setText(withoutMnemonics(title, QChar(u'&')));
     // Only where it says more: Qt would show the text itself.
-    action.setToolTip(title == entry.title() ? QString() : entry.title());
+    action.setToolTip(title == entry.title() ? QString() : toolTipForTitle(entry.title()));
     action.setEnabled(entry.canBeChosen() || action.isSeparator());
     action.setCheckable(entry.kind() == MenuEntry::Kind::Switch);
     action.setChecked(entry.isChecked());

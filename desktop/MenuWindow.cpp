@@ -80,7 +80,7 @@ void MenuWindow::entryDidChange(const MenuEntry& entry) {
 void MenuWindow::show(const MenuEntry& entry, QListWidgetItem& item) const {
     item.setData(kIDRole, entry.id());
     item.setText(titleOnOneLine(entry.title()));
-    item.setToolTip(entry.title().toHtmlEscaped());
+    item.setToolTip(toolTipForTitle(entry.title()));
     item.setFlags(entry.canBeChosen() ? Qt::ItemIsEnabled | Qt::ItemIsSelectable : Qt::NoItemFlags);
     if (entry.kind() == MenuEntry::Kind::Switch) {
         item.setCheckState(entry.isChecked() ? Qt::Checked : Qt::Unchecked);

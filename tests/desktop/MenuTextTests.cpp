@@ -1,5 +1,6 @@
 #include "desktop/MenuText.h"
 
+#include <QTextDocument>
 #include <gtest/gtest.h>
 
 namespace navrel {
@@ -32,6 +33,18 @@ TEST(MenuText, charactersAreCountedAsAPersonCountsThem) {
 TEST(MenuText, breaksAndControlCharactersBecomeBlanks) {
     EXPECT_EQ(titleOnOneLine(QStringLiteral("a\nb\tc\rd\u2028e\u0007f")),
               QStringLiteral("a b c d e f"));
+}
+
+TEST(MenuText, aToolTipShowsTheTitleAsWritten) {
+    for (const QString& title :
+         {QStringLiteral("a & \"b\" &amp; c"), QStringLiteral("<b>bold</b> <img src=x>"),
+          QStringLiteral("if (a  <  b)\n  c"), QStringLiteral("%1 שלום 🎉")}) {
+        const QString toolTip = toolTipForTitle(title);
+        ASSERT_TRUE(Qt::mightBeRichText(toolTip)) << qPrintable(title);
+        QTextDocument document;
+        document.setHtml(toolTip);
+        EXPECT_EQ(document.toPlainText(), title);
+    }
 }
 
 TEST(MenuText, mnemonicAnnouncersAreDoubled) {

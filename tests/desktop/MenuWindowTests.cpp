@@ -1,3 +1,4 @@
+#include "desktop/MenuText.h"
 #include "desktop/MenuWindow.h"
 #include "tests/WaitUntil.h"
 
@@ -50,6 +51,7 @@ TEST_F(MenuWindowTest, itShowsTheSameEntriesAsTheMenu) {
     EXPECT_EQ(item(1).checkState(), Qt::Unchecked);
     EXPECT_NE(list().itemWidget(&item(3)), nullptr);
     EXPECT_EQ(item(4).text(), QStringLiteral("a_b & c"));
+    EXPECT_EQ(item(4).toolTip(), toolTipForTitle(QStringLiteral("a_b & c")));
     automatic_.setChecked(true);
     EXPECT_EQ(item(1).checkState(), Qt::Checked);
 }
