@@ -3,6 +3,7 @@
 #include "desktop/MenuText.h"
 
 #include <QCloseEvent>
+#include <QCoreApplication>
 #include <QFrame>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -37,6 +38,7 @@ MenuWindow::MenuWindow(StatusMenu& menu, const QIcon& icon) : menu_(menu) {
         const int id = item->data(kIDRole).toInt();
         QTimer::singleShot(0, this, [this, id] { menu_.choose(id); });
     });
+    QCoreApplication::instance()->installEventFilter(this);
     menu_.addView(*this);
     menuDidChange();
 }
@@ -88,8 +90,17 @@ void MenuWindow::show(const MenuEntry& entry, QListWidgetItem& item) const {
 }
 
 void MenuWindow::closeEvent(QCloseEvent* event) {
-    event->ignore();
-    showMinimized();
+    if (!isProgramEnding_) {
+        event->ignore();
+        showMinimized();
+    }
+}
+
+bool MenuWindow::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Quit && watched == QCoreApplication::instance()) {
+        isProgramEnding_ = true;
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 } // namespace navrel

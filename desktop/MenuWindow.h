@@ -22,6 +22,8 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    /// Hears that the session ends, which closes all windows: then none may refuse.
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void show(const MenuEntry& entry, QListWidgetItem& item) const;
@@ -29,6 +31,7 @@ private:
 
     StatusMenu& menu_;
     QListWidget list_;
+    bool isProgramEnding_ = false;
 };
 
 } // namespace navrel

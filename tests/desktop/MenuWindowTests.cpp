@@ -2,10 +2,14 @@
 #include "desktop/MenuWindow.h"
 #include "tests/WaitUntil.h"
 
-#include <QCoreApplication>
+#include <QApplication>
+#include <QEventLoop>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QTimer>
 #include <gtest/gtest.h>
+
+#include <chrono>
 
 namespace navrel {
 namespace {
@@ -79,6 +83,16 @@ TEST_F(MenuWindowTest, closingOnlyMinimizesIt) {
     window_.close();
     EXPECT_TRUE(window_.isMinimized());
     EXPECT_TRUE(window_.isVisible());
+}
+
+TEST_F(MenuWindowTest, theEndOfTheSessionEndsTheProgramWithTheWindowOpen) {
+    QEventLoop loop;
+    QTimer::singleShot(0, &loop, [] {
+        QEvent quit(QEvent::Quit);
+        QCoreApplication::sendEvent(qApp, &quit);
+    });
+    QTimer::singleShot(std::chrono::seconds(5), &loop, [&loop] { loop.exit(1); });
+    EXPECT_EQ(loop.exec(), 0);
 }
 
 TEST_F(MenuWindowTest, itHasNamesForScreenReaders) {
