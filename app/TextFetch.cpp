@@ -76,11 +76,25 @@ std::optional<QByteArray> fetchBytes(const QUrl& url) {
     return bytesOf(*reply);
 }
 
+bool breaksLine(QChar character) {
+    return character.isSpace() && character != QChar(u'\t') &&
+           (character.category() == QChar::Other_Control ||
+            character.category() == QChar::Separator_Line ||
+            character.category() == QChar::Separator_Paragraph);
+}
+
+bool turnsDirection(QChar character) {
+    return (character >= QChar(u'\u202A') && character <= QChar(u'\u202E')) ||
+           (character >= QChar(u'\u2066') && character <= QChar(u'\u2069'));
+}
+
 /// A text that a person can be shown: a server that sends something else has no version to offer.
 bool isReadable(const QString& text) {
-    return std::none_of(text.begin(), text.end(), [](QChar character) {
-        return character.category() == QChar::Other_Control && !character.isSpace();
-    });
+    return std::count_if(text.begin(), text.end(), breaksLine) <= kMaximumFetchedLineBreaks &&
+           std::none_of(text.begin(), text.end(), [](QChar character) {
+               return turnsDirection(character) ||
+                      (character.category() == QChar::Other_Control && !character.isSpace());
+           });
 }
 
 } // namespace

@@ -44,6 +44,19 @@ TEST(TextFetch, binaryThatHappensToBeUTF8IsNoText) {
     EXPECT_EQ(fetchFrom(TestWebServer::text("\xC2\x85\xC2\x9B")), std::nullopt);
 }
 
+TEST(TextFetch, aTextThatNoAlertCouldShowIsNone) {
+    const QByteArray breaks(kMaximumFetchedLineBreaks, '\n');
+    EXPECT_EQ(fetchFrom(TestWebServer::text("2.0" + breaks)),
+              QStringLiteral("2.0") + QString(kMaximumFetchedLineBreaks, u'\n'));
+    EXPECT_EQ(fetchFrom(TestWebServer::text("2.0" + breaks + "\xE2\x80\xA8")), std::nullopt);
+    EXPECT_EQ(fetchFrom(TestWebServer::text(QByteArray("9\n").repeated(500))), std::nullopt);
+    for (const char* turned : {"\xE2\x80\xAE"
+                               "2.0",
+                               "2.0\xE2\x81\xA6"}) {
+        EXPECT_EQ(fetchFrom(TestWebServer::text(turned)), std::nullopt);
+    }
+}
+
 TEST(TextFetch, theLongestTextIsTakenAndOneByteMoreIsNot) {
     const QByteArray longest(kMaximumFetchedBytes, '7');
     EXPECT_EQ(fetchFrom(TestWebServer::text(longest)), QString::fromLatin1(longest));
