@@ -17,6 +17,10 @@ install(FILES
         "${PROJECT_SOURCE_DIR}/docs/protocol.md"
         "${debian}/copyright"
     DESTINATION "${doc}")
+# The manual's pictures.
+foreach(picture IN ITEMS companion open-panel-light panel-light window-light)
+    install(FILES "${PROJECT_SOURCE_DIR}/docs/images/${picture}.png" DESTINATION "${doc}/images")
+endforeach()
 
 configure_file("${linux}/navrel.service.in" "${PROJECT_BINARY_DIR}/packaging/navrel.service" @ONLY)
 # Not under the library folder: systemd reads user units from here, whatever the architecture.
