@@ -156,6 +156,21 @@ TEST_F(OpenPanelTest, aBundleIsPickedAsIfItWereAFile) {
               path("App.xcodeproj"));
 }
 
+TEST_F(OpenPanelTest, aBundleIsPickedHoweverItsPathIsTyped) {
+    for (const QString& typed :
+         {QStringLiteral("App.xcodeproj/"), path("App.xcodeproj"), path("App.xcodeproj/"),
+          QStringLiteral("inside/../App.xcodeproj"), QStringLiteral("./App.xcodeproj")}) {
+        EXPECT_EQ(run([&typed](OpenPanel& panel) {
+                      type(panel, typed);
+                      if (panel.isVisible()) {
+                          panel.reject();
+                      }
+                  }),
+                  path("App.xcodeproj"))
+            << qPrintable(typed);
+    }
+}
+
 TEST_F(OpenPanelTest, aBundleThatIsEnteredIsPicked) {
     EXPECT_EQ(run([this](OpenPanel& panel) {
                   panel.setDirectory(path("App.xcodeproj"));

@@ -261,6 +261,17 @@ TEST_F(ShellOnDisplayTest, aSessionBusThatEndsLeavesAWindow) {
     EXPECT_TRUE(navrel_.isRunning());
 }
 
+TEST_F(ShellOnDisplayTest, theProgramIsQuitWhileAPanelAsks) {
+    ASSERT_TRUE(panel_->appear());
+    ASSERT_TRUE(navrel_.start());
+    ASSERT_TRUE(isOnPanel());
+    click(QStringLiteral("Choose Project…"));
+    const QString title = QStringLiteral("Select *.xcodeproj file to use with Navrel");
+    ASSERT_TRUE(waitUntil([&] { return !display_->widthsOfShownWindows(title).isEmpty(); }));
+    click(QStringLiteral("Quit Navrel"));
+    EXPECT_EQ(navrel_.waitForExit(), 0);
+}
+
 TEST_F(ShellOnDisplayTest, anX11TrayShowsTheItemUntilItGoes) {
     const QString trayer = QStringLiteral("trayer");
     if (!findTool(trayer)) {
