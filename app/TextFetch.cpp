@@ -10,7 +10,10 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <future>
 #include <memory>
+#include <netdb.h>
+#include <thread>
 
 namespace navrel {
 
@@ -43,8 +46,29 @@ std::optional<QByteArray> bytesOf(QNetworkReply& reply) {
     return bytes.size() > kMaximumFetchedBytes ? std::nullopt : std::optional(bytes);
 }
 
+/// Whether a host has an address, as far as can be told by then. The resolver may take a minute
+/// over that and cannot be interrupted, so its thread is left behind: Qt's own would hold the end
+/// of the program as long. Qt asks once more, of a resolver that answers.
+bool hasAddress(const QUrl& url, const QDeadlineTimer& deadline) {
+    const auto found = std::make_shared<std::promise<bool>>();
+    std::future<bool> answer = found->get_future();
+    std::thread([found, host = url.host(QUrl::FullyEncoded).toLatin1()] {
+        addrinfo* addresses = nullptr;
+        const bool isFound = ::getaddrinfo(host.constData(), nullptr, nullptr, &addresses) == 0;
+        if (isFound) {
+            ::freeaddrinfo(addresses);
+        }
+        found->set_value(isFound);
+    }).detach();
+    return answer.wait_for(deadline.remainingTimeAsDuration()) == std::future_status::ready &&
+           answer.get();
+}
+
 /// Runs in a thread of its own, with an event loop of its own.
-std::optional<QByteArray> fetchBytes(const QUrl& url) {
+std::optional<QByteArray> fetchBytes(const QUrl& url, const QDeadlineTimer& deadline) {
+    if (!hasAddress(url, deadline)) {
+        return std::nullopt;
+    }
     QNetworkAccessManager manager;
     QNetworkRequest request(url);
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
@@ -69,7 +93,7 @@ std::optional<QByteArray> fetchBytes(const QUrl& url) {
             giveUp();
         }
     });
-    QTimer::singleShot(kTextFetchLimit, &loop, giveUp);
+    QTimer::singleShot(static_cast<int>(deadline.remainingTime()), &loop, giveUp);
     if (!reply->isFinished()) {
         loop.exec();
     }
@@ -104,9 +128,11 @@ std::optional<QString> fetchText(const QUrl& url) {
         return std::nullopt;
     }
     const auto fetched = std::make_shared<Fetched>();
-    auto* worker = QThread::create([url, fetched] { fetched->bytes = fetchBytes(url); });
+    const QDeadlineTimer deadline(kTextFetchLimit);
+    auto* worker =
+        QThread::create([url, deadline, fetched] { fetched->bytes = fetchBytes(url, deadline); });
     worker->start();
-    if (!worker->wait(QDeadlineTimer(kTextFetchLimit))) {
+    if (!worker->wait(deadline)) {
         // It ends by itself, soon: whatever holds it must not hold the caller.
         QObject::connect(worker, &QThread::finished, worker, &QObject::deleteLater);
         return std::nullopt;
