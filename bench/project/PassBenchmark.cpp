@@ -1,11 +1,10 @@
 // The update pass over an unchanged project against one `stat` by absolute path a file.
 
 #include "bench/Ratio.h"
+#include "bench/project/QuietWorld.h"
 #include "project/CDObject.h"
-#include "project/Editor.h"
 #include "project/KZDataManager.h"
 #include "project/ManagedObjectContext.h"
-#include "project/ProjectDialogs.h"
 #include "project/SourceScanner.h"
 #include "support/UserDefaults.h"
 
@@ -16,7 +15,6 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <map>
 #include <memory>
@@ -30,25 +28,6 @@ namespace {
 constexpr int kFilesInFolder = 20;
 constexpr int kFoldersInFolder = 25;
 constexpr double kGoal = 0.85;
-
-class NoEditor final : public Editor {
-public:
-    std::optional<QString> activeProjectPath() override { return std::nullopt; }
-    std::optional<QString> activeFileName() override { return std::nullopt; }
-    void openFile(const QString&, std::optional<int>) override {}
-};
-
-class NoDialogs final : public ProjectDialogs {
-public:
-    std::optional<QString> runOpenPanel(const QString&, const QStringList&) override {
-        return std::nullopt;
-    }
-    bool presentError(const Error& error) override {
-        std::fprintf(stderr, "%s\n", error.description().toUtf8().constData());
-        std::exit(EXIT_FAILURE);
-    }
-    int runQuitAlert(const QString&, const QString&, const QStringList&) override { return 0; }
-};
 
 class NoScanner final : public SourceScanner {
 public:
