@@ -238,7 +238,7 @@ void QWFileReader::enumerateLinesUsingBlock(const LineBlock& block) {
 
 void QWFileReader::findSuperclassUsingBlock(const SuperclassBlock& block) {
     SuperclassBudget budget;
-    SuperclassSearch search(SourceName(filePath_).baseName(), budget);
+    SuperclassSearch search(SourceName(filePath_).baseName().toByteArray(), budget);
     enumerateLinesUsingBlock([&](QByteArrayView line, bool& stop) {
         if (const auto superclass = search.superclassOnLine(line)) {
             block(*superclass);

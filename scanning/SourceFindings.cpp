@@ -45,10 +45,11 @@ void clearRecords(std::vector<Record>& records) {
 } // namespace
 
 SourceName::SourceName(QByteArrayView path)
-    : path_(path), kind_(kindOfExtension(pathExtension(path))) {}
+    : path_(path), kind_(kindOfExtension(pathExtensionView(path))) {}
 
-QByteArray SourceName::baseName() const {
-    return deletingPathExtension(lastPathComponent(path_));
+QByteArrayView SourceName::baseName() const {
+    const qsizetype extension = pathExtensionView(path_).size();
+    return lastPathComponentView(path_).chopped(extension == 0 ? 0 : extension + 1);
 }
 
 const QByteArray& nameOfElementType(ElementType type) {

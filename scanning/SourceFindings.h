@@ -25,8 +25,8 @@ public:
     explicit SourceName(QByteArrayView path);
 
     SourceKind kind() const { return kind_; }
-    /// The last component without its extension, UTF-8.
-    QByteArray baseName() const;
+    /// The last component without its extension, UTF-8: a part of the path.
+    QByteArrayView baseName() const;
 
 private:
     QByteArrayView path_;

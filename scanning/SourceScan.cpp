@@ -64,7 +64,7 @@ public:
     SuperclassRule(const SourceName& name, QByteArrayView text, SourceFindings& findings,
                    SuperclassBudget& budget)
         : text_(text), findings_(findings) {
-        QByteArray baseName = name.baseName();
+        QByteArray baseName = name.baseName().toByteArray();
         if (isPlainBaseName(baseName)) {
             foldedBaseName_ = std::move(baseName).toLower();
         } else {

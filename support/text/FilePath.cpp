@@ -21,14 +21,6 @@ QByteArrayView withoutSlashesAtTheEnd(QByteArrayView path) {
     return path;
 }
 
-QByteArrayView lastComponentView(QByteArrayView path) {
-    const QByteArrayView trimmed = withoutSlashesAtTheEnd(path);
-    if (trimmed.size() <= 1) {
-        return trimmed;
-    }
-    return trimmed.sliced(trimmed.lastIndexOf(kSeparator) + 1);
-}
-
 /// The position of the extension's dot within a last component, or -1.
 qsizetype extensionDot(QByteArrayView component) {
     const qsizetype dot = component.lastIndexOf('.');
@@ -62,8 +54,16 @@ QByteArray appendingPathComponent(QByteArrayView path, QByteArrayView component)
     return result;
 }
 
+QByteArrayView lastPathComponentView(QByteArrayView path) {
+    const QByteArrayView trimmed = withoutSlashesAtTheEnd(path);
+    if (trimmed.size() <= 1) {
+        return trimmed;
+    }
+    return trimmed.sliced(trimmed.lastIndexOf(kSeparator) + 1);
+}
+
 QByteArray lastPathComponent(QByteArrayView path) {
-    return lastComponentView(path).toByteArray();
+    return lastPathComponentView(path).toByteArray();
 }
 
 QByteArray deletingLastPathComponent(QByteArrayView path) {
@@ -75,15 +75,19 @@ QByteArray deletingLastPathComponent(QByteArrayView path) {
     return withoutSlashesAtTheEnd(trimmed.first(slash + 1)).toByteArray();
 }
 
-QByteArray pathExtension(QByteArrayView path) {
-    const QByteArrayView component = lastComponentView(path);
+QByteArrayView pathExtensionView(QByteArrayView path) {
+    const QByteArrayView component = lastPathComponentView(path);
     const qsizetype dot = extensionDot(component);
-    return dot < 0 ? QByteArrayLiteral("") : component.sliced(dot + 1).toByteArray();
+    return dot < 0 ? QByteArrayView("") : component.sliced(dot + 1);
+}
+
+QByteArray pathExtension(QByteArrayView path) {
+    return pathExtensionView(path).toByteArray();
 }
 
 QByteArray deletingPathExtension(QByteArrayView path) {
     const QByteArrayView trimmed = withoutSlashesAtTheEnd(path);
-    const QByteArrayView component = lastComponentView(trimmed);
+    const QByteArrayView component = lastPathComponentView(trimmed);
     const qsizetype dot = extensionDot(component);
     const qsizetype dropped = dot < 0 ? 0 : component.size() - dot;
     return trimmed.chopped(dropped).toByteArray();

@@ -36,6 +36,10 @@ QByteArray deletingLastPathComponent(QByteArrayView path);
 /// no dot, nothing after it, or nothing before it (".profile" has no extension).
 QByteArray pathExtension(QByteArrayView path);
 
+/// The last component and the extension as parts of the path, valid as long as it is.
+QByteArrayView lastPathComponentView(QByteArrayView path);
+QByteArrayView pathExtensionView(QByteArrayView path);
+
 /// The path without its extension and the dot before it.
 QByteArray deletingPathExtension(QByteArrayView path);
 

@@ -130,7 +130,7 @@ void IdealScan::scan(QByteArrayView source, const SourceName& name,
                      SourceFindings& findings) const {
     const re2::StringPiece text(source.data(), static_cast<std::size_t>(source.size()));
     const Patterns& patterns = *patterns_;
-    const RE2 superclass("(?i)@interface " + name.baseName().toStdString() +
+    const RE2 superclass("(?i)@interface " + name.baseName().toByteArray().toStdString() +
                              " *: *([a-z0-9]*) *(<([a-z, ]*)>)*",
                          memoryForLongLines());
     findings.clear();

@@ -75,6 +75,16 @@ TEST(FilePath, theExtensionIsWhatFollowsTheLastDotAsItIsSpelled) {
     EXPECT_EQ(pathExtension(""), "");
 }
 
+TEST(FilePath, viewsArePartsOfThePath) {
+    const QByteArray path = "/a.b/Foo.tar.gz/";
+    const QByteArrayView component = lastPathComponentView(path);
+    EXPECT_EQ(component, "Foo.tar.gz");
+    EXPECT_EQ(component.data(), path.constData() + 5);
+    EXPECT_EQ(pathExtensionView(path).data(), path.constData() + 13);
+    EXPECT_EQ(pathExtensionView(path), "gz");
+    EXPECT_TRUE(pathExtensionView("/a.b/Makefile").isEmpty());
+}
+
 TEST(FilePath, deletingTheExtensionTakesTheDotWithIt) {
     EXPECT_EQ(deletingPathExtension("Foo.m"), "Foo");
     EXPECT_EQ(deletingPathExtension("/a/Foo.tar.gz"), "/a/Foo.tar");
