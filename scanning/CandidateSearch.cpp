@@ -2,11 +2,72 @@
 
 #include "scanning/CandidateTables.h"
 
+#include <array>
+#include <string_view>
+
 namespace navrel {
 
 namespace {
 
 using candidatetables::Position;
+
+constexpr int kDecidingBytes = 1 + int(kCandidateLookahead);
+
+/// The bits of the beginnings that allow a byte at each position. More than a search for many
+/// places can hold: each byte by itself, and as many beginnings as there are.
+struct LikelyTable {
+    std::array<std::array<quint16, 256>, kDecidingBytes> allowed;
+
+    constexpr void allow(std::size_t position, std::string_view bytes, quint16 bit) {
+        for (const char byte : bytes) {
+            allowed[position][static_cast<quint8>(byte)] |= bit;
+        }
+    }
+
+    constexpr void allowAll(std::size_t position, quint16 bit) {
+        for (quint16& bits : allowed[position]) {
+            bits |= bit;
+        }
+    }
+};
+
+/// Each beginning tells the bytes that it allows at each position; no bytes stand for all.
+template <std::size_t count>
+constexpr LikelyTable
+makeLikelyTable(const std::string_view (&beginnings)[count][std::size_t(kDecidingBytes)]) {
+    static_assert(count <= 16, "a byte has a bit for each");
+    LikelyTable table{};
+    for (std::size_t index = 0; index < count; ++index) {
+        const auto bit = static_cast<quint16>(1U << index);
+        for (std::size_t position = 0; position < std::size_t(kDecidingBytes); ++position) {
+            const std::string_view bytes = beginnings[index][position];
+            bytes.empty() ? table.allowAll(position, bit) : table.allow(position, bytes, bit);
+        }
+    }
+    return table;
+}
+
+constexpr LikelyTable kLikelyInObjectiveC = makeLikelyTable({
+    {"-+", " ", " (", ""},
+    {"-+", "(", "", ""},
+    {"/", "/", " ", " mMwWnN"},
+    {"/", "/", "mMwWnN", "aA"},
+    {"@", "pP", "rR", "oO"},
+    {"@", "dD", "yY", "nN"},
+    {"@", "iI", "nN", "tT"},
+    {"#", "pP", "rR", "aA"},
+    {"#", "wW", "aA", "rR"},
+});
+constexpr LikelyTable kLikelyInSwift = makeLikelyTable({
+    {"cC", "lL", "aA", "sS\xC3\xC5\xE1"}, // also the other forms of s and ss
+    {"fF", "uU", "nN", "cC"},
+    {"vV", "aA", "rR", ""},
+    {"lL", "eE", "tT", ""},
+    {"/", "/", " ", " mMwWnN"},
+    {"/", "/", "mMwWnN", "aA"},
+    {"#", "pP", "rR", "aA"},
+    {"#", "wW", "aA", "rR"},
+});
 
 /// One place after the other.
 template <typename Tables>
@@ -42,6 +103,25 @@ private:
 qsizetype findCandidatesPortably(Candidates candidates, const char* text, qsizetype blockCount,
                                  quint16* offsets) {
     return candidatetables::findCandidates<PortableLanes>(candidates, text, blockCount, offsets);
+}
+
+// Written without a branch on what is found: what the search leaves is mostly comments, some of
+// which go on, and the processor would guess wrong at every other one.
+qsizetype keepLikelyCandidates(Candidates candidates, const char* text, quint16* offsets,
+                               qsizetype count) {
+    const LikelyTable& table =
+        candidates == Candidates::Swift ? kLikelyInSwift : kLikelyInObjectiveC;
+    quint16* kept = offsets;
+    for (const quint16* offset = offsets; offset < offsets + count; ++offset) {
+        const char* const place = text + *offset;
+        unsigned bits = 0xFFFF;
+        for (std::size_t position = 0; position < table.allowed.size(); ++position) {
+            bits &= table.allowed[position][static_cast<quint8>(place[position])];
+        }
+        *kept = *offset;
+        kept += bits != 0 ? 1 : 0;
+    }
+    return kept - offsets;
 }
 
 CandidateSearch fastestCandidateSearch() {

@@ -2,8 +2,8 @@
 
 #include <QtGlobal>
 
-/// Finding the places of a text where a rule may match, by the first two or three bytes of each
-/// rule, for many places at once.
+/// Finding the places of a text where a rule may match, by the first bytes of each rule: by two or
+/// three of them for many places at once, then by four for the few places that this leaves.
 namespace navrel {
 
 /// Whose rules are looked for. Letter case does not count; a few other places come along, since
@@ -21,7 +21,7 @@ enum class Candidates {
 /// Texts are searched in blocks of this many places.
 inline constexpr qsizetype kCandidateBlockSize = 64;
 /// The bytes behind a place that decide with it.
-inline constexpr qsizetype kCandidateLookahead = 2;
+inline constexpr qsizetype kCandidateLookahead = 3;
 /// A search may write this many offsets more than it finds.
 inline constexpr qsizetype kCandidateSurplus = 2;
 
@@ -30,6 +30,11 @@ inline constexpr qsizetype kCandidateSurplus = 2;
 /// `kCandidateSurplus` offsets of no meaning behind the last.
 using CandidateSearch = qsizetype (*)(Candidates candidates, const char* text, qsizetype blockCount,
                                       quint16* offsets);
+
+/// Keeps the offsets, out of `count`, of the places where four bytes allow some rule to match, and
+/// returns how many are left. Reads `kCandidateLookahead` bytes past each place.
+qsizetype keepLikelyCandidates(Candidates candidates, const char* text, quint16* offsets,
+                               qsizetype count);
 
 /// With the best that this processor has.
 CandidateSearch fastestCandidateSearch();

@@ -366,7 +366,8 @@ private:
     /// The bytes to search may be a copy of those at the place.
     void visitBlocks(const char* place, const char* bytes, qsizetype blockCount) {
         const qsizetype found = search_(candidates_, bytes, blockCount, offsets_.data());
-        for (qsizetype index = 0; index < found; ++index) {
+        const qsizetype likely = keepLikelyCandidates(candidates_, bytes, offsets_.data(), found);
+        for (qsizetype index = 0; index < likely; ++index) {
             pass_.visit(place + offsets_[static_cast<std::size_t>(index)]);
         }
     }
