@@ -1,5 +1,6 @@
 #include "scanning/SourceScan.h"
 
+#include "scanning/ByteScan.h"
 #include "scanning/RuleMatchers.h"
 #include "scanning/SuperclassSearch.h"
 #include "support/text/UTF8.h"
@@ -35,25 +36,6 @@ public:
     }
 
 private:
-    /// Adds up in bytes side by side, which compilers make vector instructions of.
-    static quint32 countLineFeeds(const char* at, const char* end) {
-        constexpr std::ptrdiff_t kLanes = 32;
-        constexpr int kMostRounds = 255; // what a byte can count
-        quint32 count = 0;
-        while (end - at >= kLanes) {
-            std::array<uchar, kLanes> counts{};
-            for (int round = 0; round < kMostRounds && end - at >= kLanes; ++round, at += kLanes) {
-                for (std::size_t lane = 0; lane < kLanes; ++lane) {
-                    counts[lane] = static_cast<uchar>(counts[lane] + (at[lane] == '\n' ? 1 : 0));
-                }
-            }
-            for (const uchar lane : counts) {
-                count += lane;
-            }
-        }
-        return count + static_cast<quint32>(std::count(at, end, '\n'));
-    }
-
     const char* countedTo_;
     quint32 line_ = 1;
 };
@@ -399,7 +381,8 @@ CandidateSearch usualCandidateSearch() {
 void scanInOnePass(QByteArrayView text, const SourceName& name, SourceFindings& findings,
                    SuperclassBudget& budget, CandidateSearch search) {
     findings.clear();
-    const qsizetype validLength = validUTF8Length(text);
+    const qsizetype asciiLength = asciiPrefixLength(text);
+    const qsizetype validLength = asciiLength + validUTF8Length(text.sliced(asciiLength));
     const bool isWhole = validLength == text.size();
     if (!isWhole) {
         text = text.first(text.first(validLength).lastIndexOf('\n') + 1);
