@@ -1,5 +1,6 @@
 #include "scanning/SourceFindings.h"
 
+#include "support/Assertion.h"
 #include "support/text/FilePath.h"
 
 #include <algorithm>
@@ -33,15 +34,6 @@ constexpr std::size_t listOf(ElementType type) {
     return 4;
 }
 
-/// Keeps the memory for the next file, but not what only a made-up file takes.
-template <typename Record>
-void clearRecords(std::vector<Record>& records) {
-    records.clear();
-    if (records.capacity() > SourceFindings::kMostKeptRecords) {
-        records.shrink_to_fit();
-    }
-}
-
 } // namespace
 
 SourceName::SourceName(QByteArrayView path)
@@ -60,9 +52,12 @@ const QByteArray& nameOfElementType(ElementType type) {
 
 void SourceFindings::clear() {
     superclass_.reset();
-    clearRecords(shortcuts_);
+    shortcuts_.clear();
+    if (shortcuts_.capacity() > kMostKeptRecords) {
+        shortcuts_.shrink_to_fit();
+    }
     for (auto& list : elements_) {
-        clearRecords(list);
+        list.clear(kMostKeptRecords);
     }
     texts_.release();
 }
@@ -85,8 +80,10 @@ void SourceFindings::addShortcut(const SourceShortcut& shortcut) {
 
 void SourceFindings::addElement(const SourceElement& element) {
     auto& list = elements_[listOf(element.type)];
+    NAVREL_ASSERT(element.name.size() <= kLongestName);
     if (list.size() < kMostRecords) {
-        list.push_back(element);
+        list.append({element.name.data(), element.line, static_cast<quint32>(element.type) & 7U,
+                     static_cast<quint32>(element.name.size()) & quint32(kLongestName)});
     }
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "scanning/ChunkedList.h"
+
 #include <QByteArray>
 #include <QByteArrayView>
 
@@ -64,8 +66,10 @@ public:
     /// sources that people keep hold some ten thousands.
     static constexpr std::size_t kMostRecords = 1'000'000;
 
-    /// Above what the largest sources take; 1.5 MiB a list.
+    /// Above what the largest sources take; some megabyte a list.
     static constexpr std::size_t kMostKeptRecords = 65'536;
+
+    static constexpr qsizetype kLongestName = (qsizetype(1) << 29) - 1;
 
     void clear();
 
@@ -87,12 +91,11 @@ public:
     template <typename Visitor>
     void visitElements(Visitor visit) const {
         for (const auto& list : elements_) {
-            for (const SourceElement& element : list) {
-                visit(element);
-            }
+            list.visitAll([&visit](const PackedElement& element) { visit(element.unpacked()); });
         }
     }
-    /// Elements of one list come in order of position; the lists may be filled side by side.
+    /// Elements of one list come in order of position; the lists may be filled side by side. No
+    /// name is longer than `kLongestName` bytes.
     void addElement(const SourceElement& element);
 
     /// Room for a text that is not part of the scanned one, as long as the findings live.
@@ -100,13 +103,26 @@ public:
     QByteArrayView keepText(QByteArrayView text);
 
 private:
+    /// An element in two thirds of its size: texts made of nothing but elements are bounded by the
+    /// memory that is written.
+    struct PackedElement {
+        const char* name;
+        quint32 line;
+        quint32 type : 3;
+        quint32 nameLength : 29;
+
+        SourceElement unpacked() const {
+            return {ElementType(type), line, {name, qsizetype(nameLength)}};
+        }
+    };
+
     static constexpr std::size_t kListCount = 5;
     /// Holds the made-up names of an ordinary file.
     static constexpr std::size_t kFirstTextSize = std::size_t(64) * 1024;
 
     std::optional<QByteArrayView> superclass_;
     std::vector<SourceShortcut> shortcuts_;
-    std::array<std::vector<SourceElement>, kListCount> elements_;
+    std::array<ChunkedList<PackedElement>, kListCount> elements_;
     std::array<std::byte, kFirstTextSize> firstTexts_;
     std::pmr::monotonic_buffer_resource texts_{firstTexts_.data(), firstTexts_.size()};
 };

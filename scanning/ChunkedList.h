@@ -1,0 +1,63 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+namespace navrel {
+
+/// A list that grows chunk by chunk: what is in it never moves, and what grew keeps its memory
+/// from use to use.
+template <typename Record>
+class ChunkedList {
+public:
+    static constexpr std::size_t kChunkSize = 4096;
+
+    std::size_t size() const {
+        return usedChunks_ * kChunkSize - static_cast<std::size_t>(end_ - next_);
+    }
+    /// How many records there is memory for.
+    std::size_t capacity() const { return chunks_.size() * kChunkSize; }
+
+    void append(const Record& record) {
+        if (next_ == end_) {
+            beginChunk();
+        }
+        *next_++ = record;
+    }
+
+    template <typename Visitor>
+    void visitAll(Visitor visit) const {
+        std::size_t left = size();
+        for (std::size_t chunk = 0; chunk < usedChunks_; ++chunk) {
+            const std::size_t count = std::min(left, kChunkSize);
+            std::for_each_n(chunks_[chunk].get(), count, visit);
+            left -= count;
+        }
+    }
+
+    /// Keeps the memory for the next records, but not for more than `mostKept`.
+    void clear(std::size_t mostKept) {
+        chunks_.resize(std::min(chunks_.size(), mostKept / kChunkSize));
+        usedChunks_ = 0;
+        next_ = nullptr;
+        end_ = nullptr;
+    }
+
+private:
+    void beginChunk() {
+        if (usedChunks_ == chunks_.size()) {
+            chunks_.push_back(std::make_unique_for_overwrite<Record[]>(kChunkSize));
+        }
+        next_ = chunks_[usedChunks_++].get();
+        end_ = next_ + kChunkSize;
+    }
+
+    std::vector<std::unique_ptr<Record[]>> chunks_;
+    std::size_t usedChunks_ = 0;
+    Record* next_ = nullptr; ///< in the last chunk that is used
+    Record* end_ = nullptr;  ///< of that chunk
+};
+
+} // namespace navrel
