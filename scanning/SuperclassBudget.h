@@ -20,7 +20,7 @@ public:
     static constexpr Duration kAllowance = std::chrono::microseconds(50);
     /// What one header may spend, however much is saved up: a megabyte of ordinary source is
     /// scanned in a tenth of it.
-    static constexpr Duration kMostForHeader = std::chrono::milliseconds(4);
+    static constexpr Duration kMostForHeader = std::chrono::milliseconds(2);
     /// What is saved up at most, and at first: a delay that nobody notices.
     static constexpr Duration kMostSaved = std::chrono::milliseconds(100);
 

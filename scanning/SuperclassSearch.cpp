@@ -7,6 +7,13 @@ namespace navrel {
 
 namespace {
 
+/// ICU loads its tables for the first expression of a program, which takes as long as a header may:
+/// that is no header's fault.
+void loadTablesOfICU() {
+    [[maybe_unused]] static const bool areLoaded =
+        SuperclassExpression::forBaseName("Foo").has_value();
+}
+
 /// Whether the text holds the beginning of "@interface", in either case.
 bool holdsBeginning(QByteArrayView line) {
     qsizetype at = line.indexOf('@');
@@ -65,6 +72,7 @@ std::optional<QByteArray> SuperclassSearch::askICUWithinBudget(QByteArrayView li
         isOver_ = true;
         return std::nullopt;
     }
+    loadTablesOfICU();
     const auto begin = RegularExpression::Clock::now();
     auto superclass = askICU(line, begin + left);
     budget_.spend(RegularExpression::Clock::now() - begin);
