@@ -68,14 +68,17 @@ const char* TextCursor::endOfLine() const {
     return ahead.at;
 }
 
-const char* matchKeywordAndName(const char* at, const char* end, std::string_view keyword) {
+std::optional<DeclarationMatch> matchDeclaration(const char* at, const char* end,
+                                                 std::string_view keyword) {
     TextCursor cursor{at, end};
     if (!cursor.takeFolded(keyword)) {
-        return nullptr;
+        return std::nullopt;
     }
+    const QByteArrayView written = cursor.textFrom(at);
     cursor.skipAll(' ');
+    const char* const name = cursor.at;
     cursor.skipAll(CharacterClass::LetterOrDigit);
-    return cursor.at;
+    return DeclarationMatch{written, cursor.textFrom(name)};
 }
 
 // No class of the pattern holds a sign, or the character that follows it in the pattern: what one
@@ -330,32 +333,144 @@ char* removeTypeCasts(char* text, char* end) {
     return kept;
 }
 
-char* removeAll(char* text, char* end, std::string_view part) {
-    char* kept = std::search(text, end, part.begin(), part.end());
-    const char* at = kept;
-    while (at < end) {
-        const std::string_view rest(at, static_cast<std::size_t>(end - at));
-        if (*at == part[0] && rest.substr(0, part.size()) == part) {
-            at += part.size();
-        } else {
-            *kept++ = *at++;
+/// Writes the names of ordinary methods in one go, which is most of them: no bracket stands in
+/// another or before a colon that may be an argument's, and an argument ends before the text does.
+/// Gives up on others.
+class OrdinaryMethodName {
+public:
+    explicit OrdinaryMethodName(QByteArrayView match) : at_(match.begin()), end_(match.end()) {}
+
+    /// The end of the name, or null.
+    char* write(char* name) {
+        while (at_ < end_) {
+            const char byte = *at_;
+            if (byte == ':') {
+                *name++ = ':';
+                if (!skipArgument()) {
+                    return nullptr;
+                }
+            } else if (byte == '(') {
+                if (!skipTypeCast()) {
+                    return nullptr;
+                }
+            } else {
+                *name = byte;
+                name += isBlankOrTerminator(byte) ? 0 : 1;
+                ++at_;
+            }
+        }
+        return name;
+    }
+
+private:
+    static bool isBlankOrTerminator(char byte) { return byte == ' ' || byte == '{' || byte == ';'; }
+
+    /// "[^\)]+\) *[^ ]+" behind a colon.
+    bool skipArgument() {
+        const char* const type = ++at_;
+        skipWhile([](char byte) { return byte != ')'; });
+        if (at_ == type || at_ == end_) {
+            return false;
+        }
+        ++at_;
+        skipWhile([](char byte) { return byte == ' '; });
+        const char* const name = at_;
+        skipWhile([](char byte) { return byte != ' '; });
+        return at_ > name;
+    }
+
+    /// "\( *([^\) *]*)[ *]*\)" where it holds neither bracket nor colon.
+    bool skipTypeCast() {
+        ++at_;
+        skipWhile([](char byte) { return byte == ' '; });
+        skipWhile([](char byte) {
+            return byte != ')' && byte != ' ' && byte != '*' && byte != '(' && byte != ':';
+        });
+        skipWhile([](char byte) { return byte == ' ' || byte == '*'; });
+        return at_ < end_ && *at_++ == ')';
+    }
+
+    template <typename Condition>
+    void skipWhile(Condition holds) {
+        while (at_ < end_ && holds(*at_)) {
+            ++at_;
         }
     }
-    return kept;
-}
+
+    const char* at_;
+    const char* const end_;
+};
 
 } // namespace
 
 qsizetype writeMethodName(QByteArrayView match, char* name) {
+    if (const char* const end = OrdinaryMethodName(match).write(name)) {
+        return end - name;
+    }
     char* const end = writeWithoutArguments(match, name);
     return removeTypeCasts(name, end) - name;
 }
 
-qsizetype writeWithout(QByteArrayView match, std::initializer_list<std::string_view> parts,
-                       char* name) {
-    char* end = std::copy(match.begin(), match.end(), name);
-    for (const std::string_view part : parts) {
-        end = removeAll(name, end, part);
+namespace {
+
+/// Whether a part, which is a few bytes long, stands here.
+bool standsAt(const char* at, const char* end, std::string_view part) {
+    if (end - at < static_cast<std::ptrdiff_t>(part.size())) {
+        return false;
+    }
+    for (const char byte : part) {
+        if (*at++ != byte) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool holds(QByteArrayView text, std::string_view part) {
+    for (const char* at = text.begin(); at < text.end(); ++at) {
+        if (*at == part[0] && standsAt(at, text.end(), part)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/// Takes a part out of a text; both may lie in the same place.
+char* removeAll(const char* at, const char* end, std::string_view part, char* to) {
+    while (at < end) {
+        if (*at == part[0] && standsAt(at, end, part)) {
+            at += part.size();
+        } else {
+            *to++ = *at++;
+        }
+    }
+    return to;
+}
+
+/// Whether the text is one of the keywords.
+bool isOneOf(QByteArrayView text, Keywords keywords) {
+    return std::any_of(keywords.begin(), keywords.end(), [text](std::string_view keyword) {
+        return text.size() == static_cast<qsizetype>(keyword.size()) &&
+               standsAt(text.begin(), text.end(), keyword);
+    });
+}
+
+} // namespace
+
+bool isOrdinaryDeclaration(const DeclarationMatch& match, Keywords keywords) {
+    return isOneOf(match.keyword, keywords) &&
+           std::none_of(keywords.begin(), keywords.end(),
+                        [&match](std::string_view keyword) { return holds(match.name, keyword); });
+}
+
+qsizetype writeDeclarationName(const DeclarationMatch& match, Keywords keywords, char* name) {
+    const QByteArrayView kept = isOneOf(match.keyword, keywords) ? QByteArrayView() : match.keyword;
+    char* const rest = std::copy(kept.begin(), kept.end(), name);
+    const char* at = match.name.begin();
+    const char* end = match.name.end();
+    for (const std::string_view keyword : keywords) {
+        end = removeAll(at, end, keyword, rest);
+        at = rest;
     }
     return end - name;
 }

@@ -2,6 +2,7 @@
 
 #include <QByteArrayView>
 
+#include <initializer_list>
 #include <optional>
 #include <string_view>
 
@@ -10,8 +11,13 @@
 /// match may skip, so that a search over a text is linear in its length.
 namespace navrel {
 
-/// "class *([a-z0-9]*)" and the like: the end of the match, or null. `keyword` is lower case.
-const char* matchKeywordAndName(const char* at, const char* end, std::string_view keyword);
+/// "class *([a-z0-9]*)" and the like. `keyword` is lower case.
+struct DeclarationMatch {
+    QByteArrayView keyword; ///< as it is written
+    QByteArrayView name;    ///< the group; it ends the match
+};
+std::optional<DeclarationMatch> matchDeclaration(const char* at, const char* end,
+                                                 std::string_view keyword);
 
 /// "(-|\+) *\([a-z0-9 *]*\)[a-z :()_0-9*\n]*\{", or with another terminator: the end of the match,
 /// or null. The sign has been seen.
@@ -63,9 +69,15 @@ private:
 /// returns how many.
 qsizetype writeMethodName(QByteArrayView match, char* name);
 
-/// Writes a match without the given parts, taken out one after the other, and returns how many
-/// bytes are left.
-qsizetype writeWithout(QByteArrayView match, std::initializer_list<std::string_view> parts,
-                       char* name);
+/// The keywords that are taken out of a declaration's match, one after the other, as they are
+/// written here; as none begins as another one ends, what is left does not depend on the blanks.
+using Keywords = std::initializer_list<std::string_view>;
+
+/// Whether the name of a declaration is its group, as it nearly always is.
+bool isOrdinaryDeclaration(const DeclarationMatch& match, Keywords keywords);
+
+/// The match without keywords and blanks. Writes at most as many bytes as the match has to `name`
+/// and returns how many.
+qsizetype writeDeclarationName(const DeclarationMatch& match, Keywords keywords, char* name);
 
 } // namespace navrel

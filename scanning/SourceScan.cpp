@@ -30,7 +30,10 @@ public:
     explicit LineCounter(const char* begin) : countedTo_(begin) {}
 
     quint32 lineAt(const char* place) {
-        line_ += countLineFeeds(countedTo_, place);
+        constexpr std::ptrdiff_t kFew = 32; // which are not worth a call
+        line_ += place - countedTo_ < kFew
+                     ? static_cast<quint32>(std::count(countedTo_, place, '\n'))
+                     : countLineFeeds(countedTo_, place);
         countedTo_ = place;
         return line_;
     }
@@ -258,26 +261,32 @@ private:
         }
     }
 
-    /// The name is the match without its keyword as it is written in lower case, wherever it stands
-    /// in the match, and without blanks. No match holds a line feed that would have to go too.
-    void addDeclaration(ElementType type, const char* place, const char* matchEnd,
-                        std::initializer_list<std::string_view> removed,
+    void addDeclaration(ElementType type, const DeclarationMatch& match, Keywords keywords,
                         std::string_view appended = {}) {
-        const QByteArrayView match(place, matchEnd - place);
-        char* const name =
-            findings_.allocateText(match.size() + static_cast<qsizetype>(appended.size()));
-        const qsizetype length = writeWithout(match, removed, name);
-        char* const nameEnd = std::copy(appended.begin(), appended.end(), name + length);
-        addElement(type, place, {name, nameEnd - name});
+        QByteArrayView name = match.name;
+        if (!appended.empty() || !isOrdinaryDeclaration(match, keywords)) {
+            name = writtenName(match, keywords, appended);
+        }
+        addElement(type, match.keyword.begin(), name);
+    }
+
+    /// No match holds a line feed that would have to go too.
+    QByteArrayView writtenName(const DeclarationMatch& match, Keywords keywords,
+                               std::string_view appended) {
+        char* const name = findings_.allocateText(match.keyword.size() + match.name.size() +
+                                                  static_cast<qsizetype>(appended.size()));
+        const qsizetype length = writeDeclarationName(match, keywords, name);
+        char* const end = std::copy(appended.begin(), appended.end(), name + length);
+        return {name, end - name};
     }
 
     void visitClass(const char* place) {
         if (!isElementPlace(place, nextClass_)) {
             return;
         }
-        if (const char* matchEnd = matchKeywordAndName(place, end_, "class")) {
-            nextClass_ = matchEnd;
-            addDeclaration(ElementType::Class, place, matchEnd, {"class", " "});
+        if (const auto match = matchDeclaration(place, end_, "class")) {
+            nextClass_ = match->name.end();
+            addDeclaration(ElementType::Class, *match, {"class"});
         }
     }
 
@@ -285,9 +294,9 @@ private:
         if (!isElementPlace(place, nextFunction_)) {
             return;
         }
-        if (const char* matchEnd = matchKeywordAndName(place, end_, "func")) {
-            nextFunction_ = matchEnd;
-            addDeclaration(ElementType::Method, place, matchEnd, {"func", " "}, "()");
+        if (const auto match = matchDeclaration(place, end_, "func")) {
+            nextFunction_ = match->name.end();
+            addDeclaration(ElementType::Method, *match, {"func"}, "()");
         }
     }
 
@@ -295,9 +304,9 @@ private:
         if (!isElementPlace(place, nextVariable_)) {
             return;
         }
-        if (const char* matchEnd = matchKeywordAndName(place, end_, keyword)) {
-            nextVariable_ = matchEnd;
-            addDeclaration(ElementType::Property, place, matchEnd, {"var", "let", " "});
+        if (const auto match = matchDeclaration(place, end_, keyword)) {
+            nextVariable_ = match->name.end();
+            addDeclaration(ElementType::Property, *match, {"var", "let"});
         }
     }
 

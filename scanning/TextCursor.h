@@ -155,7 +155,8 @@ private:
     }
 
     bool takeBytes(std::string_view bytes) {
-        const bool areHere = static_cast<std::size_t>(end - at) >= bytes.size() &&
+        const bool areHere = current() == bytes[0] &&
+                             static_cast<std::size_t>(end - at) >= bytes.size() &&
                              std::memcmp(at, bytes.data(), bytes.size()) == 0;
         at += areHere ? bytes.size() : 0;
         return areHere;
