@@ -8,21 +8,22 @@
 namespace navrel {
 
 /// A list that grows chunk by chunk: what is in it never moves, and what grew keeps its memory
-/// from use to use.
-template <typename Record>
+/// from use to use. It takes `mostRecords` and leaves out the rest.
+template <typename Record, std::size_t mostRecords>
 class ChunkedList {
 public:
     static constexpr std::size_t kChunkSize = 4096;
 
     std::size_t size() const {
-        return usedChunks_ * kChunkSize - static_cast<std::size_t>(end_ - next_);
+        return std::min(usedChunks_ * kChunkSize, mostRecords) -
+               static_cast<std::size_t>(end_ - next_);
     }
     /// How many records there is memory for.
     std::size_t capacity() const { return chunks_.size() * kChunkSize; }
 
     void append(const Record& record) {
-        if (next_ == end_) {
-            beginChunk();
+        if (next_ == end_ && !beginChunk()) {
+            return;
         }
         *next_++ = record;
     }
@@ -46,12 +47,18 @@ public:
     }
 
 private:
-    void beginChunk() {
+    /// False where the list is full.
+    bool beginChunk() {
+        const std::size_t room = mostRecords - std::min(usedChunks_ * kChunkSize, mostRecords);
+        if (room == 0) {
+            return false;
+        }
         if (usedChunks_ == chunks_.size()) {
             chunks_.push_back(std::make_unique_for_overwrite<Record[]>(kChunkSize));
         }
         next_ = chunks_[usedChunks_++].get();
-        end_ = next_ + kChunkSize;
+        end_ = next_ + std::min(room, kChunkSize);
+        return true;
     }
 
     std::vector<std::unique_ptr<Record[]>> chunks_;

@@ -1,6 +1,5 @@
 #include "scanning/SourceFindings.h"
 
-#include "support/Assertion.h"
 #include "support/text/FilePath.h"
 
 #include <algorithm>
@@ -14,24 +13,6 @@ SourceKind kindOfExtension(QByteArrayView extension) {
         return SourceKind::Header;
     }
     return extension == "swift" ? SourceKind::Swift : SourceKind::Implementation;
-}
-
-/// The list of a type: marks and warnings share one.
-constexpr std::size_t listOf(ElementType type) {
-    switch (type) {
-    case ElementType::Class:
-        return 0;
-    case ElementType::Method:
-        return 1;
-    case ElementType::Mark:
-    case ElementType::Warning:
-        return 2;
-    case ElementType::Shortcut:
-        return 3;
-    case ElementType::Property:
-        break;
-    }
-    return 4;
 }
 
 } // namespace
@@ -76,19 +57,6 @@ void SourceFindings::addShortcut(const SourceShortcut& shortcut) {
     } else if (shortcuts_.size() < kMostRecords) {
         shortcuts_.push_back(shortcut);
     }
-}
-
-void SourceFindings::addElement(const SourceElement& element) {
-    auto& list = elements_[listOf(element.type)];
-    NAVREL_ASSERT(element.name.size() <= kLongestName);
-    if (list.size() < kMostRecords) {
-        list.append({element.name.data(), element.line, static_cast<quint32>(element.type) & 7U,
-                     static_cast<quint32>(element.name.size()) & quint32(kLongestName)});
-    }
-}
-
-char* SourceFindings::allocateText(qsizetype size) {
-    return static_cast<char*>(texts_.allocate(static_cast<std::size_t>(size), 1));
 }
 
 QByteArrayView SourceFindings::keepText(QByteArrayView text) {

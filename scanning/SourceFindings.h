@@ -1,6 +1,7 @@
 #pragma once
 
 #include "scanning/ChunkedList.h"
+#include "support/Assertion.h"
 
 #include <QByteArray>
 #include <QByteArrayView>
@@ -96,10 +97,17 @@ public:
     }
     /// Elements of one list come in order of position; the lists may be filled side by side. No
     /// name is longer than `kLongestName` bytes.
-    void addElement(const SourceElement& element);
+    void addElement(const SourceElement& element) {
+        NAVREL_ASSERT(element.name.size() <= kLongestName);
+        elements_[kListOfType[static_cast<std::size_t>(element.type)]].append(
+            {element.name.data(), element.line, static_cast<quint32>(element.type) & 7U,
+             static_cast<quint32>(element.name.size()) & quint32(kLongestName)});
+    }
 
     /// Room for a text that is not part of the scanned one, as long as the findings live.
-    char* allocateText(qsizetype size);
+    char* allocateText(qsizetype size) {
+        return static_cast<char*>(texts_.allocate(static_cast<std::size_t>(size), 1));
+    }
     QByteArrayView keepText(QByteArrayView text);
 
 private:
@@ -117,12 +125,14 @@ private:
     };
 
     static constexpr std::size_t kListCount = 5;
+    /// The list of each type, in the order of ElementType: marks and warnings share one.
+    static constexpr std::array<quint8, 6> kListOfType = {0, 1, 2, 2, 3, 4};
     /// Holds the made-up names of an ordinary file.
     static constexpr std::size_t kFirstTextSize = std::size_t(64) * 1024;
 
     std::optional<QByteArrayView> superclass_;
     std::vector<SourceShortcut> shortcuts_;
-    std::array<ChunkedList<PackedElement>, kListCount> elements_;
+    std::array<ChunkedList<PackedElement, kMostRecords>, kListCount> elements_;
     std::array<std::byte, kFirstTextSize> firstTexts_;
     std::pmr::monotonic_buffer_resource texts_{firstTexts_.data(), firstTexts_.size()};
 };
