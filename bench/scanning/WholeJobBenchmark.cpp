@@ -21,6 +21,7 @@
 #include <cstdlib>
 #include <map>
 #include <memory>
+#include <vector>
 
 namespace navrel::bench {
 namespace {
@@ -77,27 +78,31 @@ private:
     QTemporaryDir folder_;
 };
 
-/// The program's own load, into a new store each time.
+/// The program's own load, into a new store.
 class OwnLoad {
 public:
-    std::size_t load(const ProjectOfTree& project, const QString& storeFolder) {
-        UserDefaults defaults(storeFolder + QStringLiteral("/defaults"));
-        SourceFileScanner scanner;
-        const auto manager =
-            KZDataManager::init({defaults, editor_, dialogs_, scanner, storeFolder});
-        manager->changeProjectToPath(project.bundle());
-        manager->updateInBackground();
-        ManagedObjectContext* const context = manager->managedObjectContext();
+    OwnLoad(const ProjectOfTree& project, const QString& storeFolder)
+        : defaults_(storeFolder + QStringLiteral("/defaults")),
+          manager_(KZDataManager::init({defaults_, editor_, dialogs_, scanner_, storeFolder})) {
+        manager_->changeProjectToPath(project.bundle());
+        manager_->updateInBackground();
+        const ManagedObjectContext* const context = manager_->managedObjectContext();
         if (context == nullptr || context->hasChanges()) {
             fail("the load was not saved");
         }
-        manager->setWeakSelf(nullptr);
-        return context->elements().size();
+        elements_ = context->elements().size();
     }
+    ~OwnLoad() { manager_->setWeakSelf(nullptr); }
+
+    std::size_t elements() const { return elements_; }
 
 private:
     NoEditor editor_;
     NoDialogs dialogs_;
+    SourceFileScanner scanner_;
+    UserDefaults defaults_;
+    std::shared_ptr<KZDataManager> manager_;
+    std::size_t elements_ = 0;
 };
 
 /// Both loads, each into a place of its own that nothing was written to before.
@@ -105,7 +110,11 @@ class Loads {
 public:
     explicit Loads(const SourceTree& tree) : tree_(tree), project_(tree) {}
 
-    void loadOwn() { expectElements(own_.load(project_, newFolder())); }
+    /// The program keeps what it has loaded as long as it runs.
+    void loadOwn() {
+        kept_.push_back(std::make_unique<OwnLoad>(project_, newFolder()));
+        expectElements(kept_.back()->elements());
+    }
     void loadPlain(PlainLoad& plain) {
         expectElements(plain.load(tree_, newFolder() + QStringLiteral("/store")));
     }
@@ -127,8 +136,8 @@ private:
 
     const SourceTree& tree_;
     ProjectOfTree project_;
-    OwnLoad own_;
     QTemporaryDir folder_;
+    std::vector<std::unique_ptr<OwnLoad>> kept_;
     int folders_ = 0;
     std::size_t elements_ = 0;
 };
