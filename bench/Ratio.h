@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <ctime>
 #include <string>
 #include <vector>
 
@@ -18,11 +19,29 @@ enum class Bound {
     atLeast, ///< of rates: at or above
 };
 
-template <typename Job>
+/// What passes for a person.
+struct WallTime {
+    static double now() {
+        return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
+            .count();
+    }
+};
+
+/// What the calling thread takes of its processor: for jobs that wait for nothing and of which one
+/// is much longer than the other, so that a busy neighbour would mostly interrupt that one.
+struct ProcessorTime {
+    static double now() {
+        struct timespec time {};
+        ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+        return double(time.tv_sec) + double(time.tv_nsec) / 1e9;
+    }
+};
+
+template <typename Time = WallTime, typename Job>
 double secondsOf(Job& job) {
-    const auto start = std::chrono::steady_clock::now();
+    const double start = Time::now();
     job();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    return Time::now() - start;
 }
 
 inline double medianOf(std::vector<double> values) {
@@ -34,15 +53,15 @@ inline double medianOf(std::vector<double> values) {
 /// The time of a subject as a multiple of its floor's: medians over rounds in which the two take
 /// turns. Both run once before, so that neither pays for cold memory. The jobs keep their results
 /// from being optimized away themselves.
-template <typename Floor, typename Subject>
+template <typename Time = WallTime, typename Floor, typename Subject>
 double timeRatio(Floor floor, Subject subject, int rounds = kRounds) {
     std::vector<double> floorTimes;
     std::vector<double> subjectTimes;
     floor();
     subject();
     for (int round = 0; round < rounds; ++round) {
-        floorTimes.push_back(secondsOf(floor));
-        subjectTimes.push_back(secondsOf(subject));
+        floorTimes.push_back(secondsOf<Time>(floor));
+        subjectTimes.push_back(secondsOf<Time>(subject));
     }
     return medianOf(floorTimes) > 0 ? medianOf(subjectTimes) / medianOf(floorTimes) : 0;
 }
