@@ -68,6 +68,23 @@ const char* TextCursor::endOfLine() const {
     return ahead.at;
 }
 
+namespace {
+
+/// Whether a part, which is a few bytes long, stands here.
+bool standsAt(const char* at, const char* end, std::string_view part) {
+    if (end - at < static_cast<std::ptrdiff_t>(part.size())) {
+        return false;
+    }
+    for (const char byte : part) {
+        if (*at++ != byte) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
 std::optional<DeclarationMatch> matchDeclaration(const char* at, const char* end,
                                                  std::string_view keyword) {
     TextCursor cursor{at, end};
@@ -75,10 +92,11 @@ std::optional<DeclarationMatch> matchDeclaration(const char* at, const char* end
         return std::nullopt;
     }
     const QByteArrayView written = cursor.textFrom(at);
+    const bool isInLowerCase = standsAt(at, end, keyword);
     cursor.skipAll(' ');
     const char* const name = cursor.at;
     cursor.skipAll(CharacterClass::LetterOrDigit);
-    return DeclarationMatch{written, cursor.textFrom(name)};
+    return DeclarationMatch{written, cursor.textFrom(name), isInLowerCase};
 }
 
 // No class of the pattern holds a sign, or the character that follows it in the pattern: what one
@@ -413,19 +431,6 @@ qsizetype writeMethodName(QByteArrayView match, char* name) {
 
 namespace {
 
-/// Whether a part, which is a few bytes long, stands here.
-bool standsAt(const char* at, const char* end, std::string_view part) {
-    if (end - at < static_cast<std::ptrdiff_t>(part.size())) {
-        return false;
-    }
-    for (const char byte : part) {
-        if (*at++ != byte) {
-            return false;
-        }
-    }
-    return true;
-}
-
 bool holds(QByteArrayView text, std::string_view part) {
     for (const char* at = text.begin(); at < text.end(); ++at) {
         if (*at == part[0] && standsAt(at, text.end(), part)) {
@@ -447,24 +452,16 @@ char* removeAll(const char* at, const char* end, std::string_view part, char* to
     return to;
 }
 
-/// Whether the text is one of the keywords.
-bool isOneOf(QByteArrayView text, Keywords keywords) {
-    return std::any_of(keywords.begin(), keywords.end(), [text](std::string_view keyword) {
-        return text.size() == static_cast<qsizetype>(keyword.size()) &&
-               standsAt(text.begin(), text.end(), keyword);
-    });
-}
-
 } // namespace
 
 bool isOrdinaryDeclaration(const DeclarationMatch& match, Keywords keywords) {
-    return isOneOf(match.keyword, keywords) &&
+    return match.isInLowerCase &&
            std::none_of(keywords.begin(), keywords.end(),
                         [&match](std::string_view keyword) { return holds(match.name, keyword); });
 }
 
 qsizetype writeDeclarationName(const DeclarationMatch& match, Keywords keywords, char* name) {
-    const QByteArrayView kept = isOneOf(match.keyword, keywords) ? QByteArrayView() : match.keyword;
+    const QByteArrayView kept = match.isInLowerCase ? QByteArrayView() : match.keyword;
     char* const rest = std::copy(kept.begin(), kept.end(), name);
     const char* at = match.name.begin();
     const char* end = match.name.end();

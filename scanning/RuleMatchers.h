@@ -15,6 +15,7 @@ namespace navrel {
 struct DeclarationMatch {
     QByteArrayView keyword; ///< as it is written
     QByteArrayView name;    ///< the group; it ends the match
+    bool isInLowerCase;     ///< the keyword
 };
 std::optional<DeclarationMatch> matchDeclaration(const char* at, const char* end,
                                                  std::string_view keyword);

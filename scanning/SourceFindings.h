@@ -67,8 +67,8 @@ public:
     /// sources that people keep hold some ten thousands.
     static constexpr std::size_t kMostRecords = 1'000'000;
 
-    /// Above what the largest sources take; some megabyte a list.
-    static constexpr std::size_t kMostKeptRecords = 65'536;
+    /// Above what the largest sources take; 1.5 MiB a list.
+    static constexpr std::size_t kMostKeptRecords = 98'304;
 
     static constexpr qsizetype kLongestName = (qsizetype(1) << 29) - 1;
 
