@@ -1,5 +1,7 @@
 #include "scanning/ByteScan.h"
 
+#include "scanning/Processor.h"
+
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -41,7 +43,7 @@ qsizetype asciiPrefixLengthPortably(const char* text, qsizetype size) {
 
 namespace {
 
-const bool kHasAVX2 = __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("popcnt") != 0;
+const bool kHasAVX2 = hasAVX2();
 
 } // namespace
 

@@ -1,6 +1,7 @@
 #include "scanning/CandidateSearch.h"
 
 #include "scanning/CandidateTables.h"
+#include "scanning/Processor.h"
 
 #include <array>
 #include <string_view>
@@ -126,8 +127,7 @@ qsizetype keepLikelyCandidates(Candidates candidates, const char* text, quint16*
 
 CandidateSearch fastestCandidateSearch() {
 #if defined(NAVREL_X86_SEARCHES)
-    if (__builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("bmi") != 0 &&
-        __builtin_cpu_supports("popcnt") != 0) {
+    if (hasAVX2()) {
         return findCandidatesWithAVX2;
     }
     if (__builtin_cpu_supports("ssse3") != 0) {
