@@ -93,7 +93,7 @@ std::optional<QByteArray> fetchBytes(const QUrl& url, const QDeadlineTimer& dead
             giveUp();
         }
     });
-    QTimer::singleShot(static_cast<int>(deadline.remainingTime()), &loop, giveUp);
+    QTimer::singleShot(static_cast<int>(deadline.remainingTime()), Qt::PreciseTimer, &loop, giveUp);
     if (!reply->isFinished()) {
         loop.exec();
     }

@@ -8,7 +8,7 @@ namespace navrel {
 namespace {
 
 /// Beyond the limit itself: a machine under load, and the end of the worker.
-constexpr std::chrono::milliseconds kGrace{5000};
+constexpr std::chrono::milliseconds kGrace{20000};
 
 std::optional<QString> fetchFrom(const TestWebServer::Answer& answer) {
     const TestWebServer server(answer);
@@ -158,7 +158,7 @@ TEST(TextFetch, anAddressThatIsNoneIsNotAsked) {
                                 "file:///etc/hostname", "ftp://127.0.0.1/v", "nonsense"}) {
         EXPECT_EQ(fetchText(QUrl(QString::fromLatin1(address))), std::nullopt) << address;
     }
-    EXPECT_LT(timer.elapsed(), 1000);
+    EXPECT_LT(std::chrono::milliseconds(timer.elapsed()), kTextFetchLimit);
 }
 
 } // namespace
