@@ -54,7 +54,7 @@ TEST_F(LinkTest, aLostConnectionIsMadeAgain) {
         ASSERT_TRUE(device_.waitForConnection(kReachedWithin)) << round;
     }
     EXPECT_TRUE(navrel_.waitForLog("Disconnected from 127.0.0.1:2345\n"));
-    EXPECT_TRUE(device_.waitUntilServed());
+    EXPECT_TRUE(device_.waitUntilServed()) << navrel_.log().data();
 }
 
 TEST_F(LinkTest, aListenerThatGoesAndComesBackIsFoundAgain) {
