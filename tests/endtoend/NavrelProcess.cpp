@@ -6,6 +6,10 @@
 #include <QDir>
 #include <QFile>
 
+#include <sched.h>
+#include <sys/mount.h>
+#include <unistd.h>
+
 namespace navrel {
 
 namespace {
@@ -70,6 +74,29 @@ void NavrelProcess::prepare(QProcess& process, const QStringList& arguments) con
     process.setProcessEnvironment(environment);
     process.setProgram(binary());
     process.setArguments(arguments);
+}
+
+bool NavrelProcess::replaceFile(const QString& path, const QString& replacement) {
+    // In a mount namespace of its own; tried out first, as a process that is about to be the
+    // program cannot tell what failed.
+    QProcess trial;
+    trial.start(QStringLiteral("unshare"), {QStringLiteral("--mount"), QStringLiteral("mount"),
+                                            QStringLiteral("--bind"), replacement, path});
+    if (!trial.waitForFinished() || trial.exitStatus() != QProcess::NormalExit ||
+        trial.exitCode() != 0) {
+        return false;
+    }
+    process_.setChildProcessModifier(
+        [from = QFile::encodeName(replacement), to = QFile::encodeName(path)] {
+            const bool isReplaced =
+                ::unshare(CLONE_NEWNS) == 0 &&
+                ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+                ::mount(from.constData(), to.constData(), nullptr, MS_BIND, nullptr) == 0;
+            if (!isReplaced) {
+                ::_exit(127);
+            }
+        });
+    return true;
 }
 
 bool NavrelProcess::start() {

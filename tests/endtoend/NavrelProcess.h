@@ -33,6 +33,10 @@ public:
         extraEnvironment_.insert(name, value);
     }
 
+    /// A file that the next starts find in the place of another one. False where this machine does
+    /// not let a test mount.
+    [[nodiscard]] bool replaceFile(const QString& path, const QString& replacement);
+
     [[nodiscard]] bool start();
     /// Ends it as the system does at the worst of times.
     void kill();

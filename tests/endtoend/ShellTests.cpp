@@ -14,7 +14,10 @@
 
 #include <QDBusObjectPath>
 #include <QElapsedTimer>
+#include <QHostAddress>
 #include <QSettings>
+#include <QTemporaryFile>
+#include <QUdpSocket>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -183,6 +186,31 @@ TEST_F(ShellTest, aServerThatStallsHoldsTheItemForThreeSecondsAtTheMost) {
     ASSERT_TRUE(isOnPanel());
     EXPECT_LT(timer.elapsed(), 23'000);
     EXPECT_FALSE(navrel_.log().contains("Navrel update"));
+}
+
+TEST_F(ShellTest, aResolverThatNeverAnswersHoldsNeitherStartNorQuit) {
+    QUdpSocket resolver;
+    if (!resolver.bind(QHostAddress::LocalHost, 53)) {
+        GTEST_SKIP() << "needs the port of a name server";
+    }
+    QTemporaryFile configuration;
+    ASSERT_TRUE(configuration.open());
+    configuration.write("nameserver 127.0.0.1\noptions timeout:15 attempts:2\n");
+    configuration.close();
+    if (!navrel_.replaceFile(QStringLiteral("/etc/resolv.conf"), configuration.fileName())) {
+        GTEST_SKIP() << "needs leave to mount";
+    }
+    navrel_.setEnvironment(QStringLiteral("NAVREL_SERVER"),
+                           QStringLiteral("http://updates.example.org"));
+    ASSERT_TRUE(panel_->appear());
+    ASSERT_TRUE(navrel_.start());
+    ASSERT_TRUE(waitUntil([&] { return resolver.hasPendingDatagrams(); }));
+    ASSERT_TRUE(isOnPanel());
+    QElapsedTimer timer;
+    timer.start();
+    click(QStringLiteral("Quit Navrel"));
+    EXPECT_EQ(navrel_.waitForExit(), 0);
+    EXPECT_LT(timer.elapsed(), 10'000);
 }
 
 TEST_F(ShellTest, theManualEntryHandsItsAddressToTheDesktop) {
