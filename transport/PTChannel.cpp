@@ -287,6 +287,12 @@ bool PTChannel::shouldAccept(const std::shared_ptr<DispatchIO>& stream,
 
 void PTChannel::receivePayload(const std::shared_ptr<DispatchIO>& stream, IncomingFrame frame) {
     const quint32 size = frame.payloadSize;
+    // A small payload has mostly come along with its header, and is not worth an operation.
+    if (auto data = stream->takeReadAhead(size)) {
+        const char* const buffer = data->bytes();
+        deliverFrame(frame, std::make_shared<const PTData>(std::move(data), buffer, size));
+        return frame.resume();
+    }
     protocol_->readPayloadOfSize(
         size, stream,
         // The frame's loop keeps this channel alive.

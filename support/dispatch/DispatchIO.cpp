@@ -70,6 +70,16 @@ void DispatchIO::read(quint64 length, const std::shared_ptr<DispatchQueue>& hand
         });
 }
 
+std::optional<DispatchData> DispatchIO::takeReadAhead(size_t length) {
+    if (!queue_->isCurrentThread() || isClosed_ || !reads_.empty() ||
+        ahead_.waiting().size() < length) {
+        return std::nullopt;
+    }
+    auto taken = ahead_.takeShared(length);
+    const char* bytes = taken.get();
+    return DispatchData::sharing({std::move(taken), bytes}, length);
+}
+
 void DispatchIO::write(DispatchData data, const std::shared_ptr<DispatchQueue>& handlerQueue,
                        WriteHandler&& handler) {
     write(WritePrefix(), std::move(data), handlerQueue, std::move(handler));

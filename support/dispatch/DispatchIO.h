@@ -12,6 +12,7 @@
 
 #include <limits>
 #include <memory>
+#include <optional>
 
 namespace navrel {
 
@@ -82,6 +83,11 @@ public:
     /// announced length is not believed: memory grows with what arrives. ECANCELED after `close`.
     void read(quint64 length, const std::shared_ptr<DispatchQueue>& handlerQueue,
               ReadHandler&& handler, size_t largestPiece = kWholeLength);
+
+    /// The next `length` bytes at once, in one region, if they were read ahead and no read waits
+    /// for them: a handler can go on with what follows its own bytes. Nothing otherwise, also once
+    /// the channel was closed and off its queue; then nothing is taken, and `read` is the way.
+    std::optional<DispatchData> takeReadAhead(size_t length);
 
     /// Writes all bytes. The system is called at once when no earlier write waits. The handler may
     /// be null. A peer that is gone is an errno value (EPIPE), never a signal. ECANCELED after

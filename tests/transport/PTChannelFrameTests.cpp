@@ -137,6 +137,16 @@ TEST_F(PTChannelFrames, onAStreamThatIsNoLongerTheStoredOneAreSkippedWithoutAski
     EXPECT_TRUE(delegate_->askedTypes.empty());
 }
 
+TEST_F(PTChannelFrames, areNotDeliveredByAChannelThatWasClosedWhenTheDelegateWasAsked) {
+    connect();
+    delegate_->onQuestion = [](PTChannel& channel) { channel.close(); };
+    peer_.send(frameBytes(200, 1, "abc") + frameBytes(200, 2, "def"));
+    EXPECT_TRUE(waitForEnd());
+    EXPECT_EQ(delegate_->ends[0].error, Error::posix(ECANCELED));
+    EXPECT_EQ(delegate_->askedTypes, std::vector<quint32>{200});
+    EXPECT_TRUE(delegate_->frames.empty());
+}
+
 TEST_F(PTChannelFrames, of1MegabyteAreReceivedWhole) {
     connect();
     QByteArray payload(1024 * 1024, Qt::Uninitialized);

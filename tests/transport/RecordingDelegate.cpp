@@ -16,9 +16,12 @@ void RecordingDelegate::ioFrameChannelDidReceiveFrameOfType(
     }
 }
 
-bool RecordingDelegate::ioFrameChannelShouldAcceptFrameOfType(const std::shared_ptr<PTChannel>&,
-                                                              quint32 type, quint32, quint32) {
+bool RecordingDelegate::ioFrameChannelShouldAcceptFrameOfType(
+    const std::shared_ptr<PTChannel>& channel, quint32 type, quint32, quint32) {
     askedTypes.push_back(type);
+    if (onQuestion) {
+        onQuestion(*channel);
+    }
     return !refusedTypes.contains(type);
 }
 

@@ -50,6 +50,7 @@ public:
     std::vector<QString> acceptedAddresses;
     std::vector<quint32> askedTypes;
     std::set<quint32> refusedTypes;
+    std::function<void(PTChannel&)> onQuestion;   ///< called before a frame is accepted or refused
     std::function<void(const Frame&)> onFrame;    ///< called after the frame was recorded
     std::function<void(PTChannel&)> onConnection; ///< called after the connection was recorded
 

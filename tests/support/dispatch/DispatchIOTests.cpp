@@ -14,6 +14,7 @@
 #include <future>
 #include <string>
 #include <sys/socket.h>
+#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -148,6 +149,38 @@ TEST_F(DispatchIOTest, keepsWhatWasReadAheadForTheNextRead) {
     EXPECT_TRUE(second->empty()); // never inside the call
     EXPECT_TRUE(waitUntil([&] { return hasEnded(second); }));
     EXPECT_EQ(*second, (Deliveries{{true, "cdef", 0}}));
+}
+
+TEST_F(DispatchIOTest, letsAHandlerTakeWhatWasReadAheadAtOnce) {
+    std::optional<DispatchData> taken;
+    std::optional<DispatchData> tooMuch;
+    io_->read(2, queue_, [&](bool, const DispatchData&, int) {
+        tooMuch = io_->takeReadAhead(5);
+        taken = io_->takeReadAhead(3);
+    });
+    peerSends("abcdef");
+    EXPECT_TRUE(waitUntil([&] { return taken.has_value(); }));
+    EXPECT_EQ(taken->toByteArray(), "cde");
+    EXPECT_EQ(taken->regions().size(), 1U);
+    EXPECT_FALSE(tooMuch.has_value());
+
+    const auto rest = read(1);
+    EXPECT_TRUE(waitUntil([&] { return hasEnded(rest); }));
+    EXPECT_EQ(*rest, (Deliveries{{true, "f", 0}}));
+}
+
+TEST_F(DispatchIOTest, givesWhatWasReadAheadToTheReadThatWaitsForIt) {
+    peerSends("abcdef");
+    const auto first = read(2);
+    EXPECT_TRUE(waitUntil([&] { return hasEnded(first); }));
+    const auto second = read(2);
+    EXPECT_FALSE(io_->takeReadAhead(2).has_value());
+    EXPECT_TRUE(waitUntil([&] { return hasEnded(second); }));
+    EXPECT_EQ(*second, (Deliveries{{true, "cd", 0}}));
+
+    std::thread([&] { EXPECT_FALSE(io_->takeReadAhead(2).has_value()); }).join(); // not its queue
+    io_->close(DispatchIO::Close::afterPending);
+    EXPECT_FALSE(io_->takeReadAhead(2).has_value());
 }
 
 TEST_F(DispatchIOTest, gathersALengthThatArrivesByteByByte) {
