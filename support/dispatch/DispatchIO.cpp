@@ -154,9 +154,17 @@ void DispatchIO::addWrite(Write&& write) {
         endWrite(std::move(write.handler), ECANCELED);
         return;
     }
+    const bool isOnly = writes_.empty();
+    if (isOnly) { // mostly there is room for all of it, so that it need not get in line
+        const int errnoValue = sendAtOnce(write.bytes);
+        if (errnoValue != 0 || write.bytes.unwritten() == 0) {
+            endWrite(std::move(write.handler), errnoValue);
+            return;
+        }
+    }
     unwrittenBytes_ += write.bytes.unwritten();
     writes_.emplaceBack(std::move(write));
-    if (writes_.size() == 1) {
+    if (isOnly) {
         flushWrites();
     }
 }
@@ -410,6 +418,19 @@ void DispatchIO::flushWrites() {
     if (!isServing_) {
         arrangeReading(); // the peer may have read enough to be read from again
     }
+}
+
+// One system call for one write. Returns why it failed; no room is no failure.
+int DispatchIO::sendAtOnce(WriteOperation& bytes) {
+    WriteVectors vectors;
+    bytes.gather(vectors);
+    if (vectors.size() == 0) {
+        return 0;
+    }
+    const auto transfer = descriptor_.write(vectors.all());
+    hasWritten_ = hasWritten_ || transfer.count > 0;
+    bytes.advance(transfer.count);
+    return transfer.wouldBlock() ? 0 : transfer.errnoValue;
 }
 
 // One system call for as many writes as it can take. Returns whether another one may write more.

@@ -137,6 +137,7 @@ private:
     void arrangeReading();
     bool isPeerKeepingUp() const;
 
+    int sendAtOnce(WriteOperation& bytes);
     void writable();
     void flushWrites();
     bool send();
