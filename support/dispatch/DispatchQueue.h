@@ -63,7 +63,10 @@ public:
     void* specific(const void* key) const;
 
     /// Whether the caller is on the thread that runs this queue's jobs.
-    bool isCurrentThread() const { return QThread::currentThread() == thread_; }
+    bool isCurrentThread() const {
+        static thread_local const QThread* const current = QThread::currentThread(); // asked often
+        return current == thread_;
+    }
 
     /// Runs the job at once, as a job of this queue, if none is running or waiting and the queue is
     /// not suspended; jobs that it puts on the queue follow at once. False, with nothing run,
