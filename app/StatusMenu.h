@@ -15,9 +15,9 @@ namespace navrel {
 /// the fixed entries are lower.
 inline constexpr int kFirstShortcutTag = 100;
 
-/// How many shortcuts a menu shows; the last entry tells of the others. Nobody reads on, and panels
-/// take long over thousands of entries.
-inline constexpr int kMaximumVisibleShortcuts = 500;
+/// How many shortcuts a menu shows; the last entry tells of the others. More than any project of
+/// people has, and no more than panels take at once.
+inline constexpr int kMaximumVisibleShortcuts = 10'000;
 
 class StatusMenu;
 
