@@ -85,7 +85,8 @@ std::optional<QByteArray> fetchBytes(const QUrl& url, const QDeadlineTimer& dead
         if (isWelcome && ++redirections <= kMaximumRedirections) {
             Q_EMIT reply->redirectAllowed();
         } else {
-            giveUp();
+            // Not from within: Qt would go on with the redirection that it is telling of.
+            QTimer::singleShot(0, &loop, giveUp);
         }
     });
     QObject::connect(reply.get(), &QNetworkReply::readyRead, &loop, [&] {
