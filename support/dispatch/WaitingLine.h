@@ -24,7 +24,8 @@ public:
 
     template <typename... Arguments>
     void emplaceBack(Arguments&&... arguments) {
-        values_.emplace_back(std::forward<Arguments>(arguments)...);
+        // Not made in place: clang 14 makes no aggregate there.
+        values_.push_back(Value{std::forward<Arguments>(arguments)...});
     }
 
     /// Puts back what was taken.
