@@ -97,7 +97,10 @@ std::optional<StreamDescriptor> StreamDescriptor::adopt(int descriptor) {
 }
 
 Transfer StreamDescriptor::read(std::span<char> buffer) const {
-    return uninterrupted([&] { return outcome(::read(value_, buffer.data(), buffer.size())); });
+    return uninterrupted([&] {
+        return outcome(isSocket_ ? ::recv(value_, buffer.data(), buffer.size(), 0)
+                                 : ::read(value_, buffer.data(), buffer.size()));
+    });
 }
 
 Transfer StreamDescriptor::read(std::span<const iovec> buffers) const {
