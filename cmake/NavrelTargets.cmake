@@ -29,12 +29,20 @@ if(NAVREL_BUILD_FUZZERS)
     target_link_options(navrel_options INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
-# navrel_add_library(NAME SOURCES file... [LINK library...])
-# One layer, or one part of a layer, as a static library.
+# navrel_add_library(NAME SOURCES file... [LINK library...] [OPTIMIZE_ACROSS_FILES])
+# One layer, or one part of a layer, as a static library. OPTIMIZE_ACROSS_FILES is for those that do
+# little at a time but often: a frame passes through many small functions of several files.
 function(navrel_add_library name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "OPTIMIZE_ACROSS_FILES" "" "SOURCES;LINK")
     add_library(${name} STATIC ${arg_SOURCES})
     target_link_libraries(${name} PUBLIC navrel_options ${arg_LINK})
+    if(arg_OPTIMIZE_ACROSS_FILES AND NAVREL_LINK_TIME_OPTIMIZATION)
+        set_target_properties(${name} PROPERTIES INTERPROCEDURAL_OPTIMIZATION ON)
+        # Qt's hash, which is no longer read as a system header then, looks as if it might grow
+        # without bound.
+        target_link_options(${name} INTERFACE
+            $<$<CXX_COMPILER_ID:GNU>:-Wno-alloc-size-larger-than>)
+    endif()
 endfunction()
 
 # navrel_add_executable(NAME SOURCES file... [LINK library...])
