@@ -8,6 +8,7 @@
 #include "editors/EditorChoice.h"
 #include "project/KZDataManager.h"
 #include "scanning/SourceFileScanner.h"
+#include "support/Application.h"
 #include "support/UserDefaults.h"
 
 #include <QApplication>
@@ -77,11 +78,11 @@ int main(int argc, char** argv) {
         return 1;
     }
     choosePlatform();
-    QApplication application(argc, argv);
+    const auto application = makeApplication<QApplication>(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("Navrel"));
     QCoreApplication::setApplicationVersion(programVersion());
     QGuiApplication::setDesktopFileName(QStringLiteral("nl.kelvane.Navrel"));
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/MenuIcon.png")));
     QApplication::setQuitOnLastWindowClosed(false);
-    return runApplication(application);
+    return runApplication(*application);
 }

@@ -1,3 +1,4 @@
+#include "support/Application.h"
 #ifdef NAVREL_OWN_NETWORK
 #include "tests/NetworkNamespace.h"
 #endif
@@ -26,7 +27,7 @@ int main(int argc, char** argv) {
     // Never on the desktop of whoever runs the tests.
     qputenv("QT_QPA_PLATFORM", "offscreen");
 #endif
-    Application application(argc, argv);
+    const auto application = navrel::makeApplication<Application>(argc, argv);
     ::testing::InitGoogleMock(&argc, argv);
     return RUN_ALL_TESTS();
 }

@@ -1,5 +1,6 @@
 #include "bench/Ratio.h"
 #include "bench/transport/FramePeers.h"
+#include "support/Application.h"
 
 #include <QCoreApplication>
 #include <benchmark/benchmark.h>
@@ -41,10 +42,11 @@ void registerBenchmark(const std::string& name, const Traffic& traffic, Server s
 } // namespace navrel::bench
 
 int main(int argc, char** argv) {
+    using namespace navrel;
     using namespace navrel::bench;
 
     pinToOneCore();
-    const QCoreApplication application(argc, argv);
+    const auto application = makeApplication<QCoreApplication>(argc, argv);
     benchmark::Initialize(&argc, argv);
     for (const Case& each : kCases) {
         registerBenchmark(std::string("floor/") + each.name, each.traffic, serveWithSystemCalls);

@@ -1,0 +1,26 @@
+#include "support/Application.h"
+
+#include <QByteArray>
+#include <QtGlobal>
+
+namespace navrel {
+
+namespace {
+
+constexpr const char* kWithoutGLib = "QT_NO_GLIB";
+
+} // namespace
+
+OwnEventLoop::OwnEventLoop() : isChosenHere_(!qEnvironmentVariableIsSet(kWithoutGLib)) {
+    if (isChosenHere_) {
+        qputenv(kWithoutGLib, "1");
+    }
+}
+
+OwnEventLoop::~OwnEventLoop() {
+    if (isChosenHere_) {
+        qunsetenv(kWithoutGLib);
+    }
+}
+
+} // namespace navrel

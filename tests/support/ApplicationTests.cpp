@@ -1,0 +1,30 @@
+#include "support/Application.h"
+
+#include <QAbstractEventDispatcher>
+#include <QByteArray>
+#include <gmock/gmock.h>
+
+namespace navrel {
+namespace {
+
+// The application of every test binary is made as the program's is.
+TEST(Application, runsOnQtsOwnEventLoop) {
+    const auto* const dispatcher = QAbstractEventDispatcher::instance();
+    ASSERT_NE(dispatcher, nullptr);
+    EXPECT_THAT(dispatcher->metaObject()->className(), testing::Not(testing::HasSubstr("Glib")));
+}
+
+TEST(Application, leavesNothingInTheEnvironmentOfProgramsThatItStarts) {
+    { const OwnEventLoop choice; }
+    EXPECT_FALSE(qEnvironmentVariableIsSet("QT_NO_GLIB"));
+}
+
+TEST(Application, keepsWhatTheEnvironmentSaysOfTheEventLoop) {
+    qputenv("QT_NO_GLIB", "0");
+    { const OwnEventLoop choice; }
+    EXPECT_EQ(qgetenv("QT_NO_GLIB"), "0");
+    qunsetenv("QT_NO_GLIB");
+}
+
+} // namespace
+} // namespace navrel
