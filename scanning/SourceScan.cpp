@@ -387,8 +387,10 @@ CandidateSearch usualCandidateSearch() {
     return search;
 }
 
-void scanInOnePass(QByteArrayView text, const SourceName& name, SourceFindings& findings,
-                   SuperclassBudget& budget, CandidateSearch search) {
+} // namespace
+
+void scanSource(QByteArrayView text, const SourceName& name, SourceFindings& findings,
+                SuperclassBudget& budget, CandidateSearch search) {
     findings.clear();
     const qsizetype asciiLength = asciiPrefixLength(text);
     const qsizetype validLength = asciiLength + validUTF8Length(text.sliced(asciiLength));
@@ -400,21 +402,14 @@ void scanInOnePass(QByteArrayView text, const SourceName& name, SourceFindings& 
     CandidateVisit(candidatesOf(name.kind()), search, pass).visitAll(text);
 }
 
-} // namespace
-
 void scanSource(QByteArrayView text, const SourceName& name, SourceFindings& findings,
                 SuperclassBudget& budget) {
-    scanInOnePass(text, name, findings, budget, usualCandidateSearch());
+    scanSource(text, name, findings, budget, usualCandidateSearch());
 }
 
 void scanSource(QByteArrayView text, const SourceName& name, SourceFindings& findings) {
-    scanSource(text, name, findings, usualCandidateSearch());
-}
-
-void scanSource(QByteArrayView text, const SourceName& name, SourceFindings& findings,
-                CandidateSearch search) {
     SuperclassBudget budget;
-    scanInOnePass(text, name, findings, budget, search);
+    scanSource(text, name, findings, budget);
 }
 
 } // namespace navrel

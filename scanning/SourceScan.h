@@ -23,6 +23,6 @@ void scanSource(QByteArrayView text, const SourceName& name, SourceFindings& fin
 
 /// The same by a search for candidates of the caller's choice.
 void scanSource(QByteArrayView text, const SourceName& name, SourceFindings& findings,
-                CandidateSearch search);
+                SuperclassBudget& budget, CandidateSearch search);
 
 } // namespace navrel

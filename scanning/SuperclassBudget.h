@@ -24,10 +24,15 @@ public:
     /// What is saved up at most, and at first: a delay that nobody notices.
     static constexpr Duration kMostSaved = std::chrono::milliseconds(100);
 
+    SuperclassBudget() = default;
+    /// For a check that is to see all that a pattern finds: the header may spend that much.
+    explicit SuperclassBudget(Duration forOneHeader)
+        : mostForHeader_(forOneHeader), saved_(forOneHeader) {}
+
     /// The next header begins: it brings its allowance.
     void beginHeader() {
-        saved_ = std::min(saved_ + kAllowance, kMostSaved);
-        left_ = saved_ < kAllowance ? Duration::zero() : std::min(saved_, kMostForHeader);
+        saved_ = std::min(saved_ + kAllowance, std::max(kMostSaved, mostForHeader_));
+        left_ = saved_ < kAllowance ? Duration::zero() : std::min(saved_, mostForHeader_);
     }
 
     /// What the header may still spend; nothing where no allowance is left for it.
@@ -41,6 +46,7 @@ public:
     }
 
 private:
+    Duration mostForHeader_ = kMostForHeader;
     Duration saved_ = kMostSaved; ///< below zero: owed
     Duration left_ = Duration::zero();
 };

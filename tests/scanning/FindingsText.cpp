@@ -26,7 +26,8 @@ std::vector<std::string> scanPlainly(QByteArrayView source, QByteArrayView path)
 template <CandidateSearch search>
 std::vector<std::string> scanBySearch(QByteArrayView source, QByteArrayView path) {
     const auto findings = std::make_unique<SourceFindings>();
-    scanSource(source, SourceName(path), *findings, search);
+    SuperclassBudget budget;
+    scanSource(source, SourceName(path), *findings, budget, search);
     return linesOf(*findings);
 }
 

@@ -34,6 +34,15 @@ TEST(SuperclassBudget, theNextHeaderHasALimitOfItsOwn) {
     EXPECT_EQ(budget.left(), SuperclassBudget::kMostForHeader);
 }
 
+TEST(SuperclassBudget, aCheckMaySpendAsMuchAsItWasMadeFor) {
+    SuperclassBudget budget(std::chrono::minutes(1));
+    for (int header = 0; header < 2; ++header) {
+        budget.beginHeader();
+        budget.spend(milliseconds(30));
+        EXPECT_GT(budget.left(), std::chrono::seconds(59));
+    }
+}
+
 TEST(SuperclassBudget, headersThatSpendLessThanTheirAllowanceNeverGoWithout) {
     SuperclassBudget budget;
     budget.beginHeader();
