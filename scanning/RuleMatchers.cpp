@@ -45,7 +45,9 @@ std::string_view TextCursor::takeOtherForm() {
 bool TextCursor::takeFoldedFromOtherForm(const char* place, std::string_view folded) {
     TextCursor ahead{place, end};
     const std::string_view letters = ahead.takeOtherForm();
-    if (letters.empty() || folded.substr(0, letters.size()) != letters ||
+    const auto differing =
+        std::mismatch(letters.begin(), letters.end(), folded.begin(), folded.end());
+    if (letters.empty() || differing.first != letters.end() ||
         !ahead.takeFolded(folded.substr(letters.size()))) {
         return false;
     }
@@ -68,31 +70,16 @@ const char* TextCursor::endOfLine() const {
     return ahead.at;
 }
 
-namespace {
-
-/// Whether a part, which is a few bytes long, stands here.
-bool standsAt(const char* at, const char* end, std::string_view part) {
-    if (end - at < static_cast<std::ptrdiff_t>(part.size())) {
-        return false;
-    }
-    for (const char byte : part) {
-        if (*at++ != byte) {
-            return false;
-        }
-    }
-    return true;
-}
-
-} // namespace
-
 std::optional<DeclarationMatch> matchDeclaration(const char* at, const char* end,
-                                                 std::string_view keyword) {
+                                                 const Keyword& keyword) {
     TextCursor cursor{at, end};
-    if (!cursor.takeFolded(keyword)) {
+    const bool isInLowerCase = keyword.standsAt(at, end);
+    if (isInLowerCase) {
+        cursor.at += keyword.letters().size();
+    } else if (!cursor.takeFolded(keyword.letters())) {
         return std::nullopt;
     }
     const QByteArrayView written = cursor.textFrom(at);
-    const bool isInLowerCase = standsAt(at, end, keyword);
     cursor.skipAll(' ');
     const char* const name = cursor.at;
     cursor.skipAll(CharacterClass::LetterOrDigit);
@@ -431,20 +418,22 @@ qsizetype writeMethodName(QByteArrayView match, char* name) {
 
 namespace {
 
-bool holds(QByteArrayView text, std::string_view part) {
+bool holds(QByteArrayView text, const Keyword& keyword) {
+    const char first = keyword.letters().front();
     for (const char* at = text.begin(); at < text.end(); ++at) {
-        if (*at == part[0] && standsAt(at, text.end(), part)) {
+        if (*at == first && keyword.standsAt(at, text.end())) {
             return true;
         }
     }
     return false;
 }
 
-/// Takes a part out of a text; both may lie in the same place.
-char* removeAll(const char* at, const char* end, std::string_view part, char* to) {
+/// Takes a keyword out of a text; both texts may lie in the same place.
+char* removeAll(const char* at, const char* end, const Keyword& keyword, char* to) {
+    const char first = keyword.letters().front();
     while (at < end) {
-        if (*at == part[0] && standsAt(at, end, part)) {
-            at += part.size();
+        if (*at == first && keyword.standsAt(at, end)) {
+            at += keyword.letters().size();
         } else {
             *to++ = *at++;
         }
@@ -457,7 +446,7 @@ char* removeAll(const char* at, const char* end, std::string_view part, char* to
 bool isOrdinaryDeclaration(const DeclarationMatch& match, Keywords keywords) {
     return match.isInLowerCase &&
            std::none_of(keywords.begin(), keywords.end(),
-                        [&match](std::string_view keyword) { return holds(match.name, keyword); });
+                        [&match](const Keyword& keyword) { return holds(match.name, keyword); });
 }
 
 qsizetype writeDeclarationName(const DeclarationMatch& match, Keywords keywords, char* name) {
@@ -465,7 +454,7 @@ qsizetype writeDeclarationName(const DeclarationMatch& match, Keywords keywords,
     char* const rest = std::copy(kept.begin(), kept.end(), name);
     const char* at = match.name.begin();
     const char* end = match.name.end();
-    for (const std::string_view keyword : keywords) {
+    for (const Keyword& keyword : keywords) {
         end = removeAll(at, end, keyword, rest);
         at = rest;
     }

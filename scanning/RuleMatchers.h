@@ -2,8 +2,13 @@
 
 #include <QByteArrayView>
 
-#include <initializer_list>
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstddef>
+#include <cstring>
 #include <optional>
+#include <span>
 #include <string_view>
 
 /// The patterns of ScanPatterns matched by hand at one place of a valid UTF-8 text. Each gives what
@@ -11,14 +16,58 @@
 /// match may skip, so that a search over a text is linear in its length.
 namespace navrel {
 
-/// "class *([a-z0-9]*)" and the like. `keyword` is lower case.
+/// The keyword of a declaration: up to eight letters, in lower case, which mostly take one
+/// comparison.
+class Keyword {
+public:
+    template <std::size_t size>
+    explicit constexpr Keyword(const char (&letters)[size])
+        : letters_(letters, size - 1), bytes_(padded(letters_)),
+          mask_(padded(std::string_view("\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF", size - 1))) {
+        static_assert(size - 1 <= sizeof(quint64));
+    }
+
+    std::string_view letters() const { return letters_; }
+
+    /// Whether it stands there, letter case counting.
+    bool standsAt(const char* at, const char* end) const {
+        if (end - at < std::ptrdiff_t(sizeof(quint64))) {
+            return isPrefixOf(at, end);
+        }
+        quint64 bytes = 0;
+        std::memcpy(&bytes, at, sizeof bytes);
+        return (bytes & mask_) == bytes_;
+    }
+
+private:
+    static constexpr quint64 padded(std::string_view bytes) {
+        std::array<char, sizeof(quint64)> all{};
+        std::copy(bytes.begin(), bytes.end(), all.begin());
+        return std::bit_cast<quint64>(all);
+    }
+
+    // Short texts are most names: a call for each would take longer than this.
+    bool isPrefixOf(const char* at, const char* end) const {
+        const char* letter = letters_.data();
+        const char* const lettersEnd = letter + letters_.size();
+        for (; at < end && letter < lettersEnd && *at == *letter; ++at, ++letter) {
+        }
+        return letter == lettersEnd;
+    }
+
+    std::string_view letters_;
+    quint64 bytes_;
+    quint64 mask_;
+};
+
+/// "class *([a-z0-9]*)" and the like.
 struct DeclarationMatch {
     QByteArrayView keyword; ///< as it is written
     QByteArrayView name;    ///< the group; it ends the match
     bool isInLowerCase;     ///< the keyword
 };
 std::optional<DeclarationMatch> matchDeclaration(const char* at, const char* end,
-                                                 std::string_view keyword);
+                                                 const Keyword& keyword);
 
 /// "(-|\+) *\([a-z0-9 *]*\)[a-z :()_0-9*\n]*\{", or with another terminator: the end of the match,
 /// or null. The sign has been seen.
@@ -72,7 +121,7 @@ qsizetype writeMethodName(QByteArrayView match, char* name);
 
 /// The keywords that are taken out of a declaration's match, one after the other, as they are
 /// written here; as none begins as another one ends, what is left does not depend on the blanks.
-using Keywords = std::initializer_list<std::string_view>;
+using Keywords = std::span<const Keyword>;
 
 /// Whether the name of a declaration is its group, as it nearly always is.
 bool isOrdinaryDeclaration(const DeclarationMatch& match, Keywords keywords);

@@ -24,6 +24,10 @@ namespace navrel {
 
 namespace {
 
+constexpr Keyword kClass("class");
+constexpr Keyword kFunction("func");
+constexpr std::array kVariables = {Keyword("var"), Keyword("let")};
+
 /// Tells line numbers of places that come in order.
 class LineCounter {
 public:
@@ -255,9 +259,9 @@ private:
             return visitFunction(place);
         case 'V':
         case 'v':
-            return visitVariable(place, "var");
+            return visitVariable(place, kVariables[0]);
         default:
-            return visitVariable(place, "let");
+            return visitVariable(place, kVariables[1]);
         }
     }
 
@@ -284,9 +288,9 @@ private:
         if (!isElementPlace(place, nextClass_)) {
             return;
         }
-        if (const auto match = matchDeclaration(place, end_, "class")) {
+        if (const auto match = matchDeclaration(place, end_, kClass)) {
             nextClass_ = match->name.end();
-            addDeclaration(ElementType::Class, *match, {"class"});
+            addDeclaration(ElementType::Class, *match, {&kClass, 1});
         }
     }
 
@@ -294,19 +298,19 @@ private:
         if (!isElementPlace(place, nextFunction_)) {
             return;
         }
-        if (const auto match = matchDeclaration(place, end_, "func")) {
+        if (const auto match = matchDeclaration(place, end_, kFunction)) {
             nextFunction_ = match->name.end();
-            addDeclaration(ElementType::Method, *match, {"func"}, "()");
+            addDeclaration(ElementType::Method, *match, {&kFunction, 1}, "()");
         }
     }
 
-    void visitVariable(const char* place, std::string_view keyword) {
+    void visitVariable(const char* place, const Keyword& keyword) {
         if (!isElementPlace(place, nextVariable_)) {
             return;
         }
         if (const auto match = matchDeclaration(place, end_, keyword)) {
             nextVariable_ = match->name.end();
-            addDeclaration(ElementType::Property, *match, {"var", "let"});
+            addDeclaration(ElementType::Property, *match, kVariables);
         }
     }
 

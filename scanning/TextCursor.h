@@ -3,7 +3,6 @@
 #include <QByteArrayView>
 
 #include <array>
-#include <cstring>
 #include <string_view>
 
 namespace navrel {
@@ -154,11 +153,14 @@ private:
         return current() == kKelvinSign[0] && takeBytes(kKelvinSign);
     }
 
+    /// Moves over a character of several bytes where it stands here.
     bool takeBytes(std::string_view bytes) {
-        const bool areHere = current() == bytes[0] &&
-                             static_cast<std::size_t>(end - at) >= bytes.size() &&
-                             std::memcmp(at, bytes.data(), bytes.size()) == 0;
-        at += areHere ? bytes.size() : 0;
+        std::size_t taken = 0; // one by one: a call to compare two or three would take longer
+        while (taken < bytes.size() && at + taken < end && at[taken] == bytes[taken]) {
+            ++taken;
+        }
+        const bool areHere = taken == bytes.size();
+        at += areHere ? taken : 0;
         return areHere;
     }
 
