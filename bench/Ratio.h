@@ -75,4 +75,10 @@ inline void printRatio(const std::string& what, double measured, double goal,
     std::fflush(stdout);
 }
 
+/// The same for what is measured without a goal.
+inline void printRatio(const std::string& what, double measured) {
+    std::printf("RATIO | %s | %.2f | |\n", what.c_str(), measured);
+    std::fflush(stdout);
+}
+
 } // namespace navrel::bench

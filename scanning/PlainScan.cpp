@@ -40,17 +40,28 @@ std::optional<Error> PlainScan::scan(QByteArrayView text, const SourceName& name
                                      SourceFindings& findings,
                                      std::optional<std::chrono::milliseconds> atMost) {
     findings.clear();
-    findings_ = &findings;
-    deadline_.reset();
+    begin(findings);
     if (atMost) {
         deadline_ = RegularExpression::Clock::now() + *atMost;
     }
-    error_.reset();
     scanLines(text, name);
     if (const auto wholeText = decodeUTF8(text)) {
         scanWholeText(*wholeText, name.kind());
     }
     return error_;
+}
+
+void PlainScan::addElements(QByteArrayView text, SourceKind kind, SourceFindings& findings) {
+    begin(findings);
+    if (const auto wholeText = decodeUTF8(text)) {
+        scanWholeText(*wholeText, kind);
+    }
+}
+
+void PlainScan::begin(SourceFindings& findings) {
+    findings_ = &findings;
+    deadline_.reset();
+    error_.reset();
 }
 
 void PlainScan::scanLines(QByteArrayView text, const SourceName& name) {

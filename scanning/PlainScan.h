@@ -22,7 +22,11 @@ public:
     std::optional<Error> scan(QByteArrayView text, const SourceName& name, SourceFindings& findings,
                               std::optional<std::chrono::milliseconds> atMost);
 
+    /// Adds the elements alone, without a limit; none of a text that is not UTF-8.
+    void addElements(QByteArrayView text, SourceKind kind, SourceFindings& findings);
+
 private:
+    void begin(SourceFindings& findings);
     void scanLines(QByteArrayView text, const SourceName& name);
     void scanWholeText(const QString& text, SourceKind kind);
     template <typename MakeElement>

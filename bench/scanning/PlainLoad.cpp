@@ -49,12 +49,6 @@ void makeTables(QSqlDatabase& database) {
 
 } // namespace
 
-PlainLoad::PlainLoad(Expressions expressions) {
-    if (expressions == Expressions::kept) {
-        kept_.emplace();
-    }
-}
-
 std::size_t PlainLoad::load(const SourceTree& tree, const QString& databasePath) {
     const QString connection = QStringLiteral("plain load");
     {
@@ -86,34 +80,24 @@ void PlainLoad::loadFiles(const SourceTree& tree, QSqlDatabase& database) {
 }
 
 void PlainLoad::loadFile(const QByteArray& path, int number) {
-    scan(path);
+    const SourceFindings& findings = scan_.scan(path);
     const QFileInfo file(QString::fromUtf8(path));
     const QString identifier = QString::number(number).rightJustified(24, u'0');
-    const auto& superclass = findings_->superclass();
+    const auto& superclass = findings.superclass();
     insert(*insertObject_,
            {file.suffix(), identifier, number, file.lastModified().toMSecsSinceEpoch(),
             file.fileName(), QStringLiteral("MAIN"), file.filePath(),
             superclass ? QVariant(QString::fromUtf8(*superclass)) : QVariant(),
             QStringLiteral("unknown")});
-    insertFindings(file.filePath(), identifier);
+    insertFindings(findings, file.filePath(), identifier);
 }
 
-void PlainLoad::scan(const QByteArray& path) {
-    const auto text = buffer_.read(path);
-    if (!text) {
-        std::fprintf(stderr, "cannot read %s\n", path.constData());
-        std::exit(EXIT_FAILURE);
-    }
-    std::optional<PlainScan> made;
-    PlainScan& plain = kept_ ? *kept_ : made.emplace();
-    plain.scan(*text, SourceName(path), *findings_, std::nullopt);
-}
-
-void PlainLoad::insertFindings(const QString& path, const QString& identifier) {
-    for (const SourceShortcut& found : findings_->shortcuts()) {
+void PlainLoad::insertFindings(const SourceFindings& findings, const QString& path,
+                               const QString& identifier) {
+    for (const SourceShortcut& found : findings.shortcuts()) {
         insert(*insertShortcut_, {identifier, found.line, path, QString::fromUtf8(found.text)});
     }
-    findings_->visitElements([&](const SourceElement& found) {
+    findings.visitElements([&](const SourceElement& found) {
         insert(*insertElement_, {identifier, found.line, QString::fromUtf8(found.name), path,
                                  QString::fromUtf8(nameOfElementType(found.type))});
         ++elements_;

@@ -3,11 +3,13 @@
 
 #include "bench/Ratio.h"
 #include "bench/scanning/HostileTexts.h"
+#include "bench/scanning/PlainPeer.h"
 #include "bench/scanning/SourceTree.h"
-#include "scanning/PlainScan.h"
 #include "scanning/SourceFileBuffer.h"
 #include "scanning/SourceScan.h"
 
+#include <QFile>
+#include <QTemporaryDir>
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
@@ -26,12 +28,6 @@ constexpr double kPlainGoal = 60;
 constexpr double kHostileGoal = 20;
 constexpr int kHostileRounds = 11; // of each text
 constexpr int kPlainRounds = 3;    // each takes seconds
-
-std::size_t countOf(const SourceFindings& findings) {
-    std::size_t count = findings.shortcuts().size() + (findings.superclass() ? 1 : 0);
-    findings.visitElements([&count](const SourceElement&) { ++count; });
-    return count;
-}
 
 /// The least that reading takes.
 class Floor {
@@ -54,14 +50,20 @@ private:
 class FastJob {
 public:
     void scan(const SourceTree& tree) {
-        std::size_t count = 0;
         for (const QByteArray& path : tree.paths()) {
-            if (const auto text = buffer_.read(path)) {
-                scanSource(*text, SourceName(path), *findings_);
-                count += countOf(*findings_);
-            }
+            scanFile(path);
         }
-        benchmark::DoNotOptimize(count);
+    }
+
+    void scanFile(const QByteArray& path) {
+        if (const auto text = buffer_.read(path)) {
+            scanText(*text, path);
+        }
+    }
+
+    void scanText(QByteArrayView text, QByteArrayView path) {
+        scanSource(text, SourceName(path), *findings_);
+        benchmark::DoNotOptimize(countOf(*findings_));
     }
 
 private:
@@ -69,32 +71,19 @@ private:
     std::unique_ptr<SourceFindings> findings_ = std::make_unique<SourceFindings>();
 };
 
-class PlainJob {
-public:
-    void scan(const SourceTree& tree) { scan(tree, plain_); }
-
-    /// Makes the expressions anew for every file, as a program does that keeps none.
-    void scanWithNewExpressions(const SourceTree& tree) { scan(tree, none_); }
-
-private:
-    void scan(const SourceTree& tree, std::optional<PlainScan>& kept) {
-        std::size_t count = 0;
-        for (const QByteArray& path : tree.paths()) {
-            if (const auto text = buffer_.read(path)) {
-                std::optional<PlainScan> made;
-                PlainScan& plain = kept ? *kept : made.emplace();
-                plain.scan(*text, SourceName(path), *findings_, std::nullopt);
-                count += countOf(*findings_);
-            }
-        }
-        benchmark::DoNotOptimize(count);
+void scanPlainly(const SourceTree& tree, PlainPeer& plain) {
+    std::size_t count = 0;
+    for (const QByteArray& path : tree.paths()) {
+        count += countOf(plain.scan(path));
     }
+    benchmark::DoNotOptimize(count);
+}
 
-    SourceFileBuffer buffer_;
-    std::optional<PlainScan> plain_{std::in_place};
-    std::optional<PlainScan> none_;
-    std::unique_ptr<SourceFindings> findings_ = std::make_unique<SourceFindings>();
-};
+/// How many times the program's own scan goes into one by ICU.
+double plainRatio(const SourceTree& tree, FastJob& fast, PlainPeer::Way way) {
+    PlainPeer plain(way);
+    return timeRatio([&] { fast.scan(tree); }, [&] { scanPlainly(tree, plain); }, kPlainRounds);
+}
 
 /// The tree's own sources, a megabyte at a time: the same one again would be learned by heart by
 /// the processor.
@@ -123,32 +112,70 @@ private:
     qsizetype next_ = 0;
 };
 
-/// The hostile text that takes longest, byte for byte, as a multiple of ordinary source.
-void measureHostileTexts(const SourceTree& tree) {
-    OrdinaryMegabytes ordinary(tree);
-    const auto findings = std::make_unique<SourceFindings>();
-    const auto scan = [&findings](QByteArrayView text, QByteArrayView path) {
-        scanSource(text, SourceName(path), *findings);
-        benchmark::DoNotOptimize(countOf(*findings));
-    };
-    double worst = 0;
-    double worstPattern = 0;
-    for (const HostileText& hostile : makeHostileTexts()) {
-        const double ratio =
-            timeRatio<ProcessorTime>([&] { scan(ordinary.next(), "a.m"); },
-                                     [&] { scan(hostile.text, hostile.path); }, kHostileRounds) *
-            double(ordinary.size()) / double(hostile.text.size());
-        if (ratio > kHostileGoal) {
-            std::printf("%.1f ordinary megabytes: \"%s...\" in %s\n", ratio,
+/// A text in a file of its name.
+class HostileFile {
+public:
+    explicit HostileFile(const HostileText& hostile)
+        : path_(QFile::encodeName(folder_.filePath(QString::fromUtf8(hostile.path)))) {
+        QFile file(QFile::decodeName(path_));
+        if (!file.open(QIODevice::WriteOnly) || file.write(hostile.text) != hostile.text.size()) {
+            std::fprintf(stderr, "cannot write a hostile text\n");
+            std::exit(EXIT_FAILURE);
+        }
+    }
+
+    const QByteArray& path() const { return path_; }
+
+private:
+    QTemporaryDir folder_;
+    QByteArray path_;
+};
+
+/// The hostile texts that take longest, byte for byte, as multiples of ordinary source: as files,
+/// which is what they come as, and in memory, where the ordinary text is passed over so fast that
+/// it decides what the ratio is.
+class HostileMeasurement {
+public:
+    HostileMeasurement(const SourceTree& tree, FastJob& job)
+        : tree_(tree), job_(job), ordinary_(tree) {}
+
+    void measure(const HostileText& hostile) {
+        const HostileFile file(hostile);
+        const auto bytes = double(hostile.text.size());
+        const double asFile =
+            timeRatio<ProcessorTime>([&] { job_.scan(tree_); }, [&] { job_.scanFile(file.path()); },
+                                     kHostileRounds) *
+            double(tree_.size()) / bytes;
+        const double inMemory =
+            timeRatio<ProcessorTime>([&] { job_.scanText(ordinary_.next(), "a.m"); },
+                                     [&] { job_.scanText(hostile.text, hostile.path); },
+                                     kHostileRounds) *
+            double(ordinary_.size()) / bytes;
+        if (asFile > kHostileGoal) {
+            std::printf("%.1f ordinary megabytes: \"%s...\" in %s\n", asFile,
                         hostile.text.left(16).toPercentEncoding(" :(){}@/").constData(),
                         hostile.path);
         }
-        double& worstOfKind = hostile.isNamedLikeAPattern() ? worstPattern : worst;
-        worstOfKind = std::max(worstOfKind, ratio);
+        double& worstAsFile = hostile.isNamedLikeAPattern() ? worstPatternFile_ : worstFile_;
+        worstAsFile = std::max(worstAsFile, asFile);
+        worstInMemory_ = std::max(worstInMemory_, inMemory);
     }
-    printRatio("B the worst hostile megabyte, of ordinary source", worst, kHostileGoal);
-    printRatio("B the same in a header whose name is a pattern", worstPattern, kHostileGoal);
-}
+
+    void print() const {
+        printRatio("B the worst hostile megabyte, of ordinary source", worstFile_, kHostileGoal);
+        printRatio("B the same in a header whose name is a pattern", worstPatternFile_,
+                   kHostileGoal);
+        printRatio("B the worst of both in memory, reading left out", worstInMemory_);
+    }
+
+private:
+    const SourceTree& tree_;
+    FastJob& job_;
+    OrdinaryMegabytes ordinary_;
+    double worstFile_ = 0;
+    double worstPatternFile_ = 0;
+    double worstInMemory_ = 0;
+};
 
 template <typename Job>
 void registerBenchmark(const char* name, const SourceTree& tree, Job job) {
@@ -170,20 +197,23 @@ int main(int argc, char** argv) {
     const SourceTree tree;
     Floor floor;
     FastJob fast;
-    PlainJob plain;
+    PlainPeer plain(PlainPeer::Way::stepByStep);
     registerBenchmark("read", tree, [&] { floor.read(tree); });
     registerBenchmark("scan", tree, [&] { fast.scan(tree); });
-    registerBenchmark("scan by the patterns", tree, [&] { plain.scan(tree); });
+    registerBenchmark("scan by ICU", tree, [&] { scanPlainly(tree, plain); });
     benchmark::RunSpecifiedBenchmarks();
     printRatio("B scan, of reading alone",
                timeRatio([&] { floor.read(tree); }, [&] { fast.scan(tree); }), kReadGoal);
-    printRatio("B the patterns by ICU, of the scan",
-               timeRatio([&] { fast.scan(tree); }, [&] { plain.scan(tree); }, kPlainRounds),
-               kPlainGoal, Bound::atLeast);
-    printRatio("B the same with expressions made for every file, of the scan",
-               timeRatio([&] { fast.scan(tree); }, [&] { plain.scanWithNewExpressions(tree); },
-                         kPlainRounds),
-               kPlainGoal, Bound::atLeast);
-    measureHostileTexts(tree);
+    printRatio("B plain ICU step by step, of the scan",
+               plainRatio(tree, fast, PlainPeer::Way::stepByStep), kPlainGoal, Bound::atLeast);
+    printRatio("B plain ICU, each text read at once, of the scan",
+               plainRatio(tree, fast, PlainPeer::Way::textAtOnce));
+    printRatio("B the same, expressions kept",
+               plainRatio(tree, fast, PlainPeer::Way::expressionsKept));
+    HostileMeasurement hostile(tree, fast);
+    for (const HostileText& text : makeHostileTexts()) {
+        hostile.measure(text);
+    }
+    hostile.print();
     return EXIT_SUCCESS;
 }

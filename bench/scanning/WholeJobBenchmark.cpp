@@ -142,11 +142,9 @@ private:
     std::size_t elements_ = 0;
 };
 
-void measure(Loads& loads, PlainLoad::Expressions expressions, const char* what) {
-    PlainLoad plain(expressions);
-    printRatio(
-        what, timeRatio([&] { loads.loadPlain(plain); }, [&] { loads.loadOwn(); }, kWholeJobRounds),
-        kGoal);
+double ratioTo(PlainPeer::Way way, Loads& loads) {
+    PlainLoad plain(way);
+    return timeRatio([&] { loads.loadPlain(plain); }, [&] { loads.loadOwn(); }, kWholeJobRounds);
 }
 
 template <typename Job>
@@ -168,12 +166,13 @@ int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
     const SourceTree tree;
     Loads loads(tree);
-    PlainLoad plain(PlainLoad::Expressions::madeForEachFile);
+    PlainLoad plain(PlainPeer::Way::stepByStep);
     registerBenchmark("first load", [&] { loads.loadOwn(); });
     registerBenchmark("plain load", [&] { loads.loadPlain(plain); });
     benchmark::RunSpecifiedBenchmarks();
-    measure(loads, PlainLoad::Expressions::madeForEachFile,
-            "whole first load, of one by plain ICU and QtSql");
-    measure(loads, PlainLoad::Expressions::kept, "the same, the plain one keeping its expressions");
+    printRatio("whole first load, of one by plain ICU and QtSql, step by step",
+               ratioTo(PlainPeer::Way::stepByStep, loads), kGoal);
+    printRatio("the same, each text read at once", ratioTo(PlainPeer::Way::textAtOnce, loads));
+    printRatio("the same, expressions kept", ratioTo(PlainPeer::Way::expressionsKept, loads));
     return EXIT_SUCCESS;
 }
