@@ -81,6 +81,17 @@ TEST_F(QWFileReaderTest, aLineLongerThanAChunkIsReturnedWhole) {
     EXPECT_THAT(linesOf("012345678\nx"), ElementsAre("012345678\n", "x"));
 }
 
+TEST_F(QWFileReaderTest, linesOfEveryLengthEndAtTheirFirstDelimiter) {
+    Lines expected;
+    QByteArray content;
+    for (qsizetype length = 0; length < 200; ++length) {
+        expected.push_back(QByteArray(length, 'x') + '\n');
+        content += expected.back();
+    }
+    EXPECT_EQ(linesOf(content), expected);
+    EXPECT_EQ(linesOf(content.chopped(1)).back(), QByteArray(199, 'x'));
+}
+
 TEST_F(QWFileReaderTest, linesAcrossTheBufferAreWhole) {
     Lines lines;
     QByteArray content;
