@@ -20,12 +20,9 @@ namespace navrel {
 /// comparison.
 class Keyword {
 public:
-    template <std::size_t size>
-    explicit constexpr Keyword(const char (&letters)[size])
-        : letters_(letters, size - 1), bytes_(padded(letters_)),
-          mask_(padded(std::string_view("\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF", size - 1))) {
-        static_assert(size - 1 <= sizeof(quint64));
-    }
+    explicit constexpr Keyword(std::string_view letters)
+        : letters_(letters), bytes_(padded(letters)),
+          mask_(padded(std::string_view("\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF", letters.size()))) {}
 
     std::string_view letters() const { return letters_; }
 
