@@ -4,9 +4,9 @@
 
 namespace navrel {
 
-/// Has Qt bring its own event loop while one lives. The one that it takes by default where there is
-/// GLib needs half as long again for a turn, and a request and its answer are one or two turns.
-/// What the environment says goes first. Main thread, while no other reads the environment.
+/// Has applications made with Qt's own event loop while one lives. The one that Qt takes by default
+/// where there is GLib needs a quarter more time for a turn, and each request may cost one. Main
+/// thread, while no other reads the environment.
 class OwnEventLoop {
 public:
     OwnEventLoop();
