@@ -200,6 +200,7 @@ private:
     /// Shared with the jobs of the connection queue, which may outlive the delegate.
     const std::shared_ptr<WantedDevice> wantedDevice_;
     quint64 lastUSBAttempt_ = 0; ///< number of the attempt enqueued last; any other is dropped
+    int waitingForDevice_ = 0;   ///< announcements and attempts that the connection queue still has
     std::weak_ptr<PTChannel> usbAttempt_; ///< of the attempt under way that began last
     QTimer usbRetryTimer_;                ///< runs while a failed attempt is to be repeated
     std::shared_ptr<const DeviceID> connectedDeviceID_;

@@ -73,13 +73,15 @@ void AppDelegate::deviceDidAttach(const QVariantMap& userInfo) {
     if (!wantedDevice_->announce(deviceID, userInfo.value(QStringLiteral("Properties")).toMap())) {
         return;
     }
+    ++waitingForDevice_;
     notConnectedQueue_->async([self = weak_from_this(), wanted = wantedDevice_] {
-        if (!wanted->wantAnnounced()) {
-            return; // it is being reached already, or has gone
-        }
-        DispatchQueue::mainQueue()->async([self] {
+        const bool isNew = wanted->wantAnnounced(); // else it is being reached already, or has gone
+        DispatchQueue::mainQueue()->async([self, isNew] {
             if (const auto delegate = self.lock()) {
-                delegate->reachWantedDevice();
+                --delegate->waitingForDevice_;
+                if (isNew) {
+                    delegate->reachWantedDevice();
+                }
             }
         });
     });
@@ -108,7 +110,9 @@ void AppDelegate::deviceDidDetach(const QVariantMap& userInfo) {
 // each would go on being repeated, and every simulator would leave one more behind.
 void AppDelegate::enqueueConnectToUSBDevice() {
     usbRetryTimer_.stop();
+    ++waitingForDevice_;
     enqueueAttempt([number = ++lastUSBAttempt_](AppDelegate& delegate) {
+        --delegate.waitingForDevice_;
         if (number == delegate.lastUSBAttempt_) {
             delegate.connectToUSBDevice();
         }
@@ -162,8 +166,16 @@ void AppDelegate::didDisconnectFromDevice(const DeviceID& deviceID) {
 
 // The simulator.
 
+// Behind whatever waits for a device: a simulator that listens on would be connected again at once,
+// and the device's turn would not come however often that connection ends. With its attempt under
+// way, the device takes the simulator's place.
 void AppDelegate::enqueueConnectToLocalIPv4Port() {
-    enqueueAttempt([](AppDelegate& delegate) { delegate.connectToLocalIPv4Port(); });
+    enqueueAttempt([](AppDelegate& delegate) {
+        if (delegate.waitingForDevice_ > 0) {
+            return delegate.enqueueConnectToLocalIPv4Port();
+        }
+        delegate.connectToLocalIPv4Port();
+    });
 }
 
 void AppDelegate::connectToLocalIPv4Port() {

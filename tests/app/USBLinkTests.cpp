@@ -458,6 +458,35 @@ TEST_F(USBLinkTest, aDeviceAttachedWhileTheSimulatorIsConnectedIsReachedAfterIt)
     EXPECT_TRUE(device_.ask(211).has_value());
 }
 
+TEST_F(USBLinkTest, aDeviceAttachedMeanwhileIsReachedThoughTheSimulatorIsThereAgainAtOnce) {
+    ASSERT_TRUE(daemon_.start());
+    launch();
+    listen();
+    delegate_->activate();
+    ASSERT_TRUE(waitUntil([&] { return isConnected() && daemon_.listenerCount() == 1; }));
+    runEventLoopFor(
+        milliseconds(1200)); // the next attempt on 127.0.0.1 is parked before the device
+    daemon_.attach(7);
+    ASSERT_TRUE(waitForLog(QStringLiteral("PTUSBDeviceDidAttachNotification: 7")));
+
+    device_.disconnect(); // it goes on listening
+    ASSERT_TRUE(waitForDevice());
+    ASSERT_TRUE(waitUntil([&] { return delegate_->connectedDeviceID() != nullptr; }));
+    EXPECT_TRUE(device_.ask(211).has_value());
+}
+
+TEST_F(USBLinkTest, aDeviceWhoseConnectionEndsIsReachedAgainThoughASimulatorIsThere) {
+    launchWithDaemon();
+    ASSERT_TRUE(connectDevice(7));
+    TestDevice simulator;
+    ASSERT_TRUE(simulator.listen());
+    runEventLoopFor(milliseconds(1200)); // the attempt on 127.0.0.1 is parked
+    device_.disconnect();
+    ASSERT_TRUE(waitForDevice());
+    ASSERT_TRUE(waitUntil([&] { return delegate_->connectedDeviceID() != nullptr; }));
+    EXPECT_TRUE(device_.ask(211).has_value());
+}
+
 TEST_F(USBLinkTest, whileADeviceIsConnectedTheSimulatorIsParkedAndThenFound) {
     launchWithDaemon();
     ASSERT_TRUE(connectDevice(7));
