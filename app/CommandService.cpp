@@ -134,12 +134,12 @@ void AppDelegate::sendContent(const QVariantMap& content, quint32 tag) {
 
 AppDelegate::Reply AppDelegate::navigator(const std::optional<Request>& request) {
     KZDataManager& manager = collaborators_.dataManager;
-    if (const auto identifier = textForKey(request, QStringLiteral("identifier"))) {
-        if (const Reply reply = manager.navigatorDictionaryForID(identifier)) {
-            return reply;
-        }
-        // Deliberate: a stale identifier is answered with the whole tree, not with silence.
-        return rootNavigator(std::nullopt);
+    if (request && request->contains(QStringLiteral("identifier"))) {
+        const auto identifier = textForKey(request, QStringLiteral("identifier"));
+        const Reply reply = identifier ? manager.navigatorDictionaryForID(identifier) : Reply();
+        // Deliberate: a stale identifier is answered with the whole tree, not with silence; and so
+        // is one that is no text, as nothing has it.
+        return reply ? reply : rootNavigator(std::nullopt);
     }
     if (const auto superclass = textForKey(request, QStringLiteral("superclass"))) {
         return manager.navigatorDictionaryForSuperclass(*superclass);

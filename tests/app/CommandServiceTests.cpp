@@ -168,6 +168,18 @@ TEST_F(CommandServiceTest, anUnknownIdentifierIsAnsweredWithTheRootNavigator) {
     EXPECT_EQ(reply->value(kIdentifier).toString(), QStringLiteral("MAIN"));
 }
 
+TEST_F(CommandServiceTest, anIdentifierThatIsNoTextIsUnknownAndWinsOverASuperclassToo) {
+    launchActive();
+    for (const QVariant& identifier :
+         {QVariant(5), QVariant(QVariantList{1}), QVariant(QByteArray("M")), QVariant(QString())}) {
+        const auto reply =
+            device_.ask(200, {{kIdentifier, identifier},
+                              {QStringLiteral("superclass"), QStringLiteral("Base")}});
+        ASSERT_TRUE(reply.has_value()) << identifier.typeName();
+        EXPECT_EQ(reply->value(kIdentifier).toString(), QStringLiteral("MAIN"));
+    }
+}
+
 TEST_F(CommandServiceTest, aSuperclassIsAnsweredWithTheFilesThatDeriveFromIt) {
     launchActive();
     const auto reply = device_.ask(200, {{QStringLiteral("superclass"), QStringLiteral("Base")}});
@@ -194,7 +206,7 @@ TEST_F(CommandServiceTest, withNeitherKeyOrWithoutADictionaryNothingIsSent) {
     launchActive();
     EXPECT_EQ(device_.ask(200), std::nullopt);
     EXPECT_EQ(device_.ask(200, {{QStringLiteral("other"), 1}}), std::nullopt);
-    EXPECT_EQ(device_.ask(200, {{kIdentifier, QVariantList{1}}}), std::nullopt);
+    EXPECT_EQ(device_.ask(200, {{QStringLiteral("superclass"), 5}}), std::nullopt);
     EXPECT_EQ(askWithPayload(200, "\xFF\xFE"), std::nullopt);
     EXPECT_EQ(askWithPayload(200, "(identifier, H)"), std::nullopt);
 }
@@ -276,6 +288,13 @@ TEST_F(CommandServiceTest, elementsOfNothingAreNotAnswered) {
     EXPECT_EQ(log_.messages(), QStringList());
 }
 
+TEST_F(CommandServiceTest, anEmptyIdentifierHasNoElementsEvenWhereAFileHasIt) {
+    addFile("\"\"", "Empty.m", "- (void)run {\n}\n");
+    launchActive();
+    EXPECT_EQ(names(device_.ask(202), QStringLiteral("identifier")).count(QString()), 1);
+    EXPECT_EQ(device_.ask(204, {{kIdentifier, QString()}}), std::nullopt);
+}
+
 TEST_F(CommandServiceTest, elementsOfAnyFileAreAnsweredWhenAskedForByIdentifier) {
     launchActive();
     EXPECT_TRUE(device_.ask(204, {{kIdentifier, QStringLiteral("P")}}).has_value());
@@ -303,6 +322,25 @@ TEST_F(CommandServiceTest, withAutoUpdateOnlySourceFilesInLowerCaseAreAnswered) 
         EXPECT_EQ(device_.ask(204, {{QStringLiteral("autoUpdate"), 1}}), std::nullopt) << name;
     }
     EXPECT_EQ(log_.messages(), QStringList());
+}
+
+TEST_F(CommandServiceTest, withAutoUpdateEveryKindOfSourceFileIsAnsweredAndNoOther) {
+    for (const char* name : {"a.c", "a.cpp", "a.mm", "a.swift", "a.cc", "a.hpp", "a.storyboard"}) {
+        addFile(QByteArray("ID-") + name, name, "\n");
+    }
+    launchActive();
+    const auto answered = [this](const char* name) {
+        editor_.fileName = QLatin1String(name);
+        const auto reply = device_.ask(204, {{QStringLiteral("autoUpdate"), 1}});
+        return reply && reply->value(kPath).toString() == path(name);
+    };
+    for (const char* name : {"Foo.h", "Foo.m", "a.c", "a.cpp", "a.mm", "a.swift"}) {
+        EXPECT_TRUE(answered(name)) << name;
+    }
+    for (const char* name : {"a.cc", "a.hpp", "a.storyboard"}) {
+        editor_.fileName = QLatin1String(name);
+        EXPECT_EQ(device_.ask(204, {{QStringLiteral("autoUpdate"), 1}}), std::nullopt) << name;
+    }
 }
 
 TEST_F(CommandServiceTest, autoUpdateOffIsAsIfItWereAbsent) {
