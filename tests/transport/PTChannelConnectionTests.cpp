@@ -84,6 +84,15 @@ TEST_F(PTChannelConnection, whenClosedAbandonsWhatIsPending) {
     EXPECT_EQ(delegate_->ends[0].error, Error::posix(ECANCELED));
 }
 
+TEST_F(PTChannelConnection, endsWithTheErrorOfTheCleanUpBeforeThatOfTheRead) {
+    connect();
+    ::close(channel_->dispatchChannel()->descriptor()); // what nobody may do
+    channel_->sendFrameOfType(500, 1, std::nullopt, {});
+    channel_->close(); // the read that is abandoned has an error of its own
+    EXPECT_TRUE(waitForEnd());
+    EXPECT_EQ(delegate_->ends[0].error, Error::posix(EBADF));
+}
+
 TEST_F(PTChannelConnection, whenCancelledFinishesWhatIsPendingFirst) {
     connect();
     const QByteArray payload(16 * 1024 * 1024, 'x');
