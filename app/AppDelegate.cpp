@@ -47,6 +47,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     enqueueConnectToLocalIPv4Port();
     connect(&menuTimer_, &QTimer::timeout, this, [this] { createMenu(); });
     menuTimer_.start(kMenuInterval);
+    activationDue_ = QDeadlineTimer(kActivationDelay, Qt::PreciseTimer);
     QTimer::singleShot(kActivationDelay, Qt::PreciseTimer, this, [this] { activate(); });
 }
 

@@ -6,6 +6,7 @@
 #include "transport/PTChannel.h"
 #include "transport/PTUSBHub.h"
 
+#include <QDeadlineTimer>
 #include <QObject>
 #include <QString>
 #include <QTimer>
@@ -192,6 +193,7 @@ private:
     std::optional<QString> activeID_; ///< of the file that was active when they were taken
     QTimer menuTimer_;
     bool clearToSend_ = false;
+    QDeadlineTimer activationDue_{QDeadlineTimer::Forever};
 
     std::shared_ptr<DispatchQueue> notConnectedQueue_; // "PTExample.notConnectedQueue"
     bool notConnectedQueueSuspended_ = false;

@@ -108,6 +108,11 @@ bool AppDelegate::ioFrameChannelShouldAcceptFrameOfType(const std::shared_ptr<PT
 void AppDelegate::ioFrameChannelDidReceiveFrameOfType(
     const std::shared_ptr<PTChannel>&, quint32 type, quint32 tag,
     const std::shared_ptr<const PTData>& payload) {
+    // A long pass over the project may hold the timer up, and the event loop looks at sockets
+    // first.
+    if (!clearToSend_ && activationDue_.hasExpired()) {
+        activate();
+    }
     const Command* command = commandForType(type);
     if (!clearToSend_ || command == nullptr) {
         return;

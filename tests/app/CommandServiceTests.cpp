@@ -8,6 +8,7 @@
 #include <QVariantList>
 
 #include <chrono>
+#include <thread>
 
 namespace navrel {
 namespace {
@@ -92,6 +93,16 @@ TEST_F(CommandServiceTest, activationComesByItselfOneAndAHalfSecondsAfterStart) 
     EXPECT_TRUE(waitUntil([this] { return delegate_->clearToSend(); }));
     EXPECT_GE(sinceLaunch.elapsed(), 1500);
     EXPECT_LT(sinceLaunched.elapsed(), 2400); // a busy machine may be late, but not by a timer
+}
+
+TEST_F(CommandServiceTest, aFrameOfLaterIsAnsweredThoughTheMainThreadWasBusyWhenActivationWasDue) {
+    launch();
+    ASSERT_FALSE(delegate_->clearToSend());
+    std::this_thread::sleep_for(milliseconds(1600)); // as a pass over a large project would
+    ASSERT_TRUE(device_.sendBytes(TestDevice::frame(211, 1)));
+    const auto reply = device_.nextFrame();
+    ASSERT_TRUE(reply.has_value());
+    EXPECT_EQ(reply->tag, 1u);
 }
 
 // The filter.
