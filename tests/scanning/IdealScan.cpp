@@ -1,6 +1,10 @@
 #include "tests/scanning/IdealScan.h"
 
+#include "scanning/SuperclassSearch.h"
+#include "support/text/UTF8.h"
+
 #include <algorithm>
+#include <array>
 #include <re2/re2.h>
 #include <string>
 #include <vector>
@@ -125,6 +129,20 @@ void scanLines(re2::StringPiece text, const RE2& shortcutLine, const RE2* superc
 IdealScan::IdealScan() : patterns_(std::make_unique<Patterns>()) {}
 
 IdealScan::~IdealScan() = default;
+
+bool IdealScan::holdsFor(QByteArrayView text, const SourceName& name) {
+    constexpr std::array kLettersOfOneCharacter = {"ss", "st", "ff", "fi", "fl"};
+    if (name.kind() == SourceKind::Header) {
+        const QByteArray baseName = name.baseName().toByteArray().toLower();
+        const bool hasOtherForms =
+            std::any_of(kLettersOfOneCharacter.begin(), kLettersOfOneCharacter.end(),
+                        [&](const char* letters) { return baseName.contains(letters); });
+        if (hasOtherForms || !isPlainBaseName(baseName)) {
+            return false;
+        }
+    }
+    return isValidUTF8(text);
+}
 
 void IdealScan::scan(QByteArrayView source, const SourceName& name,
                      SourceFindings& findings) const {

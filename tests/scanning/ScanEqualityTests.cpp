@@ -1,7 +1,6 @@
 #include "scanning/CandidateSearch.h"
 #include "scanning/PlainScan.h"
 #include "scanning/SourceScan.h"
-#include "support/text/UTF8.h"
 #include "tests/scanning/FindingsText.h"
 #include "tests/scanning/IdealScan.h"
 #include "tests/scanning/TellingTexts.h"
@@ -13,14 +12,20 @@
 #include <cstdio>
 #include <functional>
 #include <memory>
+#include <optional>
 
 // The fast scan held against the patterns. More is tried by hand with the environment:
-// NAVREL_SCAN_ROUNDS, the number of random texts, and NAVREL_SCAN_SOURCES, a folder of sources.
+// NAVREL_SCAN_ROUNDS, the number of random texts, NAVREL_SCAN_SEED, what they are made from (the
+// same texts again, where a run failed), and NAVREL_SCAN_SOURCES, a folder of sources.
 namespace navrel {
 namespace {
 
 constexpr std::chrono::seconds kGenerousLimit(20);
-constexpr int kDefaultRounds = 20'000;
+constexpr quint32 kDefaultRounds = 20'000;
+constexpr quint32 kDefaultSeed = 1;
+/// A property of some hundred blanks without a semicolon keeps ICU busy for longer than it is
+/// given. Of half a million texts one is so.
+constexpr quint32 kTextsToOneGivenUp = 50'000;
 /// No planted fault is so well hidden that it takes more texts to show.
 constexpr int kRoundsToFindAFault = 20'000;
 
@@ -28,11 +33,16 @@ class ScanComparison {
 public:
     explicit ScanComparison(ScanPatterns patterns = {}) : plain_(std::move(patterns)) {}
 
-    /// Whether the fast scan finds what the patterns find; where ICU gives up, what they mean.
-    bool isEqual(const TellingText& source) {
+    /// Whether the fast scan finds what the patterns find; where ICU gives up, what they mean. Also
+    /// true of a text that nothing tells the findings of, which is counted.
+    bool isEqual(const TellingText& source, std::chrono::milliseconds limit = kGenerousLimit) {
         const SourceName name = SourceName(source.path);
-        if (plain_.scan(source.text, name, *expected_, kGenerousLimit)) {
+        if (plain_.scan(source.text, name, *expected_, limit)) {
             ++givenUp_;
+            if (!IdealScan::holdsFor(source.text, name)) {
+                ++notCompared_;
+                return true;
+            }
             ideal_.scan(source.text, name, *expected_);
         }
         expectedLines_ = linesOf(*expected_);
@@ -44,9 +54,11 @@ public:
 
     const std::vector<std::string>& expectedLines() const { return expectedLines_; }
     const std::vector<std::string>& foundLines() const { return foundLines_; }
-    /// How many findings were compared, and how many texts ICU gave up on.
+    /// How many findings were compared.
     std::size_t count() const { return count_; }
-    int givenUp() const { return givenUp_; }
+    /// How many texts ICU gave up on, and how many of these were not compared at all.
+    quint32 givenUp() const { return givenUp_; }
+    quint32 notCompared() const { return notCompared_; }
 
 private:
     PlainScan plain_;
@@ -56,22 +68,29 @@ private:
     std::vector<std::string> expectedLines_;
     std::vector<std::string> foundLines_;
     std::size_t count_ = 0;
-    int givenUp_ = 0;
+    quint32 givenUp_ = 0;
+    quint32 notCompared_ = 0;
 };
 
-int roundsFromEnvironment() {
+/// A number that the environment names; nil where it names none.
+std::optional<quint32> numberFromEnvironment(const char* name) {
+    const QString text = qEnvironmentVariable(name);
     bool isNumber = false;
-    const int rounds = qEnvironmentVariableIntValue("NAVREL_SCAN_ROUNDS", &isNumber);
-    return isNumber ? rounds : kDefaultRounds;
+    const quint32 number = text.toUInt(&isNumber);
+    EXPECT_TRUE(isNumber || text.isEmpty()) << name << " is no number";
+    return isNumber ? std::optional(number) : std::nullopt;
 }
 
 TEST(ScanEquality, randomTextsOfTellingPiecesGiveWhatThePatternsGive) {
-    const quint32 seed =
-        roundsFromEnvironment() == kDefaultRounds ? 1U : QRandomGenerator::global()->generate();
-    std::printf("seed %u, %d rounds\n", seed, roundsFromEnvironment());
+    const auto wantedRounds = numberFromEnvironment("NAVREL_SCAN_ROUNDS");
+    const auto wantedSeed = numberFromEnvironment("NAVREL_SCAN_SEED");
+    const quint32 rounds = wantedRounds.value_or(kDefaultRounds);
+    const quint32 usualSeed = wantedRounds ? QRandomGenerator::global()->generate() : kDefaultSeed;
+    const quint32 seed = wantedSeed.value_or(usualSeed);
+    std::printf("seed %u, %u rounds\n", seed, rounds);
     QRandomGenerator random(seed);
     ScanComparison comparison;
-    for (int round = 0; round < roundsFromEnvironment(); ++round) {
+    for (quint32 round = 0; round < rounds; ++round) {
         const TellingText source = makeTellingText(random);
         ASSERT_TRUE(comparison.isEqual(source))
             << "seed " << seed << ", round " << round << ", " << source.path.constData() << "\n"
@@ -79,8 +98,33 @@ TEST(ScanEquality, randomTextsOfTellingPiecesGiveWhatThePatternsGive) {
             << ::testing::PrintToString(comparison.expectedLines()) << "\nfound    "
             << ::testing::PrintToString(comparison.foundLines());
     }
-    EXPECT_EQ(comparison.givenUp(), 0);
-    EXPECT_GT(comparison.count(), std::size_t(roundsFromEnvironment()));
+    std::printf("ICU gave up on %u texts, of which %u were not compared\n", comparison.givenUp(),
+                comparison.notCompared());
+    EXPECT_LE(comparison.givenUp(), 1 + rounds / kTextsToOneGivenUp);
+    EXPECT_GT(comparison.count(), std::size_t(rounds));
+}
+
+/// Too much for ICU in the time it is given here, with an element that follows.
+const QByteArray kBacktrackingText = "@property" + QByteArray(300, ' ') + "\n- (void)a {};";
+constexpr std::chrono::milliseconds kShortLimit(50);
+
+TEST(ScanEquality, whereICUGivesUpTheFastScanIsHeldToTheIdealOne) {
+    ScanComparison comparison;
+    EXPECT_TRUE(comparison.isEqual({"/p/Foo.m", kBacktrackingText}, kShortLimit));
+    EXPECT_THAT(comparison.expectedLines(), ::testing::ElementsAre("method 2 -a"));
+    EXPECT_EQ(comparison.givenUp(), 1U);
+    EXPECT_EQ(comparison.notCompared(), 0U);
+}
+
+TEST(ScanEquality, whereTheIdealScanDoesNotHoldEitherATextIsCountedAsNotCompared) {
+    ScanComparison comparison;
+    EXPECT_TRUE(comparison.isEqual({"/p/Foo+Bar.h", kBacktrackingText}, kShortLimit));
+    EXPECT_TRUE(comparison.isEqual({"/p/Kissff.h", kBacktrackingText}, kShortLimit));
+    EXPECT_EQ(comparison.givenUp(), 2U);
+    EXPECT_EQ(comparison.notCompared(), 2U);
+    EXPECT_EQ(comparison.count(), 0U);
+    EXPECT_FALSE(IdealScan::holdsFor("\xE9", SourceName("/p/Foo.m")));
+    EXPECT_TRUE(IdealScan::holdsFor("a", SourceName("/p/Foo+Bar.m")));
 }
 
 TEST(ScanEquality, theIdealScanAgreesWithThePatternsOnTextsThatICUEnds) {
@@ -92,7 +136,7 @@ TEST(ScanEquality, theIdealScanAgreesWithThePatternsOnTextsThatICUEnds) {
     for (int round = 0; round < 2000; ++round) {
         const TellingText source = makeTellingText(random);
         const SourceName name = SourceName(source.path);
-        if (!isValidUTF8(source.text) || name.baseName() != "Foo") {
+        if (!IdealScan::holdsFor(source.text, name)) {
             continue;
         }
         ASSERT_EQ(plain.scan(source.text, name, *expected, kGenerousLimit), std::nullopt);
@@ -126,8 +170,8 @@ TEST(ScanEquality, realSourcesGiveWhatThePatternsGive) {
         EXPECT_TRUE(comparison.isEqual({file.fileName().toUtf8(), file.readAll()}))
             << file.fileName().toStdString();
     }
-    std::printf("%d files, %zu findings, %d files that ICU gave up on\n", files, comparison.count(),
-                comparison.givenUp());
+    std::printf("%d files, %zu findings; ICU gave up on %u files, of which %u were not compared\n",
+                files, comparison.count(), comparison.givenUp(), comparison.notCompared());
     EXPECT_GT(files, 0);
 }
 
