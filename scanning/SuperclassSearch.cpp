@@ -1,5 +1,7 @@
 #include "scanning/SuperclassSearch.h"
 
+#include "scanning/TextCursor.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -14,14 +16,47 @@ void loadTablesOfICU() {
         SuperclassExpression::forBaseName("Foo").has_value();
 }
 
-/// Whether the text holds the beginning of "@interface", in either case.
-bool holdsBeginning(QByteArrayView line) {
-    qsizetype at = line.indexOf('@');
-    while (at >= 0 && at + 1 < line.size()) {
-        if (line[at + 1] == 'i' || line[at + 1] == 'I') {
+bool isPlain(char byte) {
+    return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
+           (byte >= '0' && byte <= '9') || byte == '_' || byte == '-';
+}
+
+/// What a match begins with, in lower case: the pattern up to its first special character, but for
+/// the character before, which that one may make optional.
+QByteArray beginningOfMatches(const QByteArray& baseName) {
+    const auto* const special = std::find_if_not(
+        baseName.begin(), baseName.end(), [](char byte) { return isPlain(byte) || byte == ' '; });
+    QByteArray beginning = "@interface " + baseName.first(special - baseName.begin());
+    if (special != baseName.end()) {
+        beginning.chop(1);
+    }
+    return std::move(beginning).toLower();
+}
+
+/// Whether the beginning of a match may stand at a place. What is not ASCII may be its letters in
+/// another form: ICU knows.
+bool mayBeginAt(const char* place, const char* end, const QByteArray& beginning) {
+    for (const char letter : beginning) {
+        if (place == end) {
+            return false;
+        }
+        const auto byte = static_cast<uchar>(*place++);
+        if (byte >= 0x80) {
             return true;
         }
-        at = line.indexOf('@', at + 1);
+        if (characterclasses::kFolded[byte] != letter) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool mayHold(QByteArrayView line, const QByteArray& beginning) {
+    const char* const end = line.end();
+    for (const char* at = line.begin(); (at = std::find(at, end, '@')) != end; ++at) {
+        if (mayBeginAt(at, end, beginning)) {
+            return true;
+        }
     }
     return false;
 }
@@ -29,20 +64,17 @@ bool holdsBeginning(QByteArrayView line) {
 } // namespace
 
 bool isPlainBaseName(QByteArrayView baseName) {
-    return std::all_of(baseName.begin(), baseName.end(), [](char byte) {
-        return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
-               (byte >= '0' && byte <= '9') || byte == '_' || byte == '-';
-    });
+    return std::all_of(baseName.begin(), baseName.end(), isPlain);
 }
 
 SuperclassSearch::SuperclassSearch(QByteArray baseName, SuperclassBudget& budget)
-    : baseName_(std::move(baseName)), budget_(budget), isPlain_(isPlainBaseName(baseName_)),
-      canBeginAnywhere_(baseName_.contains('|')),
+    : baseName_(std::move(baseName)), beginning_(beginningOfMatches(baseName_)), budget_(budget),
+      isPlain_(isPlainBaseName(baseName_)), canBeginAnywhere_(baseName_.contains('|')),
       // A number sign can make a comment of the colon in the pattern.
       needsColon_(!canBeginAnywhere_ && !baseName_.contains('#')) {}
 
 bool SuperclassSearch::canHoldMatch(QByteArrayView line) const {
-    return canBeginAnywhere_ || ((!needsColon_ || line.contains(':')) && holdsBeginning(line));
+    return canBeginAnywhere_ || ((!needsColon_ || line.contains(':')) && mayHold(line, beginning_));
 }
 
 std::optional<QByteArray> SuperclassSearch::superclassOnLine(QByteArrayView line) {

@@ -40,6 +40,7 @@ private:
     std::optional<QByteArray> askICUWithinBudget(QByteArrayView line);
 
     QByteArray baseName_;
+    QByteArray beginning_;
     SuperclassBudget& budget_;
     bool isPlain_;
     bool canBeginAnywhere_;

@@ -1,6 +1,7 @@
 #include "scanning/SuperclassBudget.h"
 #include "scanning/SuperclassSearch.h"
 
+#include <QByteArrayList>
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -107,6 +108,83 @@ TEST(SuperclassSearch, aLineAfterTheOtherIsAskedUntilOneHoldsASuperclass) {
     EXPECT_EQ(search.superclassOnLine("@Interface Fooo : A"), "A");
     EXPECT_TRUE(search.isOver());
     EXPECT_EQ(search.superclassOnLine("@interface Foo : B"), std::nullopt);
+}
+
+TEST(SuperclassSearch, linesOfOtherClassesAreNotAskedAbout) {
+    SuperclassBudget budget = spentBudget();
+    SuperclassSearch search("Foo.pbobjc", budget);
+    EXPECT_EQ(search.superclassOnLine("@interface Bar : A"), std::nullopt);
+    EXPECT_EQ(search.superclassOnLine("@interface Fan : A"), std::nullopt);
+    EXPECT_FALSE(search.isOver());
+    EXPECT_EQ(search.superclassOnLine("@interface Foo_pbobjc : A"), std::nullopt);
+    EXPECT_TRUE(search.isOver());
+}
+
+TEST(SuperclassSearch, theClassOfALongGeneratedHeaderIsFoundBehindAllOthers) {
+    SuperclassBudget budget;
+    SuperclassSearch search("Foo.pbobjc", budget);
+    for (int line = 0; line < 100'000; ++line) {
+        search.superclassOnLine("@interface GPB" + QByteArray::number(line) + " : GPBMessage");
+    }
+    EXPECT_EQ(search.superclassOnLine("@interface Foo_pbobjc : A"), "A");
+}
+
+TEST(SuperclassSearch, noLineThatHoldsAMatchIsPassedOver) {
+    const QByteArrayList names = {
+        "Foo+Bar",     "Foo.Bar",   "Foo*Bar", "Foo?Bar",  "Foo{0}Bar",  "Foo(?#x)?Bar",
+        "Fo[o]Bar",    "Foo(Bar)?", "?Foo",    "*Foo",     "{0}Foo",     "(?#x)?Foo",
+        ".Foo",        "[F]oo",     "Foo Bar", "Foo Ba+r", "Foo\\Bar",   "\\QFoo\\E",
+        "^Foo",        "$Foo",      "Foo$",    "A|Foo",    "(A|B)oo",    "Kis+s",
+        "Kiss.x",      "Ki.s",      "Kisst?",  "Stff+x",   "\xC3\xA9oo", "Fo\xC3\xA9",
+        "Fo\xC3\xA9+", "\xC5\xBF.a"};
+    const QByteArrayList written = {"Foo",
+                                    "foo",
+                                    "FOOBar",
+                                    "FoBar",
+                                    "FoooBar",
+                                    "FoxBar",
+                                    "Foo Bar",
+                                    " Foo",
+                                    "xFoo",
+                                    "A",
+                                    "Aoo",
+                                    "Foo Baar",
+                                    "Fooar",
+                                    "F",
+                                    "Fo\xC3\xA9",
+                                    "Fo\xC3\x89\xC3\xA9",
+                                    "\xC3\x89oo",
+                                    "Kiss",
+                                    "Ki\xC3\x9F",
+                                    "Kissx",
+                                    "Ki\xC3\x9Fx",
+                                    "\xE2\x84\xAAisss",
+                                    "Ki\xC5\xBFs",
+                                    "Kis\xE2\x84\xAA\xEF\xAC\x86",
+                                    "Ki\xC3\x9Ft",
+                                    "Kis\xEF\xAC\x86",
+                                    "\xEF\xAC\x86\xEF\xAC\x80x",
+                                    "St\xEF\xAC\x80x",
+                                    "Stfffx",
+                                    "sxa",
+                                    "\xC5\xBFxa",
+                                    "Foo\\Bar"};
+    std::size_t found = 0;
+    for (const QByteArray& name : names) {
+        auto expression = SuperclassExpression::forBaseName(name);
+        ASSERT_TRUE(expression) << name.constData();
+        for (const QByteArray& text : written) {
+            for (const char* before : {"@interface ", "@Interface", "@@i@INTERFACE "}) {
+                const QByteArray line = before + text + " : A\n";
+                SuperclassBudget budget{std::chrono::seconds(10)};
+                const auto expected = expression->superclassOnLine(line, std::nullopt);
+                EXPECT_EQ(SuperclassSearch(name, budget).superclassOnLine(line), expected)
+                    << name.constData() << " " << line.constData();
+                found += expected ? 1 : 0;
+            }
+        }
+    }
+    EXPECT_GT(found, std::size_t(3 * names.size()));
 }
 
 TEST(SuperclassSearch, aNameThatIsNoPatternEndsTheSearch) {
