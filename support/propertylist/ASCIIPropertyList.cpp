@@ -180,9 +180,9 @@ private:
 
     const char* readData(const char* bracket) {
         std::size_t digits = 0;
-        const char* at = bracket + 1;
-        for (; isOfClass(byteAt(at), kHexadecimal | kWhite); ++at) {
-            digits += isOfClass(*at, kHexadecimal) ? 1 : 0;
+        const char* at = skipWhite(bracket + 1);
+        for (; isOfClass(byteAt(at), kHexadecimal); at = skipWhite(at + 1)) {
+            ++digits;
         }
         if (byteAt(at) != '>') {
             return fail(at, "expected hexadecimal digits or \">\"");
@@ -191,6 +191,17 @@ private:
             return fail(at, "expected an even number of hexadecimal digits");
         }
         return append(NodeKind::data, bracket + 1, at) ? at + 1 : failFull(bracket);
+    }
+
+    // White space without comments.
+    const char* skipWhite(const char* at) const {
+        for (;;) {
+            at = Scanner::endOfWhite(at, end_);
+            if (!startsWithSeparator({at, static_cast<std::size_t>(end_ - at)})) {
+                return at;
+            }
+            at += kLineSeparator.size();
+        }
     }
 
     // Between most tokens there is nothing or a single blank: that much is done in place, and the

@@ -194,6 +194,9 @@ TEST(ASCIIPropertyList, dataIsHexadecimalDigitsWithBlanksAnywhere) {
     EXPECT_EQ(
         readList("{ a = <0123 4567\n89ab C DEF>; b = <>; }"),
         QVariant(map({{a, QByteArray("\x01\x23\x45\x67\x89\xAB\xCD\xEF")}, {b, QByteArray()}})));
+    EXPECT_EQ(readList("<\xE2\x80\xA8"
+                       "0\xE2\x80\xA9\t1 \xE2\x80\xA8>"),
+              QVariant(QByteArray("\x01")));
 }
 
 TEST(ASCIIPropertyList, dataOfAnOddNumberOfDigitsOrOtherCharactersIsRefused) {
@@ -203,6 +206,8 @@ TEST(ASCIIPropertyList, dataOfAnOddNumberOfDigitsOrOtherCharactersIsRefused) {
               QStringLiteral("line 1, column 4: expected hexadecimal digits or \">\""));
     EXPECT_EQ(reasonOf("<01"),
               QStringLiteral("line 1, column 4: expected hexadecimal digits or \">\""));
+    EXPECT_EQ(reasonOf("<01 // a\n>"),
+              QStringLiteral("line 1, column 5: expected hexadecimal digits or \">\""));
 }
 
 TEST(ASCIIPropertyList, theLastOfRepeatedKeysWins) {
