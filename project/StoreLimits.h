@@ -12,7 +12,7 @@ namespace navrel {
 // far beyond that was made to be. What is beyond the bounds of a store was not made by this
 // program.
 
-/// Files and groups, of all projects that were selected since the store was made: each has a record
+/// Files and groups of the project, and of what it listed since it was selected: each has a record
 /// until its file is gone.
 inline constexpr std::size_t kMaximumObjects = 500'000;
 
