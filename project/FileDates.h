@@ -37,6 +37,15 @@ inline qint64 statusChangeDateIn(const struct stat& status) {
 #endif
 }
 
+/// The longest step in which dates like this one advance: within it, a file can change again and
+/// keep its date. That is the kernel's clock tick; but a date of whole seconds may come from a file
+/// system that keeps no parts of them, and the coarsest keeps every other second.
+constexpr qint64 longestStepOfDate(qint64 nanoseconds) {
+    constexpr qint64 kLongestClockTick = 10'000'000;
+    constexpr qint64 kSecond = 1'000'000'000;
+    return nanoseconds % kSecond == 0 ? 2 * kSecond : kLongestClockTick;
+}
+
 /// Modification date of a file by its path from an open folder, symbolic links followed; nil when
 /// nothing is there.
 inline std::optional<qint64> modificationDateAt(int folder, const char* path) {

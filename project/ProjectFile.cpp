@@ -14,12 +14,12 @@ namespace navrel {
 
 namespace {
 
-// The time of a file's last change advances in steps of the kernel's clock tick, of which the
-// longest is 10 ms: a file written again within one keeps it. What is older than two when it is
-// read cannot have. That is the status change alone: the modification date may be set to any time,
-// in the future too.
-constexpr qint64 kClockTickNanoseconds = 10'000'000;
-constexpr qint64 kSettlingTime = 2 * kClockTickNanoseconds;
+/// Whether a file cannot change any more without getting another date: its last change is older
+/// than two steps of its date. That is the status change alone: the modification date may be set to
+/// any time, in the future too.
+bool isSettled(qint64 statusChanged, qint64 readingBegan) {
+    return statusChanged < readingBegan - 2 * longestStepOfDate(statusChanged);
+}
 
 // The bytes read at a time beyond the announced size, to notice a file that is growing.
 constexpr qsizetype kReadAhead = 4096;
@@ -114,8 +114,8 @@ std::optional<QByteArray> ProjectFile::readContent() {
     }
     std::optional<QByteArray> bytes = readToEnd(file.get(), before.st_size);
     const Identity identity(before);
-    const bool isSettled = identity.statusChanged < start - kSettlingTime;
-    if (bytes && isSettled && ::fstat(file.get(), &after) == 0 && identity == Identity(after)) {
+    if (bytes && isSettled(identity.statusChanged, start) && ::fstat(file.get(), &after) == 0 &&
+        identity == Identity(after)) {
         identity_ = identity;
     }
     return bytes;

@@ -57,6 +57,13 @@ TEST_F(FileSurveyTest, datesCenturiesAwayAreToldApart) {
     EXPECT_NE(modificationDateIn(status), latest);
 }
 
+TEST(FileDates, aDateOfWholeSecondsMayStandForTwoOfThem) {
+    EXPECT_EQ(longestStepOfDate(1'600'000'000'010'000'000), 10'000'000);
+    EXPECT_EQ(longestStepOfDate(1'600'000'000'000'000'001), 10'000'000);
+    EXPECT_EQ(longestStepOfDate(1'600'000'000'000'000'000), 2'000'000'000);
+    EXPECT_EQ(longestStepOfDate(0), 2'000'000'000);
+}
+
 TEST_F(FileSurveyTest, pathsThatCanNameNoFileAreMissing) {
     make("a");
     for (const QByteArray& impossible :
