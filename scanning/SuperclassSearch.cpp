@@ -70,8 +70,9 @@ bool isPlainBaseName(QByteArrayView baseName) {
 SuperclassSearch::SuperclassSearch(QByteArray baseName, SuperclassBudget& budget)
     : baseName_(std::move(baseName)), beginning_(beginningOfMatches(baseName_)), budget_(budget),
       isPlain_(isPlainBaseName(baseName_)), canBeginAnywhere_(baseName_.contains('|')),
-      // A number sign can make a comment of the colon in the pattern.
-      needsColon_(!canBeginAnywhere_ && !baseName_.contains('#')) {}
+      // A comment that begins in the name can hold the colon of the pattern, and where the name
+      // says that blanks do not count, the star behind one of them makes the colon optional.
+      needsColon_(!canBeginAnywhere_ && !baseName_.contains('#') && !baseName_.contains("(?")) {}
 
 bool SuperclassSearch::canHoldMatch(QByteArrayView line) const {
     return canBeginAnywhere_ || ((!needsColon_ || line.contains(':')) && mayHold(line, beginning_));

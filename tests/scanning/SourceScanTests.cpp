@@ -95,6 +95,7 @@ TEST_P(SourceScan, aBaseNameCanTakeTheColonOutOfThePattern) {
     EXPECT_THAT(scan("/p/(A)|B.h", "@interface A"), ElementsAre("superclass A"));
     EXPECT_THAT(scan("/p/(a)(?x)#.h", "@interface a"), ElementsAre("superclass a"));
     EXPECT_THAT(scan("/p/a(?#b.h", "@interface a <x>"), ElementsAre("superclass <x>"));
+    EXPECT_THAT(scan("/p/a(?x)b.h", "@interface abBase"), ElementsAre("superclass "));
 }
 
 TEST_P(SourceScan, aBaseNameThatIsNoPatternGivesNoSuperclass) {
