@@ -193,7 +193,7 @@ private:
     std::optional<QString> activeID_; ///< of the file that was active when they were taken
     QTimer menuTimer_;
     bool clearToSend_ = false;
-    QDeadlineTimer activationDue_{QDeadlineTimer::Forever};
+    QDeadlineTimer activationDue_{QDeadlineTimer::Forever}; ///< its timer may come late
 
     std::shared_ptr<DispatchQueue> notConnectedQueue_; // "PTExample.notConnectedQueue"
     bool notConnectedQueueSuspended_ = false;

@@ -91,6 +91,9 @@ void PlainPeer::scanStepByStep(const QByteArray& path) {
 
 void PlainPeer::findSuperclass(const QByteArray& path, const SourceName& name) {
     auto expression = SuperclassExpression::forBaseName(name.baseName());
+    if (!expression) {
+        return;
+    }
     LinesByPieces lines(path);
     while (const auto line = lines.next()) {
         if (const auto superclass = expression->superclassOnLine(*line, std::nullopt)) {
