@@ -3,6 +3,8 @@
 #include "support/Assertion.h"
 #include "support/dispatch/DispatchQueue.h"
 
+#include <QEvent>
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -21,6 +23,27 @@ constexpr int kSendsAnEvent = 16;
 // Read behind a large piece: enough for the header that follows it, little enough that the payload
 // behind that one goes straight into its own buffer.
 constexpr size_t kAheadOfLargePiece = 4096;
+
+/// Calls back from its event: a signal would take as long again as all of the event loop's part.
+class CallingNotifier final : public QSocketNotifier {
+public:
+    using Callback = MoveOnlyFunction<void(), sizeof(void*) * 3>;
+
+    CallingNotifier(int descriptor, Type type, Callback callback)
+        : QSocketNotifier(descriptor, type), callback_(std::move(callback)) {}
+
+protected:
+    bool event(QEvent* event) override {
+        if (event->type() != QEvent::SockAct) {
+            return QSocketNotifier::event(event);
+        }
+        callback_();
+        return true;
+    }
+
+private:
+    Callback callback_;
+};
 
 } // namespace
 
@@ -479,11 +502,10 @@ void DispatchIO::listenFor(Notifier& notifier, QSocketNotifier::Type type, bool 
         if (!enabled) {
             return;
         }
-        notifier.reset(new QSocketNotifier(descriptor_.value(), type));
         const auto activated =
             type == QSocketNotifier::Read ? &DispatchIO::readable : &DispatchIO::writable;
-        QObject::connect(notifier.get(), &QSocketNotifier::activated, notifier.get(),
-                         [this, activated] { (this->*activated)(); });
+        notifier.reset(new CallingNotifier(descriptor_.value(), type,
+                                           [this, activated] { (this->*activated)(); }));
     }
     if (notifier->isEnabled() != enabled) {
         notifier->setEnabled(enabled);
