@@ -1,5 +1,7 @@
 #include "support/dispatch/StreamDescriptor.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
@@ -64,8 +66,28 @@ Transfer writeWithoutSignal(int descriptor, std::span<const iovec> buffers) {
     return outcome(::writev(descriptor, buffers.data(), static_cast<int>(buffers.size())));
 }
 
+/// Up to this size, copying takes less than handing the parts to the kernel one by one.
+constexpr size_t kJoinedSize = 512;
+
+/// Copies the buffers one behind the other; nothing where they do not fit.
+std::span<const char> joined(std::span<const iovec> buffers, std::span<char, kJoinedSize> room) {
+    size_t size = 0;
+    for (const iovec& buffer : buffers) {
+        if (buffer.iov_len > room.size() - size) {
+            return {};
+        }
+        std::copy_n(static_cast<const char*>(buffer.iov_base), buffer.iov_len, room.data() + size);
+        size += buffer.iov_len;
+    }
+    return room.first(size);
+}
+
 Transfer sendWithoutSignal(int socket, std::span<const iovec> buffers) {
 #ifdef MSG_NOSIGNAL
+    std::array<char, kJoinedSize> room;
+    if (const auto bytes = joined(buffers, room); !bytes.empty()) {
+        return outcome(::send(socket, bytes.data(), bytes.size(), MSG_NOSIGNAL));
+    }
     msghdr message = {};
     message.msg_iov = const_cast<iovec*>(buffers.data());
     message.msg_iovlen = buffers.size();

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
+#include <string>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -69,6 +70,22 @@ TEST(StreamDescriptor, scattersAndGathers) {
     closeBoth(ends);
 }
 
+TEST(StreamDescriptor, gathersFewBytesAsManyOnes) {
+    const Pair ends = makeSocketPair();
+    const auto writer = StreamDescriptor::adopt(ends[0]);
+    const auto reader = StreamDescriptor::adopt(ends[1]);
+    for (size_t size = 2; size < 1200; size += 2) {
+        std::string first(size / 2, 'a');
+        std::string second(size / 2, 'b');
+        const std::array<iovec, 3> out = {vectorOf(first), iovec{nullptr, 0}, vectorOf(second)};
+        ASSERT_EQ(writer->write(out).count, size);
+        std::string received(2 * size, '\0');
+        const auto transfer = reader->read(std::span<char>(received));
+        ASSERT_EQ(received.substr(0, transfer.count), first + second);
+    }
+    closeBoth(ends);
+}
+
 int signalsSeen = 0;
 
 /// Writes to a peer that is gone, with a handler that counts the signal.
@@ -76,9 +93,11 @@ void expectErrorAndNoSignal(const Pair& ends) {
     ::close(ends[1]);
     signalsSeen = 0;
     const auto previous = std::signal(SIGPIPE, [](int) { ++signalsSeen; });
-    std::array<char, 1> byte = {'x'};
-    const iovec vector = vectorOf(byte);
-    EXPECT_EQ(StreamDescriptor::adopt(ends[0])->write({&vector, 1}).errnoValue, EPIPE);
+    for (const size_t size : {size_t{1}, size_t{4096}}) {
+        std::string bytes(size, 'x');
+        const iovec vector = vectorOf(bytes);
+        EXPECT_EQ(StreamDescriptor::adopt(ends[0])->write({&vector, 1}).errnoValue, EPIPE);
+    }
     EXPECT_EQ(signalsSeen, 0);
 
     // The guard is gone: the program's own handling of the signal is as it was.
