@@ -329,13 +329,13 @@ void PTChannel::discardPayload(const std::shared_ptr<DispatchIO>& stream, Incomi
 
 // Sending and ending.
 
-void PTChannel::sendFrameOfType(quint32 type, quint32 tag,
-                                const std::optional<DispatchData>& payload,
+void PTChannel::sendFrameOfType(quint32 type, quint32 tag, std::optional<DispatchData> payload,
                                 PTProtocol::SendCallback callback) {
     if (!isConnected() || !dispatchObj_channel_) { // none while a connect is under way
         return callIfSet(callback, Error::posix(EPERM));
     }
-    protocol_->sendFrameOfType(type, tag, payload, dispatchObj_channel_, std::move(callback));
+    protocol_->sendFrameOfType(type, tag, std::move(payload), dispatchObj_channel_,
+                               std::move(callback));
 }
 
 void PTChannel::close() {

@@ -108,7 +108,7 @@ public:
     bool acceptIncomingConnection(int serverSocket);
 
     /// Sends one frame; the callback runs when it has been written.
-    void sendFrameOfType(quint32 type, quint32 tag, const std::optional<DispatchData>& payload,
+    void sendFrameOfType(quint32 type, quint32 tag, std::optional<DispatchData> payload,
                          PTProtocol::SendCallback callback);
 
     /// Ends the connection and abandons what is still being read and written, or stops listening.

@@ -88,8 +88,7 @@ PTProtocol::createDispatchDataWithFrameOfType(quint32 type, quint32 frameTag,
     return frame;
 }
 
-void PTProtocol::sendFrameOfType(quint32 type, quint32 tag,
-                                 const std::optional<DispatchData>& payload,
+void PTProtocol::sendFrameOfType(quint32 type, quint32 tag, std::optional<DispatchData> payload,
                                  const std::shared_ptr<DispatchIO>& overChannel,
                                  SendCallback callback) {
     DispatchIO::WriteHandler handler;
@@ -102,7 +101,7 @@ void PTProtocol::sendFrameOfType(quint32 type, quint32 tag,
     const size_t payloadSize = sizeOf(payload);
     NAVREL_ASSERT_AS(isFramePayloadSize(payloadSize), "payloadSize <= UINT32_MAX");
     const auto header = encodedFrameHeader({type, tag, static_cast<quint32>(payloadSize)});
-    overChannel->write(WritePrefix(header), payload.value_or(DispatchData()), queue(),
+    overChannel->write(WritePrefix(header), payload ? *std::move(payload) : DispatchData(), queue(),
                        std::move(handler));
 }
 

@@ -94,7 +94,7 @@ public:
                                       const std::optional<DispatchData>& payload) const;
 
     /// Writes one frame. The callback may be null.
-    void sendFrameOfType(quint32 type, quint32 tag, const std::optional<DispatchData>& payload,
+    void sendFrameOfType(quint32 type, quint32 tag, std::optional<DispatchData> payload,
                          const std::shared_ptr<DispatchIO>& overChannel, SendCallback callback);
 
     /// Reads one header. A payload, if it announces one, comes next on the channel.
