@@ -8,6 +8,7 @@
 #include <QNetworkReply>
 #include <QThread>
 #include <QTimer>
+#include <QVariant>
 
 #include <algorithm>
 #include <future>
@@ -64,31 +65,20 @@ bool hasAddress(const QUrl& url, const QDeadlineTimer& deadline) {
            answer.get();
 }
 
-/// Runs in a thread of its own, with an event loop of its own.
-std::optional<QByteArray> fetchBytes(const QUrl& url, const QDeadlineTimer& deadline) {
-    if (!hasAddress(url, deadline)) {
-        return std::nullopt;
-    }
-    QNetworkAccessManager manager;
+/// Waits for the whole reply, or what comes of it by then.
+std::unique_ptr<QNetworkReply> finishedReply(QNetworkAccessManager& manager, const QUrl& url,
+                                             const QDeadlineTimer& deadline) {
     QNetworkRequest request(url);
+    // Not followed by Qt: a redirection that is refused would have to be aborted, and what Qt's
+    // thread held of it then might never be freed.
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
-                         QNetworkRequest::UserVerifiedRedirectPolicy);
-    const std::unique_ptr<QNetworkReply> reply(manager.get(request));
+                         QNetworkRequest::ManualRedirectPolicy);
+    std::unique_ptr<QNetworkReply> reply(manager.get(request));
     reply->setReadBufferSize(kMaximumFetchedBytes + 1);
 
     QEventLoop loop;
-    int redirections = 0;
     const auto giveUp = [&reply] { reply->abort(); };
     QObject::connect(reply.get(), &QNetworkReply::finished, &loop, &QEventLoop::quit);
-    QObject::connect(reply.get(), &QNetworkReply::redirected, &loop, [&](const QUrl& target) {
-        const bool isWelcome = target.host() == url.host() && isHTTP(target);
-        if (isWelcome && ++redirections <= kMaximumRedirections) {
-            Q_EMIT reply->redirectAllowed();
-        } else {
-            // Not from within: Qt would go on with the redirection that it is telling of.
-            QTimer::singleShot(0, &loop, giveUp);
-        }
-    });
     QObject::connect(reply.get(), &QNetworkReply::readyRead, &loop, [&] {
         if (reply->bytesAvailable() > kMaximumFetchedBytes) {
             giveUp();
@@ -98,7 +88,28 @@ std::optional<QByteArray> fetchBytes(const QUrl& url, const QDeadlineTimer& dead
     if (!reply->isFinished()) {
         loop.exec();
     }
-    return bytesOf(*reply);
+    return reply;
+}
+
+/// Runs in a thread of its own, with an event loop of its own.
+std::optional<QByteArray> fetchBytes(const QUrl& url, const QDeadlineTimer& deadline) {
+    if (!hasAddress(url, deadline)) {
+        return std::nullopt;
+    }
+    QNetworkAccessManager manager;
+    QUrl place = url;
+    for (int redirections = 0; redirections <= kMaximumRedirections; ++redirections) {
+        const auto reply = finishedReply(manager, place, deadline);
+        const QVariant target = reply->attribute(QNetworkRequest::RedirectionTargetAttribute);
+        if (!target.isValid()) {
+            return bytesOf(*reply);
+        }
+        place = place.resolved(target.toUrl());
+        if (place.host() != url.host() || !isHTTP(place)) {
+            return std::nullopt;
+        }
+    }
+    return std::nullopt;
 }
 
 bool breaksLine(QChar character) {
