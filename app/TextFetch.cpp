@@ -11,6 +11,7 @@
 #include <QVariant>
 
 #include <algorithm>
+#include <chrono>
 #include <future>
 #include <memory>
 #include <netdb.h>
@@ -22,6 +23,9 @@ namespace {
 
 constexpr int kMaximumRedirections = 5;
 constexpr int kStatusOK = 200;
+
+/// What the worker has, after it gave up, to put everything away before the caller is gone.
+constexpr std::chrono::milliseconds kTimeToEnd{100};
 
 /// What the worker leaves for the caller, who may have stopped waiting.
 struct Fetched {
@@ -140,11 +144,11 @@ std::optional<QString> fetchText(const QUrl& url) {
         return std::nullopt;
     }
     const auto fetched = std::make_shared<Fetched>();
-    const QDeadlineTimer deadline(kTextFetchLimit);
+    const QDeadlineTimer deadline(kTextFetchLimit - kTimeToEnd);
     auto* worker =
         QThread::create([url, deadline, fetched] { fetched->bytes = fetchBytes(url, deadline); });
     worker->start();
-    if (!worker->wait(deadline)) {
+    if (!worker->wait(deadline + kTimeToEnd.count())) {
         // It ends by itself, soon: whatever holds it must not hold the caller.
         QObject::connect(worker, &QThread::finished, worker, &QObject::deleteLater);
         return std::nullopt;
