@@ -40,7 +40,7 @@ private:
     std::optional<QByteArray> askICUWithinBudget(QByteArrayView line);
 
     QByteArray baseName_;
-    QByteArray beginning_;
+    QByteArray beginning_; ///< of every match, in lower case
     SuperclassBudget& budget_;
     bool isPlain_;
     bool canBeginAnywhere_;

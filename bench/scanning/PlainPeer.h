@@ -19,8 +19,7 @@ public:
     enum class Way {
         /// Step by step, as the results are defined: line by line for the superclass and again for
         /// the shortcuts, ten bytes at a time, then the whole text for the elements. All
-        /// expressions
-        /// are made for each file.
+        /// expressions are made for each file.
         stepByStep,
         /// The text is read once, and expressions are made for each file.
         textAtOnce,
