@@ -1,0 +1,121 @@
+#include "codemap/OutlineBuilder.h"
+
+#include "support/Assertion.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace navrel {
+
+namespace {
+
+bool isBlank(char character) {
+    return character == ' ' || (character >= '\t' && character <= '\r') || character == '\0';
+}
+
+} // namespace
+
+OutlineBuilder::OutlineBuilder(Language language) {
+    outline_.language_ = language;
+}
+
+void OutlineBuilder::open(const Declaration& declaration) {
+    open_.push_back(append(declaration));
+}
+
+void OutlineBuilder::close(std::uint32_t endLine) {
+    NAVREL_ASSERT(!open_.empty());
+    const std::uint32_t index = open_.back();
+    open_.pop_back();
+    if (index == kLeftOut) {
+        return;
+    }
+    Symbol& symbol = outline_.symbols_[index];
+    symbol.endLine = std::max(symbol.line, endLine);
+    symbol.end = static_cast<std::uint32_t>(outline_.symbols_.size());
+}
+
+void OutlineBuilder::add(const Declaration& declaration, std::uint32_t endLine) {
+    open(declaration);
+    close(endLine);
+}
+
+SymbolKind OutlineBuilder::innermost() const {
+    NAVREL_ASSERT(!open_.empty());
+    return open_.back() == kLeftOut ? SymbolKind::namespaceScope
+                                    : outline_.symbols_[open_.back()].kind;
+}
+
+std::string_view OutlineBuilder::innermostName() const {
+    NAVREL_ASSERT(!open_.empty());
+    return open_.back() == kLeftOut ? std::string_view()
+                                    : outline_.nameOf(outline_.symbols_[open_.back()]);
+}
+
+void OutlineBuilder::addHeading(std::uint32_t line, std::string_view text, bool separator) {
+    if (outline_.headings_.size() < kMaximumSymbolsOfSource) {
+        outline_.headings_.push_back({line, separator, keepInOneLine(text)});
+    }
+}
+
+void OutlineBuilder::addNote(NoteKind kind, std::uint32_t line, std::string_view text) {
+    if (outline_.notes_.size() < kMaximumSymbolsOfSource) {
+        outline_.notes_.push_back({kind, line, keepInOneLine(text)});
+    }
+}
+
+Outline OutlineBuilder::finish(std::uint32_t lines) {
+    while (!open_.empty()) {
+        close(lines);
+    }
+    outline_.lines_ = lines;
+    outline_.symbols_.shrink_to_fit();
+    outline_.headings_.shrink_to_fit();
+    outline_.notes_.shrink_to_fit();
+    outline_.texts_.shrink_to_fit();
+    return std::exchange(outline_, Outline());
+}
+
+std::uint32_t OutlineBuilder::append(const Declaration& declaration) {
+    const bool fits =
+        open_.size() < kMaximumOutlineDepth && outline_.symbols_.size() < kMaximumSymbolsOfSource;
+    if (!fits) {
+        return kLeftOut;
+    }
+    const auto index = static_cast<std::uint32_t>(outline_.symbols_.size());
+    Symbol symbol;
+    symbol.kind = declaration.kind;
+    symbol.access = declaration.access;
+    symbol.depth = static_cast<std::uint16_t>(open_.size());
+    symbol.line = declaration.line;
+    symbol.name = keep(declaration.name);
+    symbol.signature = keepInOneLine(declaration.signature);
+    symbol.inherits = keep(declaration.inherits);
+    outline_.symbols_.push_back(symbol);
+    return index;
+}
+
+TextRange OutlineBuilder::keep(std::string_view text) {
+    const TextRange range{static_cast<std::uint32_t>(outline_.texts_.size()),
+                          static_cast<std::uint32_t>(text.size())};
+    outline_.texts_ += text;
+    return range;
+}
+
+TextRange OutlineBuilder::keepInOneLine(std::string_view text) {
+    std::string& texts = outline_.texts_;
+    const std::size_t begin = texts.size();
+    for (const char character : text) {
+        if (!isBlank(character)) {
+            texts += character;
+        } else if (texts.size() > begin && texts.back() != ' ') {
+            texts += ' ';
+        }
+    }
+    if (texts.size() > begin && texts.back() == ' ') {
+        texts.pop_back();
+    }
+    return {static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(texts.size() - begin)};
+}
+
+} // namespace navrel
