@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace navrel {
+
+/// How a request to the editor ended.
+struct OpenOutcome {
+    bool opened = false;
+    std::string editor; ///< its name for users, "Neovim"; empty where there is none
+    std::string reason; ///< why it was not opened: one sentence; empty where it was
+};
+
+/// What the server for browsers asks of the program. Its functions are called on the server's
+/// thread and must return at once: what takes longer, or belongs to the main thread, is handed on
+/// to it. All texts are UTF-8.
+class CompanionHost {
+public:
+    /// Told once how a request ended; from any thread, also after the server is gone.
+    using Reply = std::function<void(const OpenOutcome& outcome)>;
+
+    virtual ~CompanionHost() = default;
+
+    /// Opens a file of the project (an absolute path, not looked at by the server) at a line, from
+    /// 1; 0 for no line. Where the editor would be the desktop's opener, files that
+    /// `isHarmlessToOpen` (web/HarmlessFile.h) refuses must not be opened.
+    virtual void openFile(const std::string& absolutePath, std::uint32_t line, Reply reply) = 0;
+
+    /// Takes the editor back to where it was before the last file that a browser had opened.
+    virtual void goBack(Reply reply) = 0;
+
+    /// Shows or hides the files of a type: one of those that were published. The program publishes
+    /// the types again when it is done.
+    virtual void switchFileType(const std::string& extension, bool allowed) = 0;
+
+    /// A device was paired: a word to the user is due.
+    virtual void devicePaired(const std::string& label) = 0;
+
+    /// What `BrowserAccess` answers about its status, its devices or its pairing is another now.
+    virtual void accessChanged() = 0;
+};
+
+} // namespace navrel
