@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <unistd.h>
+#include <utility>
 
 namespace navrel {
 
@@ -51,29 +52,22 @@ Server theServer() {
     return {true, isHidden ? QStringList{QStringLiteral("-s"), socket} : QStringList()};
 }
 
-struct Evaluation {
-    /// What Emacs printed, without the line break at its end; nil when no Emacs answered.
-    std::optional<QByteArray> value;
-    bool isOverdue = false;
+/// How `emacsclient` is run to evaluate an expression; nothing where there is no Emacs to ask.
+struct Client {
+    QString tool;
+    QStringList arguments;
 };
 
-Evaluation evaluate(const QByteArray& expression, const QDeadlineTimer& deadline) {
-    const auto client = findTool(QStringLiteral("emacsclient"));
+std::optional<Client> clientFor(const QByteArray& expression) {
+    const auto tool = findTool(QStringLiteral("emacsclient"));
     const Server server = theServer();
-    if (!client || !server.mayRun || deadline.hasExpired()) {
-        return {};
+    if (!tool || !server.mayRun) {
+        return std::nullopt;
     }
     // The alternate editor that fails: otherwise, an Emacs could be started.
-    const QStringList arguments =
-        QStringList{QStringLiteral("-a"), QStringLiteral("false")} + server.options +
-        QStringList{QStringLiteral("--eval"), QString::fromLatin1(expression)};
-    const auto output =
-        outputOfTool(*client, arguments, std::chrono::milliseconds(deadline.remainingTime()));
-    if (!output) {
-        return {std::nullopt, deadline.hasExpired()};
-    }
-    const QByteArray value = output->trimmed();
-    return {value.isEmpty() ? std::nullopt : std::optional(value), false};
+    return Client{*tool,
+                  QStringList{QStringLiteral("-a"), QStringLiteral("false")} + server.options +
+                      QStringList{QStringLiteral("--eval"), QString::fromLatin1(expression)}};
 }
 
 /// What stands between the quotes of a text that Emacs printed; nil where it printed no text.
@@ -87,37 +81,48 @@ std::optional<QByteArray> unquoted(const QByteArray& printed) {
 } // namespace
 
 EmacsEditor::EmacsEditor(std::chrono::milliseconds leftAloneFor)
-    : silent_(leftAloneFor), answers_(answerStandsFor(leftAloneFor)) {}
+    : activeFileQuestion_(leftAloneFor), answers_(answerStandsFor(leftAloneFor)) {}
 
 std::optional<ActiveFile> EmacsEditor::activeFile(const QDeadlineTimer& deadline) {
-    if (silent_.contains(kTheServer)) {
-        return answers_.of(kTheServer);
-    }
-    const Evaluation evaluation = evaluate(emacsActiveFileExpression(), deadline);
-    if (evaluation.isOverdue) {
-        silent_.add(kTheServer);
-        return answers_.of(kTheServer);
-    }
-    const auto text = evaluation.value ? unquoted(*evaluation.value) : std::nullopt;
-    const auto file = QByteArray::fromBase64Encoding(text.value_or(QByteArray()),
-                                                     QByteArray::AbortOnBase64DecodingErrors);
-    if (!text || !file) {
+    using Kind = ToolQuestion::Answer::Kind;
+    const auto client = clientFor(emacsActiveFileExpression());
+    if (!client) {
         answers_.forget(kTheServer);
         return std::nullopt;
     }
-    answers_.add(kTheServer, *file);
+    const auto answer = activeFileQuestion_.ask(client->tool, client->arguments, deadline);
+    if (answer.kind == Kind::Late) {
+        wasLate_ = true;
+        return answers_.of(kTheServer);
+    }
+    const bool wasLate = std::exchange(wasLate_, false);
+    const auto text = unquoted(answer.output.trimmed());
+    const auto file = QByteArray::fromBase64Encoding(text.value_or(QByteArray()),
+                                                     QByteArray::AbortOnBase64DecodingErrors);
+    if (answer.kind == Kind::Output && text && file) {
+        answers_.add(kTheServer, *file);
+    } else if (!wasLate || answer.kind == Kind::Output) {
+        answers_.forget(kTheServer);
+    }
+    // One that was ended in the middle of its wait says nothing of whether Emacs is still there.
     return answers_.of(kTheServer);
 }
 
 bool EmacsEditor::open(const QByteArray& path, std::optional<int> line,
                        const QDeadlineTimer& deadline) {
-    const Evaluation evaluation = evaluate(emacsOpenExpression(path, line), deadline);
-    if (!evaluation.value) {
+    const auto client = clientFor(emacsOpenExpression(path, line));
+    if (!client || deadline.hasExpired()) {
         return false;
     }
-    if (*evaluation.value != "opened") {
+    const auto output = outputOfTool(client->tool, client->arguments,
+                                     std::chrono::milliseconds(deadline.remainingTime()));
+    const QByteArray value = output ? output->trimmed() : QByteArray();
+    if (value.isEmpty()) {
+        return false;
+    }
+    if (value != "opened") {
         log(QStringLiteral("Emacs did not open %1: %2")
-                .arg(QString::fromUtf8(path), QString::fromUtf8(*evaluation.value)));
+                .arg(QString::fromUtf8(path), QString::fromUtf8(value)));
     }
     return true;
 }

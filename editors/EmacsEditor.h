@@ -3,6 +3,7 @@
 #include "editors/LastAnswers.h"
 #include "editors/RunningEditor.h"
 #include "editors/SilentEditors.h"
+#include "editors/ToolQuestion.h"
 
 #include <QString>
 
@@ -19,8 +20,10 @@ public:
               const QDeadlineTimer& deadline) override;
 
 private:
-    SilentEditors silent_; ///< main thread
-    LastAnswers answers_;  ///< main thread
+    // Main thread.
+    ToolQuestion activeFileQuestion_;
+    bool wasLate_ = false; ///< whether the answer that comes next was not in time
+    LastAnswers answers_;
 };
 
 } // namespace navrel

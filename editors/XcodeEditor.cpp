@@ -81,10 +81,10 @@ void performOpenScriptWithPath(const XcodeEditor::Tools& tools, const QString& p
 
 XcodeEditor::XcodeEditor() : XcodeEditor(Tools()) {}
 
-XcodeEditor::XcodeEditor(Tools tools) : tools_(std::move(tools)), silent_(tools_.leftAloneFor) {}
+XcodeEditor::XcodeEditor(Tools tools) : tools_(std::move(tools)) {}
 
 std::optional<QString> XcodeEditor::activeProjectPath() {
-    const auto document = answerOf(activeProjectScript());
+    const auto document = answerOf(activeProjectScript(), project_);
     if (!document) {
         return std::nullopt;
     }
@@ -92,7 +92,7 @@ std::optional<QString> XcodeEditor::activeProjectPath() {
 }
 
 std::optional<QString> XcodeEditor::activeFileName() {
-    return answerOf(activeFileScript());
+    return answerOf(activeFileScript(), file_);
 }
 
 void XcodeEditor::openFile(const QString& path, std::optional<int> line) {
@@ -113,22 +113,18 @@ void XcodeEditor::selectLine(int line) {
     requests_.start({[tools = tools_, line] { performJumpScript(tools, line); }});
 }
 
-/// What a script prints, without line feeds; nil when nothing could be read.
-std::optional<QString> XcodeEditor::answerOf(const QString& script) {
-    if (silent_.contains("")) {
-        return std::nullopt;
+/// What a script prints, without line feeds; what it printed last while it runs for longer than a
+/// question may wait, which would otherwise empty the store. Nil when nothing could be read.
+std::optional<QString> XcodeEditor::answerOf(const QString& script, Question& question) {
+    const auto answer = question.tool.ask(tools_.osascript, {QStringLiteral("-e"), script},
+                                          QDeadlineTimer(tools_.queryAtMost));
+    if (answer.kind == ToolQuestion::Answer::Kind::Late) {
+        return question.lastAnswer;
     }
-    const QDeadlineTimer deadline(tools_.queryAtMost);
-    const auto output =
-        outputOfTool(tools_.osascript, {QStringLiteral("-e"), script}, tools_.queryAtMost);
-    if (!output) {
-        if (deadline.hasExpired()) {
-            silent_.add("");
-        }
-        return std::nullopt;
-    }
-    auto text = decodeUTF8(*output);
-    return text ? std::optional(text->remove(QLatin1Char('\n'))) : std::nullopt;
+    const bool isThere = answer.kind == ToolQuestion::Answer::Kind::Output;
+    auto text = isThere ? decodeUTF8(answer.output) : std::nullopt;
+    question.lastAnswer = text ? std::optional(text->remove(QLatin1Char('\n'))) : std::nullopt;
+    return question.lastAnswer;
 }
 
 } // namespace navrel

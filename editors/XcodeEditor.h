@@ -1,6 +1,6 @@
 #pragma once
 
-#include "editors/SilentEditors.h"
+#include "editors/ToolQuestion.h"
 #include "project/Editor.h"
 #include "support/Errands.h"
 
@@ -19,12 +19,14 @@ public:
     struct Tools {
         QString osascript = QStringLiteral("/usr/bin/osascript");
         QString xed = QStringLiteral("/usr/bin/xed");
-        /// The scripts of questions give up by themselves after 0.6 s; a tool that outlives this
-        /// many milliseconds hangs and is killed.
+        /// How long a question waits. A script gives up by itself after 0.6 s, unless the system
+        /// asks the user for permission first: then it runs on, and its answer is taken when it
+        /// comes.
         std::chrono::milliseconds queryAtMost{5000};
         /// For opening and jumping, which nobody waits for.
         std::chrono::milliseconds requestAtMost{60'000};
-        std::chrono::milliseconds leftAloneFor = kSilentEditorLeftAlone;
+        /// A question that runs for so long hangs, and is ended.
+        std::chrono::milliseconds questionEndedAfter{std::chrono::hours(1)};
     };
 
     /// A person taps a few times a second and a request lasts less than one; a device that asks
@@ -34,10 +36,11 @@ public:
     XcodeEditor();
     explicit XcodeEditor(Tools tools);
 
-    /// Blocks while the script runs. The answer is a document one level inside the bundle; what is
+    /// Blocks while the script runs, `queryAtMost` at most; from then until it has ended, the last
+    /// answer stands. The answer is a document one level inside the bundle; what is
     /// given is the folder of whatever was answered.
     std::optional<QString> activeProjectPath() override;
-    /// Blocks while the script runs.
+    /// The same.
     std::optional<QString> activeFileName() override;
     /// Starts two threads: one that selects the line, where there is one, and one that opens the
     /// file. Two requests in quick succession run at the same time, in no certain order. Where too
@@ -47,11 +50,17 @@ public:
     void selectLine(int line) override;
 
 private:
-    std::optional<QString> answerOf(const QString& script);
+    struct Question {
+        ToolQuestion tool;
+        std::optional<QString> lastAnswer;
+    };
+
+    std::optional<QString> answerOf(const QString& script, Question& question);
 
     const Tools tools_;
     const Errands requests_{QStringLiteral("requests to Xcode"), kMaximumRunningTools};
-    SilentEditors silent_;
+    Question project_{ToolQuestion(tools_.questionEndedAfter), {}};
+    Question file_{ToolQuestion(tools_.questionEndedAfter), {}};
 };
 
 } // namespace navrel

@@ -161,10 +161,34 @@ TEST_F(XcodeEditorTest, aToolThatHangsIsNotWaitedForAndThenLeftAlone) {
     EXPECT_EQ(callsOf(tools.osascript).size(), 1) << "asked again";
 }
 
-TEST_F(XcodeEditorTest, aToolThatWasLeftAloneIsAskedAgainLater) {
+TEST_F(XcodeEditorTest, whileAToolIsSlowTheLastAnswerStandsAndItsOwnIsTakenLater) {
+    const QString gate = environment.pathOf(QStringLiteral("gate"));
+    answerWith("echo first.m");
+    tools.queryAtMost = milliseconds(1000);
+    XcodeEditor editor(tools);
+    ASSERT_TRUE(waitUntil([&] { return editor.activeFileName() == QStringLiteral("first.m"); }));
+
+    answerWith("while [ ! -e '" + gate.toUtf8() + "' ]; do sleep 0.05; done; echo late.m");
+    EXPECT_EQ(editor.activeFileName(), QStringLiteral("first.m"));
+    EXPECT_EQ(editor.activeFileName(), QStringLiteral("first.m"));
+    answerWith("echo newest.m");
+    environment.write(gate.toUtf8(), "");
+    EXPECT_TRUE(waitUntil([&] { return editor.activeFileName() == QStringLiteral("late.m"); }));
+    EXPECT_TRUE(waitUntil([&] { return editor.activeFileName() == QStringLiteral("newest.m"); }));
+}
+
+TEST_F(XcodeEditorTest, aSlowFileLeavesTheProjectItsAnswer) {
+    answerWith("case \"$2\" in *'name of first window'*) exec sleep 1000 ;; esac; echo /a/b.x/c");
+    tools.queryAtMost = milliseconds(1000);
+    XcodeEditor editor(tools);
+    EXPECT_EQ(editor.activeFileName(), std::nullopt);
+    EXPECT_TRUE(waitUntil([&] { return editor.activeProjectPath() == QStringLiteral("/a/b.x"); }));
+}
+
+TEST_F(XcodeEditorTest, aToolThatHangsIsEndedAndAskedAgain) {
     answerWith("exec sleep 1000");
     tools.queryAtMost = milliseconds(200);
-    tools.leftAloneFor = milliseconds(100);
+    tools.questionEndedAfter = milliseconds(400);
     XcodeEditor editor(tools);
     EXPECT_EQ(editor.activeFileName(), std::nullopt);
 
