@@ -24,7 +24,7 @@ public:
     /// A query takes no longer, however many kinds are asked: it blocks the main thread.
     static constexpr std::chrono::milliseconds kQueryAtMost{500};
     /// Of which the editors have this; the rest is for looking through folders for the project.
-    static constexpr std::chrono::milliseconds kAnswerAtMost{400};
+    static constexpr std::chrono::milliseconds kAnswerAtMost{200};
     /// Opening happens on a thread of its own; a big file takes an editor a moment.
     static constexpr std::chrono::milliseconds kOpenAtMost{5000};
     /// Of more files that wait to be opened the newer ones are dropped: a device that asks without

@@ -23,11 +23,19 @@ constexpr qint64 kRequest = 0;
 constexpr qint64 kResponse = 1;
 constexpr qsizetype kResponseFields = 4;
 
+/// A server that writes without end must leave its caller the time to look at others.
+constexpr int kMaximumReadsAtATime = 16;
+
 #ifdef MSG_NOSIGNAL
 constexpr int kSendFlags = MSG_NOSIGNAL;
 #else
 constexpr int kSendFlags = 0;
 #endif
+
+QByteArray requestBytes(qint64 identifier, const QByteArray& method,
+                        const QVariantList& arguments) {
+    return messagePackOf(QVariantList{kRequest, identifier, method, QVariant(arguments)});
+}
 
 int makeSocket() {
     const int descriptor = ::socket(AF_UNIX, SOCK_STREAM, 0);
@@ -90,8 +98,7 @@ NeovimConnection::Reply NeovimConnection::call(const QByteArray& method,
                                                const QVariantList& arguments,
                                                const QDeadlineTimer& deadline) {
     const qint64 identifier = ++lastIdentifier_;
-    const QVariantList request = {kRequest, identifier, method, QVariant(arguments)};
-    if (!send(messagePackOf(request), deadline)) {
+    if (!send(requestBytes(identifier, method, arguments), deadline)) {
         return {};
     }
     while (true) {
@@ -102,6 +109,30 @@ NeovimConnection::Reply NeovimConnection::call(const QByteArray& method,
             return {};
         }
     }
+}
+
+qint64 NeovimConnection::begin(const QByteArray& method, const QVariantList& arguments) {
+    const qint64 identifier = ++lastIdentifier_;
+    const QByteArray bytes = requestBytes(identifier, method, arguments);
+    const ssize_t count =
+        ::send(socket_, bytes.constData(), static_cast<size_t>(bytes.size()), kSendFlags);
+    return count == bytes.size() ? identifier : 0;
+}
+
+std::optional<NeovimConnection::Reply> NeovimConnection::replyTo(qint64 identifier) {
+    for (int reads = 0; reads < kMaximumReadsAtATime; ++reads) {
+        if (const auto reply = takeReply(identifier)) {
+            return reply;
+        }
+        pollfd waited = {socket_, POLLIN, 0};
+        if (::poll(&waited, 1, 0) <= 0) {
+            return std::nullopt;
+        }
+        if (!receive(QDeadlineTimer(QDeadlineTimer::Forever))) {
+            return Reply();
+        }
+    }
+    return std::nullopt;
 }
 
 bool NeovimConnection::waitFor(short event, const QDeadlineTimer& deadline) const {

@@ -36,6 +36,15 @@ public:
     Reply call(const QByteArray& method, const QVariantList& arguments,
                const QDeadlineTimer& deadline);
 
+    /// Sends a request without waiting. Its identifier, for `replyTo`; 0 where the server does not
+    /// take it at once: the connection is of no more use then.
+    qint64 begin(const QByteArray& method, const QVariantList& arguments);
+    /// What came of a request that was begun, as far as it has arrived; nothing while it has not.
+    /// Never waits.
+    std::optional<Reply> replyTo(qint64 identifier);
+    /// To wait on, for something to read. Owned by the connection.
+    int descriptor() const { return socket_; }
+
 private:
     explicit NeovimConnection(int socket) : socket_(socket) {}
     bool send(const QByteArray& bytes, const QDeadlineTimer& deadline) const;

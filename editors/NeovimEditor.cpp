@@ -6,11 +6,11 @@
 #include "editors/NeovimServers.h"
 #include "support/Log.h"
 
+#include <QHash>
 #include <QVariantMap>
 
-#include <algorithm>
 #include <chrono>
-#include <memory>
+#include <iterator>
 #include <thread>
 #include <utility>
 
@@ -23,28 +23,25 @@ using Reply = NeovimConnection::Reply;
 /// The keys that leave a mode are read by the editor's own loop, soon after the script that gave
 /// them.
 constexpr std::chrono::milliseconds kReadinessPause{5};
-/// An editor that runs answers in a few milliseconds; the next one is worth trying after this.
+/// An editor that runs answers in a few milliseconds; the next kind is worth trying after this.
 constexpr std::chrono::milliseconds kFirstAnswerAtMost{1000};
-/// Less than this is no fair chance on a busy machine: who would be left less waits for the next
-/// question, when those that kept silent now are left alone.
-constexpr std::chrono::milliseconds kLeastShare{100};
+/// While a newer one keeps silent, a file waits this long before it is opened in the next that
+/// answers: the user looks at the screen meanwhile.
+constexpr std::chrono::milliseconds kOpeningGrace{200};
 
 Reply runScript(NeovimConnection& editor, const char* script, const QVariantList& arguments,
                 const QDeadlineTimer& deadline) {
     return editor.call("nvim_exec_lua", {QByteArray(script), QVariant(arguments)}, deadline);
 }
 
-enum class Readiness { Ready, WaitsForAKey, Silent };
-
 /// Asks what an editor answers even in the middle of a command: any other question would wait for
-/// the person's next key.
-Readiness readinessOf(NeovimConnection& editor, const QDeadlineTimer& deadline) {
+/// the user's next key. Nothing when it does not answer.
+std::optional<bool> waitsForAKey(NeovimConnection& editor, const QDeadlineTimer& deadline) {
     const Reply mode = editor.call("nvim_get_mode", {}, deadline);
     if (mode.kind != Reply::Kind::Result || mode.value.typeId() != QMetaType::QVariantMap) {
-        return Readiness::Silent;
+        return std::nullopt;
     }
-    const QVariant blocking = mode.value.toMap().value(QStringLiteral("blocking"));
-    return blocking == false ? Readiness::Ready : Readiness::WaitsForAKey;
+    return mode.value.toMap().value(QStringLiteral("blocking")) != false;
 }
 
 /// Why a call did not succeed.
@@ -62,11 +59,11 @@ std::optional<QString> leaveMode(NeovimConnection& editor, const QDeadlineTimer&
     bool keysGiven = false;
     QString obstacle = failureText(Reply());
     while (!deadline.hasExpired()) {
-        const Readiness readiness = readinessOf(editor, deadline);
-        if (readiness == Readiness::Silent) {
+        const auto waits = waitsForAKey(editor, deadline);
+        if (!waits) {
             break;
         }
-        if (readiness == Readiness::WaitsForAKey) {
+        if (*waits) {
             obstacle = QStringLiteral("it waits for a key");
         } else {
             const Reply ready = runScript(editor, kNeovimIsReadyScript, {}, deadline);
@@ -98,36 +95,33 @@ std::optional<QString> openIn(NeovimConnection& editor, const QByteArray& path,
     return opened.kind == Reply::Kind::Result ? std::nullopt : std::optional(failureText(opened));
 }
 
-/// How long a server may take while others wait behind it: half of what is left, so that one that
-/// is stopped leaves them their chance.
-QDeadlineTimer shareOfNext(const QDeadlineTimer& deadline, bool isLast) {
-    if (isLast) {
-        return deadline;
-    }
-    const std::chrono::milliseconds left(deadline.remainingTime());
-    return earlierOf(deadline, std::max(left / 2, kLeastShare));
-}
-
 } // namespace
 
 NeovimEditor::NeovimEditor(std::chrono::milliseconds leftAloneFor)
     : silent_(leftAloneFor), answers_(answerStandsFor(leftAloneFor)) {}
 
+NeovimEditor::~NeovimEditor() = default;
+
 std::optional<ActiveFile> NeovimEditor::activeFile(const QDeadlineTimer& deadline) {
     const QByteArrayList sockets = neovimServerSockets(shareOf(deadline, 2));
     answers_.forgetAllBut(sockets);
+    hearLateAnswers(sockets);
+    QHash<QByteArray, ProbedNeovim*> probed;
+    auto servers = probeNeovims(silent_.without(sockets), deadline,
+                                std::chrono::milliseconds(deadline.remainingTime()) / 2);
+    for (ProbedNeovim& server : servers) {
+        probed.insert(server.socket, &server);
+    }
     std::optional<ActiveFile> lastKnown;
-    bool isFirst = true;
     for (const QByteArray& socket : sockets) {
-        std::optional<ActiveFile> file;
-        const bool isTimeLeft =
-            isFirst || std::chrono::milliseconds(deadline.remainingTime()) >= kLeastShare;
-        if (silent_.contains(socket) || !isTimeLeft) {
-            file = answers_.of(socket);
-        } else {
-            file = activeFileOf(socket, shareOfNext(deadline, socket == sockets.back()));
-            isFirst = false;
+        ProbedNeovim* const server = probed.value(socket, nullptr);
+        const bool isLeftAlone = server == nullptr && silent_.contains(socket);
+        if (server != nullptr) {
+            learnFrom(*server, deadline);
+        } else if (!isLeftAlone) {
+            answers_.forget(socket);
         }
+        const auto file = answers_.of(socket);
         if (file && file->isCurrent) {
             return file;
         }
@@ -136,53 +130,85 @@ std::optional<ActiveFile> NeovimEditor::activeFile(const QDeadlineTimer& deadlin
     return lastKnown;
 }
 
-/// Asks one server. One that is busy or silent stands by its last answer; one that is gone, or no
-/// Neovim, has none.
-std::optional<ActiveFile> NeovimEditor::activeFileOf(const QByteArray& socket,
-                                                     const QDeadlineTimer& deadline) {
-    bool isOverdue = false;
-    const auto editor = NeovimConnection::open(socket, isOverdue);
-    if (editor == nullptr && !isOverdue) {
-        answers_.forget(socket);
-        return std::nullopt;
+/// A server that was left alone and has answered since may be asked again.
+void NeovimEditor::hearLateAnswers(const QByteArrayList& sockets) {
+    for (auto late = late_.begin(); late != late_.end();) {
+        late->second.look();
+        const bool hasAnswered = late->second.state != NeovimState::Silent;
+        if (hasAnswered) {
+            silent_.remove(late->first);
+        }
+        const bool isWaitedFor = silent_.contains(late->first) && sockets.contains(late->first);
+        late = isWaitedFor ? std::next(late) : late_.erase(late);
     }
-    Reply file;
-    if (editor != nullptr) {
-        const Readiness readiness = readinessOf(*editor, deadline);
-        if (readiness == Readiness::WaitsForAKey) {
-            return answers_.of(socket); // which cost next to nothing: it may be asked again at once
-        }
-        if (readiness == Readiness::Ready) {
-            file = runScript(*editor, kNeovimActiveFileScript, {}, deadline);
-        }
-        isOverdue = file.kind == Reply::Kind::None && deadline.hasExpired();
+}
+
+/// Keeps what a server that was asked shows. One that is busy or silent stands by its last answer;
+/// one that is no Neovim has none.
+void NeovimEditor::learnFrom(ProbedNeovim& server, const QDeadlineTimer& deadline) {
+    switch (server.state) {
+    case NeovimState::Ready:
+        askForFile(server, deadline);
+        break;
+    case NeovimState::Silent:
+        leaveAlone(server);
+        break;
+    case NeovimState::NoNeovim:
+        silent_.add(server.socket);
+        answers_.forget(server.socket);
+        break;
+    case NeovimState::WaitsForAKey:
+    case NeovimState::Unknown:
+    case NeovimState::Gone:
+        break;
+    }
+}
+
+void NeovimEditor::askForFile(ProbedNeovim& server, const QDeadlineTimer& deadline) {
+    const Reply file = runScript(*server.connection, kNeovimActiveFileScript, {}, deadline);
+    if (file.kind == Reply::Kind::Result && file.value.typeId() == QMetaType::QByteArray) {
+        answers_.add(server.socket, file.value.toByteArray());
+        return;
     }
     if (file.kind == Reply::Kind::None) {
-        silent_.add(socket);
+        silent_.add(server.socket);
     }
-    if (isOverdue) {
-        return answers_.of(socket);
+    const bool isOverdue = file.kind == Reply::Kind::None && deadline.hasExpired();
+    if (!isOverdue) {
+        answers_.forget(server.socket);
     }
-    if (file.kind != Reply::Kind::Result || file.value.typeId() != QMetaType::QByteArray) {
-        answers_.forget(socket);
-        return std::nullopt;
+}
+
+void NeovimEditor::leaveAlone(ProbedNeovim& server) {
+    silent_.add(server.socket);
+    if (server.connection != nullptr) {
+        late_.insert_or_assign(server.socket, std::move(server));
     }
-    answers_.add(socket, file.value.toByteArray());
-    return answers_.of(socket);
 }
 
 bool NeovimEditor::open(const QByteArray& path, std::optional<int> line,
                         const QDeadlineTimer& deadline) {
     // The other half is for opening, or for an editor of another kind.
     const QDeadlineTimer search = shareOf(deadline, 2);
-    for (const QByteArray& socket : neovimServerSockets(search)) {
-        bool isOverdue = false;
-        const auto editor = NeovimConnection::open(socket, isOverdue);
-        const auto soon = earlierOf(search, kFirstAnswerAtMost);
-        if (editor == nullptr || readinessOf(*editor, soon) != Readiness::Ready) {
+    const QByteArrayList sockets = neovimServerSockets(search);
+    const QByteArrayList answering = silent_.without(sockets);
+    return openInFirst(answering, path, line, search, deadline) ||
+           openInFirst(silent_.only(sockets), path, line, search, deadline);
+}
+
+/// Opens a file in the first of these servers that is ready; false when none is.
+bool NeovimEditor::openInFirst(const QByteArrayList& sockets, const QByteArray& path,
+                               std::optional<int> line, const QDeadlineTimer& search,
+                               const QDeadlineTimer& deadline) {
+    const QDeadlineTimer soon = earlierOf(search, kFirstAnswerAtMost);
+    for (const ProbedNeovim& server : probeNeovims(sockets, soon, kOpeningGrace)) {
+        if (server.state == NeovimState::Silent) {
+            silent_.add(server.socket);
+        }
+        if (server.state != NeovimState::Ready) {
             continue;
         }
-        if (const auto obstacle = openIn(*editor, path, line, deadline)) {
+        if (const auto obstacle = openIn(*server.connection, path, line, deadline)) {
             log(QStringLiteral("Neovim did not open %1: %2")
                     .arg(QString::fromUtf8(path), *obstacle));
         }

@@ -112,7 +112,7 @@ QByteArrayList neovimServerSockets(const QDeadlineTimer& deadline) {
     const auto add = [&sockets](const QByteArray& path) {
         // What does not begin with a slash is a network address, or nothing.
         if (path.startsWith('/') && !sockets.contains(path) &&
-            sockets.size() < kMaximumNeovimServers) {
+            sockets.size() < kMaximumNeovimSockets) {
             sockets.append(path);
         }
     };

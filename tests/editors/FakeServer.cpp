@@ -2,6 +2,7 @@
 
 #include "editors/MessagePack.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <ctime>
@@ -72,18 +73,26 @@ FakeNeovim::~FakeNeovim() {
 void FakeNeovim::converse(int connection, const std::atomic<bool>& isEnding) {
     QByteArray received;
     pollfd waited = {connection, POLLIN, 0};
+    pollfd hangUp = {connection, POLLRDHUP, 0};
     while (!isEnding) {
-        if (::poll(&waited, 1, kTurnMilliseconds) <= 0) {
+        if (received.isEmpty() && ::poll(&waited, 1, kTurnMilliseconds) <= 0) {
             continue;
         }
         std::array<char, 4096> piece;
-        const ssize_t count = ::recv(connection, piece.data(), piece.size(), 0);
-        if (count <= 0) {
+        const ssize_t count =
+            ::recv(connection, piece.data(), piece.size(), received.isEmpty() ? 0 : MSG_DONTWAIT);
+        if (count == 0 || (count < 0 && received.isEmpty())) {
             return;
         }
-        received.append(piece.data(), count);
+        received.append(piece.data(), std::max<ssize_t>(0, count));
         const MessagePackReading reading = readMessagePack(received);
         if (reading.outcome != MessagePackReading::Outcome::Complete) {
+            continue;
+        }
+        if (mood_ == Mood::Silent) { // it reads on once it is continued
+            if (::poll(&hangUp, 1, kTurnMilliseconds) > 0) {
+                return;
+            }
             continue;
         }
         received.remove(0, reading.length);
@@ -92,12 +101,9 @@ void FakeNeovim::converse(int connection, const std::atomic<bool>& isEnding) {
     }
 }
 
-/// The bytes that answer a request; none while silent.
+/// The bytes that answer a request.
 QByteArray FakeNeovim::replyTo(const QVariantList& request) {
     const Mood mood = mood_;
-    if (mood == Mood::Silent) {
-        return {};
-    }
     const QByteArray beginning = QByteArray("\x94\x01") + messagePackOf(request[1]);
     if (request[2] == QByteArray("nvim_get_mode")) {
         const bool isFirst = modesTold_++ == 0;

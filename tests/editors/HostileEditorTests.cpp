@@ -32,6 +32,7 @@ namespace navrel {
 namespace {
 
 using std::chrono::milliseconds;
+using std::chrono::seconds;
 
 constexpr milliseconds kQueryAtMost{300};
 const QDeadlineTimer kWhenever(QDeadlineTimer::Forever);
@@ -230,11 +231,64 @@ TEST_F(HostileNeovim, aStaleSocketCostsNothingAndIsNoAnswer) {
 }
 
 TEST_F(HostileNeovim, aFolderFullOfSocketsIsCutShort) {
-    for (int i = 0; i < kMaximumNeovimServers + 20; ++i) {
+    for (int i = 0; i < kMaximumNeovimSockets + 20; ++i) {
         leaveStaleSocket(socket(QByteArray::number(i).constData()));
     }
-    EXPECT_EQ(neovimServerSockets(kWhenever).size(), kMaximumNeovimServers);
+    EXPECT_EQ(neovimServerSockets(kWhenever).size(), kMaximumNeovimSockets);
     EXPECT_EQ(ask(), std::nullopt);
+}
+
+TEST_F(HostileNeovim, deadSocketsHideNoServer) {
+    const FakeNeovim running(socket("running"), "/a.m");
+    makeOlder(socket("running"), 60);
+    for (int i = 0; i < 200; ++i) {
+        leaveStaleSocket(socket(QByteArray::number(i).constData()));
+    }
+    EXPECT_TRUE(waitUntil([&] { return ask() == QByteArray("/a.m"); }));
+    EXPECT_TRUE(waitUntil([&] { return editor.open("/b.m", 1, QDeadlineTimer(seconds(10))); }));
+}
+
+TEST_F(HostileNeovim, serversThatAreStoppedCostOneAnswersTime) {
+    const FakeNeovim healthy(socket("healthy"), "/healthy.m");
+    makeOlder(socket("healthy"), 60);
+    std::vector<std::unique_ptr<FakeNeovim>> stopped;
+    for (int i = 0; i < 19; ++i) {
+        stopped.push_back(std::make_unique<FakeNeovim>(socket(QByteArray::number(i).constData()),
+                                                       "/stopped.m", FakeNeovim::Mood::Silent));
+    }
+    // The first question shows it, since all are asked at once.
+    const auto file = editor.activeFile(QDeadlineTimer(seconds(10)));
+    ASSERT_TRUE(file.has_value());
+    EXPECT_EQ(file->path, "/healthy.m");
+    const auto connectionsOf = [&] {
+        int count = 0;
+        for (const auto& server : stopped) {
+            count += server->connections();
+        }
+        return count;
+    };
+    EXPECT_EQ(connectionsOf(), 19);
+    // Opening knows what the question has learnt, and asks none of them.
+    EXPECT_TRUE(editor.open("/b.m", 1, QDeadlineTimer(seconds(10))));
+    EXPECT_EQ(connectionsOf(), 19);
+}
+
+TEST_F(HostileNeovim, whatOpeningLearnsSparesTheNextQuestion) {
+    const FakeNeovim healthy(socket("healthy"), "/healthy.m");
+    makeOlder(socket("healthy"), 60);
+    const FakeNeovim stopped(socket("stopped"), "/stopped.m", FakeNeovim::Mood::Silent);
+    EXPECT_TRUE(editor.open("/b.m", 1, QDeadlineTimer(seconds(10))));
+    EXPECT_EQ(stopped.connections(), 1);
+    EXPECT_EQ(editor.activeFile(QDeadlineTimer(seconds(10)))->path, "/healthy.m");
+    EXPECT_EQ(stopped.connections(), 1);
+}
+
+TEST_F(HostileNeovim, aServerThatAnswersLateIsAskedAgainAtOnce) {
+    FakeNeovim server(socket(), "/a.m", FakeNeovim::Mood::Silent);
+    NeovimEditor patient(std::chrono::hours(1));
+    EXPECT_EQ(ask(patient), std::nullopt);
+    server.setMood(FakeNeovim::Mood::Answers);
+    EXPECT_TRUE(waitUntil([&] { return ask(patient) == QByteArray("/a.m"); }));
 }
 
 TEST_F(HostileNeovim, whereFoldersAreSlowTheServerOfTheEnvironmentIsStillFound) {
