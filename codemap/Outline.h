@@ -77,7 +77,8 @@ struct Symbol {
     std::uint32_t end = 0;
     TextRange name;
     TextRange signature; ///< the declaration without its body, in one line
-    TextRange inherits;  ///< superclass and protocols in their order, a line feed between two
+    TextRange inherits;  ///< superclass and protocols in their order and without their generic
+                         ///< arguments, a line feed between two
 };
 
 /// A heading between declarations.

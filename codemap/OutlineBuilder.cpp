@@ -1,6 +1,7 @@
 #include "codemap/OutlineBuilder.h"
 
 #include "support/Assertion.h"
+#include "support/text/UTF8.h"
 
 #include <algorithm>
 #include <utility>
@@ -8,6 +9,17 @@
 namespace navrel {
 
 namespace {
+
+/// The beginning of a text, at most `size` bytes of it and no part of a character.
+std::string_view beginningOf(std::string_view text, std::size_t size) {
+    if (text.size() <= size) {
+        return text;
+    }
+    while (size > 0 && (static_cast<unsigned char>(text[size]) & 0xC0) == 0x80) {
+        --size;
+    }
+    return text.substr(0, size);
+}
 
 bool isBlank(char character) {
     return character == ' ' || (character >= '\t' && character <= '\r') || character == '\0';
@@ -68,6 +80,7 @@ Outline OutlineBuilder::finish(std::uint32_t lines) {
     while (!open_.empty()) {
         close(lines);
     }
+    makeTextsValid();
     outline_.lines_ = lines;
     outline_.symbols_.shrink_to_fit();
     outline_.headings_.shrink_to_fit();
@@ -89,7 +102,7 @@ std::uint32_t OutlineBuilder::append(const Declaration& declaration) {
     symbol.depth = static_cast<std::uint16_t>(open_.size());
     symbol.line = declaration.line;
     symbol.name = keep(declaration.name);
-    symbol.signature = keepInOneLine(declaration.signature);
+    symbol.signature = keepInOneLine(beginningOf(declaration.signature, kMaximumSignatureLength));
     symbol.inherits = keep(declaration.inherits);
     outline_.symbols_.push_back(symbol);
     return index;
@@ -116,6 +129,15 @@ TextRange OutlineBuilder::keepInOneLine(std::string_view text) {
         texts.pop_back();
     }
     return {static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(texts.size() - begin)};
+}
+
+void OutlineBuilder::makeTextsValid() {
+    std::string& texts = outline_.texts_;
+    const auto size = static_cast<qsizetype>(texts.size());
+    qsizetype valid = 0;
+    while ((valid += validUTF8Length({texts.data() + valid, size - valid})) < size) {
+        texts[static_cast<std::size_t>(valid)] = '?';
+    }
 }
 
 } // namespace navrel

@@ -13,6 +13,8 @@ namespace navrel {
 inline constexpr std::size_t kMaximumOutlineDepth = 512;
 /// One source has no more symbols, headings or notes each in its outline: the rest is left out.
 inline constexpr std::size_t kMaximumSymbolsOfSource = 250'000;
+/// A signature is cut off behind so many bytes: more than any screen shows of it.
+inline constexpr std::size_t kMaximumSignatureLength = 1000;
 
 /// What a recogniser of declarations writes its findings into, in the order of the text. Texts are
 /// copied. One outline a builder.
@@ -25,7 +27,7 @@ public:
         Access access = Access::unstated;
         std::uint32_t line = 0; ///< of the name, from 1
         std::string_view name;
-        std::string_view signature; ///< white space runs and comments are replaced by one blank
+        std::string_view signature; ///< without comments; runs of white space become one blank
         std::string_view inherits;  ///< names, a line feed between two
     };
 
@@ -45,7 +47,8 @@ public:
     void addHeading(std::uint32_t line, std::string_view text, bool separator);
     void addNote(NoteKind kind, std::uint32_t line, std::string_view text);
 
-    /// The outline; closes what is still open at the last line. The builder is empty afterwards.
+    /// The outline; closes what is still open at the last line. Bytes that are no UTF-8 become "?"
+    /// in its texts. The builder is empty afterwards.
     Outline finish(std::uint32_t lines);
 
 private:
@@ -54,6 +57,7 @@ private:
     std::uint32_t append(const Declaration& declaration);
     TextRange keep(std::string_view text);
     TextRange keepInOneLine(std::string_view text);
+    void makeTextsValid();
 
     Outline outline_;
     std::vector<std::uint32_t> open_; // indexes of symbols, or kLeftOut

@@ -8,23 +8,18 @@
 
 namespace navrel {
 
-class OutlineBuilder;
-
 /// Larger sources are listed without an outline: hand-written ones are a hundred times smaller.
 inline constexpr std::size_t kMaximumSourceSize = std::size_t{16} * 1024 * 1024;
 
-/// The outline of a source text in UTF-8; invalid bytes are survived, and NUL is white space. Pure;
-/// time in proportion to the length of the text. Broken code costs the declaration that it is in.
+/// The outline of a source text in UTF-8, with or without a byte order mark; invalid bytes are
+/// survived, and NUL is white space. Pure; time in proportion to the length of the text. Broken
+/// code costs the declaration that it is in.
 Outline outlineOfSource(Language language, std::string_view text);
 
 /// One recogniser a language.
 Outline outlineOfSwift(std::string_view text);
 /// C, Objective-C, C++, Objective-C++ and headers, whose text tells which of these they are.
 Outline outlineOfCFamily(Language language, std::string_view text);
-
-/// What a comment says to readers: headings ("MARK:"), shortcuts and notes. `comment` is its text
-/// with its signs, `line` its first line. Both recognisers give their comments here.
-void readComment(std::string_view comment, std::uint32_t line, OutlineBuilder& builder);
 
 /// A file's bytes as UTF-8: UTF-16 by its byte order mark, Latin-1 where the bytes are no UTF-8.
 /// Nothing where they need no change.

@@ -1,0 +1,217 @@
+#include "codemap/CommentReader.h"
+
+#include "codemap/OutlineBuilder.h"
+
+#include <array>
+#include <cstddef>
+
+namespace navrel {
+
+namespace {
+
+constexpr std::string_view kBlanks = " \t\r\f\v";
+constexpr std::string_view kHeadingWord = "mark";
+constexpr std::string_view kShortcutWord = "navrel";
+
+struct NoteWord {
+    std::string_view capitals;
+    NoteKind kind;
+    bool needsColon; ///< an ordinary word, which in capitals alone says nothing
+};
+
+constexpr std::array kNoteWords = {
+    NoteWord{"TODO", NoteKind::todo, false},      NoteWord{"FIXME", NoteKind::fixme, false},
+    NoteWord{"HACK", NoteKind::hack, false},      NoteWord{"XXX", NoteKind::xxx, false},
+    NoteWord{"WARNING", NoteKind::warning, true},
+};
+
+char lowered(char character) {
+    return character >= 'A' && character <= 'Z' ? static_cast<char>(character + 32) : character;
+}
+
+bool isWordCharacter(char character) {
+    return (character >= '0' && character <= '9') || character == '_' ||
+           (lowered(character) >= 'a' && lowered(character) <= 'z') ||
+           static_cast<unsigned char>(character) >= 0x80;
+}
+
+bool beginsInAnyCase(std::string_view text, std::string_view word) {
+    if (text.size() < word.size()) {
+        return false;
+    }
+    for (std::size_t i = 0; i < word.size(); ++i) {
+        if (lowered(text[i]) != lowered(word[i])) {
+            return false;
+        }
+    }
+    return true;
+}
+
+std::string_view withoutLeading(std::string_view text, std::string_view characters) {
+    const std::size_t begin = text.find_first_not_of(characters);
+    return begin == std::string_view::npos ? std::string_view() : text.substr(begin);
+}
+
+std::string_view withoutTrailingBlanks(std::string_view text) {
+    return text.substr(0, text.find_last_not_of(kBlanks) + 1);
+}
+
+/// Without the signs that begin a comment, or a line within one, and the blanks behind.
+std::string_view withoutSigns(std::string_view line) {
+    line = withoutLeading(line, kBlanks);
+    if (line.starts_with("//") || line.starts_with("/*")) {
+        line.remove_prefix(2);
+        line = withoutLeading(line, line.starts_with('/') ? "/" : "*!<");
+    } else {
+        line = withoutLeading(line, "*");
+    }
+    return withoutLeading(line, kBlanks);
+}
+
+/// The text behind a word at the beginning of `text`, where "(…)" may be between the word and its
+/// colon.
+std::string_view withoutAuthor(std::string_view text) {
+    if (!text.starts_with('(')) {
+        return text;
+    }
+    const std::size_t end = text.find(')');
+    return end == std::string_view::npos ? text : text.substr(end + 1);
+}
+
+/// What one line of a comment says.
+class CommentLine {
+public:
+    CommentLine(std::string_view text, std::uint32_t number, OutlineBuilder& builder)
+        : text_(withoutTrailingBlanks(text)), number_(number), builder_(builder) {}
+
+    void read() {
+        if (readBeginning()) {
+            return;
+        }
+        for (std::size_t colon = text_.find(':'); colon != std::string_view::npos;
+             colon = text_.find(':', colon + 1)) {
+            if (readShortcutAt(colon) || readNoteAt(colon)) {
+                return;
+            }
+        }
+    }
+
+private:
+    bool readBeginning() {
+        const std::string_view said = withoutSigns(text_);
+        if (said.empty()) {
+            return false;
+        }
+        switch (lowered(said.front())) {
+        case 'm':
+            return readHeading(said);
+        case 't':
+        case 'f':
+        case 'h':
+        case 'x':
+        case 'w':
+            return readNote(said);
+        default:
+            return false;
+        }
+    }
+
+    bool readHeading(std::string_view said) {
+        if (!beginsInAnyCase(said, kHeadingWord)) {
+            return false;
+        }
+        std::string_view text = said.substr(kHeadingWord.size());
+        if (!text.starts_with(':')) {
+            return false;
+        }
+        text = withoutLeading(text.substr(1), kBlanks);
+        const bool separator = text.starts_with('-');
+        text = withoutLeading(text, "-");
+        text = withoutLeading(text, kBlanks);
+        if (separator || !text.empty()) {
+            builder_.addHeading(number_, text, separator);
+        }
+        return true;
+    }
+
+    bool readNote(std::string_view said) {
+        for (const NoteWord& word : kNoteWords) {
+            if (beginsInAnyCase(said, word.capitals)) {
+                return readNote(said, word);
+            }
+        }
+        return false;
+    }
+
+    bool readNote(std::string_view said, const NoteWord& word) {
+        const std::string_view behind = said.substr(word.capitals.size());
+        const std::string_view text = word.needsColon ? behind : withoutAuthor(behind);
+        const bool hasColon = withoutLeading(text, kBlanks).starts_with(':');
+        const bool isAlone = !word.needsColon && said.starts_with(word.capitals) &&
+                             (behind.empty() || !isWordCharacter(behind.front()));
+        if (!hasColon && !isAlone) {
+            return false;
+        }
+        addNote(word.kind, text);
+        return true;
+    }
+
+    /// `text` begins behind the word.
+    void addNote(NoteKind kind, std::string_view text) {
+        builder_.addNote(kind, number_, withoutLeading(text, " \t:-"));
+    }
+
+    bool readShortcutAt(std::size_t colon) {
+        const std::string_view before = text_.substr(0, colon);
+        if (before.size() < kShortcutWord.size() ||
+            !beginsInAnyCase(before.substr(before.size() - kShortcutWord.size()), kShortcutWord)) {
+            return false;
+        }
+        std::string_view signs = before.substr(0, before.size() - kShortcutWord.size());
+        signs = signs.substr(0, signs.find_last_not_of(' ') + 1);
+        const std::string_view text = withoutLeading(text_.substr(colon + 1), " ");
+        if (!signs.ends_with("//") || text.empty()) {
+            return false;
+        }
+        builder_.addNote(NoteKind::shortcut, number_, text);
+        return true;
+    }
+
+    bool readNoteAt(std::size_t colon) {
+        const std::string_view before = text_.substr(0, colon);
+        for (const NoteWord& word : kNoteWords) {
+            if (!before.ends_with(word.capitals)) {
+                continue;
+            }
+            const std::string_view rest = before.substr(0, before.size() - word.capitals.size());
+            if (!rest.empty() && isWordCharacter(rest.back())) {
+                return false;
+            }
+            addNote(word.kind, text_.substr(colon));
+            return true;
+        }
+        return false;
+    }
+
+    std::string_view text_;
+    std::uint32_t number_;
+    OutlineBuilder& builder_;
+};
+
+} // namespace
+
+void readComment(std::string_view comment, std::uint32_t line, OutlineBuilder& builder) {
+    if (comment.starts_with("/*") && comment.ends_with("*/") && comment.size() >= 4) {
+        comment.remove_suffix(2);
+    }
+    for (;; ++line) {
+        const std::size_t end = comment.find('\n');
+        CommentLine(comment.substr(0, end), line, builder).read();
+        if (end == std::string_view::npos) {
+            return;
+        }
+        comment.remove_prefix(end + 1);
+    }
+}
+
+} // namespace navrel

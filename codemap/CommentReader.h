@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace navrel {
+
+class OutlineBuilder;
+
+/// What a comment says to readers, line by line:
+/// - at the beginning of a line, in any letter case: "MARK:", a heading, which "-" makes a
+///   separator; "TODO:", "FIXME:", "HACK:", "XXX:" and "WARNING:", notes. All but the first and the
+///   last may name an author ("TODO(mia):"), and stand without the colon where they are in
+///   capitals;
+/// - anywhere in a line: the same notes in capitals and with their colon; and shortcuts, which are
+///   "//", blanks, and "navrel:" in any letter case.
+///
+/// `comment` is the text with its signs ("//", "/*" and "*/"), `line` its first line, from 1. Each
+/// recogniser gives its comments here, in their order.
+void readComment(std::string_view comment, std::uint32_t line, OutlineBuilder& builder);
+
+} // namespace navrel
