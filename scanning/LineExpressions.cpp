@@ -36,12 +36,14 @@ std::optional<SuperclassExpression> SuperclassExpression::forBaseName(QByteArray
 
 std::optional<QByteArray>
 SuperclassExpression::superclassOnLine(QByteArrayView line,
-                                       std::optional<RegularExpression::Deadline> deadline) {
+                                       std::optional<RegularExpression::Steps> atMost) {
+    steps_ = 0;
     const auto text = decodeUTF8(line);
     if (!text) {
         return std::nullopt;
     }
-    const auto found = expression_.matchesIn(*text, deadline);
+    const auto found = expression_.matchesIn(*text, atMost);
+    steps_ = found.steps;
     error_ = found.error;
     if (found.error || found.matches.empty()) {
         return std::nullopt;

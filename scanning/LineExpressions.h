@@ -20,9 +20,12 @@ public:
     forBaseName(QByteArrayView baseName, const ScanPattern& pattern = ScanPatterns().superclass);
 
     /// The superclass that a line names: that of its last match. Nil where it holds no match, is
-    /// not UTF-8, or could not be searched, as from the deadline on: `error` then says why.
+    /// not UTF-8, or could not be searched, as in `atMost` steps: `error` then says why.
     std::optional<QByteArray> superclassOnLine(QByteArrayView line,
-                                               std::optional<RegularExpression::Deadline> deadline);
+                                               std::optional<RegularExpression::Steps> atMost);
+
+    /// What the last search cost, where it was limited.
+    RegularExpression::Steps steps() const { return steps_; }
 
     /// Why the last search gave nothing although it may hold a match.
     const std::optional<Error>& error() const { return error_; }
@@ -32,6 +35,7 @@ private:
         : expression_(std::move(expression)) {}
 
     RegularExpression expression_;
+    RegularExpression::Steps steps_ = 0;
     std::optional<Error> error_;
 };
 

@@ -38,12 +38,10 @@ PlainScan::PlainScan(ScanPatterns patterns)
 
 std::optional<Error> PlainScan::scan(QByteArrayView text, const SourceName& name,
                                      SourceFindings& findings,
-                                     std::optional<std::chrono::milliseconds> atMost) {
+                                     std::optional<RegularExpression::Steps> atMost) {
     findings.clear();
     begin(findings);
-    if (atMost) {
-        deadline_ = RegularExpression::Clock::now() + *atMost;
-    }
+    atMost_ = atMost;
     scanLines(text, name);
     if (const auto wholeText = decodeUTF8(text)) {
         scanWholeText(*wholeText, name.kind());
@@ -60,7 +58,7 @@ void PlainScan::addElements(QByteArrayView text, SourceKind kind, SourceFindings
 
 void PlainScan::begin(SourceFindings& findings) {
     findings_ = &findings;
-    deadline_.reset();
+    atMost_.reset();
     error_.reset();
 }
 
@@ -76,7 +74,7 @@ void PlainScan::scanLines(QByteArrayView text, const SourceName& name) {
             return;
         }
         if (superclass && !findings_->superclass()) {
-            if (const auto found = superclass->superclassOnLine(line, deadline_)) {
+            if (const auto found = superclass->superclassOnLine(line, atMost_)) {
                 findings_->setSuperclass(findings_->keepText(*found));
             }
             error_ = error_ ? error_ : superclass->error();
@@ -91,7 +89,7 @@ void PlainScan::scanLines(QByteArrayView text, const SourceName& name) {
 template <typename MakeElement>
 void PlainScan::scanFor(RegularExpression& expression, const QString& text,
                         MakeElement makeElement) {
-    const auto found = expression.matchesIn(text, deadline_);
+    const auto found = expression.matchesIn(text, atMost_);
     error_ = error_ ? error_ : found.error;
     qsizetype countedTo = 0;
     quint32 line = 1;
@@ -147,7 +145,7 @@ QString PlainScan::methodName(QString match) {
 
 QString PlainScan::withoutMatches(RegularExpression& expression, QString text,
                                   const QString& substitute) {
-    const auto found = expression.matchesIn(text, deadline_);
+    const auto found = expression.matchesIn(text, atMost_);
     error_ = error_ ? error_ : found.error;
     for (auto match = found.matches.rbegin(); match != found.matches.rend(); ++match) {
         text.replace(match->ranges[0].location, match->ranges[0].length, substitute);

@@ -4,7 +4,6 @@
 #include "scanning/ScanPatterns.h"
 #include "scanning/SourceFindings.h"
 
-#include <chrono>
 #include <optional>
 
 namespace navrel {
@@ -17,10 +16,10 @@ public:
     explicit PlainScan(ScanPatterns patterns = {});
 
     /// Fills `findings`, cleared before, with what the text of a file of that name holds. An error
-    /// (ICU gave up on a text made to backtrack, or `atMost` was over, nil being no limit) says
-    /// that the findings are incomplete.
+    /// (ICU gave up on a text made to backtrack, or a search took more than `atMost` steps, nil
+    /// being no limit) says that the findings are incomplete.
     std::optional<Error> scan(QByteArrayView text, const SourceName& name, SourceFindings& findings,
-                              std::optional<std::chrono::milliseconds> atMost);
+                              std::optional<RegularExpression::Steps> atMost);
 
     /// Adds the elements alone, without a limit; none of a text that is not UTF-8.
     void addElements(QByteArrayView text, SourceKind kind, SourceFindings& findings);
@@ -49,7 +48,7 @@ private:
 
     // Of the scan under way.
     SourceFindings* findings_ = nullptr;
-    std::optional<RegularExpression::Deadline> deadline_;
+    std::optional<RegularExpression::Steps> atMost_; ///< for each search
     std::optional<Error> error_;
 };
 

@@ -3,52 +3,52 @@
 #include "support/text/RegularExpression.h"
 
 #include <algorithm>
-#include <chrono>
 
 namespace navrel {
 
-/// The processor time for the superclasses of headers whose base names are patterns of their own:
+/// The steps for the superclasses of headers whose base names are patterns of their own:
 /// "(a+)+b.h" would take years, and a project may name it a hundred thousand times. So headers save
 /// for each other: each brings an allowance, more than an honest one spends, and what is saved up
 /// is there for those that need more. Where it has been spent, headers go without a superclass
-/// until others have brought enough for one. One thread at a time.
+/// until others have brought enough for one. Steps and no time, so that a project has the same
+/// superclasses on every machine. One thread at a time.
 class SuperclassBudget {
 public:
-    using Duration = RegularExpression::Clock::duration;
+    /// As an expression counts them; 20 to 40 nanoseconds each.
+    using Steps = RegularExpression::Steps;
 
-    /// What a header brings. An honest one spends some 15 microseconds.
-    static constexpr Duration kAllowance = std::chrono::microseconds(50);
-    /// What one header may spend, however much is saved up: a megabyte of ordinary source is
-    /// scanned in a tenth of it.
-    static constexpr Duration kMostForHeader = std::chrono::milliseconds(2);
-    /// What is saved up at most, and at first: a delay that nobody notices.
-    static constexpr Duration kMostSaved = std::chrono::milliseconds(100);
+    /// What a header brings. One like "Foo+Bar.h" spends a little less.
+    static constexpr Steps kAllowance = 2'000;
+    /// What one header may spend, however much is saved up: some milliseconds.
+    static constexpr Steps kMostForHeader = 150'000;
+    /// What is saved up at most, and at first: a tenth of a second.
+    static constexpr Steps kMostSaved = 3'000'000;
 
     SuperclassBudget() = default;
-    /// For a check that is to see all that a pattern finds: the header may spend that much.
-    explicit SuperclassBudget(Duration forOneHeader)
+    /// For a check that is to see all that a pattern finds: each header may spend that much.
+    explicit SuperclassBudget(Steps forOneHeader)
         : mostForHeader_(forOneHeader), saved_(forOneHeader) {}
 
     /// The next header begins: it brings its allowance.
     void beginHeader() {
         saved_ = std::min(saved_ + kAllowance, std::max(kMostSaved, mostForHeader_));
-        left_ = saved_ < kAllowance ? Duration::zero() : std::min(saved_, mostForHeader_);
+        left_ = std::min(saved_, mostForHeader_);
     }
 
-    /// What the header may still spend; nothing where no allowance is left for it.
-    Duration left() const { return std::max(left_, Duration::zero()); }
+    /// What the header may still spend.
+    Steps left() const { return left_; }
 
-    /// The header has spent this, which may be more than was left: then it is owed, and others go
-    /// without.
-    void spend(Duration spent) {
+    /// The header has spent this; what is beyond `left` is nobody's debt.
+    void spend(Steps steps) {
+        const Steps spent = std::min(steps, left_);
         saved_ -= spent;
         left_ -= spent;
     }
 
 private:
-    Duration mostForHeader_ = kMostForHeader;
-    Duration saved_ = kMostSaved; ///< below zero: owed
-    Duration left_ = Duration::zero();
+    Steps mostForHeader_ = kMostForHeader;
+    Steps saved_ = kMostSaved;
+    Steps left_ = 0;
 };
 
 } // namespace navrel

@@ -9,12 +9,7 @@ namespace navrel {
 
 namespace {
 
-/// ICU loads its tables for the first expression of a program, which takes as long as a header may:
-/// that is no header's fault.
-void loadTablesOfICU() {
-    [[maybe_unused]] static const bool areLoaded =
-        SuperclassExpression::forBaseName("Foo").has_value();
-}
+using Steps = SuperclassBudget::Steps;
 
 bool isPlain(char byte) {
     return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
@@ -61,6 +56,45 @@ bool mayHold(QByteArrayView line, const QByteArray& beginning) {
     return false;
 }
 
+/// What making an expression costs. ICU does not count that: mostly it is a few microseconds, but a
+/// class takes up to a quarter of a millisecond, and one of a property or a range some
+/// milliseconds.
+Steps costOfMaking(const QByteArray& baseName) {
+    constexpr Steps kAny = 300;
+    constexpr Steps kCharacter = 10;
+    constexpr Steps kClass = 5'000;
+    constexpr Steps kLargeClass = 50'000;
+    qsizetype largeClasses = 0;
+    for (const char* part : {"\\p", "\\P", "\\N", "[:"}) {
+        largeClasses += baseName.count(part);
+    }
+    const qsizetype firstClass = baseName.indexOf('[');
+    if (firstClass >= 0) {
+        largeClasses += baseName.sliced(firstClass).count('-');
+    }
+    return kAny + kCharacter * baseName.size() + kClass * baseName.count('[') +
+           kLargeClass * largeClasses;
+}
+
+/// How much longer than short ones the steps on a line may take: one can run along all of it.
+Steps weightOfSteps(QByteArrayView line) {
+    constexpr qsizetype kShort = 64;
+    return 1 + line.size() / kShort;
+}
+
+/// The most steps on a line that ICU takes before it counts any: each repetition in the name may
+/// try every part of the line again, for each way in which those before it went.
+Steps mostUncountedSteps(const QByteArray& baseName, QByteArrayView line) {
+    const auto repetitions = std::count_if(baseName.begin(), baseName.end(), [](char byte) {
+        return byte == '*' || byte == '+' || byte == '?' || byte == '{';
+    });
+    Steps steps = line.size();
+    for (auto i = repetitions; i > 0 && steps < RegularExpression::kStepsAtATime; --i) {
+        steps *= line.size();
+    }
+    return repetitions == 0 ? steps : std::min(steps, RegularExpression::kStepsAtATime);
+}
+
 } // namespace
 
 bool isPlainBaseName(QByteArrayView baseName) {
@@ -85,31 +119,42 @@ std::optional<QByteArray> SuperclassSearch::superclassOnLine(QByteArrayView line
     return isPlain_ ? askICU(line, std::nullopt) : askICUWithinBudget(line);
 }
 
-std::optional<QByteArray>
-SuperclassSearch::askICU(QByteArrayView line, std::optional<RegularExpression::Deadline> deadline) {
+std::optional<QByteArray> SuperclassSearch::askICU(QByteArrayView line,
+                                                   std::optional<Steps> atMost) {
     if (!expression_) {
         expression_ = SuperclassExpression::forBaseName(baseName_);
     }
-    auto superclass = expression_ ? expression_->superclassOnLine(line, deadline) : std::nullopt;
+    auto superclass = expression_ ? expression_->superclassOnLine(line, atMost) : std::nullopt;
     isOver_ = superclass || !expression_ || expression_->error();
     return superclass;
 }
 
-/// Making the expression counts too: classes of many characters take milliseconds.
+/// All that ICU will not count is spent before it is asked.
 std::optional<QByteArray> SuperclassSearch::askICUWithinBudget(QByteArrayView line) {
     if (!std::exchange(hasBegun_, true)) {
         budget_.beginHeader();
+        if (!spend(costOfMaking(baseName_))) {
+            return std::nullopt;
+        }
     }
-    const auto left = budget_.left();
-    if (left == SuperclassBudget::Duration::zero()) {
-        isOver_ = true;
+    const Steps weight = weightOfSteps(line);
+    if (!spend(weight * mostUncountedSteps(baseName_, line))) {
         return std::nullopt;
     }
-    loadTablesOfICU();
-    const auto begin = RegularExpression::Clock::now();
-    auto superclass = askICU(line, begin + left);
-    budget_.spend(RegularExpression::Clock::now() - begin);
+    auto superclass = askICU(line, budget_.left() / weight);
+    if (expression_) {
+        budget_.spend(weight * expression_->steps());
+    }
     return superclass;
+}
+
+/// False, and the search is over, where the budget does not allow it.
+bool SuperclassSearch::spend(Steps steps) {
+    isOver_ = steps > budget_.left();
+    if (!isOver_) {
+        budget_.spend(steps);
+    }
+    return !isOver_;
 }
 
 } // namespace navrel

@@ -26,7 +26,7 @@ public:
     std::optional<QByteArray> superclassOnLine(QByteArrayView line);
 
     /// Whether nothing more will be found: a superclass has been, the base name makes no pattern,
-    /// its time is spent, or ICU's memory is.
+    /// its steps are spent, or ICU's memory is.
     bool isOver() const { return isOver_; }
 
     /// Whether matches may begin elsewhere than at "@i": a bar in the name makes the pattern two,
@@ -36,8 +36,9 @@ public:
 private:
     bool canHoldMatch(QByteArrayView line) const;
     std::optional<QByteArray> askICU(QByteArrayView line,
-                                     std::optional<RegularExpression::Deadline> deadline);
+                                     std::optional<SuperclassBudget::Steps> atMost);
     std::optional<QByteArray> askICUWithinBudget(QByteArrayView line);
+    bool spend(SuperclassBudget::Steps steps);
 
     QByteArray baseName_;
     QByteArray beginning_; ///< of every match, in lower case

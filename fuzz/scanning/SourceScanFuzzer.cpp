@@ -4,7 +4,6 @@
 #include "support/Assertion.h"
 
 #include <array>
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -14,11 +13,11 @@ namespace navrel {
 namespace {
 
 /// Beyond it ICU backtracks without end, and what it found is not what the patterns mean.
-constexpr std::chrono::milliseconds kLimit(200);
+constexpr RegularExpression::Steps kLimit = 5'000'000;
 
-/// More than ICU may take for all lines of a text in an instrumented build: giving up a superclass
-/// for want of time would look like a difference.
-constexpr std::chrono::minutes kAmple(1);
+/// More than ICU needs for all lines of a text: giving up a superclass for want of steps would look
+/// like a difference.
+constexpr SuperclassBudget::Steps kAmple = 1'000'000'000'000;
 
 constexpr std::array kPaths = {"/p/Foo.h", "/p/Foo.m", "/p/Foo.swift", "/p/Kissff.h",
                                "/p/Foo+Bar.h"};

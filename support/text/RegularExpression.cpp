@@ -2,7 +2,6 @@
 
 #include <unicode/uregex.h>
 
-#include <ctime>
 #include <limits>
 
 namespace navrel {
@@ -35,38 +34,42 @@ uint32_t flagsOf(quint32 options) {
     return flags;
 }
 
-/// Asked by ICU whether a search may go on.
-class SearchLimit {
+/// Counts the steps of one search and tells ICU, which asks, whether it may go on.
+class StepCount {
 public:
-    explicit SearchLimit(RegularExpression::Deadline deadline) : deadline_(deadline) {}
+    explicit StepCount(RegularExpression::Steps atMost) : atMost_(atMost) {}
 
-    bool isReached() const { return RegularExpression::Clock::now() >= deadline_; }
-
-    /// ICU calls the one every few thousand steps of a match, the other for each place where a
-    /// match is tried, most of which take less time than asking the clock. False ends the search.
-    static UBool mayGoOnMatching(const void* limit, int32_t) {
-        return !static_cast<const SearchLimit*>(limit)->isReached();
+    RegularExpression::Steps steps() const {
+        return stepsAtATime_ * RegularExpression::kStepsAtATime + places_;
     }
-    static UBool mayGoOnFinding(const void* limit, int64_t) {
-        const auto* self = static_cast<const SearchLimit*>(limit);
-        return ++self->places_ % kPlacesBetweenQuestions != 0 || !self->isReached();
+
+    /// ICU calls the one each time it has counted a fixed number of steps, with how often it has,
+    /// the other for each place where a match is tried. False ends the search.
+    static UBool mayGoOnMatching(const void* count, int32_t stepsAtATime) {
+        const auto* self = static_cast<const StepCount*>(count);
+        self->stepsAtATime_ = stepsAtATime;
+        return self->mayGoOn();
+    }
+    static UBool mayGoOnFinding(const void* count, int64_t) {
+        const auto* self = static_cast<const StepCount*>(count);
+        ++self->places_;
+        return self->mayGoOn();
     }
 
 private:
-    static constexpr quint32 kPlacesBetweenQuestions = 256;
+    bool mayGoOn() const { return steps() <= atMost_; }
 
-    RegularExpression::Deadline deadline_;
-    mutable quint32 places_ = 0; // ICU hands the limit on as const
+    RegularExpression::Steps atMost_;
+    // ICU hands the object on as const.
+    mutable RegularExpression::Steps stepsAtATime_ = 0;
+    mutable RegularExpression::Steps places_ = 0;
 };
 
-void setLimit(URegularExpression* expression, const SearchLimit* limit, UErrorCode& status) {
-    uregex_setMatchCallback(expression, limit != nullptr ? SearchLimit::mayGoOnMatching : nullptr,
-                            limit, &status);
+void setStepCount(URegularExpression* expression, const StepCount* count, UErrorCode& status) {
+    uregex_setMatchCallback(expression, count != nullptr ? StepCount::mayGoOnMatching : nullptr,
+                            count, &status);
     uregex_setFindProgressCallback(
-        expression, limit != nullptr ? SearchLimit::mayGoOnFinding : nullptr, limit, &status);
-    if (limit != nullptr && limit->isReached()) {
-        status = U_REGEX_STOPPED_BY_CALLER;
-    }
+        expression, count != nullptr ? StepCount::mayGoOnFinding : nullptr, count, &status);
 }
 
 RegularExpression::Match currentMatch(URegularExpression* expression, UErrorCode& status) {
@@ -87,12 +90,6 @@ void RegularExpression::Closer::operator()(URegularExpression* expression) const
     uregex_close(expression);
 }
 
-RegularExpression::Clock::time_point RegularExpression::Clock::now() {
-    struct timespec time {};
-    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return time_point(std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec));
-}
-
 std::variant<RegularExpression, Error> RegularExpression::compile(QStringView pattern,
                                                                   quint32 options) {
     if (isTooLongForICU(pattern)) {
@@ -108,7 +105,7 @@ std::variant<RegularExpression, Error> RegularExpression::compile(QStringView pa
 }
 
 RegularExpression::Matches RegularExpression::matchesIn(QStringView text,
-                                                        std::optional<Deadline> deadline) {
+                                                        std::optional<Steps> atMost) {
     Matches result;
     if (isTooLongForICU(text)) {
         result.error = errorOfStatus(U_INDEX_OUTOFBOUNDS_ERROR);
@@ -116,12 +113,13 @@ RegularExpression::Matches RegularExpression::matchesIn(QStringView text,
     }
     URegularExpression* const expression = expression_.get();
     UErrorCode status = U_ZERO_ERROR;
-    const auto limit = deadline ? std::optional<SearchLimit>(*deadline) : std::nullopt;
-    setLimit(expression, limit ? &*limit : nullptr, status);
+    const auto count = atMost ? std::optional<StepCount>(*atMost) : std::nullopt;
+    setStepCount(expression, count ? &*count : nullptr, status);
     uregex_setText(expression, unitsOf(text), static_cast<int32_t>(text.size()), &status);
     while (U_SUCCESS(status) && uregex_findNext(expression, &status) != 0) {
         result.matches.push_back(currentMatch(expression, status));
     }
+    result.steps = count ? count->steps() : 0;
     if (U_FAILURE(status)) {
         result.error = errorOfStatus(status);
     }

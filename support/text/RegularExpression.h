@@ -5,7 +5,6 @@
 #include <QString>
 #include <QStringView>
 
-#include <chrono>
 #include <memory>
 #include <optional>
 #include <variant>
@@ -39,31 +38,27 @@ public:
         std::vector<Range> ranges;
     };
 
+    /// What a search costs: places where a match was tried, and steps that ICU can go back to while
+    /// it tries one. The same on every machine, however busy.
+    using Steps = qint64;
+
+    /// ICU counts the steps of a search by that many: what is beyond a multiple of it is not seen.
+    static constexpr Steps kStepsAtATime = 10'000;
+
     /// What was found, in order of position. With an error, what was found before it.
     struct Matches {
         std::vector<Match> matches;
+        Steps steps = 0; ///< counted only where they are limited: counting takes time
         std::optional<Error> error;
     };
-
-    /// The calling thread's processor time, so that no limit is reached because others were busy.
-    struct Clock {
-        using duration = std::chrono::nanoseconds;
-        using rep = duration::rep;
-        using period = duration::period;
-        using time_point = std::chrono::time_point<Clock>;
-        static constexpr bool is_steady = true;
-
-        static time_point now();
-    };
-    using Deadline = Clock::time_point;
 
     /// The expression, or why the pattern is none. `options` is a combination of Option.
     static std::variant<RegularExpression, Error> compile(QStringView pattern, quint32 options);
 
-    /// All matches, none overlapping another. A pattern may backtrack without end, so a search that
-    /// reaches the deadline ends with an error; one that needs more than ICU's own limit of
-    /// backtracking memory (8 MB) does so too.
-    Matches matchesIn(QStringView text, std::optional<Deadline> deadline = std::nullopt);
+    /// All matches, none overlapping another. A pattern may backtrack without end: a search that
+    /// has taken more than `atMost` steps ends with an error, and so does one that needs more than
+    /// ICU's own limit of backtracking memory (8 MB).
+    Matches matchesIn(QStringView text, std::optional<Steps> atMost = std::nullopt);
 
 private:
     struct Closer {
