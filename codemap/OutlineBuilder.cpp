@@ -66,13 +66,15 @@ std::string_view OutlineBuilder::innermostName() const {
 
 void OutlineBuilder::addHeading(std::uint32_t line, std::string_view text, bool separator) {
     if (outline_.headings_.size() < kMaximumSymbolsOfSource) {
-        outline_.headings_.push_back({line, separator, keepInOneLine(text)});
+        const TextRange kept = keepInOneLine(text);
+        outline_.headings_.push_back({line, separator, kept, letterSetOf(outline_.text(kept))});
     }
 }
 
 void OutlineBuilder::addNote(NoteKind kind, std::uint32_t line, std::string_view text) {
     if (outline_.notes_.size() < kMaximumSymbolsOfSource) {
-        outline_.notes_.push_back({kind, line, keepInOneLine(text)});
+        const TextRange kept = keepInOneLine(text);
+        outline_.notes_.push_back({kind, line, kept, letterSetOf(outline_.text(kept))});
     }
 }
 
@@ -104,6 +106,7 @@ std::uint32_t OutlineBuilder::append(const Declaration& declaration) {
     symbol.name = keep(declaration.name);
     symbol.signature = keepInOneLine(beginningOf(declaration.signature, kMaximumSignatureLength));
     symbol.inherits = keep(declaration.inherits);
+    symbol.letters = letterSetOf(declaration.name);
     outline_.symbols_.push_back(symbol);
     return index;
 }
