@@ -1,0 +1,332 @@
+#include "codemap/FuzzyMatch.h"
+
+#include <unicode/uchar.h>
+#include <unicode/utf8.h>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+// The best placement is found by dynamic programming: the score of the query's first r characters
+// with the last of them at or before column c follows from the scores of one character fewer. That
+// takes (length of the query) x (length of the name) steps, whatever the texts are.
+
+namespace navrel {
+
+namespace {
+
+constexpr int kMatch = 16;
+constexpr int kGapStart = -3;
+constexpr int kGapExtension = -1;
+constexpr int kBoundary = 8;
+constexpr int kAfterDelimiter = kBoundary + 1;
+constexpr int kAfterBlank = kBoundary + 2;
+constexpr int kSign = kBoundary;
+constexpr int kCamelCase = kBoundary + kGapExtension;
+constexpr int kInARow = -(kGapStart + kGapExtension);
+// The query's first character is the one that was thought of first.
+constexpr int kFirstCharacterFactor = 2;
+
+enum class Class : std::uint8_t { blank, sign, delimiter, lower, upper, letter, digit };
+constexpr std::size_t kClasses = 7;
+
+constexpr Class classOfASCII(char character) {
+    if (character >= 'a' && character <= 'z') {
+        return Class::lower;
+    }
+    if (character >= 'A' && character <= 'Z') {
+        return Class::upper;
+    }
+    if (character >= '0' && character <= '9') {
+        return Class::digit;
+    }
+    if (character == ' ' || (character >= '\t' && character <= '\r')) {
+        return Class::blank;
+    }
+    const bool isDelimiter = std::string_view("/,:;|").find(character) != std::string_view::npos;
+    return isDelimiter ? Class::delimiter : Class::sign;
+}
+
+Class classOfOther(char32_t character) {
+    const auto point = static_cast<UChar32>(character);
+    if (u_islower(point) != 0) {
+        return Class::lower;
+    }
+    if (u_isupper(point) != 0) {
+        return Class::upper;
+    }
+    if (u_isdigit(point) != 0) {
+        return Class::digit;
+    }
+    if (u_isUWhiteSpace(point) != 0) {
+        return Class::blank;
+    }
+    return u_isalpha(point) != 0 ? Class::letter : Class::sign;
+}
+
+constexpr int bonusBetween(Class before, Class here) {
+    if (here == Class::blank) {
+        return kAfterBlank;
+    }
+    if (here == Class::sign || here == Class::delimiter) {
+        return kSign;
+    }
+    switch (before) {
+    case Class::blank:
+        return kAfterBlank;
+    case Class::delimiter:
+        return kAfterDelimiter;
+    case Class::sign:
+        return kBoundary;
+    default:
+        break;
+    }
+    const bool isHump = before == Class::lower && here == Class::upper;
+    const bool isNumber = before != Class::digit && here == Class::digit;
+    return isHump || isNumber ? kCamelCase : 0;
+}
+
+struct ASCIICharacter {
+    Class kind{};
+    char32_t folded = 0;
+};
+
+constexpr auto kASCII = [] {
+    std::array<ASCIICharacter, 128> table{};
+    for (std::size_t index = 0; index < table.size(); ++index) {
+        const auto character = static_cast<char>(index);
+        const Class kind = classOfASCII(character);
+        table[index] = {kind,
+                        static_cast<char32_t>(kind == Class::upper ? index + 'a' - 'A' : index)};
+    }
+    return table;
+}();
+
+constexpr auto kBonus = [] {
+    std::array<std::array<std::int16_t, kClasses>, kClasses> table{};
+    for (std::size_t before = 0; before < kClasses; ++before) {
+        for (std::size_t here = 0; here < kClasses; ++here) {
+            table[before][here] = static_cast<std::int16_t>(
+                bonusBetween(static_cast<Class>(before), static_cast<Class>(here)));
+        }
+    }
+    return table;
+}();
+
+char32_t folded(char32_t character) {
+    return character < kASCII.size() ? kASCII[character].folded
+                                     : static_cast<char32_t>(u_foldCase(
+                                           static_cast<UChar32>(character), U_FOLD_CASE_DEFAULT));
+}
+
+/// The character at a place of UTF-8, past which the place moves; U+FFFD for what is invalid.
+char32_t nextCharacter(std::string_view text, std::size_t& place) {
+    UChar32 character = 0;
+    auto index = static_cast<std::int32_t>(place);
+    U8_NEXT_OR_FFFD(text.data(), index, static_cast<std::int32_t>(text.size()), character);
+    place = static_cast<std::size_t>(index);
+    return static_cast<char32_t>(character);
+}
+
+} // namespace
+
+FuzzyMatch::FuzzyMatch(std::string_view query) {
+    Characters word;
+    std::size_t place = 0;
+    for (std::size_t count = 0; place < query.size() && count < kMaximumQueryLength; ++count) {
+        const std::size_t begin = place;
+        const char32_t character = nextCharacter(query, place);
+        if (character != U' ') {
+            word += folded(character);
+            letters_ |= letterSetOf(query.substr(begin, place - begin));
+        } else if (!word.empty()) {
+            words_.push_back(std::exchange(word, {}));
+        }
+    }
+    if (!word.empty()) {
+        words_.push_back(std::move(word));
+    }
+}
+
+std::optional<int> FuzzyMatch::score(std::string_view name) {
+    if (!prepare(name)) {
+        return std::nullopt;
+    }
+    int sum = 0;
+    for (const Characters& word : words_) {
+        if (!findFirstPlaces(word)) {
+            return std::nullopt;
+        }
+        sum += word.size() == 1 ? scoreOfOne(word.front()) : scoreOfWord(word);
+    }
+    return sum;
+}
+
+std::vector<std::uint32_t> FuzzyMatch::positions(std::string_view name) {
+    std::vector<std::uint32_t> places;
+    if (!prepare(name)) {
+        return places;
+    }
+    for (const Characters& word : words_) {
+        if (!findFirstPlaces(word)) {
+            return {};
+        }
+        scoreOfWord(word);
+        trace(word, places);
+    }
+    std::sort(places.begin(), places.end());
+    places.erase(std::unique(places.begin(), places.end()), places.end());
+    for (std::uint32_t& place : places) {
+        place = units_[place];
+    }
+    return places;
+}
+
+/// False for a name that needs no look.
+bool FuzzyMatch::prepare(std::string_view name) {
+    length_ = 0;
+    folded_.resize(kMaximumMatchedLength);
+    bonus_.resize(kMaximumMatchedLength);
+    units_.resize(kMaximumMatchedLength);
+    Class before = Class::blank;
+    std::uint32_t unit = 0;
+    for (std::size_t place = 0; place < name.size() && length_ < kMaximumMatchedLength; ++length_) {
+        const auto byte = static_cast<unsigned char>(name[place]);
+        Class here{};
+        units_[length_] = unit;
+        if (byte < kASCII.size()) {
+            here = kASCII[byte].kind;
+            folded_[length_] = kASCII[byte].folded;
+            ++place;
+            ++unit;
+        } else {
+            const char32_t character = nextCharacter(name, place);
+            here = classOfOther(character);
+            folded_[length_] = folded(character);
+            unit += character > 0xFFFF ? 2 : 1;
+        }
+        bonus_[length_] = kBonus[static_cast<std::size_t>(before)][static_cast<std::size_t>(here)];
+        before = here;
+    }
+    return length_ > 0 && !words_.empty();
+}
+
+bool FuzzyMatch::findFirstPlaces(const Characters& word) {
+    firsts_.clear();
+    std::uint32_t column = 0;
+    for (const char32_t character : word) {
+        while (column < length_ && folded_[column] != character) {
+            ++column;
+        }
+        if (column == length_) {
+            return false;
+        }
+        firsts_.push_back(column++);
+    }
+    return true;
+}
+
+int FuzzyMatch::scoreOfOne(char32_t character) const {
+    int best = 0;
+    for (std::size_t column = firsts_.front(); column < length_; ++column) {
+        if (folded_[column] == character) {
+            best = std::max<int>(best, bonus_[column]);
+        }
+    }
+    return kMatch + best * kFirstCharacterFactor;
+}
+
+int FuzzyMatch::scoreOfWord(const Characters& word) {
+    const std::size_t cells = word.size() * length_;
+    if (scores_.size() < cells) {
+        scores_.resize(cells);
+        runs_.resize(cells);
+    }
+    fillFirstRow(word.front());
+    for (std::size_t row = 1; row < word.size(); ++row) {
+        fillRow(word, row);
+    }
+    const std::size_t last = word.size() - 1;
+    return scores_[at(last, bestColumn(last))];
+}
+
+void FuzzyMatch::fillFirstRow(char32_t character) {
+    int left = 0;
+    int gap = kGapStart;
+    for (std::size_t column = firsts_.front(); column < length_; ++column) {
+        const bool isMatch = folded_[column] == character;
+        left = isMatch ? kMatch + bonus_[column] * kFirstCharacterFactor : std::max(left + gap, 0);
+        gap = isMatch ? kGapStart : kGapExtension;
+        scores_[at(0, column)] = static_cast<std::int16_t>(left);
+        runs_[at(0, column)] = isMatch ? 1 : 0;
+    }
+}
+
+void FuzzyMatch::fillRow(const Characters& word, std::size_t row) {
+    const char32_t character = word[row];
+    int left = 0;
+    int gap = kGapStart;
+    for (std::size_t column = firsts_[row]; column < length_; ++column) {
+        const int skipped = left + gap;
+        int matched = 0;
+        int run = 0;
+        if (folded_[column] == character) {
+            const std::size_t before = at(row - 1, column - 1);
+            const int own = bonus_[column];
+            int bonus = own;
+            run = runs_[before] + 1;
+            if (run > 1) {
+                // A run keeps the bonus of its first character, unless a better one begins here.
+                const int first = bonus_[column + 1 - static_cast<std::size_t>(run)];
+                const bool beginsRun = own >= kBoundary && own > first;
+                run = beginsRun ? 1 : run;
+                bonus = beginsRun ? own : std::max({own, kInARow, first});
+            }
+            matched = scores_[before] + kMatch + bonus;
+            if (matched < skipped) {
+                matched += own - bonus;
+                run = 0;
+            }
+        }
+        gap = matched < skipped ? kGapExtension : kGapStart;
+        left = std::max({matched, skipped, 0});
+        scores_[at(row, column)] = static_cast<std::int16_t>(left);
+        runs_[at(row, column)] = static_cast<std::int16_t>(run);
+    }
+}
+
+std::size_t FuzzyMatch::bestColumn(std::size_t row) const {
+    const auto begin = scores_.begin() + static_cast<std::ptrdiff_t>(at(row, firsts_[row]));
+    const auto end = scores_.begin() + static_cast<std::ptrdiff_t>(at(row, length_));
+    return firsts_[row] + static_cast<std::size_t>(std::max_element(begin, end) - begin);
+}
+
+void FuzzyMatch::trace(const Characters& word, std::vector<std::uint32_t>& places) const {
+    std::size_t row = word.size() - 1;
+    std::size_t column = bestColumn(row);
+    bool prefersMatch = true;
+    for (;;) {
+        const int score = scores_[at(row, column)];
+        const int diagonal =
+            row > 0 && column > firsts_[row - 1] ? scores_[at(row - 1, column - 1)] : 0;
+        const int left = column > firsts_[row] ? scores_[at(row, column - 1)] : 0;
+        const bool isPlace = score > diagonal && (score > left || (score == left && prefersMatch));
+        // A run goes on to the right: a step to the left would tear it.
+        const bool goesOn = row + 1 < word.size() && column + 1 < length_ &&
+                            column + 1 >= firsts_[row + 1] && runs_[at(row + 1, column + 1)] > 0;
+        prefersMatch = runs_[at(row, column)] > 1 || goesOn;
+        if (isPlace && folded_[column] == word[row]) {
+            places.push_back(static_cast<std::uint32_t>(column));
+            if (row == 0) {
+                return;
+            }
+            --row;
+        }
+        if (column == 0) {
+            return;
+        }
+        --column;
+    }
+}
+
+} // namespace navrel

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "codemap/LetterSet.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace navrel {
+
+/// Longer queries are cut off: nobody types them.
+inline constexpr std::size_t kMaximumQueryLength = 64;
+/// Of longer names only the beginning is looked at.
+inline constexpr std::size_t kMaximumMatchedLength = 512;
+
+/// Finds a query's characters in names, in their order, with others between them, letter case
+/// aside. Of all ways to place them the one with the highest score counts: characters in a row, at
+/// the beginning of words, at capitals and at digits score higher, gaps lower. Blanks divide a
+/// query into words, each of which must be found by itself; the scores add up.
+///
+/// The scale is that of command-line fuzzy finders, so that the order is the one that hands are
+/// used to. Letter case never decides: telephones begin every input with a capital.
+///
+/// One thread at a time: the memory of the calculation is kept from one name to the next.
+class FuzzyMatch {
+public:
+    explicit FuzzyMatch(std::string_view query);
+
+    /// Whether the query has nothing to look for.
+    bool isEmpty() const { return words_.empty(); }
+
+    /// What a name must hold to be found.
+    LetterSet letters() const { return letters_; }
+
+    /// The score of a name; nothing where the query is not in it.
+    std::optional<int> score(std::string_view name);
+
+    /// The characters of a name that make up its score, in UTF-16 units, ascending; none where
+    /// the query is not in it.
+    std::vector<std::uint32_t> positions(std::string_view name);
+
+private:
+    using Characters = std::u32string;
+
+    bool prepare(std::string_view name);
+    bool findFirstPlaces(const Characters& word);
+    int scoreOfWord(const Characters& word);
+    int scoreOfOne(char32_t character) const;
+    void fillFirstRow(char32_t character);
+    void fillRow(const Characters& word, std::size_t row);
+    void trace(const Characters& word, std::vector<std::uint32_t>& places) const;
+    std::size_t bestColumn(std::size_t row) const;
+    std::size_t at(std::size_t row, std::size_t column) const { return row * length_ + column; }
+
+    std::vector<Characters> words_; // folded
+    LetterSet letters_ = 0;
+
+    // Of the name at hand.
+    std::size_t length_ = 0;
+    std::vector<char32_t> folded_;
+    std::vector<std::int16_t> bonus_;
+    std::vector<std::uint32_t> units_;  // places in UTF-16
+    std::vector<std::uint32_t> firsts_; // of a word's characters: the first column that may hold it
+    std::vector<std::int16_t> scores_;  // a row for each character of the word
+    std::vector<std::int16_t> runs_;    // how many characters in a row end there
+};
+
+} // namespace navrel
