@@ -1,13 +1,12 @@
 #pragma once
 
 #include "codemap/CodeMapSnapshot.h"
+#include "codemap/CodeSearch.h"
 
 #include <boost/json/value.hpp>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <string_view>
-#include <vector>
 
 namespace navrel {
 
@@ -25,12 +24,6 @@ std::optional<boost::json::object> outlineView(const CodeMapSnapshot& snapshot, 
 boost::json::object typesView(const CodeMapSnapshot& snapshot);
 boost::json::object notesView(const CodeMapSnapshot& snapshot);
 
-struct SearchRequest {
-    std::string_view query;
-    std::vector<std::string_view>
-        kinds; ///< "file", "mark", "note" or a symbol's kind; empty for all
-    std::size_t limit = 50;
-};
 boost::json::object searchView(const CodeMapSnapshot& snapshot, const SearchRequest& request);
 
 /// Which files and symbols changed on this branch. Reads the repository: may take long.
