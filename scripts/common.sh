@@ -17,9 +17,22 @@ as_root() {
     if [ "$(id -u)" -eq 0 ]; then
         "$@"
     else
-        command -v sudo >/dev/null || fail "Installing packages takes root or sudo: $*"
         sudo "$@"
     fi
+}
+
+# show_progress: reads the status lines of apt-get and prints a line every ten per cent.
+show_progress() {
+    awk -F: '
+        $1 == "dlstatus" || $1 == "pmstatus" {
+            doing = $1 == "dlstatus" ? "Downloading" : "Installing"
+            if (doing != shown) { shown = doing; next_step = 0 }
+            if ($3 >= next_step) {
+                printf "   %s: %d %%\n", doing, $3
+                fflush()
+                next_step = 10 * (int($3 / 10) + 1)
+            }
+        }' >&2
 }
 
 # apt ARGUMENTS...: apt-get without questions, waiting for another apt to finish.
@@ -27,8 +40,8 @@ apt() {
     local errors attempt
     errors=$(mktemp)
     for attempt in $(seq 1 120); do
-        if as_root env DEBIAN_FRONTEND=noninteractive apt-get -qq -o DPkg::Lock::Timeout=600 "$@" \
-            2>"$errors"; then
+        if as_root env DEBIAN_FRONTEND=noninteractive apt-get -qq -o DPkg::Lock::Timeout=600 \
+            -o APT::Status-Fd=1 "$@" 2>"$errors" | show_progress; then
             rm -f "$errors"
             return 0
         fi
@@ -42,8 +55,44 @@ apt() {
     fail "apt-get $* failed"
 }
 
-is_installed() {
-    [ "$(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
+# wanted_packages GROUP...: what packaging/packages.list has for these groups, alternatives as they stand there.
+wanted_packages() {
+    local group package
+    while read -r group package _; do
+        case " $* " in
+        *" $group "*) printf '%s\n' "$package" ;;
+        esac
+    done < <(grep -v '^#' "$root/packaging/packages.list") | sort -u
+}
+
+# knows_package PACKAGE: whether the system's apt could install it.
+knows_package() {
+    apt-cache policy "$1" 2>/dev/null | grep 'Candidate: [^(]' >/dev/null
+}
+
+# chosen_package A|B...: the first of the alternatives that the system's apt knows, or the first of all while it knows
+# none.
+chosen_package() {
+    local name names
+    IFS='|' read -ra names <<<"$1"
+    for name in "${names[@]}"; do
+        ! knows_package "$name" || break
+        name=${names[0]}
+    done
+    printf '%s\n' "$name"
+}
+
+# missing_packages A|B...: those that are not installed. A package that another one provides is installed.
+missing_packages() {
+    local alternatives name installed
+    installed=$(dpkg-query -W -f '${db:Status-Status} ${Package}, ${Provides}\n' |
+        sed -nE '/^installed /{s///; s/ \([^)]*\)//g; s/,//g; p}' | tr '\n' ' ')
+    for alternatives in "$@"; do
+        name=${alternatives%%|*}
+        # Asking apt takes a while, so only where the first choice is not here.
+        [[ $alternatives != *"|"* || " $installed " == *" $name "* ]] || name=$(chosen_package "$alternatives")
+        [[ " $installed " == *" $name "* ]] || printf '%s\n' "$name"
+    done
 }
 
 # need_packages GROUP...: installs what is missing of these groups of packaging/packages.list.
@@ -52,16 +101,19 @@ need_packages() {
         say "No dpkg here: taking the packages of packaging/packages.list for installed"
         return 0
     }
-    local group package missing=()
-    while read -r group package _; do
-        case " $* " in
-        *" $group "*) is_installed "$package" || missing+=("$package") ;;
-        esac
-    done < <(grep -v '^#' "$root/packaging/packages.list")
+    local wanted missing
+    mapfile -t wanted < <(wanted_packages "$@")
+    mapfile -t missing < <(missing_packages "${wanted[@]}")
     [ ${#missing[@]} -gt 0 ] || return 0
-    say "Installing ${missing[*]}"
+    [ "$(id -u)" -eq 0 ] || command -v sudo >/dev/null ||
+        fail "Packages are missing, and only root can install them. Run this as root, install sudo, or have an \
+administrator run: apt-get install --no-install-recommends ${missing[*]}"
+    say "Reading the package lists"
     apt update
-    apt install --yes --no-install-recommends "${missing[@]}" >/dev/null
+    # Now apt may know more alternatives.
+    mapfile -t missing < <(missing_packages "${wanted[@]}")
+    say "Installing ${#missing[@]} packages and what they need: ${missing[*]}"
+    apt install --yes --no-install-recommends "${missing[@]}"
 }
 
 # build PRESET [TARGET...]: configures where needed and builds, showing progress.

@@ -259,7 +259,7 @@ private:
             std::round(std::bit_cast<double>(numberAt(marker.contents, 8)) * 1000);
         if (std::abs(milliseconds) < kMillennia) {
             const QDateTime date = QDateTime::fromMSecsSinceEpoch(
-                kReferenceDate + static_cast<qint64>(milliseconds), Qt::UTC);
+                kReferenceDate + static_cast<qint64>(milliseconds), kUTC);
             if (isInRange(date)) {
                 return date;
             }

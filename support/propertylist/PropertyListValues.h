@@ -4,12 +4,21 @@
 
 #include <QDateTime>
 #include <QString>
+#include <QTimeZone>
 
 #include <optional>
 #include <utility>
 
 // What the formats share about values and errors.
 namespace navrel::propertylist {
+
+/// The zone of every date, to make one with: Qt has a name of its own for it since 6.5, and
+/// deprecates the older one.
+#if QT_VERSION >= QT_VERSION_CHECK(6, 5, 0)
+inline constexpr QTimeZone::Initialization kUTC = QTimeZone::UTC;
+#else
+inline constexpr Qt::TimeSpec kUTC = Qt::UTC;
+#endif
 
 /// Stores an error where the caller asked for one.
 void report(std::optional<Error>* error, PropertyListErrorCode code, const QString& text);

@@ -1,5 +1,6 @@
 #include "support/propertylist/PropertyList.h"
 #include "support/propertylist/PropertyListLimits.h"
+#include "support/propertylist/PropertyListValues.h"
 
 #include <QDateTime>
 #include <QObject>
@@ -185,23 +186,23 @@ TEST(BinaryPropertyList, realsHaveFourOrEightBytes) {
 }
 
 TEST(BinaryPropertyList, aDateIsSecondsSinceTheFirstDayOf2001) {
-    const QDateTime date(QDate(2001, 1, 2), QTime(0, 0, 0, 500), Qt::UTC);
+    const QDateTime date(QDate(2001, 1, 2), QTime(0, 0, 0, 500), propertylist::kUTC);
 
     EXPECT_EQ(writtenObject(date), hex("33 40f5180800000000")); // 86400.5
     EXPECT_EQ(readObject(hex("33 40f5180800000000")), QVariant(date));
     EXPECT_EQ(readObject(hex("33 0000000000000000")),
-              QVariant(QDateTime(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC)));
+              QVariant(QDateTime(QDate(2001, 1, 1), QTime(0, 0), propertylist::kUTC)));
     EXPECT_EQ(writtenObject(date.toOffsetFromUtc(3600)), writtenObject(date));
 }
 
 TEST(BinaryPropertyList, datesAreWithinTheYears1To9999) {
-    const QDateTime first(QDate(1, 1, 1), QTime(0, 0), Qt::UTC);
-    const QDateTime last(QDate(9999, 12, 31), QTime(23, 59, 59, 999), Qt::UTC);
+    const QDateTime first(QDate(1, 1, 1), QTime(0, 0), propertylist::kUTC);
+    const QDateTime last(QDate(9999, 12, 31), QTime(23, 59, 59, 999), propertylist::kUTC);
     EXPECT_EQ(readFile(write(first)), QVariant(first));
     EXPECT_EQ(readFile(write(last)), QVariant(last));
 
     const double tooLate = static_cast<double>(
-        QDateTime(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC).secsTo(last.addMSecs(1)));
+        QDateTime(QDate(2001, 1, 1), QTime(0, 0), propertylist::kUTC).secsTo(last.addMSecs(1)));
     for (const double seconds : {std::nan(""), -HUGE_VAL, 1e18, -1e12, tooLate}) {
         const QByteArray date = "\x33" + bigEndian(std::bit_cast<quint64>(seconds), 8);
         EXPECT_EQ(reasonOf(fileOf({date})),
@@ -283,7 +284,8 @@ TEST(BinaryPropertyList, everyKindOfValueComesBack) {
     const QVariantMap all =
         map({{QStringLiteral("array"), QVariantList{QVariantList(), QVariantMap(), qlonglong{-5}}},
              {QStringLiteral("data"), QByteArray("bytes")},
-             {QStringLiteral("date"), QDateTime(QDate(2024, 2, 29), QTime(1, 2, 3, 4), Qt::UTC)},
+             {QStringLiteral("date"),
+              QDateTime(QDate(2024, 2, 29), QTime(1, 2, 3, 4), propertylist::kUTC)},
              {QStringLiteral("real"), 0.1},
              {QString::fromUtf8("cl\u00E9"), QString()}});
 

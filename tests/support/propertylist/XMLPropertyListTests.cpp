@@ -1,5 +1,6 @@
 #include "support/propertylist/PropertyList.h"
 #include "support/propertylist/PropertyListLimits.h"
+#include "support/propertylist/PropertyListValues.h"
 
 #include <QDateTime>
 #include <QObject>
@@ -89,7 +90,7 @@ TEST(XMLPropertyList, everyElementGivesItsKindOfValue) {
     EXPECT_EQ(readValue("<false></false>"), QVariant(false));
     EXPECT_EQ(readValue("<data>\n\tAP8 =\n</data>"), QVariant(QByteArray("\x00\xFF", 2)));
     EXPECT_EQ(readValue("<date>2024-02-29T23:59:58Z</date>"),
-              QVariant(QDateTime(QDate(2024, 2, 29), QTime(23, 59, 58), Qt::UTC)));
+              QVariant(QDateTime(QDate(2024, 2, 29), QTime(23, 59, 58), propertylist::kUTC)));
     EXPECT_EQ(readValue("<array><string/><array/><dict/></array>"),
               QVariant(QVariantList{QString(), QVariantList(), QVariantMap()}));
     EXPECT_EQ(readValue("<dict><key>a</key><integer>1</integer><key>a</key><true/></dict>"),
@@ -111,21 +112,21 @@ TEST(XMLPropertyList, theTextIsUTF8WhateverItDeclares) {
 }
 
 TEST(XMLPropertyList, everyKindOfValueComesBack) {
-    const QVariantMap all =
-        map({{QStringLiteral("array"), QVariantList{QVariantList(), QVariantMap(), qlonglong{-5}}},
-             {QStringLiteral("data"), QByteArray("by\0tes", 6)},
-             {QStringLiteral("date"), QDateTime(QDate(24, 2, 29), QTime(1, 2, 3), Qt::UTC)},
-             {QStringLiteral("real"), 0.1},
-             {QStringLiteral("infinite"), -std::numeric_limits<double>::infinity()},
-             {QStringLiteral("most"), std::numeric_limits<qlonglong>::min()},
-             {QString::fromUtf8("cl\u00E9<&>"), QString::fromUtf8(" \U0001F600\n\t\r\n\r ]]> \"'")},
-             {QString(), QString()}});
+    const QVariantMap all = map(
+        {{QStringLiteral("array"), QVariantList{QVariantList(), QVariantMap(), qlonglong{-5}}},
+         {QStringLiteral("data"), QByteArray("by\0tes", 6)},
+         {QStringLiteral("date"), QDateTime(QDate(24, 2, 29), QTime(1, 2, 3), propertylist::kUTC)},
+         {QStringLiteral("real"), 0.1},
+         {QStringLiteral("infinite"), -std::numeric_limits<double>::infinity()},
+         {QStringLiteral("most"), std::numeric_limits<qlonglong>::min()},
+         {QString::fromUtf8("cl\u00E9<&>"), QString::fromUtf8(" \U0001F600\n\t\r\n\r ]]> \"'")},
+         {QString(), QString()}});
 
     EXPECT_EQ(readFile(write(all)), QVariant(all));
 }
 
 TEST(XMLPropertyList, datesKeepWholeSeconds) {
-    const QDateTime date(QDate(2024, 2, 29), QTime(1, 2, 3, 999), Qt::UTC);
+    const QDateTime date(QDate(2024, 2, 29), QTime(1, 2, 3, 999), propertylist::kUTC);
     EXPECT_EQ(readFile(write(date)), QVariant(date.addMSecs(-999)));
 }
 
