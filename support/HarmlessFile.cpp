@@ -1,4 +1,4 @@
-#include "web/HarmlessFile.h"
+#include "support/HarmlessFile.h"
 
 #include <cstdlib>
 #include <memory>
