@@ -2,6 +2,7 @@
 
 #include "editors/RequestedPath.h"
 #include "support/DesktopOpener.h"
+#include "support/HarmlessFile.h"
 
 namespace navrel {
 
@@ -16,6 +17,20 @@ std::optional<QString> DesktopEditor::activeFileName() {
 void DesktopEditor::openFile(const QString& path, std::optional<int>) {
     if (const auto absolutePath = requestedPath(path)) {
         openWithDesktop(*absolutePath);
+    }
+}
+
+void DesktopEditor::open(const QString& path, int, OutcomeObserver done) {
+    using Kind = EditorOutcome::Kind;
+    const QString name = QStringLiteral("the desktop's opener");
+    const auto absolutePath = requestedPath(path);
+    if (!absolutePath || !isHarmlessToOpen(absolutePath->toStdString())) {
+        done({Kind::refused, name,
+              QStringLiteral("No editor answers, and the desktop might run this file.")});
+    } else if (!openWithDesktop(*absolutePath)) {
+        done({Kind::refused, name, QStringLiteral("The desktop has no way to open files.")});
+    } else {
+        done({Kind::opened, name, {}});
     }
 }
 

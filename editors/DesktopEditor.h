@@ -11,6 +11,8 @@ public:
     std::optional<QString> activeProjectPath() override;
     std::optional<QString> activeFileName() override;
     void openFile(const QString& path, std::optional<int> line) override;
+    /// Refuses what the opener might run instead of showing.
+    void open(const QString& path, int line, OutcomeObserver done) override;
 };
 
 } // namespace navrel

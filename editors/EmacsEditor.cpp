@@ -1,14 +1,11 @@
 #include "editors/EmacsEditor.h"
 
+#include "editors/EmacsClient.h"
 #include "editors/EmacsExpressions.h"
+#include "editors/EmacsFollower.h"
 #include "support/Log.h"
 #include "support/ToolRunner.h"
 
-#include <QFileInfo>
-#include <QStringList>
-
-#include <algorithm>
-#include <unistd.h>
 #include <utility>
 
 namespace navrel {
@@ -16,59 +13,6 @@ namespace navrel {
 namespace {
 
 constexpr char kTheServer[] = "";
-
-/// How `emacsclient` is told which server is meant.
-struct Server {
-    /// Whether there may be one: asking costs a process, twice a second, on machines where no Emacs
-    /// runs too.
-    bool mayRun = false;
-    QStringList options;
-};
-
-Server theServer() {
-    if (qEnvironmentVariableIsSet("EMACS_SOCKET_NAME") ||
-        qEnvironmentVariableIsSet("EMACS_SERVER_FILE")) {
-        return {true, {}};
-    }
-    const QString inTemporary = QStringLiteral("emacs%1/server").arg(::geteuid());
-    const QString temporary = qEnvironmentVariable("TMPDIR");
-    const QString folder = temporary.isEmpty() ? QStringLiteral("/tmp") : temporary;
-    const QString home = qEnvironmentVariable("HOME");
-    const QStringList found = {
-        qEnvironmentVariable("XDG_RUNTIME_DIR") + QStringLiteral("/emacs/server"),
-        home + QStringLiteral("/.emacs.d/server/server"),
-        home + QStringLiteral("/.config/emacs/server/server"),
-    };
-    const auto exists = [](const QString& path) { return QFileInfo::exists(path); };
-    if (std::any_of(found.begin(), found.end(), exists)) {
-        return {true, {}};
-    }
-    const QString socket = folder + QLatin1Char('/') + inTemporary;
-    if (!exists(socket)) {
-        return {};
-    }
-    // A TMPDIR that is set to nothing counts as unset, but not for the client.
-    const bool isHidden = qEnvironmentVariableIsSet("TMPDIR") && temporary.isEmpty();
-    return {true, isHidden ? QStringList{QStringLiteral("-s"), socket} : QStringList()};
-}
-
-/// How `emacsclient` is run to evaluate an expression; nothing where there is no Emacs to ask.
-struct Client {
-    QString tool;
-    QStringList arguments;
-};
-
-std::optional<Client> clientFor(const QByteArray& expression) {
-    const auto tool = findTool(QStringLiteral("emacsclient"));
-    const Server server = theServer();
-    if (!tool || !server.mayRun) {
-        return std::nullopt;
-    }
-    // The alternate editor that fails: otherwise, an Emacs could be started.
-    return Client{*tool,
-                  QStringList{QStringLiteral("-a"), QStringLiteral("false")} + server.options +
-                      QStringList{QStringLiteral("--eval"), QString::fromLatin1(expression)}};
-}
 
 /// What stands between the quotes of a text that Emacs printed; nil where it printed no text.
 std::optional<QByteArray> unquoted(const QByteArray& printed) {
@@ -78,6 +22,18 @@ std::optional<QByteArray> unquoted(const QByteArray& printed) {
     return printed.mid(1, printed.size() - 2);
 }
 
+/// What Emacs printed for an expression; nil when no Emacs answered.
+std::optional<QByteArray> valueOf(const QByteArray& expression, const QDeadlineTimer& deadline) {
+    const auto client = emacsClientFor(expression);
+    if (!client || deadline.hasExpired()) {
+        return std::nullopt;
+    }
+    const auto output = outputOfTool(client->tool, client->arguments,
+                                     std::chrono::milliseconds(deadline.remainingTime()));
+    const QByteArray value = output ? output->trimmed() : QByteArray();
+    return value.isEmpty() ? std::nullopt : std::optional(value);
+}
+
 } // namespace
 
 EmacsEditor::EmacsEditor(std::chrono::milliseconds leftAloneFor)
@@ -85,7 +41,7 @@ EmacsEditor::EmacsEditor(std::chrono::milliseconds leftAloneFor)
 
 std::optional<ActiveFile> EmacsEditor::activeFile(const QDeadlineTimer& deadline) {
     using Kind = ToolQuestion::Answer::Kind;
-    const auto client = clientFor(emacsActiveFileExpression());
+    const auto client = emacsClientFor(emacsActiveFileExpression());
     if (!client) {
         answers_.forget(kTheServer);
         return std::nullopt;
@@ -108,23 +64,43 @@ std::optional<ActiveFile> EmacsEditor::activeFile(const QDeadlineTimer& deadline
     return answers_.of(kTheServer);
 }
 
+EmacsEditor::~EmacsEditor() = default;
+
 bool EmacsEditor::open(const QByteArray& path, std::optional<int> line,
                        const QDeadlineTimer& deadline) {
-    const auto client = clientFor(emacsOpenExpression(path, line));
-    if (!client || deadline.hasExpired()) {
+    const auto value = valueOf(emacsOpenExpression(path, line), deadline);
+    if (!value) {
         return false;
     }
-    const auto output = outputOfTool(client->tool, client->arguments,
-                                     std::chrono::milliseconds(deadline.remainingTime()));
-    const QByteArray value = output ? output->trimmed() : QByteArray();
-    if (value.isEmpty()) {
-        return false;
-    }
-    if (value != "opened") {
+    if (*value != "opened") {
         log(QStringLiteral("Emacs did not open %1: %2")
-                .arg(QString::fromUtf8(path), QString::fromUtf8(value)));
+                .arg(QString::fromUtf8(path), QString::fromUtf8(*value)));
     }
     return true;
+}
+
+JumpResult EmacsEditor::jump(const EditorPlace& place, const QDeadlineTimer& deadline) {
+    const auto line = place.line > 0 ? std::optional(place.line) : std::nullopt;
+    const auto before = valueOf(emacsPlaceExpression(), deadline);
+    if (!before) {
+        return {};
+    }
+    const auto value = valueOf(emacsJumpExpression(place.path, line, place.column), deadline);
+    if (!value) {
+        return {EditorOutcome::Kind::asksUser, QStringLiteral("Emacs did not answer in time."), {}};
+    }
+    if (*value != "opened") {
+        return {
+            EditorOutcome::Kind::refused,
+            QStringLiteral("Emacs: %1").arg(QString::fromUtf8(unquoted(*value).value_or(*value))),
+            {}};
+    }
+    return {EditorOutcome::Kind::opened, {}, emacsPlaceFrom(*before)};
+}
+
+void EmacsEditor::follow(PlaceObserver observer) {
+    follower_ =
+        observer == nullptr ? nullptr : std::make_unique<EmacsFollower>(std::move(observer));
 }
 
 } // namespace navrel

@@ -7,7 +7,11 @@
 
 #include <QString>
 
+#include <memory>
+
 namespace navrel {
+
+class EmacsFollower;
 
 /// The Emacs whose server `emacsclient` finds (`$EMACS_SOCKET_NAME`, or the default socket); none
 /// is ever started.
@@ -15,15 +19,22 @@ class EmacsEditor final : public RunningEditor {
 public:
     explicit EmacsEditor(std::chrono::milliseconds leftAloneFor = kSilentEditorLeftAlone);
 
+    ~EmacsEditor() override;
+
     std::optional<ActiveFile> activeFile(const QDeadlineTimer& deadline) override;
     bool open(const QByteArray& path, std::optional<int> line,
               const QDeadlineTimer& deadline) override;
+    QString name() const override { return QStringLiteral("Emacs"); }
+    JumpResult jump(const EditorPlace& place, const QDeadlineTimer& deadline) override;
+    /// Asks twice a second while there is an observer.
+    void follow(PlaceObserver observer) override;
 
 private:
     // Main thread.
     ToolQuestion activeFileQuestion_;
     bool wasLate_ = false; ///< whether the answer that comes next was not in time
     LastAnswers answers_;
+    std::unique_ptr<EmacsFollower> follower_; // null while nobody follows
 };
 
 } // namespace navrel

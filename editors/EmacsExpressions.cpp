@@ -26,6 +26,20 @@ constexpr char kActiveFile[] = R"lisp()
   (if name (base64-encode-string (encode-coding-string (file-name-unquote name) coding) t) ""))
 )lisp";
 
+constexpr char kPlace[] = R"lisp()
+(with-current-buffer (window-buffer window)
+  (let ((name (buffer-file-name)) (point (window-point window)))
+    (save-excursion
+      (save-restriction
+        (widen)
+        (goto-char point)
+        (format "%d %d %d %s" (line-number-at-pos) (1+ (current-column))
+                (if (buffer-modified-p) 1 0)
+                (if name (base64-encode-string
+                          (encode-coding-string (file-name-unquote name) coding) t)
+                  ""))))))
+)lisp";
+
 // The way back: the mark ring of the buffer that is left, and the global one. A path that looks
 // like one of a remote file is quoted, so that it is none. Whatever would ask a question is
 // answered with no, or fails: nobody may sit at this Emacs.
@@ -53,6 +67,7 @@ constexpr char kOpen[] = R"lisp(
         (push-mark nil t)
         (unless (equal (car global-mark-ring) (point-marker))
           (push (point-marker) global-mark-ring))
+        JUMP
         (setq buffer (find-file-noselect path t))
         (pop-to-buffer-same-window buffer)
         (and open-already (not (buffer-modified-p)) (file-exists-p path)
@@ -68,7 +83,7 @@ constexpr char kOpen[] = R"lisp(
               (setq begin (point)))
             (unless (<= (point-min) begin (point-max)) (widen))
             (goto-char begin)
-            (push-mark (line-end-position) t t)
+            SELECT
             (setq deactivate-mark nil)
             (ignore-errors (recenter))))
         'opened)
@@ -81,13 +96,43 @@ QByteArray emacsActiveFileExpression() {
     return QByteArray(kBegin) + kBindWindow + kActiveFile + kEnd;
 }
 
-QByteArray emacsOpenExpression(const QByteArray& path, std::optional<int> line) {
-    // LINE first: base64 has letters, a number has not.
+namespace {
+
+/// What `kOpen` leaves open. None of these words occurs in base64 followed by what stands there.
+struct OpenForm {
+    QByteArray jump;   ///< done before the buffer is left
+    QByteArray select; ///< done at the beginning of the line
+};
+
+QByteArray openExpression(const QByteArray& path, std::optional<int> line, const OpenForm& form) {
+    // PATH last: base64 has letters, a number and the forms have none of these words.
     return QByteArray(kBegin) + kBindWindow +
            QByteArray(kOpen)
+               .replace("JUMP", form.jump)
+               .replace("SELECT", form.select)
                .replace("LINE", line ? QByteArray::number(*line) : "nil")
                .replace("PATH", path.toBase64()) +
            kEnd;
+}
+
+constexpr char kSelectLine[] = "(push-mark (line-end-position) t t)";
+
+} // namespace
+
+QByteArray emacsOpenExpression(const QByteArray& path, std::optional<int> line) {
+    return openExpression(path, line, {"", kSelectLine});
+}
+
+QByteArray emacsJumpExpression(const QByteArray& path, std::optional<int> line, int column) {
+    const QByteArray select = column > 0 ? "(progn (deactivate-mark) (move-to-column " +
+                                               QByteArray::number(column - 1) + "))"
+                                         : QByteArray(kSelectLine);
+    return openExpression(
+        path, line, {"(when (fboundp 'xref-push-marker-stack) (xref-push-marker-stack))", select});
+}
+
+QByteArray emacsPlaceExpression() {
+    return QByteArray(kBegin) + kBindWindow + kPlace + kEnd;
 }
 
 } // namespace navrel

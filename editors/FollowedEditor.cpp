@@ -18,7 +18,9 @@ FollowedEditor::FollowedEditor(std::vector<std::shared_ptr<RunningEditor>> edito
     : editors_(std::move(editors)), lastResort_(std::move(lastResort)),
       requests_(DispatchQueue::serialQueue(QStringLiteral("Editor requests"))) {}
 
-FollowedEditor::~FollowedEditor() = default;
+FollowedEditor::~FollowedEditor() {
+    onMove(nullptr);
+}
 
 /// The bytes of the active file's path: empty where there is none, nil where no editor answers and
 /// none that did is still there.
@@ -86,21 +88,117 @@ struct FollowedEditor::Request {
     }
 };
 
+/// Puts a job at the end of those that wait; false, with nothing done, where too many do.
+bool FollowedEditor::enqueue(std::function<void()> job) {
+    if (waiting_->load() >= kMaximumWaitingRequests) {
+        return false;
+    }
+    ++*waiting_;
+    requests_->async([job = std::move(job), waiting = waiting_] {
+        job();
+        --*waiting;
+    });
+    return true;
+}
+
 void FollowedEditor::openFile(const QString& path, std::optional<int> line) {
     const auto absolutePath = requestedPath(path);
     if (!absolutePath) {
         return;
     }
-    if (waiting_->load() >= kMaximumWaitingRequests) {
+    const Request request{editors_, lastResort_, *absolutePath, line};
+    if (!enqueue([request] { request.carryOut(); })) {
         log(QStringLiteral("Too many files wait to be opened: %1 was not").arg(path));
+    }
+}
+
+/// Leads the first editor that answers to a place.
+struct FollowedEditor::Jump {
+    std::vector<std::shared_ptr<RunningEditor>> editors;
+    std::shared_ptr<Editor> lastResort;
+    std::shared_ptr<EditorTrail> trail;
+
+    void to(const EditorPlace& place, const OutcomeObserver& done) const {
+        const QDeadlineTimer deadline(kJumpAtMost);
+        for (const auto& editor : editors) {
+            const JumpResult result = editor->jump(place, deadline);
+            if (result.kind == EditorOutcome::Kind::opened && result.before) {
+                trail->add(*result.before);
+            }
+            if (result.kind != EditorOutcome::Kind::notRunning) {
+                done({result.kind, editor->name(), result.reason});
+                return;
+            }
+        }
+        openWithLastResort(place, done);
+    }
+    void openWithLastResort(const EditorPlace& place, const OutcomeObserver& done) const {
+        if (lastResort != nullptr) {
+            lastResort->open(QString::fromUtf8(place.path), place.line, done);
+        } else {
+            done({EditorOutcome::Kind::notRunning, {}, QStringLiteral("No editor answers.")});
+        }
+    }
+    void back(const OutcomeObserver& done) const {
+        const auto place = trail->takeLast();
+        if (!place) {
+            done({EditorOutcome::Kind::refused, {}, QStringLiteral("There is no way back yet.")});
+            return;
+        }
+        // A step back is no jump to go back from.
+        Jump(*this).withoutTrail().to(*place, done);
+    }
+    Jump& withoutTrail() {
+        trail = std::make_shared<EditorTrail>();
+        return *this;
+    }
+};
+
+void FollowedEditor::open(const QString& path, int line, OutcomeObserver done) {
+    const auto absolutePath = requestedPath(path);
+    if (!absolutePath) {
+        done({EditorOutcome::Kind::refused, {}, QStringLiteral("That names no file.")});
         return;
     }
-    ++*waiting_;
-    requests_->async(
-        [request = Request{editors_, lastResort_, *absolutePath, line}, waiting = waiting_] {
-            request.carryOut();
-            --*waiting;
-        });
+    const Jump jump{editors_, lastResort_, trail_};
+    const EditorPlace place{absolutePath->toUtf8(), line, 0, false};
+    if (!enqueue([jump, place, done] { jump.to(place, done); })) {
+        done({EditorOutcome::Kind::refused, {}, QStringLiteral("Too many files wait.")});
+    }
+}
+
+void FollowedEditor::back(OutcomeObserver done) {
+    const Jump jump{editors_, lastResort_, trail_};
+    if (!enqueue([jump, done] { jump.back(done); })) {
+        done({EditorOutcome::Kind::refused, {}, QStringLiteral("Too many files wait.")});
+    }
+}
+
+void FollowedEditor::onMove(MoveObserver observer) {
+    const bool wasFollowing = observer_ != nullptr;
+    observer_ = std::move(observer);
+    const bool isFollowing = observer_ != nullptr;
+    if (isFollowing == wasFollowing) {
+        return;
+    }
+    position_.reset();
+    for (const auto& editor : editors_) {
+        editor->follow(isFollowing ? RunningEditor::PlaceObserver(
+                                         [this](const EditorPlace& place) { hasMoved(place); })
+                                   : nullptr);
+    }
+}
+
+/// The editor that says something is the one that the user is in.
+void FollowedEditor::hasMoved(const EditorPlace& place) {
+    const auto path = place.path.startsWith('/') ? decodeUTF8(place.path) : std::nullopt;
+    const EditorPosition position =
+        path ? EditorPosition{*path, place.line, place.column, place.isModified} : EditorPosition();
+    if (position_ == position) {
+        return;
+    }
+    position_ = position;
+    observer_(position);
 }
 
 } // namespace navrel

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "editors/EditorTrail.h"
 #include "editors/RunningEditor.h"
 #include "project/Editor.h"
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -27,6 +29,8 @@ public:
     static constexpr std::chrono::milliseconds kAnswerAtMost{200};
     /// Opening happens on a thread of its own; a big file takes an editor a moment.
     static constexpr std::chrono::milliseconds kOpenAtMost{5000};
+    /// A jump ends by then: the user looks at the screen meanwhile.
+    static constexpr std::chrono::milliseconds kJumpAtMost{2000};
     /// Of more files that wait to be opened the newer ones are dropped: a device that asks without
     /// end must not fill the memory.
     static constexpr int kMaximumWaitingRequests = 64;
@@ -43,16 +47,29 @@ public:
     /// folder of this process.
     void openFile(const QString& path, std::optional<int> line) override;
 
+    std::optional<EditorPosition> position() override { return position_; }
+    void onMove(MoveObserver observer) override;
+    /// In the order of these and of `openFile`.
+    void open(const QString& path, int line, OutcomeObserver done) override;
+    void back(OutcomeObserver done) override;
+
 private:
     struct Request;
+    struct Jump;
 
     std::optional<QByteArray> activeFile() const;
+    bool enqueue(std::function<void()> job);
+    void hasMoved(const EditorPlace& place);
 
     const std::vector<std::shared_ptr<RunningEditor>> editors_;
     const std::shared_ptr<Editor> lastResort_;
     const std::shared_ptr<DispatchQueue> requests_;
     /// What was told last: it stands while folders are too slow to tell. Main thread.
     QString activeProject_ = QStringLiteral("");
+    MoveObserver observer_;                  ///< main thread
+    std::optional<EditorPosition> position_; ///< main thread
+    /// Where jumps came from. Touched by the jobs of `requests_` alone.
+    const std::shared_ptr<EditorTrail> trail_ = std::make_shared<EditorTrail>();
     /// Requests that have not ended. Any thread.
     const std::shared_ptr<std::atomic<int>> waiting_ = std::make_shared<std::atomic<int>>(0);
 };

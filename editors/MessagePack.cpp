@@ -67,6 +67,15 @@ void append(QByteArray& bytes, const QVariant& value) {
         bytes += text;
         return;
     }
+    case QMetaType::QVariantMap: {
+        const QVariantMap map = value.toMap();
+        appendBigEndian<quint32>(bytes, kMap32, static_cast<quint32>(map.size()));
+        for (auto entry = map.begin(); entry != map.end(); ++entry) {
+            append(bytes, entry.key().toUtf8());
+            append(bytes, entry.value());
+        }
+        return;
+    }
     default:
         break;
     }

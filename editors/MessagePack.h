@@ -13,8 +13,8 @@
 /// `qint64` is invalid: nothing that is asked for holds one.
 namespace navrel {
 
-/// The bytes of a value: nil, `bool`, `qint64` or `int`, `QByteArray` as a text, `QVariantList` of
-/// such. Anything else breaks an invariant.
+/// The bytes of a value: nil, `bool`, `qint64` or `int`, `QByteArray` as a text, `QVariantList` and
+/// `QVariantMap` of such. Anything else breaks an invariant.
 QByteArray messagePackOf(const QVariant& value);
 
 /// What reading at the beginning of some bytes came to.

@@ -1,7 +1,5 @@
 #include "editors/NeovimConnection.h"
 
-#include "editors/MessagePack.h"
-
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -182,19 +180,30 @@ bool NeovimConnection::receive(const QDeadlineTimer& deadline) {
     return count > 0;
 }
 
+/// The message at the beginning of what has come, which is taken out if it is whole. What is no
+/// list is no message.
+MessagePackReading NeovimConnection::takeMessage() {
+    MessagePackReading reading = readMessagePack(received_);
+    if (reading.outcome == MessagePackReading::Outcome::Complete) {
+        if (reading.value.typeId() != QMetaType::QVariantList) {
+            reading.outcome = MessagePackReading::Outcome::Invalid;
+        }
+        received_.remove(0, reading.length);
+    }
+    return reading;
+}
+
 /// The response to a request, if it has arrived whole. What is no such response is passed over;
 /// what is no message at all counts as no answer.
 std::optional<NeovimConnection::Reply> NeovimConnection::takeReply(qint64 identifier) {
     while (!received_.isEmpty()) {
-        const MessagePackReading reading = readMessagePack(received_);
+        const MessagePackReading reading = takeMessage();
         if (reading.outcome == MessagePackReading::Outcome::Incomplete) {
             return std::nullopt;
         }
-        if (reading.outcome == MessagePackReading::Outcome::Invalid ||
-            reading.value.typeId() != QMetaType::QVariantList) {
+        if (reading.outcome == MessagePackReading::Outcome::Invalid) {
             return Reply();
         }
-        received_.remove(0, reading.length);
         const QVariantList message = reading.value.toList();
         if (message.size() != kResponseFields || message[0] != kResponse ||
             message[1] != identifier) {
@@ -203,6 +212,26 @@ std::optional<NeovimConnection::Reply> NeovimConnection::takeReply(qint64 identi
         const bool isError = message[2].isValid();
         return isError ? Reply{Reply::Kind::Error, message[2]}
                        : Reply{Reply::Kind::Result, message[3]};
+    }
+    return std::nullopt;
+}
+
+std::optional<QVariantList> NeovimConnection::nextMessage(bool& isBroken) {
+    isBroken = false;
+    for (int reads = 0; reads < kMaximumReadsAtATime; ++reads) {
+        const MessagePackReading reading = takeMessage();
+        if (reading.outcome == MessagePackReading::Outcome::Complete) {
+            return reading.value.toList();
+        }
+        pollfd waited = {socket_, POLLIN, 0};
+        const bool isInvalid = reading.outcome == MessagePackReading::Outcome::Invalid;
+        if (!isInvalid && ::poll(&waited, 1, 0) <= 0) {
+            return std::nullopt;
+        }
+        if (isInvalid || !receive(QDeadlineTimer(QDeadlineTimer::Forever))) {
+            isBroken = true;
+            return std::nullopt;
+        }
     }
     return std::nullopt;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "editors/MessagePack.h"
+
 #include <QByteArray>
 #include <QDeadlineTimer>
 #include <QVariant>
@@ -42,6 +44,9 @@ public:
     /// What came of a request that was begun, as far as it has arrived; nothing while it has not.
     /// Never waits.
     std::optional<Reply> replyTo(qint64 identifier);
+    /// The next message that has arrived, whatever it is; nothing while none has. Never waits.
+    /// `isBroken` says whether the other end has closed the connection, or writes no messages.
+    std::optional<QVariantList> nextMessage(bool& isBroken);
     /// To wait on, for something to read. Owned by the connection.
     int descriptor() const { return socket_; }
 
@@ -51,6 +56,7 @@ private:
     bool receive(const QDeadlineTimer& deadline);
     bool waitFor(short event, const QDeadlineTimer& deadline) const;
     std::optional<Reply> takeReply(qint64 identifier);
+    MessagePackReading takeMessage();
 
     const int socket_; ///< owned
     qint64 lastIdentifier_ = 0;

@@ -2,6 +2,7 @@
 
 #include "editors/Deadlines.h"
 #include "editors/NeovimConnection.h"
+#include "editors/NeovimFollower.h"
 #include "editors/NeovimScripts.h"
 #include "editors/NeovimServers.h"
 #include "support/Log.h"
@@ -28,6 +29,8 @@ constexpr std::chrono::milliseconds kFirstAnswerAtMost{1000};
 /// While a newer one keeps silent, a file waits this long before it is opened in the next that
 /// answers: the user looks at the screen meanwhile.
 constexpr std::chrono::milliseconds kOpeningGrace{200};
+/// So long a jump tries to get the editor out of what it is in the middle of.
+constexpr std::chrono::milliseconds kLeaveModeAtMost{400};
 
 Reply runScript(NeovimConnection& editor, const char* script, const QVariantList& arguments,
                 const QDeadlineTimer& deadline) {
@@ -84,6 +87,13 @@ std::optional<QString> leaveMode(NeovimConnection& editor, const QDeadlineTimer&
     return obstacle;
 }
 
+/// Where the user is; nil when the editor does not say.
+std::optional<EditorPlace> placeIn(NeovimConnection& editor, const QDeadlineTimer& deadline) {
+    static const QByteArray script = QByteArray(kNeovimPlaceFunction) + kNeovimPlaceScript;
+    const Reply reply = runScript(editor, script.constData(), {}, deadline);
+    return neovimPlaceFrom(reply.value.toList());
+}
+
 /// Opens a file and selects a line. What kept the editor from that; nothing when it did.
 std::optional<QString> openIn(NeovimConnection& editor, const QByteArray& path,
                               std::optional<int> line, const QDeadlineTimer& deadline) {
@@ -93,6 +103,24 @@ std::optional<QString> openIn(NeovimConnection& editor, const QByteArray& path,
     const QVariant lineOrNil = line ? QVariant(*line) : QVariant();
     const Reply opened = runScript(editor, kNeovimOpenScript, {path, lineOrNil}, deadline);
     return opened.kind == Reply::Kind::Result ? std::nullopt : std::optional(failureText(opened));
+}
+
+JumpResult jumpIn(NeovimConnection& editor, const EditorPlace& place,
+                  const QDeadlineTimer& deadline) {
+    JumpResult result;
+    if (const auto obstacle = leaveMode(editor, earlierOf(deadline, kLeaveModeAtMost))) {
+        return {EditorOutcome::Kind::asksUser, QStringLiteral("Neovim: %1.").arg(*obstacle), {}};
+    }
+    result.before = placeIn(editor, deadline);
+    const auto line = place.line > 0 ? std::optional(place.line) : std::nullopt;
+    if (const auto obstacle = openIn(editor, place.path, line, deadline)) {
+        return {EditorOutcome::Kind::refused, QStringLiteral("Neovim: %1.").arg(*obstacle), {}};
+    }
+    if (place.column > 0) {
+        runScript(editor, kNeovimColumnScript, {place.line, place.column}, deadline);
+    }
+    result.kind = EditorOutcome::Kind::opened;
+    return result;
 }
 
 } // namespace
@@ -186,35 +214,66 @@ void NeovimEditor::leaveAlone(ProbedNeovim& server) {
     }
 }
 
-bool NeovimEditor::open(const QByteArray& path, std::optional<int> line,
-                        const QDeadlineTimer& deadline) {
-    // The other half is for opening, or for an editor of another kind.
-    const QDeadlineTimer search = shareOf(deadline, 2);
+/// Gives the first server that can be talked to, of those that are not known to be silent, or else
+/// of these, to `use`. False when there is none.
+template <typename Use>
+bool NeovimEditor::useFirst(const QDeadlineTimer& search, Use use) {
     const QByteArrayList sockets = neovimServerSockets(search);
     const QByteArrayList answering = silent_.without(sockets);
-    return openInFirst(answering, path, line, search, deadline) ||
-           openInFirst(silent_.only(sockets), path, line, search, deadline);
+    return useFirstOf(answering, search, use) || useFirstOf(silent_.only(sockets), search, use);
 }
 
-/// Opens a file in the first of these servers that is ready; false when none is.
-bool NeovimEditor::openInFirst(const QByteArrayList& sockets, const QByteArray& path,
-                               std::optional<int> line, const QDeadlineTimer& search,
-                               const QDeadlineTimer& deadline) {
+/// `use` says whether it has done with the server, which is Ready or WaitsForAKey.
+template <typename Use>
+bool NeovimEditor::useFirstOf(const QByteArrayList& sockets, const QDeadlineTimer& search,
+                              Use use) {
     const QDeadlineTimer soon = earlierOf(search, kFirstAnswerAtMost);
-    for (const ProbedNeovim& server : probeNeovims(sockets, soon, kOpeningGrace)) {
+    for (ProbedNeovim& server : probeNeovims(sockets, soon, kOpeningGrace)) {
         if (server.state == NeovimState::Silent) {
             silent_.add(server.socket);
         }
+        const bool answers =
+            server.state == NeovimState::Ready || server.state == NeovimState::WaitsForAKey;
+        if (answers && use(server)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool NeovimEditor::open(const QByteArray& path, std::optional<int> line,
+                        const QDeadlineTimer& deadline) {
+    // The other half is for opening, or for an editor of another kind.
+    return useFirst(shareOf(deadline, 2), [&](ProbedNeovim& server) {
         if (server.state != NeovimState::Ready) {
-            continue;
+            return false;
         }
         if (const auto obstacle = openIn(*server.connection, path, line, deadline)) {
             log(QStringLiteral("Neovim did not open %1: %2")
                     .arg(QString::fromUtf8(path), *obstacle));
         }
         return true;
-    }
-    return false;
+    });
+}
+
+JumpResult NeovimEditor::jump(const EditorPlace& place, const QDeadlineTimer& deadline) {
+    JumpResult result;
+    useFirst(shareOf(deadline, 2), [&](ProbedNeovim& server) {
+        if (server.state == NeovimState::WaitsForAKey) {
+            // Another one may be ready; if none is, this is what the user should know.
+            result.kind = EditorOutcome::Kind::asksUser;
+            result.reason = QStringLiteral("Neovim waits for a key.");
+            return false;
+        }
+        result = jumpIn(*server.connection, place, deadline);
+        return true;
+    });
+    return result;
+}
+
+void NeovimEditor::follow(PlaceObserver observer) {
+    follower_ =
+        observer == nullptr ? nullptr : std::make_unique<NeovimFollower>(std::move(observer));
 }
 
 } // namespace navrel

@@ -6,8 +6,11 @@
 #include "editors/SilentEditors.h"
 
 #include <map>
+#include <memory>
 
 namespace navrel {
+
+class NeovimFollower;
 
 /// The newest Neovim of this user that answers. One that waits for a key (a prompt, half a command)
 /// does not: no file is opened in it, and it is taken to show what it showed when it last answered.
@@ -19,19 +22,26 @@ public:
     std::optional<ActiveFile> activeFile(const QDeadlineTimer& deadline) override;
     bool open(const QByteArray& path, std::optional<int> line,
               const QDeadlineTimer& deadline) override;
+    QString name() const override { return QStringLiteral("Neovim"); }
+    JumpResult jump(const EditorPlace& place, const QDeadlineTimer& deadline) override;
+    /// Every Neovim of this user is listened to: the one that moves is the one that the user is in.
+    void follow(PlaceObserver observer) override;
 
 private:
     void hearLateAnswers(const QByteArrayList& sockets);
     void learnFrom(ProbedNeovim& server, const QDeadlineTimer& deadline);
     void askForFile(ProbedNeovim& server, const QDeadlineTimer& deadline);
     void leaveAlone(ProbedNeovim& server);
-    bool openInFirst(const QByteArrayList& sockets, const QByteArray& path, std::optional<int> line,
-                     const QDeadlineTimer& search, const QDeadlineTimer& deadline);
+    template <typename Use>
+    bool useFirst(const QDeadlineTimer& search, Use use);
+    template <typename Use>
+    bool useFirstOf(const QByteArrayList& sockets, const QDeadlineTimer& search, Use use);
 
     SilentEditors silent_; ///< any thread: opening learns from queries, and the reverse
     LastAnswers answers_;  ///< main thread
     /// Servers that are left alone, as long as they may still answer. Main thread.
     std::map<QByteArray, ProbedNeovim> late_;
+    std::unique_ptr<NeovimFollower> follower_; ///< main thread; null while nobody follows
 };
 
 } // namespace navrel

@@ -97,4 +97,73 @@ if line then
 end
 )lua";
 
+/// Where the user is: path, line, column (both from 1), whether there are unsaved changes. The path
+/// is empty for what `kNeovimActiveFileScript` takes for no file.
+inline constexpr char kNeovimPlaceFunction[] = R"lua(
+local function navrel_place()
+    local api, fn = vim.api, vim.fn
+    local window = api.nvim_get_current_win()
+    if fn.getcmdwintype() ~= '' or api.nvim_win_get_config(window).relative ~= '' then
+        local previous = fn.win_getid(fn.winnr('#'))
+        if previous ~= 0 then window = previous end
+    end
+    local buffer = api.nvim_win_get_buf(window)
+    if vim.bo[buffer].buftype ~= '' then return '', 0, 0, false end
+    local cursor = api.nvim_win_get_cursor(window)
+    return api.nvim_buf_get_name(buffer), cursor[1], cursor[2] + 1, vim.bo[buffer].modified
+end
+)lua";
+
+/// To be put behind `kNeovimPlaceFunction`. Its value is a list of the four.
+inline constexpr char kNeovimPlaceScript[] = R"lua(
+return { navrel_place() }
+)lua";
+
+/// Puts the cursor at a line and a column of the current buffer, with nothing selected.
+inline constexpr char kNeovimColumnScript[] = R"lua(
+local line, column = ...
+local last = vim.api.nvim_buf_line_count(0)
+if vim.api.nvim_get_mode().mode == 'V' then vim.cmd('normal! V') end
+vim.api.nvim_win_set_cursor(0, { math.max(1, math.min(line, last)), math.max(0, column - 1) })
+vim.cmd('normal! zv')
+)lua";
+
+/// To be put behind `kNeovimPlaceFunction`. Sends "navrel_moved" with the four when the user gets
+/// to another place, at most ten times a second, to the client of the name that it is given. Ends
+/// by itself, and takes its automatic commands away, within a second of that client's end.
+inline constexpr char kNeovimFollowScript[] = R"lua(
+local name = ...
+local api, loop = vim.api, vim.loop
+local channel
+for _, info in ipairs(api.nvim_list_chans()) do
+    if info.client and info.client.name == name then channel = info.id end
+end
+if not channel then return end
+local group = api.nvim_create_augroup(name, { clear = true })
+local pause, watch = loop.new_timer(), loop.new_timer()
+local function stop()
+    pcall(api.nvim_del_augroup_by_id, group)
+    for _, timer in ipairs({ pause, watch }) do
+        if not timer:is_closing() then timer:close() end
+    end
+end
+local waits = false
+local function moved()
+    if pause:is_closing() then return end
+    if pause:is_active() then
+        waits = true
+        return
+    end
+    waits = false
+    if not pcall(vim.rpcnotify, channel, 'navrel_moved', navrel_place()) then return stop() end
+    pause:start(100, 0, vim.schedule_wrap(function() if waits then moved() end end))
+end
+api.nvim_create_autocmd({ 'BufEnter', 'WinEnter', 'CursorMoved', 'CursorMovedI', 'FocusGained',
+                          'BufWritePost', 'BufModifiedSet' }, { group = group, callback = moved })
+watch:start(1000, 1000, vim.schedule_wrap(function()
+    if next(api.nvim_get_chan_info(channel)) == nil then stop() end
+end))
+moved()
+)lua";
+
 } // namespace navrel

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "project/Editor.h"
+
 #include <QByteArray>
 #include <QDeadlineTimer>
 
+#include <functional>
 #include <optional>
 
 namespace navrel {
@@ -13,6 +16,23 @@ struct ActiveFile {
     /// Whether it is known to be so, or was a moment ago. If not, the editor has been busy for
     /// longer, or stopped: what another editor says now is worth more.
     bool isCurrent = true;
+};
+
+/// A place in a file, as the editor has it.
+struct EditorPlace {
+    QByteArray path; ///< empty where no file is shown
+    int line = 0;    ///< from 1; 0 for none
+    int column = 0;  ///< from 1, in the editor's own unit; 0 for none
+    bool isModified = false;
+    bool operator==(const EditorPlace&) const = default;
+};
+
+/// How a jump ended.
+struct JumpResult {
+    EditorOutcome::Kind kind = EditorOutcome::Kind::notRunning;
+    QString reason; ///< why it was not opened
+    /// Where the user was before; nil where the editor did not say.
+    std::optional<EditorPlace> before;
 };
 
 /// An editor of one kind, as far as one runs: asked anew every time, since people start and leave
@@ -32,6 +52,21 @@ public:
     /// Not on the main thread.
     virtual bool open(const QByteArray& path, std::optional<int> line,
                       const QDeadlineTimer& deadline) = 0;
+
+    /// Its name for users; empty for one that cannot jump.
+    virtual QString name() const { return {}; }
+
+    /// As `open`, but it gives up sooner, reports how it ended instead of logging, and goes to the
+    /// column where one is given, with nothing selected. Not on the main thread.
+    virtual JumpResult jump(const EditorPlace& place, const QDeadlineTimer& deadline) {
+        static_cast<void>(place), static_cast<void>(deadline);
+        return {};
+    }
+
+    /// Has `observer` called on the main thread when the user gets to another place; null ends
+    /// that. Nothing is asked of the editor while there is none. Main thread; never blocks.
+    using PlaceObserver = std::function<void(const EditorPlace& place)>;
+    virtual void follow(PlaceObserver observer) { static_cast<void>(observer); }
 
 protected:
     RunningEditor() = default;
