@@ -161,7 +161,7 @@ end
 api.nvim_create_autocmd({ 'BufEnter', 'WinEnter', 'CursorMoved', 'CursorMovedI', 'FocusGained',
                           'BufWritePost', 'BufModifiedSet' }, { group = group, callback = moved })
 watch:start(1000, 1000, vim.schedule_wrap(function()
-    if next(api.nvim_get_chan_info(channel)) == nil then stop() end
+    if not api.nvim_get_chan_info(channel).id then stop() end
 end))
 moved()
 )lua";
