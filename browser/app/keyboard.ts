@@ -1,0 +1,44 @@
+// The keys that work wherever the focus is, except in a field of text or a menu.
+import { back, step } from "./actions";
+import { closeLook, goToTab } from "./places";
+import { kTabs, now } from "./store";
+
+function isTyping(target: EventTarget | null): boolean {
+  return target instanceof HTMLInputElement || target instanceof HTMLTextAreaElement;
+}
+
+/** After it is drawn: the field may be on a screen that is not there yet. */
+function focusLater(find: () => Element | null): void {
+  setTimeout(() => (find() as HTMLElement | null)?.focus());
+}
+
+function focusList(): void {
+  const lists = [...document.querySelectorAll("[data-list]")];
+  const list = now().isWide && now().place.tab === "outline" ? lists.at(-1) : lists[0];
+  (list?.querySelector("[tabindex='0'], button") as HTMLElement | null)?.focus();
+}
+
+function goUp(): void {
+  if (now().place.look) closeLook();
+  else (document.querySelector(".navigator .up, .pane .up") as HTMLElement | null)?.click();
+}
+
+function onKeyDown(event: KeyboardEvent): void {
+  if (event.altKey || event.ctrlKey || event.metaKey || isTyping(event.target) || document.querySelector("dialog[open]")) return;
+  const tab = kTabs[Number(event.key) - 1];
+  if (tab) goToTab(tab);
+  else if (event.key === "/") {
+    goToTab("search");
+    focusLater(() => document.getElementById("search"));
+  } else if (event.key === "[") step(-1);
+  else if (event.key === "]") step(1);
+  else if (event.key === "b") back();
+  else if (event.key === "Escape") goUp();
+  else if (event.key.startsWith("Arrow") && document.activeElement === document.body) focusList();
+  else return;
+  event.preventDefault();
+}
+
+export function listenToKeys(): void {
+  document.addEventListener("keydown", onKeyDown);
+}
