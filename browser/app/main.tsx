@@ -1,0 +1,38 @@
+// Where the page begins.
+import { render } from "preact";
+import { App } from "./App";
+import { listenToKeys } from "./keyboard";
+import { startHistory } from "./places";
+import { restoreSettings } from "./settings";
+import { update } from "./store";
+import { keepConnected, pair } from "./sync";
+import { stayAwakeAgain } from "./wakefulness";
+
+/** The ticket of a link to pair with. Taken out of the address at once: it is for one use only. */
+function takeTicket(): string | undefined {
+  const ticket = /^#p=([A-Za-z0-9_-]{22})$/.exec(location.hash)?.[1];
+  if (location.hash !== "") history.replaceState(history.state, "", location.pathname);
+  return ticket;
+}
+
+/** From here on there is room for the navigator beside the outline. */
+const kTwoPanes = matchMedia("(min-width: 840px)");
+
+function measure(): void {
+  update({ isWide: kTwoPanes.matches });
+}
+
+async function start(): Promise<void> {
+  const ticket = takeTicket();
+  restoreSettings();
+  startHistory();
+  measure();
+  kTwoPanes.addEventListener("change", measure);
+  listenToKeys();
+  stayAwakeAgain();
+  render(<App />, document.getElementById("app")!);
+  if (ticket !== undefined) await pair({ ticket });
+  keepConnected();
+}
+
+void start();

@@ -1,0 +1,134 @@
+// One row of a list: what it is, its name, where it is; a tap does what the row is for, ⋯ or a long press
+// shows what else can be done.
+import type { ComponentChildren } from "preact";
+import { useRef } from "preact/hooks";
+import { openMenu } from "../actions";
+import { touched } from "../following";
+import type { Look } from "../model/kinds";
+import type { Target } from "../store";
+import { Badge } from "./Badge";
+import type { RowPlace } from "./WindowedList";
+
+const kLongPressMilliseconds = 500;
+const kDeepest = 8;
+
+interface Properties {
+  place: RowPlace;
+  look: Look;
+  name: string;
+  /** Which characters of the name were searched for. */
+  positions?: readonly number[];
+  beside?: string | undefined;
+  below?: string | undefined;
+  end?: ComponentChildren;
+  depth?: number;
+  isLit?: boolean;
+  isDim?: boolean;
+  isSelected?: boolean;
+  id?: string;
+  /** What ⋯ is about; none where there is nothing more to do. */
+  target?: Target | undefined;
+  onTap?: (() => void) | undefined;
+}
+
+export function Row(properties: Properties) {
+  const { place, look, name, positions, beside, below, end, depth = 0, target, onTap } = properties;
+  const press = useLongPress(target);
+  const tabIndex = place.isCursor ? 0 : -1;
+  const classes = ["row", properties.isLit && "lit", properties.isDim && "dim", properties.isSelected && "selected"];
+  const tap = () => {
+    if (press.wasLong()) return;
+    touched();
+    onTap?.();
+  };
+  return (
+    <li
+      class={classes.filter(Boolean).join(" ")}
+      aria-setsize={place.count}
+      aria-posinset={place.index + 1}
+      aria-current={properties.isLit ? "location" : undefined}
+      data-row={place.index}
+      id={properties.id}
+    >
+      <button type="button" class={`row-main depth-${Math.min(depth, kDeepest)}`} tabIndex={tabIndex} onClick={tap} disabled={!onTap} {...press.handlers}>
+        <Badge look={look} />
+        <span class="row-text">
+          <span class="row-name">
+            <Marked text={name} positions={positions} />
+            {beside && <span class="row-beside"> {beside}</span>}
+          </span>
+          {below && <span class="row-below">{below}</span>}
+        </span>
+        {end !== undefined && <span class="row-end">{end}</span>}
+      </button>
+      {target && (
+        <button type="button" class="row-more" tabIndex={tabIndex} aria-label={`More about ${name}`} onClick={() => openMenu(target)}>
+          <span aria-hidden="true">⋯</span>
+        </button>
+      )}
+    </li>
+  );
+}
+
+/** A name with the characters that were searched for in bold. */
+function Marked({ text, positions }: { text: string; positions?: readonly number[] | undefined }) {
+  if (!positions || positions.length === 0) return <Breakable text={text} />;
+  const isHit = new Set(positions);
+  const pieces: { text: string; isHit: boolean }[] = [];
+  for (let index = 0; index < text.length; index++) {
+    const last = pieces[pieces.length - 1];
+    if (last && last.isHit === isHit.has(index)) last.text += text[index];
+    else pieces.push({ text: text[index]!, isHit: isHit.has(index) });
+  }
+  return <>{pieces.map((piece) => (piece.isHit ? <b>{piece.text}</b> : piece.text))}</>;
+}
+
+/** Selectors break behind their colons rather than anywhere. */
+function Breakable({ text }: { text: string }) {
+  const [first, ...others] = text.match(/[^:]*:?/g) ?? [];
+  return (
+    <>
+      {first}
+      {others.map((part) => (
+        <>
+          <wbr />
+          {part}
+        </>
+      ))}
+    </>
+  );
+}
+
+function useLongPress(target: Target | undefined) {
+  const timer = useRef<ReturnType<typeof setTimeout>>(undefined);
+  const isLong = useRef(false);
+  const show = () => {
+    isLong.current = true;
+    if (target) openMenu(target);
+  };
+  const end = () => clearTimeout(timer.current);
+  const handlers = target && {
+    onPointerDown: (event: PointerEvent) => {
+      isLong.current = false;
+      clearTimeout(timer.current);
+      if (event.pointerType === "touch") timer.current = setTimeout(show, kLongPressMilliseconds);
+    },
+    onPointerUp: end,
+    onPointerCancel: end,
+    onPointerLeave: end,
+    onContextMenu: (event: Event) => {
+      event.preventDefault();
+      end();
+      if (!isLong.current) show();
+    },
+  };
+  return {
+    handlers: handlers ?? {},
+    /** Whether the click that comes now ends a long press; asked once. */
+    wasLong: () => {
+      const was = isLong.current;
+      isLong.current = false;
+      return was;
+    },
+  };
+}

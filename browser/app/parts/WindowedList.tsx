@@ -1,0 +1,159 @@
+// A list of any length, of which only the rows in sight (and some around them) are in the document. Rows are
+// as high as their text makes them: names wrap rather than being cut off, at any text size.
+import type { ComponentChildren } from "preact";
+import { useEffect, useLayoutEffect, useMemo, useReducer, useRef, useState } from "preact/hooks";
+import { isLeftAlone, touched } from "../following";
+import { Heights } from "../model/heights";
+
+const kRowsAround = 6;
+/** What a row of one line takes; others are measured when they come into sight. */
+const kGuessedHeight = 49;
+
+export interface RowPlace {
+  index: number;
+  count: number;
+  /** Whether the Tab key stops here; arrows move it. */
+  isCursor: boolean;
+}
+
+interface Properties<Row> {
+  name: string;
+  /** Where the list was scrolled to is remembered by this. */
+  memory: string;
+  rows: readonly Row[];
+  keyOf(row: Row): string;
+  draw(row: Row, place: RowPlace): ComponentChildren;
+  /** The rows whose text stays at the top while those after it are scrolled through, ascending. */
+  headings?: readonly number[];
+  drawHeading?(row: Row): ComponentChildren;
+  /** Scrolled into sight whenever it becomes another one: unless the user is busy with the list. */
+  follow?: number | undefined;
+  /** The same, but whatever the user does. */
+  show?: number | undefined;
+}
+
+const scrolledTo = new Map<string, number>();
+
+export function WindowedList<Row>(properties: Properties<Row>) {
+  const { name, memory, rows, keyOf, draw, headings = [], drawHeading, follow, show } = properties;
+  const scroller = useRef<HTMLDivElement>(null);
+  const list = useRef<HTMLUListElement>(null);
+  const [width, setWidth] = useState(0);
+  const [, drawAgain] = useReducer<number, void>((count) => count + 1, 0);
+  const heights = useMemo(() => new Heights(rows.length, kGuessedHeight), [rows, width]);
+  const cursor = useRef(0);
+  const focusCursor = useRef(false);
+  const wanted = useRef<number | undefined>(undefined);
+  const isFirst = useRef(true);
+
+  const top = scroller.current?.scrollTop ?? scrolledTo.get(memory) ?? 0;
+  const height = scroller.current?.clientHeight || innerHeight;
+  const first = Math.max(0, heights.rowAt(top) - kRowsAround);
+  const end = Math.min(rows.length, heights.rowAt(top + height) + 1 + kRowsAround);
+  const shown = useRef({ first, end });
+  shown.current = { first, end };
+  const current = Math.min(Math.max(cursor.current, first), Math.max(end - 1, 0));
+
+  const scrollToRow = (row: number) => {
+    wanted.current = row;
+    const box = scroller.current!;
+    const above = headings.length > 0 ? kGuessedHeight : 0;
+    const rowTop = heights.top(row);
+    const rowEnd = heights.top(row + 1);
+    if (rowTop < box.scrollTop + above) box.scrollTop = rowTop - above - (follow === row ? box.clientHeight / 3 : 0);
+    else if (rowEnd > box.scrollTop + box.clientHeight) {
+      box.scrollTop = follow === row ? rowTop - box.clientHeight / 3 : rowEnd - box.clientHeight;
+    }
+  };
+
+  // Rows that came into sight are measured before they are painted, and what stands above stays in place.
+  useLayoutEffect(() => {
+    const box = scroller.current!;
+    if (isFirst.current) box.scrollTop = scrolledTo.get(memory) ?? 0;
+    isFirst.current = false;
+    const firstInSight = heights.rowAt(box.scrollTop);
+    let isOther = false;
+    let moved = 0;
+    [...list.current!.children].forEach((child, place) => {
+      const row = first + place;
+      const difference = heights.measure(row, child.getBoundingClientRect().height);
+      if (difference !== 0) isOther = true;
+      if (row < firstInSight) moved += difference;
+    });
+    if (isOther && moved !== 0) box.scrollTop += moved;
+    if (isOther && wanted.current !== undefined) scrollToRow(wanted.current);
+    if (isOther) drawAgain();
+    else wanted.current = undefined;
+    if (focusCursor.current) {
+      focusCursor.current = false;
+      const row = list.current!.children[cursor.current - first];
+      (row?.querySelector("[tabindex='0']") as HTMLElement | null)?.focus({ preventScroll: true });
+    }
+  });
+
+  useEffect(() => {
+    if (follow !== undefined && follow >= 0 && !isLeftAlone()) scrollToRow(follow);
+  }, [follow, rows]);
+  useEffect(() => {
+    if (show !== undefined && show >= 0) {
+      cursor.current = show;
+      scrollToRow(show);
+      drawAgain();
+    }
+  }, [show, rows]);
+  useEffect(() => {
+    const observer = new ResizeObserver(() => setWidth(scroller.current?.clientWidth ?? 0));
+    observer.observe(scroller.current!);
+    return () => observer.disconnect();
+  }, []);
+
+  const onScroll = () => {
+    const box = scroller.current!;
+    scrolledTo.set(memory, box.scrollTop);
+    drawAgain();
+  };
+
+  const onKeyDown = (event: KeyboardEvent) => {
+    const page = Math.max(1, Math.floor(height / kGuessedHeight) - 1);
+    const steps: Record<string, number> = { ArrowDown: 1, ArrowUp: -1, PageDown: page, PageUp: -page, Home: -rows.length, End: rows.length };
+    const by = steps[event.key];
+    if (by === undefined || event.altKey || event.ctrlKey || event.metaKey) return;
+    event.preventDefault();
+    touched();
+    cursor.current = Math.min(Math.max(current + by, 0), rows.length - 1);
+    focusCursor.current = true;
+    scrollToRow(cursor.current);
+    drawAgain();
+  };
+  const onFocus = (event: FocusEvent) => {
+    const row = (event.target as Element).closest<HTMLElement>("[data-row]");
+    if (row) cursor.current = Number(row.dataset["row"]);
+  };
+
+  const heading = headings.filter((row) => heights.top(row) < top + 1).at(-1);
+  return (
+    <div class="scroller" ref={scroller} onScroll={onScroll} onWheel={touched} onTouchMove={touched} onKeyDown={onKeyDown} onFocusIn={onFocus} data-list>
+      {heading !== undefined && drawHeading && (
+        <div class="sticky" aria-hidden="true">
+          <div class="sticky-text">{drawHeading(rows[heading]!)}</div>
+        </div>
+      )}
+      <ul
+        class="list"
+        role="list"
+        aria-label={name}
+        ref={list}
+        style={{ paddingTop: `${heights.top(first)}px`, paddingBottom: `${heights.total - heights.top(end)}px` }}
+      >
+        {rows.slice(first, end).map((row, place) => {
+          const index = first + place;
+          return <Keyed key={keyOf(row)}>{draw(row, { index, count: rows.length, isCursor: index === current })}</Keyed>;
+        })}
+      </ul>
+    </div>
+  );
+}
+
+function Keyed({ children }: { children: ComponentChildren }) {
+  return <>{children}</>;
+}

@@ -1,0 +1,92 @@
+// The project's groups and files, one group a page, in the project's order.
+import { showFile } from "../actions";
+import { Empty } from "../parts/Empty";
+import { Header } from "../parts/Header";
+import { Row } from "../parts/Row";
+import { type RowPlace, WindowedList } from "../parts/WindowedList";
+import { fileLook, lookOf } from "../model/kinds";
+import { counted } from "../model/words";
+import type { TreeNode } from "../model/tree";
+import { go } from "../places";
+import { type Target, useStore } from "../store";
+import { NoProject } from "./NoProject";
+
+export function Files() {
+  const tree = useStore((state) => state.tree);
+  const group = useStore((state) => state.place.group);
+  const activeID = useStore((state) => state.active.file?.id);
+  const revealed = useStore((state) => state.revealed);
+  const shown = tree.node(group) ?? tree.root;
+  if (!shown) return <NoProject title="Files" />;
+
+  const rows = tree.children(shown.id);
+  const parent = tree.node(shown.parent);
+  const lit = rows.findIndex((row) => row.id === activeID || (row.kind !== "file" && holds(tree.way(activeID ?? ""), row.id)));
+  return (
+    <>
+      <Header title={shown.name} below={shown.path || undefined} up={parent && { name: parent.name, onTap: () => showGroup(parent) }} />
+      {rows.length === 0 ? (
+        <Empty title="This group is empty." />
+      ) : (
+        <WindowedList
+          key={shown.id}
+          name={`Files in ${shown.name}`}
+          memory={`files ${shown.id}`}
+          rows={rows}
+          keyOf={(row) => row.id}
+          draw={(row, place) => <NodeRow node={row} place={place} isLit={place.index === lit || row.id === revealed} />}
+          follow={lit}
+          show={revealed === undefined ? undefined : rows.findIndex((row) => row.id === revealed)}
+        />
+      )}
+    </>
+  );
+}
+
+const holds = (way: readonly TreeNode[], id: string) => way.some((node) => node.id === id);
+
+function showGroup(node: TreeNode): void {
+  go(node.parent === undefined ? { tab: "files" } : { tab: "files", group: node.id });
+}
+
+export function targetOfNode({ id, name, path = "" }: TreeNode): Target {
+  return { kind: "file", name, file: { id, name, path } };
+}
+
+function NodeRow({ node, place, isLit }: { node: TreeNode; place: RowPlace; isLit: boolean }) {
+  if (node.kind === "file") {
+    return (
+      <Row
+        place={place}
+        look={fileLook(node.language)}
+        name={node.name}
+        below={node.missing ? "is missing on disk" : undefined}
+        isLit={isLit}
+        isDim={node.missing === true}
+        target={targetOfNode(node)}
+        onTap={() => showFile(node.id)}
+      />
+    );
+  }
+  return (
+    <Row
+      place={place}
+      look={lookOf(node.kind)}
+      name={node.name}
+      below={node.missing ? "is missing on disk" : undefined}
+      end={<Count of={node.children.length} />}
+      isLit={isLit}
+      isDim={node.missing === true}
+      onTap={() => showGroup(node)}
+    />
+  );
+}
+
+function Count({ of }: { of: number }) {
+  return (
+    <>
+      <span aria-hidden="true">{of.toLocaleString("en")} ›</span>
+      <span class="hidden">{counted(of, "entry", "entries")}</span>
+    </>
+  );
+}
