@@ -29,8 +29,9 @@ public:
     static constexpr std::chrono::milliseconds kAnswerAtMost{200};
     /// Opening happens on a thread of its own; a big file takes an editor a moment.
     static constexpr std::chrono::milliseconds kOpenAtMost{5000};
-    /// A jump ends by then: the user looks at the screen meanwhile.
-    static constexpr std::chrono::milliseconds kJumpAtMost{2000};
+    /// A jump ends by then, however busy the machine is. An editor that waits for its user says so
+    /// much sooner.
+    static constexpr std::chrono::milliseconds kJumpAtMost{5000};
     /// Of more files that wait to be opened the newer ones are dropped: a device that asks without
     /// end must not fill the memory.
     static constexpr int kMaximumWaitingRequests = 64;
