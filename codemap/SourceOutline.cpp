@@ -94,8 +94,9 @@ Outline outlineOfSource(Language language, std::string_view text) {
         text.remove_prefix(kByteOrderMark.size());
     }
     switch (language) {
-    case Language::none:
     case Language::swift:
+        return outlineOfSwift(text);
+    case Language::none:
     case Language::objectiveC:
     case Language::c:
     case Language::cpp:

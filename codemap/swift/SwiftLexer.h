@@ -1,0 +1,138 @@
+#pragma once
+
+#include "codemap/LineCounter.h"
+#include "codemap/swift/SwiftToken.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace navrel {
+
+class OutlineBuilder;
+
+/// Cuts a Swift text into tokens, and skips blocks of statements without doing so. What comments,
+/// #warning and #error say goes to the builder on the way.
+///
+/// A string, with the expressions in it, is one token, and so is a regular expression. Conditions
+/// (#if) are followed: their branches all begin at the same depth of braces, so that a brace that
+/// each branch opens is open once behind them. Never recursive; time in proportion to the text.
+class SwiftLexer {
+public:
+    SwiftLexer(std::string_view text, OutlineBuilder& builder);
+
+    /// The next token. Conditions count as tokens; their lines have been followed.
+    SwiftToken next();
+    /// The token that `next` will return.
+    const SwiftToken& peek();
+
+    enum class BlockEnd : std::uint8_t {
+        brace, ///< its own "}", which has been read
+        early, ///< what follows cannot belong to it, and is read next
+        text,  ///< there is nothing left
+    };
+    /// Skips a block whose "{" was the last token; nothing may have been peeked at behind it.
+    BlockEnd skipBlock(std::size_t indent);
+
+    /// From now on, blocks also end where the indentation says so: before a line that is indented
+    /// no more than the line which their declaration begins on (see `skipBlock`) and begins like
+    /// another declaration. For texts whose braces do not match.
+    void trustIndentation() { trustsIndentation_ = true; }
+    /// How far the line of a place is indented.
+    std::size_t indentAt(const char* place) const;
+
+    /// How many braces are open behind the last token or block.
+    std::uint32_t depth() const { return peeked_ ? depthBeforePeek_ : depth_; }
+    /// Behind the last block.
+    const char* place() const { return place_; }
+    /// The line of a place, from 1. Places are best asked for in their order.
+    std::uint32_t lineAt(const char* place) {
+        return lines_.lineAt(static_cast<std::size_t>(place - begin_));
+    }
+    std::uint32_t lines() { return lines_.lines(); }
+
+    /// The comments between tokens since the last call of `forgetComments`; not all of them where
+    /// there are very many.
+    const std::vector<std::string_view>& comments() const { return comments_; }
+    void forgetComments() { comments_.clear(); }
+
+private:
+    /// A condition whose branches are being read.
+    struct Condition {
+        std::uint32_t depth;   ///< of braces where it begins
+        std::uint32_t surplus; ///< how many "}" of this branch an earlier one had already
+    };
+    struct OpenString {
+        std::uint32_t signs;           ///< how many "#" each end has
+        bool isMultiline;              ///< between triple quotes
+        std::uint32_t parentheses = 0; ///< open ones of its interpolation; 0 in the string itself
+    };
+
+    char at(const char* place) const { return place < end_ ? *place : '\0'; }
+    std::uint32_t countSigns(const char* place) const;
+    std::string_view wordAt(const char* place) const;
+
+    SwiftToken read();
+    void skipBlanks();
+    bool skipComment();
+    void skipBlockComment();
+    SwiftToken token(SwiftTokenKind kind, const char* begin) const;
+    SwiftToken readWord();
+    SwiftToken readQuotedName();
+    SwiftToken readNumber();
+    SwiftToken readSign();
+    SwiftToken readSlash();
+    SwiftToken readHash();
+    SwiftToken readMacro();
+    SwiftToken readPunctuation();
+    const char* endOfOperator(const char* place) const;
+
+    void skipString(std::uint32_t signs);
+    void beginString(std::uint32_t signs);
+    void skipStringText();
+    void skipStringQuote(const OpenString& string);
+    void skipEscape(OpenString& string);
+    void skipInterpolation();
+    bool endsInterpolation() const;
+
+    bool skipRegularExpression();
+    bool mayBeginExpression() const;
+    const char* endOfRegularExpression();
+    void skipExtendedRegularExpression(std::uint32_t signs);
+    void skipQuotedName();
+
+    bool isOuterBranch(std::uint32_t outside) const;
+    bool followCondition(std::string_view word);
+    void skipConditionLine();
+    void beginBranch();
+    void addMessage(std::string_view word, const char* behind);
+    bool closeBrace();
+
+    enum class BlockStep : std::uint8_t { on, brace, early };
+    BlockStep stepInBlock(std::uint32_t outside, std::size_t indent);
+    BlockStep hashInBlock(std::uint32_t outside);
+    BlockStep lineInBlock(std::uint32_t outside, std::size_t indent);
+
+    const char* begin_;
+    const char* end_;
+    const char* place_;
+    LineCounter lines_;
+    OutlineBuilder& builder_;
+
+    std::optional<SwiftToken> peeked_;
+    std::uint32_t depthBeforePeek_ = 0;
+    std::uint32_t depth_ = 0;
+    bool startsLine_ = true;  // of the token being read
+    bool isDetached_ = false; // of the token being read
+    bool trustsIndentation_ = false;
+    const char* noExpressionUpTo_; // no regular expression ends before it
+
+    std::vector<std::string_view> comments_;
+    std::vector<OpenString> strings_;
+    std::vector<Condition> conditions_;
+    std::uint32_t conditionsLeftOut_ = 0; // nested too deeply
+};
+
+} // namespace navrel
