@@ -3,6 +3,7 @@
 #include "app/StatusMenu.h"
 #include "app/StatusMenuLayout.h"
 #include "app/WebServer.h"
+#include "desktop/CommandLine.h"
 #include "desktop/InstanceLock.h"
 #include "desktop/QtDesktop.h"
 #include "editors/EditorChoice.h"
@@ -16,6 +17,7 @@
 #include <QStandardPaths>
 #include <QTimer>
 
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <optional>
@@ -67,9 +69,8 @@ int runApplication(QApplication& application) {
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc > 1) {
-        std::fprintf(stderr, "navrel takes no arguments\n");
-        return 2;
+    if (const auto answer = answerCommandLine({argv + std::min(argc, 1), argv + argc})) {
+        return answer->print();
     }
     const auto lockPath = instanceLockPath();
     const auto lock = lockPath ? std::make_unique<InstanceLock>(*lockPath) : nullptr;

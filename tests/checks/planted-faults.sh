@@ -49,9 +49,42 @@ plant packaging/linux/nl.kelvane.Navrel.metainfo.xml 's/<summary>.*//'
 expect_fault check-packaging 'component-summary-missing'
 plant packaging/man/navrel.1 's/^\.Sh FILES/.Hs FILES/'
 expect_fault check-packaging 'skipping unknown macro: .Hs'
-plant packaging/man/navrel.1 "s/^takes no arguments/$(printf 'x%.0s' {1..90})/"
+plant packaging/man/navrel.1 "s/^with the same menu where there is/$(printf 'x%.0s' {1..90})/"
 expect_fault check-packaging "can't break line"
 plant packaging/debian/changelog '1s/0\.1/9.8/'
 expect_fault check-packaging 'packaging/debian/changelog: the version is 9.8'
 plant packaging/linux/nl.kelvane.Navrel.metainfo.xml 's/release version="0/release version="9/'
 expect_fault check-packaging 'the version is 9.'
+
+# A program as hardened as ours, and then with each kind of hardening taken away.
+
+# compile [OPTION]
+compile() {
+    c++ -O2 -fPIE -pie -fstack-protector-strong -fstack-clash-protection $processor -D_GLIBCXX_ASSERTIONS \
+        -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3 -Wl,-z,relro,-z,now,-z,noexecstack "$@" \
+        -o "$tree/guarded" "$(dirname "$0")/Guarded.cpp"
+}
+# expect_unhardened OPTION WANTED
+expect_unhardened() {
+    local output
+    compile "$1"
+    ! output=$("$scripts/check-hardening" "$tree/guarded") && [ "$output" = "$tree/guarded: $2" ] || {
+        echo "check-hardening said '$output' instead of '$2'"
+        exit 1
+    }
+}
+processor=
+[ "$(uname -m)" != x86_64 ] || processor=-fcf-protection
+compile
+"$scripts/check-hardening" "$tree/guarded"
+expect_unhardened -no-pie "not position-independent"
+expect_unhardened -Wl,-z,norelro "no read-only relocations"
+expect_unhardened -Wl,-z,lazy "not bound at once"
+expect_unhardened -Wl,-z,execstack "an executable stack"
+expect_unhardened -fno-stack-protector "no stack protector"
+expect_unhardened -U_FORTIFY_SOURCE "not fortified"
+expect_unhardened -U_GLIBCXX_ASSERTIONS "no assertions of the standard library"
+if [ "$(uname -m)" = x86_64 ]; then
+    expect_unhardened -fcf-protection=none "no branch protection"
+    expect_unhardened -fno-stack-clash-protection "stack pages are skipped"
+fi

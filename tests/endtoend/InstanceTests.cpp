@@ -47,10 +47,18 @@ TEST_F(InstanceTest, aKilledInstanceLeavesNoLock) {
     }
 }
 
-TEST_F(InstanceTest, argumentsAreRefused) {
-    const auto outcome = navrel_.runSecondInstance({QStringLiteral("--help")});
+TEST_F(InstanceTest, unknownArgumentsAreRefused) {
+    const auto outcome = navrel_.runSecondInstance({QStringLiteral("Tide.xcodeproj")});
     EXPECT_EQ(outcome.exitStatus, 2);
-    EXPECT_EQ(outcome.standardError, "navrel takes no arguments\n");
+    EXPECT_EQ(outcome.standardError,
+              "navrel: unknown argument: Tide.xcodeproj\nTry \"navrel --help\".\n");
+}
+
+TEST_F(InstanceTest, helpIsPrintedBesideARunningInstance) {
+    ASSERT_TRUE(navrel_.start());
+    const auto outcome = navrel_.runSecondInstance({QStringLiteral("--help")});
+    EXPECT_EQ(outcome.exitStatus, 0);
+    EXPECT_EQ(outcome.standardError, "");
 }
 
 TEST_F(InstanceTest, theStoreIsOneFileInTheDataFolder) {
