@@ -8,6 +8,14 @@ set(CMAKE_AUTOMOC OFF)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
 
+# A compiler cache where there is one and none was chosen. With precompiled headers it must take a file's times as
+# they are.
+find_program(NAVREL_CCACHE ccache)
+if(NAVREL_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    set(CMAKE_CXX_COMPILER_LAUNCHER
+        "${CMAKE_COMMAND}" -E env CCACHE_SLOPPINESS=pch_defines,time_macros "${NAVREL_CCACHE}")
+endif()
+
 add_library(navrel_options INTERFACE)
 target_include_directories(navrel_options INTERFACE "${PROJECT_SOURCE_DIR}")
 target_compile_options(navrel_options INTERFACE
@@ -19,23 +27,61 @@ target_compile_definitions(navrel_options INTERFACE
     QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY QT_NO_URL_CAST_FROM_STRING
     QT_NO_KEYWORDS QT_NO_FOREACH QT_NO_CONTEXTLESS_CONNECT QT_NO_NARROWING_CONVERSIONS_IN_CONNECT
     QT_STRICT_ITERATORS)
+
 if(NAVREL_SANITIZE)
     target_compile_options(navrel_options INTERFACE
         -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(navrel_options INTERFACE -fsanitize=address,undefined)
+endif()
+# Hardening, the same in every build that people run; scripts/check-hardening reads it from the programs. The
+# sanitizers guard the same and more, and fortified functions would hide faults from them.
+if(NOT CMAKE_BUILD_TYPE STREQUAL "Debug" AND NOT NAVREL_SANITIZE)
+    set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+    # Else CMake leaves it to the compiler how programs are linked.
+    include(CheckPIESupported)
+    check_pie_supported(LANGUAGES CXX)
+    # A system's compiler may define another level by itself.
+    target_compile_options(navrel_options INTERFACE
+        -fstack-protector-strong -fstack-clash-protection -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3)
+    target_compile_definitions(navrel_options INTERFACE _GLIBCXX_ASSERTIONS)
+    if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
+        target_compile_options(navrel_options INTERFACE -fcf-protection)
+    endif()
+    if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
+        target_link_options(navrel_options INTERFACE -Wl,-z,relro,-z,now,-z,noexecstack)
+    endif()
 endif()
 if(NAVREL_BUILD_FUZZERS)
     target_compile_options(navrel_options INTERFACE -fsanitize=fuzzer-no-link)
     target_link_options(navrel_options INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
-# navrel_add_library(NAME SOURCES file... [LINK library...] [OPTIMIZE_ACROSS_FILES])
-# One layer, or one part of a layer, as a static library. OPTIMIZE_ACROSS_FILES is for those that do
-# little at a time but often: a frame passes through many small functions of several files.
+# What most files include. It is compiled once for all libraries and once for all tests: see navrel_add_library and
+# tests/CMakeLists.txt.
+set(NAVREL_PRECOMPILED_HEADERS
+    <QByteArray> <QByteArrayView> <QDateTime> <QDeadlineTimer> <QFile> <QFileInfo> <QHash> <QObject> <QString>
+    <QStringList> <QTimer> <QUrl> <QVariant> <QVariantMap> <algorithm> <array> <chrono> <functional> <limits> <map>
+    <memory> <mutex> <optional> <span> <string> <string_view> <thread> <unordered_map> <utility> <variant> <vector>)
+if(NAVREL_PRECOMPILE_HEADERS)
+    file(CONFIGURE OUTPUT "${PROJECT_BINARY_DIR}/precompiled.cpp" CONTENT "// Only the headers count.\n")
+    add_library(navrel_precompiled STATIC "${PROJECT_BINARY_DIR}/precompiled.cpp")
+    target_link_libraries(navrel_precompiled PRIVATE navrel_options Qt6::Core)
+    target_precompile_headers(navrel_precompiled PRIVATE ${NAVREL_PRECOMPILED_HEADERS})
+endif()
+
+# navrel_add_library(NAME SOURCES file... [LINK library...] [PRECOMPILE header...] [OPTIMIZE_ACROSS_FILES])
+# One layer, or one part of a layer, as a static library. PRECOMPILE is for a library most of whose files include
+# some large headers that no other library does. OPTIMIZE_ACROSS_FILES is for those that do little at a time but
+# often: a frame passes through many small functions of several files.
 function(navrel_add_library name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "OPTIMIZE_ACROSS_FILES" "" "SOURCES;LINK")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "OPTIMIZE_ACROSS_FILES" "" "SOURCES;LINK;PRECOMPILE")
     add_library(${name} STATIC ${arg_SOURCES})
     target_link_libraries(${name} PUBLIC navrel_options ${arg_LINK})
+    if(NAVREL_PRECOMPILE_HEADERS AND arg_PRECOMPILE)
+        target_precompile_headers(${name} PRIVATE ${NAVREL_PRECOMPILED_HEADERS} ${arg_PRECOMPILE})
+    elseif(NAVREL_PRECOMPILE_HEADERS)
+        target_precompile_headers(${name} REUSE_FROM navrel_precompiled)
+    endif()
     if(arg_OPTIMIZE_ACROSS_FILES AND NAVREL_LINK_TIME_OPTIMIZATION)
         set_target_properties(${name} PROPERTIES INTERPROCEDURAL_OPTIMIZATION ON)
         # Qt's hash, which is no longer read as a system header then, looks as if it might grow
