@@ -1,15 +1,15 @@
 #pragma once
 
-#include "codemap/CodeMap.h"
 #include "web/CompanionHost.h"
+#include "web/MapSource.h"
 #include "web/ProgramState.h"
 
 #include <chrono>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace navrel {
@@ -81,18 +81,7 @@ struct PairedDevice {
     bool connected = false;
 };
 
-/// Where the server finds the code map.
-struct MapSource {
-    std::function<CodeMapSnapshotPtr()> snapshot; ///< never null; any thread
-    std::function<std::uint64_t(CodeMap::Observer)> addObserver;
-    std::function<void(std::uint64_t)> removeObserver;
-};
-
-inline MapSource mapSourceOf(CodeMap& map) {
-    return {[&map] { return map.snapshot(); },
-            [&map](CodeMap::Observer observer) { return map.addObserver(std::move(observer)); },
-            [&map](std::uint64_t token) { map.removeObserver(token); }};
-}
+class WebService;
 
 /// The server for browsers, as the program sees it. It runs on threads of its own: no function here
 /// waits for a client. All functions must be called from one thread, the main one; times are UTC.
@@ -136,12 +125,14 @@ public:
     void publishActive(const std::string& absolutePath, std::uint32_t line);
 
 private:
-    class Running;
-
     AccessSettings settings_;
     MapSource map_;
     CompanionHost& host_;
-    std::unique_ptr<Running> running_;
+    ProgramState state_;
+    std::vector<FileTypeSwitch> fileTypes_;
+    std::string activePath_;
+    std::uint32_t activeLine_ = 0;
+    std::unique_ptr<WebService> service_; ///< null before the start
 };
 
 } // namespace navrel
