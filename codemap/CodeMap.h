@@ -10,6 +10,8 @@
 
 namespace navrel {
 
+class FolderWatch;
+
 /// The code base of the selected project, kept up to date by a thread of its own. Its functions may
 /// be called from any thread and return at once.
 class CodeMap {
@@ -23,14 +25,20 @@ public:
     using Observer = std::function<void(const Change& change)>;
 
     CodeMap();
+    /// With another way to notice changes than the system's own.
+    explicit CodeMap(std::unique_ptr<FolderWatch> watch);
     /// Ends the thread. No observer is called afterwards.
     ~CodeMap();
     CodeMap(const CodeMap&) = delete;
     CodeMap& operator=(const CodeMap&) = delete;
 
-    /// Maps the project of a bundle (an absolute path to an .xcodeproj) from now on; an empty path
-    /// maps nothing.
+    /// Maps the project of a bundle (an absolute path to an .xcodeproj or .xcworkspace) from now
+    /// on; an empty path maps nothing.
     void open(const std::string& bundlePath);
+
+    /// Has the files of another project of the workspace mapped too, by its node, until another
+    /// bundle is opened. Does nothing for a node that is no project.
+    void include(NodeID project);
 
     /// The newest snapshot; never null.
     CodeMapSnapshotPtr snapshot() const;
@@ -40,8 +48,8 @@ public:
     std::uint64_t addObserver(Observer observer);
     void removeObserver(std::uint64_t token);
 
-    /// Whether changes are told of by the kernel. False where its limit of watches is used up, and
-    /// the disk is looked at once a second instead.
+    /// Whether the system reports changes. False where its limit of watches is used up: then the
+    /// map looks at the disk once a second instead.
     bool isWatching() const;
 
 private:

@@ -25,10 +25,10 @@ CodeMapSnapshot::CodeMapSnapshot(Content content, const CodeMapSnapshot* before)
     count();
 }
 
-const MapNode* CodeMapSnapshot::node(NodeID id) const {
+const MapNodePtr& CodeMapSnapshot::nodePointer(NodeID id) const {
+    static const MapNodePtr kNothing;
     const auto found = firstOf(lookUp_->ids, id);
-    return found != lookUp_->ids.end() && found->first == id ? nodes()[found->second].get()
-                                                             : nullptr;
+    return found != lookUp_->ids.end() && found->first == id ? nodes()[found->second] : kNothing;
 }
 
 std::vector<NodeID> CodeMapSnapshot::counterparts(NodeID file) const {

@@ -102,7 +102,9 @@ public:
     /// Null while nothing is loaded.
     const MapNode* root() const { return nodes().empty() ? nullptr : nodes().front().get(); }
     /// Null for an identifier that names nothing in this snapshot.
-    const MapNode* node(NodeID id) const;
+    const MapNode* node(NodeID id) const { return nodePointer(id).get(); }
+    /// The same, to be shared.
+    const MapNodePtr& nodePointer(NodeID id) const;
     /// All nodes: the root first, each node before its children, in the order of the project.
     const std::vector<MapNodePtr>& nodes() const { return content_.nodes; }
     /// Files that are there.

@@ -1,7 +1,11 @@
 #include "codemap/CodeMapViews.h"
 
+#include "codemap/BranchChanges.h"
 #include "codemap/TypeIndex.h"
+#include "codemap/tree/ProjectTree.h"
+#include "support/text/UTF8.h"
 
+#include <array>
 #include <boost/json/array.hpp>
 #include <unordered_map>
 
@@ -22,6 +26,12 @@ json::array arrayOf(const std::vector<std::string_view>& texts) {
         array.emplace_back(textOf(text));
     }
     return array;
+}
+
+/// A text that was not checked where it came from.
+json::string shownText(std::string_view text) {
+    const QByteArrayView bytes(text.data(), static_cast<qsizetype>(text.size()));
+    return isValidUTF8(bytes) ? textOf(text) : textOf(shownUTF8(bytes).toStdString());
 }
 
 /// Everything about a node but its place in the tree.
@@ -199,6 +209,33 @@ json::object resultObject(const SearchResult& result) {
     return object;
 }
 
+std::string_view nameOf(ChangesState state) {
+    constexpr std::array<std::string_view, 3> kNames = {"ok", "noRepository", "unavailable"};
+    return kNames[static_cast<std::size_t>(state)];
+}
+
+std::string_view nameOf(ChangeStatus status) {
+    constexpr std::array<std::string_view, 4> kNames = {"added", "modified", "deleted", "renamed"};
+    return kNames[static_cast<std::size_t>(status)];
+}
+
+json::object changedFileObject(const CodeMapSnapshot& snapshot, const ChangedFile& changed) {
+    json::object object;
+    object["file"] = changed.file != nullptr
+                         ? fileReference(*changed.file)
+                         : fileReference(unlistedFile(changed.absolutePath, snapshot.folder()));
+    object["status"] = textOf(nameOf(changed.status));
+    json::array symbols;
+    for (const ChangedSymbol& symbol : changed.symbols) {
+        json::object item;
+        item["name"] = symbol.name;
+        item["line"] = symbol.line;
+        symbols.emplace_back(std::move(item));
+    }
+    object["symbols"] = std::move(symbols);
+    return object;
+}
+
 } // namespace
 
 json::object fileReference(const MapNode& file, std::uint32_t line) {
@@ -311,10 +348,27 @@ json::object searchView(const CodeMapSnapshot& snapshot, const SearchRequest& re
         items.emplace_back(resultObject(result));
     }
     json::object view;
-    view["query"] = textOf(request.query);
+    view["query"] = shownText(request.query);
     view["revision"] = snapshot.revision();
     view["truncated"] = results.truncated;
     view["items"] = std::move(items);
+    return view;
+}
+
+json::object changesView(const CodeMapSnapshot& snapshot) {
+    const BranchChanges changes = branchChangesOf(snapshot);
+    json::object view;
+    view["state"] = textOf(nameOf(changes.state));
+    if (changes.state != ChangesState::ok) {
+        return view;
+    }
+    json::array files;
+    for (const ChangedFile& file : changes.files) {
+        files.emplace_back(changedFileObject(snapshot, file));
+    }
+    view["base"] = shownText(changes.base);
+    view["mergeBase"] = changes.mergeBase;
+    view["files"] = std::move(files);
     return view;
 }
 
