@@ -4,6 +4,7 @@
 #include "companion/Commands.h"
 #include "companion/CompanionLink.h"
 #include "companion/LineInput.h"
+#include "companion/MapCommand.h"
 #include "transport/CompanionProtocol.h"
 
 #include <QCommandLineParser>
@@ -12,6 +13,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <string_view>
 #include <thread>
 #include <unistd.h>
 
@@ -100,6 +102,9 @@ int runCompanion(std::chrono::seconds wait) {
 } // namespace
 
 int main(int argc, char** argv) {
+    if (argc > 1 && std::string_view(argv[1]) == "map") {
+        return runMapCommand({argv + 2, argv + argc});
+    }
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("navrel-companion"));
     QCoreApplication::setApplicationVersion(QStringLiteral(NAVREL_VERSION));
