@@ -1,0 +1,28 @@
+#pragma once
+
+#include "codemap/cfamily/Token.h"
+
+#include <string_view>
+
+namespace navrel::cfamily {
+
+/// Which words of a text are words of the language.
+enum class Dialect : std::uint8_t {
+    c,       ///< C and Objective-C
+    cpp,     ///< C++ and Objective-C++
+    unknown, ///< a header: the words of C++ where they stand as in C++
+};
+
+/// What a word means. `next` is the first byte after it that is not blank: it tells a word of C++
+/// in a header from a name of C.
+Word wordOf(std::string_view word, Dialect dialect, char next);
+/// Whether `next` is needed for a word.
+bool mayBeWord(std::string_view word);
+
+/// What a word after "@" means.
+AtWord atWordOf(std::string_view word);
+
+/// Whether a word has capitals, digits and "_" only: macros are named like this.
+bool isAllCapitals(std::string_view word);
+
+} // namespace navrel::cfamily
