@@ -1,0 +1,101 @@
+#include "codemap/cfamily/Directive.h"
+
+#include "codemap/cfamily/Token.h"
+
+#include <algorithm>
+#include <array>
+
+namespace navrel::cfamily {
+
+namespace {
+
+using Kind = Directive::Kind;
+
+struct Entry {
+    std::string_view word;
+    Kind kind;
+};
+
+constexpr std::array kEntries = {
+    Entry{"if", Kind::condition},        Entry{"ifdef", Kind::condition},
+    Entry{"ifndef", Kind::condition},    Entry{"elif", Kind::alternative},
+    Entry{"elifdef", Kind::alternative}, Entry{"elifndef", Kind::alternative},
+    Entry{"else", Kind::alternative},    Entry{"endif", Kind::endOfCondition},
+    Entry{"define", Kind::definition},   Entry{"pragma", Kind::mark},
+    Entry{"warning", Kind::warning},     Entry{"error", Kind::error},
+};
+
+bool isBlankOrContinuation(char byte) {
+    return isBlank(byte) || byte == '\\';
+}
+
+std::string_view trimmed(std::string_view text) {
+    while (!text.empty() && isBlankOrContinuation(text.front())) {
+        text.remove_prefix(1);
+    }
+    while (!text.empty() && isBlank(text.back())) {
+        text.remove_suffix(1);
+    }
+    return text;
+}
+
+std::string_view takeWord(std::string_view& text) {
+    const auto end = std::find_if_not(text.begin(), text.end(), isNameByte);
+    const auto length = static_cast<std::size_t>(end - text.begin());
+    const std::string_view word = text.substr(0, length);
+    text.remove_prefix(length);
+    return word;
+}
+
+void readDefinition(std::string_view rest, Directive& directive) {
+    directive.text = takeWord(rest);
+    if (directive.text.empty()) {
+        directive.kind = Kind::other;
+    } else if (rest.starts_with('(')) {
+        directive.parameters = rest.substr(0, std::min(rest.find(')'), rest.size() - 1) + 1);
+    }
+}
+
+void readMark(std::string_view rest, Directive& directive) {
+    if (takeWord(rest) != "mark") {
+        directive.kind = Kind::other;
+        return;
+    }
+    rest = trimmed(rest);
+    directive.isSeparator = rest.starts_with('-');
+    directive.text = directive.isSeparator ? trimmed(rest.substr(1)) : rest;
+}
+
+} // namespace
+
+Directive readDirective(std::string_view line) {
+    Directive directive;
+    line.remove_prefix(line.starts_with("%:") ? 2 : 1);
+    std::string_view rest = trimmed(line);
+    const std::string_view word = takeWord(rest);
+    const auto entry = std::find_if(kEntries.begin(), kEntries.end(),
+                                    [word](const Entry& one) { return one.word == word; });
+    if (entry == kEntries.end()) {
+        return directive;
+    }
+    directive.kind = entry->kind;
+    rest = trimmed(rest);
+    switch (directive.kind) {
+    case Kind::condition: {
+        const std::string_view value = takeWord(rest);
+        directive.isNever = word == "if" && value == "0" && trimmed(rest).empty();
+        break;
+    }
+    case Kind::definition:
+        readDefinition(rest, directive);
+        break;
+    case Kind::mark:
+        readMark(rest, directive);
+        break;
+    default:
+        directive.text = rest;
+    }
+    return directive;
+}
+
+} // namespace navrel::cfamily

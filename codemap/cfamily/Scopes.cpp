@@ -1,0 +1,49 @@
+#include "codemap/cfamily/Scopes.h"
+
+#include "support/Assertion.h"
+
+#include <utility>
+
+namespace navrel::cfamily {
+
+Scopes::Scopes(OutlineBuilder& builder) : builder_(builder), scopes_(1) {}
+
+void Scopes::open(Scope scope) {
+    scope.parent = current_;
+    scope.depth = static_cast<std::uint16_t>(current().depth + 1);
+    current_ = static_cast<Number>(scopes_.size());
+    scopes_.push_back(std::move(scope));
+}
+
+void Scopes::open(Scope scope, const OutlineBuilder::Declaration& declaration) {
+    builder_.open(declaration);
+    scope.hasSymbol = true;
+    open(std::move(scope));
+}
+
+void Scopes::close(std::uint32_t line) {
+    NAVREL_ASSERT(current_ != 0);
+    closeSymbol(line);
+    current_ = current().parent;
+}
+
+void Scopes::restore(Number number, std::uint32_t line) {
+    Number other = number;
+    while (current_ != other) {
+        if (current().depth >= at(other).depth) {
+            close(line);
+        } else {
+            other = at(other).parent;
+        }
+    }
+    current_ = number;
+}
+
+void Scopes::closeSymbol(std::uint32_t line) {
+    if (current().hasSymbol) {
+        builder_.close(line);
+        current().hasSymbol = false;
+    }
+}
+
+} // namespace navrel::cfamily
