@@ -96,13 +96,12 @@ Outline outlineOfSource(Language language, std::string_view text) {
     switch (language) {
     case Language::swift:
         return outlineOfSwift(text);
-    case Language::none:
     case Language::objectiveC:
     case Language::c:
     case Language::cpp:
     case Language::objectiveCpp:
     case Language::header:
-        break;
+        return outlineOfCFamily(language, text);
     }
     return outlineOfLinesAlone(language, text);
 }

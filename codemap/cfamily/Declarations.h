@@ -1,0 +1,95 @@
+#pragma once
+
+#include "codemap/LineCounter.h"
+#include "codemap/OutlineBuilder.h"
+#include "codemap/cfamily/Declarator.h"
+#include "codemap/cfamily/Directive.h"
+#include "codemap/cfamily/Head.h"
+#include "codemap/cfamily/Scopes.h"
+#include "codemap/cfamily/TypeHead.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace navrel::cfamily {
+
+/// A symbol on its way to the outline.
+struct Found {
+    SymbolKind kind{};
+    Access access = Access::unstated;
+    std::string name;
+    std::string inherits;
+    std::size_t nameAt = 0; ///< in the text
+    std::size_t begin = 0;  ///< of the signature
+    std::size_t end = 0;
+};
+
+/// Adds what heads declare to an outline.
+class Declarations {
+public:
+    /// Prototypes and "extern" variables are shown in headers, where they are what the file is for;
+    /// elsewhere they repeat what is defined in another place.
+    Declarations(const Head& head, Scopes& scopes, OutlineBuilder& builder, LineCounter& lines,
+                 bool isHeader)
+        : head_(head), scopes_(scopes), builder_(builder), lines_(lines), isHeader_(isHeader) {}
+
+    /// What a head with a body declares as a function or method; no name where it does not.
+    Found functionOf(std::size_t signatureEnd);
+    /// What begins with "-" or "+".
+    Found methodOf(std::size_t signatureEnd);
+    /// A type whose body follows. `nameAfter` is the name that stands behind the body, for a type
+    /// that has none before it.
+    Found typeOf(const TypeHead& type, std::string_view nameAfter, std::size_t signatureEnd);
+
+    /// All that a head before a semicolon declares; but not its first name where that was added
+    /// with the body before it.
+    void addAll(std::size_t signatureEnd, bool isFirstTaken);
+    void addProperties(std::size_t signatureEnd);
+    /// The case that the head is.
+    void addCase(std::size_t signatureEnd);
+    void addMacro(const Directive& definition, std::size_t begin, std::size_t end);
+
+    void add(const Found& found, std::size_t end);
+    /// Calls `use` with the declaration of what was found.
+    template <typename Use>
+    void with(const Found& found, Use use) {
+        const std::string signature = signatureOf(found);
+        OutlineBuilder::Declaration declaration;
+        declaration.kind = found.kind;
+        declaration.access = found.access;
+        declaration.line = lines_.lineAt(found.nameAt);
+        declaration.name = found.name;
+        declaration.signature = signature;
+        declaration.inherits = found.inherits;
+        use(declaration);
+    }
+
+private:
+    enum class Role { none, ordinary, typeDefinition, alias };
+
+    Role role() const;
+    bool isInstantiation() const;
+    void addAlias(std::size_t signatureEnd);
+    void addDeclarator(const Declarator& declarator, std::size_t begin, bool isTypeDefinition,
+                       std::size_t signatureEnd);
+    bool isToBeShown(const Declarator& declarator) const;
+    bool isFunctionToBeShown(const Declarator& declarator) const;
+    bool isVariable(const Declarator& declarator) const;
+    SymbolKind kindOf(const Declarator& declarator) const;
+    bool isSpecialMember(const Declarator& declarator) const;
+    Found found(SymbolKind kind, NameRange name, std::size_t signatureEnd) const;
+    std::string signatureOf(const Found& found) const;
+    std::size_t signatureBegin() const;
+    std::size_t nextName(std::size_t index) const;
+
+    const Head& head_;
+    Scopes& scopes_;
+    OutlineBuilder& builder_;
+    LineCounter& lines_;
+    bool isHeader_;
+};
+
+} // namespace navrel::cfamily
