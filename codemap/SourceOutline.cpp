@@ -94,6 +94,8 @@ Outline outlineOfSource(Language language, std::string_view text) {
         text.remove_prefix(kByteOrderMark.size());
     }
     switch (language) {
+    case Language::none:
+        break;
     case Language::swift:
         return outlineOfSwift(text);
     case Language::objectiveC:
