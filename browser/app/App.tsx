@@ -28,11 +28,11 @@ export function App() {
   const isStale = useStore((state) => state.connection !== "open" && state.freshAt > 0);
   if (isUnpaired) return <Pairing />;
   return (
-    <div class={isStale ? "app stale" : "app"}>
+    <main class={isStale ? "app stale" : "app"}>
       {isWide ? <TwoPanes /> : <OnePane />}
       <RowMenu />
       <Message />
-    </div>
+    </main>
   );
 }
 
@@ -42,11 +42,11 @@ function OnePane() {
   return (
     <>
       <Banner />
-      <main class="panes">
+      <div class="panes">
         <div class="pane" role="tabpanel" id="screen" aria-labelledby={`tab-${tab}`}>
           <Screen />
         </div>
-      </main>
+      </div>
       <TabBar />
     </>
   );
@@ -65,7 +65,7 @@ function TwoPanes() {
         </button>
       </div>
       <Banner />
-      <main class="panes">
+      <div class="panes">
         <div class="navigator">
           <TabBar />
           <div class="pane" role="tabpanel" id="screen" aria-labelledby={`tab-${tab}`}>
@@ -76,7 +76,7 @@ function TwoPanes() {
         <section class="pane" aria-label="Outline of the file">
           <OutlineScreen />
         </section>
-      </main>
+      </div>
     </>
   );
 }

@@ -1,12 +1,14 @@
 // Runs the tests: `unit` by themselves, the others in the browser of that name.
-// usage: node test.mjs [unit] [chromium] [webkit] [firefox]
+// usage: node test.mjs [--name PATTERN] [unit] [chromium] [webkit] [firefox]
 import { execFileSync, spawnSync } from "node:child_process";
 import { mkdirSync, readdirSync, rmSync } from "node:fs";
 import { basename, join } from "node:path";
 import { fileURLToPath } from "node:url";
+import { parseArgs } from "node:util";
 
 process.chdir(fileURLToPath(new URL("..", import.meta.url)));
-const suites = process.argv.slice(2);
+const { positionals: suites, values: options } = parseArgs({ allowPositionals: true, options: { name: { type: "string" } } });
+const patterns = options.name ? [`--test-name-pattern=${options.name}`] : [];
 const out = "build/tests";
 
 rmSync(out, { recursive: true, force: true });
@@ -17,7 +19,7 @@ const testsOf = (folder) => readdirSync(folder).filter((name) => name.endsWith("
 const sources = [...testsOf("tests/unit"), ...testsOf("tests/browsers")];
 execFileSync(
   "esbuild",
-  [...sources, "--bundle", "--platform=node", "--format=esm", "--packages=external", "--outdir=" + out, "--out-extension:.js=.mjs", "--jsx=automatic", "--jsx-import-source=preact", "--log-level=warning"],
+  [...sources, "--bundle", "--platform=node", "--format=esm", "--packages=external", "--outdir=" + out, "--outbase=tests", "--sourcemap=inline", "--out-extension:.js=.mjs", "--jsx=automatic", "--jsx-import-source=preact", "--log-level=warning"],
   { stdio: "inherit" },
 );
 
@@ -26,7 +28,7 @@ for (const suite of suites) {
   const folder = suite === "unit" ? "tests/unit" : "tests/browsers";
   const files = testsOf(folder).map((source) => join(out, basename(folder), basename(source).replace(/\.ts$/, ".mjs")));
   console.error(`== ${suite}`);
-  const run = spawnSync(process.execPath, ["--test", ...files], { stdio: "inherit", env: { ...process.env, NAVREL_BROWSER_ENGINE: suite } });
+  const run = spawnSync(process.execPath, ["--test", ...patterns, ...files], { stdio: "inherit", env: { ...process.env, NAVREL_BROWSER_ENGINE: suite } });
   if (run.status !== 0) status = 1;
 }
 process.exit(status);

@@ -19,10 +19,8 @@ interface Lines {
   lines: readonly string[];
 }
 
-function linesOf({ from, total, text }: Shape.Source): Lines {
-  const lines = text.split("\n");
-  if (text.endsWith("\n")) lines.pop();
-  return { from, total, lines: text === "" ? [] : lines };
+function linesOf({ from, to, total, text }: Shape.Source): Lines {
+  return { from, total, lines: to < from ? [] : text.split("\n") };
 }
 
 export function CodeLook({ look, onClose }: { look: Look; onClose(): void }) {

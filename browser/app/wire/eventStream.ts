@@ -34,7 +34,7 @@ const kNames: Record<EventName, true> = {
 
 /** Nothing for an event of a later version, or for what is not JSON. */
 export function parseEvent(name: string, data: string): AnyEvent | undefined {
-  if (!(name in kNames)) return undefined;
+  if (!Object.prototype.hasOwnProperty.call(kNames, name)) return undefined;
   try {
     return { name, data: JSON.parse(data) } as AnyEvent;
   } catch {

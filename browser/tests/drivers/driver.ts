@@ -1,0 +1,67 @@
+// One browser under test, whichever it is: as little as the journeys need.
+
+export type Device = "phone" | "tablet";
+export type Colours = "light" | "dark";
+
+export const kSizes: Record<Device, { width: number; height: number }> = {
+  phone: { width: 390, height: 844 },
+  tablet: { width: 1180, height: 820 },
+};
+
+/** A page in a profile of its own, as on a device of its own. */
+export interface View {
+  go(url: string): Promise<void>;
+  /** Runs a function in the page: it sees nothing of the test but its arguments. */
+  run<Answer, Arguments extends unknown[]>(body: (...args: Arguments) => Answer | Promise<Answer>, ...args: Arguments): Promise<Answer>;
+  /** Runs a whole script. */
+  script(source: string): Promise<void>;
+  /** Taps what a selector finds; with a text, the first element that holds it. Waits until it is there. */
+  tap(selector: string, text?: string): Promise<void>;
+  type(selector: string, text: string): Promise<void>;
+  press(key: Key): Promise<void>;
+  picture(path: string): Promise<void>;
+  /** What the page complained about: errors of scripts, and refusals by its own policy. */
+  complaints(): Promise<string[]>;
+  close(): Promise<void>;
+}
+
+export type Key = "Enter" | "Escape" | "ArrowDown" | "ArrowUp" | "/" | "]" | "[" | "b" | "1" | "2" | "3" | "4" | "5";
+
+export interface Driver {
+  open(device: Device, colours: Colours): Promise<View>;
+  close(): Promise<void>;
+}
+
+/** On a busy machine everything takes long; nothing takes this long. */
+export const kDeadlineMilliseconds = 30_000;
+const kPauseMilliseconds = 50;
+
+export async function until<Answer>(what: string, look: () => Promise<Answer | undefined | false>): Promise<Answer> {
+  const deadline = Date.now() + kDeadlineMilliseconds;
+  let last: unknown;
+  while (Date.now() < deadline) {
+    try {
+      const answer = await look();
+      if (answer !== undefined && answer !== false) return answer;
+      last = undefined;
+    } catch (error) {
+      last = error;
+    }
+    await new Promise((done) => setTimeout(done, kPauseMilliseconds));
+  }
+  throw new Error(`Waited in vain for ${what}${last === undefined ? "" : ` (${String(last)})`}`);
+}
+
+/** In the page, before its own scripts or soon after: keeps what goes wrong. */
+export function listenForComplaints(): void {
+  const page = window as unknown as { complaints?: string[] };
+  if (page.complaints) return;
+  const complaints: string[] = (page.complaints = []);
+  addEventListener("error", (event) => complaints.push(`error: ${event.message}`));
+  addEventListener("unhandledrejection", (event) => complaints.push(`rejection: ${String(event.reason)}`));
+  document.addEventListener("securitypolicyviolation", (event) => complaints.push(`policy: ${event.violatedDirective} ${event.sourceFile}`));
+}
+
+export function complaintsOfPage(): string[] {
+  return (window as unknown as { complaints?: string[] }).complaints ?? [];
+}

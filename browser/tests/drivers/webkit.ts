@@ -1,0 +1,170 @@
+// WebKitGTK's small browser, driven over WebDriver on an X server of its own: the nearest that Debian has to
+// the browser of an iPhone.
+import { type ChildProcess, spawn } from "node:child_process";
+import { existsSync, readdirSync, writeFileSync } from "node:fs";
+import { createServer, type AddressInfo } from "node:net";
+import type { Readable } from "node:stream";
+import { type Colours, complaintsOfPage, type Device, type Driver, kSizes, type Key, listenForComplaints, until, type View } from "./driver";
+
+const kLibraries = "/usr/lib";
+/** Its buttons keep the window from becoming as narrow as a phone's. */
+const kNarrowestWindow = 480;
+const kElement = "element-6066-11e4-a52e-4f735466cecf";
+const kKeys: Partial<Record<Key, string>> = { Enter: "\uE007", Escape: "\uE00C", ArrowDown: "\uE015", ArrowUp: "\uE013" };
+
+function findBrowser(): string {
+  for (const architecture of readdirSync(kLibraries)) {
+    for (const version of ["webkit2gtk-4.1", "webkit2gtk-4.0", "webkitgtk-6.0"]) {
+      const path = `${kLibraries}/${architecture}/${version}/MiniBrowser`;
+      if (existsSync(path)) return path;
+    }
+  }
+  throw new Error("There is no MiniBrowser: install webkit2gtk-driver");
+}
+
+async function freePort(): Promise<number> {
+  const server = createServer();
+  await new Promise<void>((done) => server.listen(0, "127.0.0.1", done));
+  const { port } = server.address() as AddressInfo;
+  await new Promise((done) => server.close(done));
+  return port;
+}
+
+async function end(process: ChildProcess): Promise<void> {
+  if (process.exitCode !== null || process.signalCode !== null) return;
+  const ended = new Promise((done) => process.once("exit", done));
+  process.kill();
+  await ended;
+}
+
+/** An X server on a display of its own choice. */
+async function startDisplay(): Promise<{ process: ChildProcess; name: string }> {
+  const process = spawn("Xvfb", ["-displayfd", "3", "-screen", "0", "1280x1024x24", "-nolisten", "tcp"], { stdio: ["ignore", "ignore", "ignore", "pipe"] });
+  const output = process.stdio[3] as Readable;
+  const name = await new Promise<string>((done, fail) => {
+    output.once("data", (text) => done(`:${String(text).trim()}`));
+    process.once("exit", () => fail(new Error("Xvfb ended at once")));
+  });
+  return { process, name };
+}
+
+class WebDriver {
+  constructor(private readonly root: string) {}
+
+  async ask<Answer>(method: "GET" | "POST" | "DELETE", path: string, body?: unknown): Promise<Answer> {
+    const response = await fetch(this.root + path, { method, ...(method === "POST" ? { body: JSON.stringify(body ?? {}) } : {}) });
+    const { value } = (await response.json()) as { value: Answer & { error?: string; message?: string } };
+    if (!response.ok) throw new Error(`${value.error}: ${value.message}`);
+    return value;
+  }
+}
+
+class WebKitView implements View {
+  constructor(
+    private readonly driver: WebDriver,
+    private readonly program: ChildProcess,
+    private readonly session: string,
+    private readonly device: Device,
+  ) {}
+
+  async go(url: string): Promise<void> {
+    await this.post("url", { url: "about:blank" });
+    await this.post("url", { url });
+    await this.run(listenForComplaints);
+    await this.fit();
+  }
+
+  run<Answer, Arguments extends unknown[]>(body: (...args: Arguments) => Answer | Promise<Answer>, ...args: Arguments): Promise<Answer> {
+    return this.post("execute/sync", { script: `return (${body.toString()})(...arguments)`, args });
+  }
+
+  async script(source: string): Promise<void> {
+    await this.post("execute/sync", { script: source, args: [] });
+  }
+
+  async tap(selector: string, text?: string): Promise<void> {
+    const find = (wanted: string, held: string | null) => {
+      const found = [...document.querySelectorAll(wanted)].find((each) => held === null || each.textContent!.includes(held));
+      found?.scrollIntoView({ block: "nearest" });
+      return found;
+    };
+    await until(`${selector} ${text ?? ""}`, async () => {
+      const element = (await this.run(find as never, selector as never, (text ?? null) as never)) as Record<string, string> | null;
+      if (!element) return false;
+      await this.post(`element/${element[kElement]}/click`, {});
+      return true;
+    });
+  }
+
+  async type(selector: string, text: string): Promise<void> {
+    const element = await this.post<Record<string, string>>("element", { using: "css selector", value: selector });
+    await this.post(`element/${element[kElement]}/clear`, {});
+    await this.post(`element/${element[kElement]}/value`, { text });
+  }
+
+  async press(key: Key): Promise<void> {
+    const value = kKeys[key] ?? key;
+    const actions = [{ type: "key", id: "keys", actions: [{ type: "keyDown", value }, { type: "keyUp", value }] }];
+    await this.post("actions", { actions });
+  }
+
+  async picture(path: string): Promise<void> {
+    writeFileSync(path, Buffer.from(await this.driver.ask<string>("GET", `/session/${this.session}/screenshot`), "base64"));
+  }
+
+  complaints(): Promise<string[]> {
+    return this.run(complaintsOfPage);
+  }
+
+  async close(): Promise<void> {
+    await this.driver.ask("DELETE", `/session/${this.session}`).catch(() => undefined);
+    await end(this.program);
+  }
+
+  /** Windows have edges: the page itself gets the device's size. */
+  private async fit(): Promise<void> {
+    const { width, height } = kSizes[this.device];
+    const inner = await this.run(() => [innerWidth, innerHeight] as const);
+    const outer = await this.driver.ask<{ width: number; height: number }>("GET", `/session/${this.session}/window/rect`);
+    await this.post("window/rect", { x: 0, y: 0, width: outer.width + width - inner[0], height: outer.height + height - inner[1] });
+    const least = Math.max(width, kNarrowestWindow);
+    await until("the window's size", () => this.run((wanted: number) => innerWidth <= wanted && innerWidth > wanted - 100, least));
+  }
+
+  private post<Answer>(command: string, body: unknown): Promise<Answer> {
+    return this.driver.ask<Answer>("POST", `/session/${this.session}/${command}`, body);
+  }
+}
+
+export class WebKitDriver implements Driver {
+  private constructor(private readonly display: { process: ChildProcess; name: string }) {}
+
+  static async start(): Promise<WebKitDriver> {
+    return new WebKitDriver(await startDisplay());
+  }
+
+  async open(device: Device, colours: Colours): Promise<View> {
+    const port = await freePort();
+    const program = spawn("WebKitWebDriver", [`--port=${port}`], {
+      stdio: "ignore",
+      env: {
+        ...process.env,
+        DISPLAY: this.display.name,
+        GDK_BACKEND: "x11",
+        GTK_THEME: colours === "dark" ? "Adwaita:dark" : "Adwaita",
+        LIBGL_ALWAYS_SOFTWARE: "1",
+        NO_AT_BRIDGE: "1",
+      },
+    });
+    const driver = new WebDriver(`http://127.0.0.1:${port}`);
+    await until("WebKitWebDriver", () => driver.ask<{ ready: boolean }>("GET", "/status").then(({ ready }) => ready));
+    const options = { binary: findBrowser(), args: ["--automation"] };
+    const capabilities = { alwaysMatch: { acceptInsecureCerts: true, "webkitgtk:browserOptions": options } };
+    const { sessionId } = await driver.ask<{ sessionId: string }>("POST", "/session", { capabilities });
+    return new WebKitView(driver, program, sessionId, device);
+  }
+
+  async close(): Promise<void> {
+    await end(this.display.process);
+  }
+}

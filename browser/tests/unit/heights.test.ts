@@ -1,0 +1,28 @@
+import assert from "node:assert/strict";
+import { test } from "node:test";
+import { Heights } from "../../app/model/heights";
+
+test("rows are taken for as high as guessed until they are measured", () => {
+  const heights = new Heights(10, 50);
+  assert.equal(heights.total, 500);
+  assert.equal(heights.measure(2, 80), 30);
+  assert.equal(heights.measure(2, 80), 0);
+  assert.equal(heights.top(2), 100);
+  assert.equal(heights.top(3), 180);
+  assert.equal(heights.total, 530);
+});
+
+test("the row at a distance from the top is found", () => {
+  const heights = new Heights(10, 50);
+  heights.measure(0, 100);
+  assert.equal(heights.rowAt(-5), 0);
+  assert.equal(heights.rowAt(99), 0);
+  assert.equal(heights.rowAt(100), 1);
+  assert.equal(heights.rowAt(1e6), 9);
+});
+
+test("an empty list has no height", () => {
+  const heights = new Heights(0, 50);
+  assert.equal(heights.total, 0);
+  assert.equal(heights.rowAt(10), 0);
+});
