@@ -1,0 +1,274 @@
+// What a user does with the page, against a server that plays Navrel and can fall into any state.
+import assert from "node:assert/strict";
+import { test } from "node:test";
+import { type Device, until, type View } from "../drivers/driver";
+import { useEngine, withView } from "../drivers/engine";
+import { idOf } from "../mock/sample";
+import { kCode, kTicket, MockServer } from "../mock/server";
+import { Hand } from "./hand";
+import { kAssets } from "./screens";
+
+useEngine();
+
+interface Table {
+  hand: Hand;
+  view: View;
+  server: MockServer;
+}
+
+/** A paired device before the files of the sample. */
+function journey(name: string, device: Device, body: (table: Table) => Promise<void>, prepare: (server: MockServer) => void = () => {}): void {
+  test(name, async () => {
+    const server = new MockServer(kAssets);
+    prepare(server);
+    await server.start();
+    try {
+      await withView(device, "light", async (view) => {
+        const hand = new Hand(view, device);
+        await hand.pair({ link: async () => `${server.url}#p=${kTicket}` });
+        await body({ hand, view, server });
+      });
+    } finally {
+      await server.stop();
+    }
+  });
+}
+
+const kView = idOf("Tidewatch/Views/TideView.m");
+const kTable = idOf("Tidewatch/Model/TideTable.swift");
+
+journey("a link pairs, and its ticket leaves the address", "phone", async ({ view }) => {
+  assert.equal(await view.run(() => location.hash), "");
+  assert.ok(!(await view.run(() => location.href)).includes(kTicket));
+});
+
+test("six digits pair, and wrong ones say so", async () => {
+  const server = new MockServer(kAssets);
+  await server.start();
+  try {
+    await withView("phone", "light", async (view) => {
+      const hand = new Hand(view, "phone");
+      await view.go(server.url);
+      await hand.sees("Pair this device");
+      await view.type("#code", "999999");
+      await hand.sees("That is not the code.");
+      await view.type("#code", kCode);
+      await hand.sees("Products");
+    });
+  } finally {
+    await server.stop();
+  }
+});
+
+journey("a tap on a symbol opens its line", "phone", async ({ hand, server }) => {
+  await hand.goToFile("Model", "TideTable.swift");
+  await hand.row("next(after:)");
+  await hand.sees("TideTable.swift:14 is open in Neovim");
+  assert.deepEqual(server.opened, [{ file: kTable, line: 14 }]);
+});
+
+journey("the browser's own Back leads up", "phone", async ({ hand, view }) => {
+  await hand.row("Tidewatch");
+  await hand.row("Model");
+  await hand.sees("Station.swift");
+  await view.run(() => history.back());
+  await hand.sees("Application support");
+  await view.run(() => history.back());
+  await hand.sees("Products");
+});
+
+journey("a tablet shows the outline beside the files", "tablet", async ({ hand, view }) => {
+  await hand.goToFile("Views", "TideView.m");
+  assert.deepEqual(await hand.names("Files in Views"), ["TideListController.h", "TideListController.m", "TideView.h", "TideView.m"]);
+  assert.ok((await hand.names("Outline of TideView.m")).includes("-drawRect:"));
+  const before = await view.run(() => document.querySelector(".navigator")!.getBoundingClientRect().width);
+  await view.run(() => (document.querySelector("[role=separator]") as HTMLElement).focus());
+  await view.run(() => void document.activeElement!.dispatchEvent(new KeyboardEvent("keydown", { key: "ArrowRight", bubbles: true })));
+  await until("a wider navigator", async () => (await view.run(() => document.querySelector(".navigator")!.getBoundingClientRect().width)) === before + 20);
+});
+
+journey("from the keyboard to the editor's line", "tablet", async ({ hand, view, server }) => {
+  await view.press("/");
+  await until("the search field", () => view.run(() => document.activeElement?.id === "search"));
+  await view.type("#search", "next");
+  await hand.sees("TideTable · TideTable.swift:14");
+  await view.press("ArrowDown");
+  await until("the second hit", () => view.run(() => document.querySelector(".selected")?.id === "hit-1"));
+  await view.press("ArrowUp");
+  await view.press("Enter");
+  await hand.sees("TideTable.swift:14 is open");
+  assert.deepEqual(server.opened, [{ file: kTable, line: 14 }]);
+  await view.press("Escape");
+  await hand.sees("Opened lately");
+});
+
+journey("chips narrow the search", "phone", async ({ hand, view }) => {
+  await hand.tab("Search");
+  await view.type("#search", "tide");
+  await hand.sees("Tide.h");
+  await hand.button("Types");
+  await until("types only", async () => (await hand.names("Found")).every((name) => !name.includes(".")));
+  assert.ok((await hand.names("Found")).includes("TideTable"));
+});
+
+journey("keys lead through screens, lists and symbols", "tablet", async ({ hand, view, server }) => {
+  await hand.goToFile("Views", "TideView.m");
+  await view.press("4");
+  await hand.sees("reuse the cells");
+  await view.press("1");
+  await until("the files", () => view.run(() => document.querySelector("#tab-files")?.getAttribute("aria-selected") === "true"));
+  for (const [key, line] of [["[", 11], ["[", 7], ["]", 11]] as const) {
+    const steps = server.opened.length + 1;
+    await view.press(key);
+    await until("a step", async () => server.opened.length === steps);
+    assert.equal(server.opened.at(-1)?.line, line);
+  }
+  await view.press("b");
+  await until("the way back", async () => server.backs === 1);
+});
+
+journey("arrows move through a list", "phone", async ({ hand, view }) => {
+  await hand.row("Tidewatch");
+  await hand.sees("Resources");
+  await view.press("ArrowDown");
+  await view.press("ArrowDown");
+  await until("the second row", () => view.run(() => document.activeElement?.textContent?.includes("Views") === true));
+  await view.press("Enter");
+  await hand.sees("TideListController.m");
+});
+
+journey("a look at the code leaves the editor alone", "phone", async ({ hand, server }) => {
+  await hand.goToFile("Views", "TideView.m");
+  await hand.more("-drawRect:");
+  await hand.button("Look at the code");
+  await hand.sees("[[UIColor colorWithWhite:0.9 alpha:1] setFill];");
+  assert.deepEqual(server.opened, []);
+  await hand.button("Open line 20");
+  await hand.sees("TideView.m:20 is open");
+});
+
+journey("counterparts and places are a tap away", "phone", async ({ hand, view }) => {
+  await hand.goToFile("Views", "TideView.m");
+  await view.tap("[aria-label='Counterpart: TideView.h']");
+  await until("the header's outline", () => view.run(() => document.querySelector("[aria-label='Outline of TideView.h']") !== null));
+  await hand.more("TideView");
+  await hand.button("Reveal in Files");
+  await hand.isLit("Files in Views", "TideView.h");
+});
+
+journey("notes open where they stand", "phone", async ({ hand, server }) => {
+  await hand.tab("Notes");
+  await hand.row("Drawing the water");
+  await hand.sees("TideView.m:19 is open");
+  assert.deepEqual(server.opened, [{ file: kView, line: 19 }]);
+});
+
+journey("file types are switched", "phone", async ({ hand, view, server }) => {
+  await hand.tab("More");
+  await hand.row("File types");
+  await hand.row(".swift");
+  await hand.sees(".swift files are left out");
+  assert.deepEqual(server.fileTypes.items.find(({ extension }) => extension === "swift"), { extension: "swift", allowed: false });
+  await until("the switch", () => view.run(() => [...document.querySelectorAll("[role=switch]")].find((each) => each.textContent?.includes(".swift"))?.getAttribute("aria-checked") === "false"));
+});
+
+journey("the outline follows the editor", "phone", async ({ hand, server }) => {
+  await hand.tab("Outline");
+  await hand.isLit("Outline of TideView.m", "-setTide:animated:");
+  server.emit("active", { file: { ...server.active.file!, line: 21 } });
+  await hand.isLit("Outline of TideView.m", "-drawRect:");
+  server.emit("active", { file: { id: kTable, name: "TideTable.swift", path: "Tidewatch/Model/TideTable.swift", line: 22 } });
+  await hand.isLit("Outline of TideTable.swift", "load(_:)");
+});
+
+journey("a changed file changes its outline", "phone", async ({ hand, server }) => {
+  await hand.goToFile("Views", "TideView.m");
+  const outline = server.outlines.get(kView)!;
+  server.outlines.set(kView, { ...outline, items: [{ kind: "function", name: "written just now", line: 3, endLine: 3 }, ...outline.items] });
+  server.change([kView]);
+  await hand.sees("written just now");
+});
+
+journey("a changed tree changes the files", "phone", async ({ hand, server }) => {
+  const { root } = server;
+  server.root = { ...root!, children: [...root!.children!, { id: idOf("new"), name: "Fresh group", kind: "group", children: [] }] };
+  server.change([], true);
+  await hand.sees("Fresh group");
+});
+
+journey("after a loss the page comes back, and no tap was kept for later", "phone", async ({ hand, server }) => {
+  await hand.goToFile("Model", "TideTable.swift");
+  await server.stop();
+  await hand.sees("Navrel is away.");
+  await hand.row("load(_:)");
+  await hand.sees("nothing was opened");
+  await server.start();
+  await hand.seesNoMore("Navrel is away.");
+  await hand.row("next(after:)");
+  await hand.sees("TideTable.swift:14 is open");
+  assert.deepEqual(server.opened, [{ file: kTable, line: 14 }]);
+});
+
+journey("waking opens a new stream", "phone", async ({ view, server }) => {
+  const before = server.streams;
+  await view.run(() => void dispatchEvent(new Event("online")));
+  await until("a new stream", async () => server.streams === before + 1);
+});
+
+journey("a device that is forgotten shows nothing more", "phone", async ({ hand, server }) => {
+  await hand.goToFile("Views", "TideView.m");
+  server.forgetDevices();
+  await hand.sees("Pair this device");
+  assert.ok(!(await hand.text()).includes("TideView"));
+});
+
+journey("the theme stays where the user put it", "phone", async ({ hand, view }) => {
+  await hand.tab("More");
+  await hand.button("Dark");
+  await until("the dark theme", () => view.run(() => document.documentElement.dataset["theme"] === "dark"));
+  await view.run(() => location.reload());
+  await until("the dark theme again", () => view.run(() => document.documentElement.dataset["theme"] === "dark" && getComputedStyle(document.body).backgroundColor === "rgb(22, 24, 29)"));
+});
+
+const kMany = 20_000;
+journey(
+  "twenty thousand rows are a few dozen elements",
+  "phone",
+  async ({ hand, view }) => {
+    await hand.row("Many");
+    await hand.sees("File 1.swift");
+    const drawn = () => view.run(() => document.querySelectorAll(".row").length);
+    assert.ok((await drawn()) < 60, String(await drawn()));
+    await view.run(() => void (document.querySelector(".scroller")!.scrollTop = 1e9));
+    await hand.sees("File 20000.swift");
+    assert.ok((await drawn()) < 60, String(await drawn()));
+    assert.equal(await view.run(() => document.querySelector(".row:last-child")?.getAttribute("aria-setsize")), String(kMany));
+  },
+  (server) => {
+    server.active = { file: null };
+    const children = Array.from({ length: kMany }, (_, index) => ({ id: idOf(`many ${index}`), name: `File ${index + 1}.swift`, kind: "file" as const, path: `Many/File ${index + 1}.swift` }));
+    server.root = { ...server.root!, children: [{ id: idOf("many"), name: "Many", kind: "group", children }] };
+  },
+);
+
+test("two devices see the same change at once", async () => {
+  const server = new MockServer(kAssets);
+  await server.start();
+  try {
+    await withView("phone", "light", (first) =>
+      withView("tablet", "dark", async (second) => {
+        const hands = [new Hand(first, "phone"), new Hand(second, "tablet")];
+        for (const hand of hands) {
+          await hand.pair({ link: async () => `${server.url}#p=${kTicket}` });
+          await hand.tab("Notes");
+          await hand.sees("reuse the cells");
+        }
+        server.notes = [{ kind: "todo", text: "written just now", line: 1, file: { id: kView, name: "TideView.m", path: "Tidewatch/Views/TideView.m" } }];
+        server.change([kView]);
+        for (const hand of hands) await hand.sees("written just now");
+      }),
+    );
+  } finally {
+    await server.stop();
+  }
+});
