@@ -2,6 +2,7 @@
 include(GNUInstallDirs)
 
 set(linux "${PROJECT_SOURCE_DIR}/packaging/linux")
+set(firewall "${PROJECT_SOURCE_DIR}/packaging/firewall")
 set(debian "${PROJECT_SOURCE_DIR}/packaging/debian")
 set(doc "${CMAKE_INSTALL_DATAROOTDIR}/doc/navrel")
 
@@ -25,6 +26,10 @@ endforeach()
 configure_file("${linux}/navrel.service.in" "${PROJECT_BINARY_DIR}/packaging/navrel.service" @ONLY)
 # Not under the library folder: systemd reads user units from here, whatever the architecture.
 install(FILES "${PROJECT_BINARY_DIR}/packaging/navrel.service" DESTINATION lib/systemd/user)
+
+# For the firewalls that an administrator may run; installing them opens nothing.
+install(FILES "${firewall}/navrel.xml" DESTINATION lib/firewalld/services)
+install(FILES "${firewall}/navrel.profile" DESTINATION "${CMAKE_INSTALL_FULL_SYSCONFDIR}/ufw/applications.d" RENAME navrel)
 
 # navrel_install_compressed(SOURCE NAME DESTINATION)
 # Installs a text as NAME.gz, as manuals and changelogs are kept; the same bytes on every build.
@@ -60,6 +65,9 @@ file in Neovim, Emacs or another editor, at the line.
 The package holds navrel, which lives in the tray of the desktop, and
 navrel-companion, which stands in for the companion app at a terminal.")
 set(CPACK_STRIP_FILES ON)
+# What an administrator may change, and where it is: not below the prefix.
+set(CPACK_SET_DESTDIR ON)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA "${debian}/conffiles")
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
     OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)

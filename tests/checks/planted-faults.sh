@@ -51,6 +51,8 @@ plant packaging/man/navrel.1 's/^\.Sh FILES/.Hs FILES/'
 expect_fault check-packaging 'skipping unknown macro: .Hs'
 plant packaging/man/navrel.1 "s/^with the same menu where there is/$(printf 'x%.0s' {1..90})/"
 expect_fault check-packaging "can't break line"
+plant packaging/linux/navrel.service.in '/^NoNewPrivileges=/d'
+expect_fault check-packaging 'navrel.service.in: exposed to '
 plant packaging/debian/changelog '1s/0\.1/9.8/'
 expect_fault check-packaging 'packaging/debian/changelog: the version is 9.8'
 plant packaging/linux/nl.kelvane.Navrel.metainfo.xml 's/release version="0/release version="9/'
