@@ -5,6 +5,8 @@
 #include "editors/FollowedEditor.h"
 #include "editors/NeovimEditor.h"
 #include "editors/XcodeEditor.h"
+#include "editors/hooks/HookSocket.h"
+#include "editors/hooks/HookedEditor.h"
 #include "support/Log.h"
 
 #include <QFileInfo>
@@ -21,12 +23,23 @@ std::shared_ptr<Editor> following(std::vector<std::shared_ptr<RunningEditor>> ed
     return std::make_shared<FollowedEditor>(std::move(editors), std::move(lastResort));
 }
 
+/// The editors with plug-ins, as one; none where there is no folder for their socket.
+std::vector<std::shared_ptr<RunningEditor>> hookedEditors() {
+    const auto path = HookSocket::standardPath();
+    if (!path) {
+        return {};
+    }
+    return {std::make_shared<HookedEditor>(*path)};
+}
+
 std::shared_ptr<Editor> detectedEditor() {
     if (QFileInfo(XcodeEditor::Tools().osascript).isExecutable()) {
         return std::make_shared<XcodeEditor>();
     }
-    return following({std::make_shared<NeovimEditor>(), std::make_shared<EmacsEditor>()},
-                     std::make_shared<DesktopEditor>());
+    std::vector<std::shared_ptr<RunningEditor>> editors = hookedEditors();
+    editors.push_back(std::make_shared<NeovimEditor>());
+    editors.push_back(std::make_shared<EmacsEditor>());
+    return following(std::move(editors), std::make_shared<DesktopEditor>());
 }
 
 } // namespace
@@ -41,6 +54,10 @@ std::shared_ptr<Editor> chooseEditor() {
     }
     if (name == QStringLiteral("emacs")) {
         return following({std::make_shared<EmacsEditor>()});
+    }
+    if (name == QStringLiteral("plugin") || name == QStringLiteral("vscode") ||
+        name == QStringLiteral("vim")) {
+        return following(hookedEditors());
     }
     if (name == QStringLiteral("desktop")) {
         return std::make_shared<DesktopEditor>();

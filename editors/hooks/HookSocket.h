@@ -1,0 +1,73 @@
+#pragma once
+
+#include "editors/RunningEditor.h"
+#include "editors/hooks/HookMessage.h"
+
+#include <QLocalServer>
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+class QLocalSocket;
+
+namespace navrel {
+
+/// The Unix socket that plug-ins of editors connect to. It serves this user alone. A plug-in that
+/// writes something else than it should is disconnected; no one of them, whatever it writes, keeps
+/// the main thread for longer than a few lines take. Main thread.
+class HookSocket {
+public:
+    /// More windows than anyone has open.
+    static constexpr std::size_t kMaximumEditors = 32;
+
+    /// Listens at a path; where that fails, which is logged, no editor ever connects. A socket that
+    /// another program listens on is left to it.
+    explicit HookSocket(const QString& path);
+    ~HookSocket();
+    HookSocket(const HookSocket&) = delete;
+    HookSocket& operator=(const HookSocket&) = delete;
+
+    /// `$XDG_RUNTIME_DIR/nl.kelvane.Navrel.editor`; nothing where the variable is unset.
+    static std::optional<QString> standardPath();
+
+    /// Where the user of the editor that spoke last is; nil while none has.
+    const std::optional<EditorPlace>& latest() const { return latest_; }
+
+    /// Called when a plug-in says that its user has moved; null for nobody.
+    void setObserver(RunningEditor::PlaceObserver observer) { observer_ = std::move(observer); }
+
+    struct Outcome {
+        bool opened = false;
+        QString editor;
+        QString reason; ///< why it was not opened
+    };
+    using Reply = std::function<void(const Outcome& outcome)>;
+
+    /// Sends a place to the window whose folders hold the file, or else to the one that spoke last.
+    /// False where there is none; otherwise `reply` is called once, at the latest when the window
+    /// is gone.
+    bool open(const EditorPlace& place, Reply reply);
+
+private:
+    struct Connection;
+    using Connections = std::vector<std::unique_ptr<Connection>>;
+
+    void accept();
+    void read(Connection& connection);
+    void hear(Connection& connection, const HookMessage& message);
+    void answer(Connection& connection, qint64 request, const Outcome& outcome);
+    void disconnect(Connection& connection);
+    Connection* windowFor(const QByteArray& path) const;
+
+    QLocalServer server_;
+    Connections connections_; // the one that spoke last comes first
+    std::optional<EditorPlace> latest_;
+    RunningEditor::PlaceObserver observer_;
+    qint64 lastRequest_ = 0;
+};
+
+} // namespace navrel
