@@ -1,0 +1,121 @@
+vim9script
+# Tells Navrel where the user is, and goes where Navrel asks to go. Needs Vim 9.
+#
+# Install: copy this folder to ~/.vim/pack/navrel/start/navrel. Vim connects by itself, also when
+# Navrel is started later. Neovim needs no plug-in.
+
+if exists('g:loaded_navrel') || !has('channel') || empty($XDG_RUNTIME_DIR)
+    finish
+endif
+g:loaded_navrel = true
+
+const address = 'unix:' .. $XDG_RUNTIME_DIR .. '/nl.kelvane.Navrel.editor'
+var channel: channel = null_channel
+var told: dict<any> = {}
+
+def IsConnected(): bool
+    return channel != null_channel && ch_status(channel) ==# 'open'
+enddef
+
+def Send(message: dict<any>)
+    if IsConnected()
+        ch_sendraw(channel, json_encode(message) .. "\n")
+    endif
+enddef
+
+# Where the user is; only when that has changed.
+def Tell()
+    const is_file = empty(&buftype) && !empty(expand('%'))
+    const place = {
+        active: is_file ? expand('%:p') : v:null,
+        line: line('.'),
+        column: col('.'),
+        modified: &modified,
+    }
+    if place != told
+        told = place
+        Send(place)
+    endif
+enddef
+
+# Shows a file without asking the user anything: an unsaved buffer stays loaded, and a file that
+# another editor has open is shown for reading.
+def Show(path: string, line: number, column: number)
+    const buffer = bufadd(path)
+    normal! m'
+    augroup navrel_open
+        autocmd SwapExists * v:swapchoice = 'o'
+        autocmd FileChangedShell * v:fcs_choice = v:fcs_reason ==# 'changed' ? 'reload' : ''
+    augroup END
+    try
+        execute 'silent keepjumps hide buffer' buffer
+    finally
+        autocmd! navrel_open
+    endtry
+    setbufvar(buffer, '&buflisted', true)
+    if line > 0
+        cursor(min([line, line('$')]), max([1, column]))
+        normal! zvzz
+        if column == 0
+            normal! V
+        endif
+    endif
+    redraw
+enddef
+
+def Open(request: dict<any>, tries: number)
+    if mode(1) ==# 'n' && empty(getcmdwintype())
+        try
+            Show(request.open, get(request, 'line', 0), get(request, 'column', 0))
+            Send({opened: request.id})
+        catch
+            Send({refused: request.id, reason: v:exception})
+        endtry
+        Tell()
+        return
+    endif
+    if tries == 0
+        Send({refused: request.id, reason: 'Vim is in the middle of something.'})
+        return
+    endif
+    # These keys leave every mode, and no mapping changes them.
+    feedkeys("\<C-\>\<C-n>", 'n')
+    timer_start(20, (_) => Open(request, tries - 1))
+enddef
+
+def Hear(_: channel, line: string)
+    try
+        const message = json_decode(line)
+        if type(message) == v:t_dict && has_key(message, 'open')
+            Open(message, 10)
+        endif
+    catch
+        # Not for this plug-in.
+    endtry
+enddef
+
+def Connect()
+    if IsConnected()
+        return
+    endif
+    try
+        channel = ch_open(address, {mode: 'nl', callback: Hear})
+    catch
+        return
+    endtry
+    if IsConnected()
+        told = {}
+        Send({hello: 'Vim', version: 1, pid: getpid(), folders: [getcwd()]})
+        Tell()
+    endif
+enddef
+
+augroup navrel
+    autocmd!
+    autocmd VimEnter,FocusGained * Connect() | Tell()
+    autocmd BufEnter,WinEnter,CursorMoved,CursorMovedI,BufWritePost,TextChanged * Tell()
+augroup END
+timer_start(3000, (_) => Connect(), {repeat: -1})
+if v:vim_did_enter
+    Connect()
+endif
