@@ -1,6 +1,7 @@
 #pragma once
 
-#include "scanning/RegularFile.h"
+#include "scanning/SourceFileBuffer.h"
+#include "support/files/RegularFile.h"
 
 #include <QByteArray>
 #include <QByteArrayView>

@@ -1,6 +1,6 @@
 #include "scanning/SourceFileBuffer.h"
 
-#include "scanning/RegularFile.h"
+#include "support/files/RegularFile.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "scanning/RegularFile.h"
+#include "scanning/SourceFileBuffer.h"
 #include "scanning/SourceFileScanner.h"
 #include "tests/project/OpenStore.h"
 #include "tests/scanning/ScratchFolder.h"

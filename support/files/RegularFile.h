@@ -6,12 +6,8 @@
 
 namespace navrel {
 
-/// What is read of a source is held in memory, so a file (or a line) of more bytes counts as
-/// unreadable. The largest sources that people keep in their projects have some 3 MB.
-inline constexpr qint64 kLargestSource = qint64(64) * 1024 * 1024;
-
 /// An open regular file, for reading; closed with the object. Opening and reading never block, as
-/// a pipe or a device with the name of a source would. Any one thread.
+/// a pipe or a device in the place of a file would. Any one thread.
 class RegularFile {
 public:
     /// Nil where the path names no file, one that may not be read, or something that is no regular
@@ -21,6 +17,9 @@ public:
     RegularFile(RegularFile&& other) noexcept;
     RegularFile& operator=(RegularFile&&) = delete;
     ~RegularFile();
+
+    /// The bytes of a file that has no more than `atMost`; nil where `open` gives none.
+    static std::optional<QByteArray> content(const QByteArray& path, qsizetype atMost);
 
     /// The length in bytes at the time of opening.
     quint64 size() const { return size_; }

@@ -1,4 +1,4 @@
-#include "scanning/RegularFile.h"
+#include "support/files/RegularFile.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -39,6 +39,16 @@ std::optional<RegularFile> RegularFile::open(const QByteArray& path) {
     }
     file.size_ = static_cast<quint64>(status.st_size);
     return file;
+}
+
+std::optional<QByteArray> RegularFile::content(const QByteArray& path, qsizetype atMost) {
+    const std::optional<RegularFile> file = open(path);
+    if (!file || file->size() > static_cast<quint64>(atMost)) {
+        return std::nullopt;
+    }
+    QByteArray bytes(static_cast<qsizetype>(file->size()), Qt::Uninitialized);
+    bytes.truncate(file->readAt(0, bytes.data(), bytes.size()));
+    return bytes;
 }
 
 RegularFile::RegularFile(RegularFile&& other) noexcept
