@@ -1,25 +1,27 @@
 #pragma once
 
-#include <QSettings>
+#include <QByteArray>
 #include <QString>
+#include <QVariantMap>
 
 #include <optional>
 
 namespace navrel {
 
-/// The person's preferences: a few keys that outlive the process. Main thread only.
+/// The user's preferences: a few keys that outlive the process. Main thread only.
 ///
 /// Every change is on the disk when the setter returns, so that a killed process forgets nothing.
-/// What a hand-edited file holds is untrusted: a value of another kind than asked for is read as
-/// described, never an error.
+/// A value that is set already is not written again. The file is untrusted: a value of another kind
+/// than asked for is read as described, and what is no regular file is neither read nor written,
+/// which is logged; the values then last as long as the process. No lock is taken and nothing is
+/// waited for: the one instance of the program is the only one that writes.
 class UserDefaults {
 public:
-    /// The application's own preferences: `$XDG_CONFIG_HOME/nl.kelvane/Navrel.conf` on Linux, the
-    /// preferences system on macOS.
+    /// The application's own preferences: `$XDG_CONFIG_HOME/nl.kelvane/Navrel.conf` on Linux.
     UserDefaults();
 
     /// Preferences in an INI file of the caller's choice.
-    explicit UserDefaults(const QString& filePath);
+    explicit UserDefaults(QString filePath);
 
     /// Nothing when the key is absent; else whether the value is 1, or begins like "yes" or "true".
     std::optional<bool> boolForKey(const QString& key) const;
@@ -32,11 +34,19 @@ public:
     /// Nothing removes the key.
     void setString(const QString& key, const std::optional<QString>& value);
 
-    /// Where the preferences are kept, as a person would look for them.
-    QString fileName() const { return settings_.fileName(); }
+    /// Where the preferences are kept, as a user would look for them.
+    const QString& fileName() const { return filePath_; }
 
 private:
-    QSettings settings_;
+    void read();
+    void set(const QString& key, const std::optional<QVariant>& value);
+    std::optional<QByteArray> bytesOfFile() const;
+    bool write(const QString& key, const std::optional<QVariant>& value);
+    void noteOutcome(bool isWritten);
+
+    QString filePath_;
+    QVariantMap values_;
+    bool isWritten_ = true; ///< whether the file holds the values
 };
 
 } // namespace navrel
