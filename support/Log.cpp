@@ -1,17 +1,16 @@
 #include "support/Log.h"
 
+#include "support/LogOutput.h"
+
 #include <QByteArray>
 
+#include <csignal>
 #include <mutex>
-#include <syslog.h>
-#include <unistd.h>
 #include <utility>
 
 namespace navrel {
 
 namespace {
-
-constexpr char kSyslogIdentifier[] = "Navrel";
 
 struct Receiver {
     std::mutex mutex;
@@ -44,21 +43,16 @@ QByteArray asOneLine(const QString& message) {
     return line.toUtf8();
 }
 
-void writeToStandardError(const QByteArray& line) {
-    // One write, so that lines of several threads and processes do not mix.
-    const QByteArray text = QByteArrayLiteral("Navrel: ") + line + '\n';
-    [[maybe_unused]] const ssize_t written =
-        ::write(STDERR_FILENO, text.constData(), static_cast<size_t>(text.size()));
-}
+struct Outputs {
+    std::mutex mutex;
+    StandardError standardError; // any thread, under the mutex
+    SystemLog systemLog;         // any thread, under the mutex
+};
 
-void writeToSyslog(const QByteArray& line) {
-    static const bool isOpen = [] {
-        ::openlog(kSyslogIdentifier, LOG_PID, LOG_USER);
-        return true;
-    }();
-    if (isOpen) {
-        ::syslog(LOG_NOTICE, "%s", line.constData());
-    }
+/// Never destroyed: other threads may log until the end of the process.
+Outputs& outputs() {
+    static Outputs& instance = *new Outputs;
+    return instance;
 }
 
 } // namespace
@@ -74,8 +68,16 @@ void log(const QString& message) {
         return;
     }
     const QByteArray line = asOneLine(message);
-    writeToStandardError(line);
-    writeToSyslog(line);
+    const std::lock_guard lock(outputs().mutex);
+    outputs().standardError.put(line);
+    outputs().systemLog.put(line);
+}
+
+void surviveSignalsOfWriting() {
+    std::signal(SIGPIPE, SIG_IGN);
+#ifdef SIGXFSZ
+    std::signal(SIGXFSZ, SIG_IGN);
+#endif
 }
 
 LogReceiver setLogReceiver(LogReceiver newReceiver) {
