@@ -32,6 +32,9 @@ QString detailsOf(const Error& error) {
     if (const Error* cause = error.underlyingError()) {
         details.append(messageOf(*cause));
     }
+    if (const auto suggestion = error.localizedRecoverySuggestion()) {
+        details.append(*suggestion);
+    }
     return details.join(QStringLiteral("\n\n"));
 }
 

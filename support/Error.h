@@ -29,6 +29,10 @@ public:
     const std::optional<QString>& localizedFailureReason() const { return failureReason_; }
     void setLocalizedFailureReason(QString reason) { failureReason_ = std::move(reason); }
 
+    /// What the user can do about it. For windows: the log goes without.
+    const std::optional<QString>& localizedRecoverySuggestion() const { return suggestion_; }
+    void setLocalizedRecoverySuggestion(QString suggestion) { suggestion_ = std::move(suggestion); }
+
     /// The error that caused this one, or null.
     const Error* underlyingError() const { return underlying_.get(); }
     void setUnderlyingError(Error cause);
@@ -43,6 +47,7 @@ private:
     qint64 code_;
     std::optional<QString> localizedDescription_;
     std::optional<QString> failureReason_;
+    std::optional<QString> suggestion_;
     std::shared_ptr<const Error> underlying_;
 };
 
