@@ -4,10 +4,9 @@
 #include "project/ManagedObjectContext.h"
 #include "project/PersistentStoreCoordinator.h"
 #include "project/ProjectFile.h"
+#include "project/StoreErrorWindow.h"
 #include "support/Log.h"
 #include "support/text/UTF8.h"
-
-#include <QObject>
 
 #include <chrono>
 #include <utility>
@@ -30,19 +29,17 @@ std::shared_ptr<KZDataManager> KZDataManager::init(Collaborators collaborators) 
 
 KZDataManager::KZDataManager(Collaborators collaborators)
     : collaborators_(std::move(collaborators)), projectFile_(std::make_unique<ProjectFile>()),
-      survey_(std::make_unique<FileSurvey>()) {}
+      survey_(std::make_unique<FileSurvey>()), storeErrorWindow_(std::make_unique<StoreErrorWindow>(
+                                                   collaborators_.dialogs, collaborators_.clock)) {}
 
 KZDataManager::~KZDataManager() = default;
 
 void KZDataManager::scheduleUpdates() {
-    QObject::connect(&updateTimer_, &QTimer::timeout, &updateTimer_, [this] {
+    updates_ = collaborators_.clock.every(kUpdateInterval, [this] {
         if (modalDialogs_ == 0) {
             update();
         }
     });
-    // Other types of timer may be early by a twentieth.
-    updateTimer_.setTimerType(Qt::PreciseTimer);
-    updateTimer_.start(kUpdateInterval);
 }
 
 const PropertyListIndex* KZDataManager::pbxObjects() const {

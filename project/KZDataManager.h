@@ -2,11 +2,11 @@
 
 #include "project/ManagedObjectModel.h"
 #include "support/Error.h"
+#include "support/core/Clock.h"
 
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
-#include <QTimer>
 #include <QVariantMap>
 
 #include <memory>
@@ -23,6 +23,7 @@ class ProjectDialogs;
 class ProjectFile;
 class PropertyListIndex;
 class SourceScanner;
+class StoreErrorWindow;
 class UserDefaults;
 
 /// The project data manager: selects the project, mirrors it into the store once a second, owns the
@@ -38,6 +39,7 @@ public:
         /// The user's application-support folder: `$XDG_DATA_HOME`, in which the store's own folder
         /// is made.
         QString applicationSupportDirectory;
+        Clock& clock = systemClock();
     };
 
     /// Makes the manager, selects the last known project or lets the person pick one (modal), and
@@ -78,9 +80,13 @@ public:
 
     /// The folder of the store: "nl.kelvane.Navrel" in the application-support folder.
     QString applicationDocumentsDirectory() const;
+    /// The same before there is a manager.
+    static QString applicationDocumentsDirectoryIn(const QString& applicationSupportDirectory) {
+        return applicationSupportDirectory + QStringLiteral("/nl.kelvane.Navrel");
+    }
     const ManagedObjectModel& managedObjectModel() const { return managedObjectModel_; }
-    /// Opens the store on first use. Null when that failed: the error has been presented (modal),
-    /// and the next call tries, and presents, again.
+    /// Opens the store on first use. Null when that failed: the error has been presented (modal, as
+    /// `StoreErrorWindow` does), and the next call tries, and presents, again.
     PersistentStoreCoordinator* persistentStoreCoordinator();
     /// The single context, made on first use. Null where the coordinator is.
     ManagedObjectContext* managedObjectContext();
@@ -163,6 +169,8 @@ private:
 
     bool openStore(QString& failureReason, std::optional<Error>& cause);
     void presentStoreError(const QString& failureReason, std::optional<Error> cause);
+    QString storePath() const;
+    std::optional<QString> obstacle() const;
     bool shouldTerminateDespite(const Error& saveError);
     void saveChanges(ManagedObjectContext& context);
 
@@ -183,7 +191,8 @@ private:
     ManagedObjectModel managedObjectModel_;
     std::unique_ptr<PersistentStoreCoordinator> persistentStoreCoordinator_;
     std::unique_ptr<ManagedObjectContext> managedObjectContext_;
-    QTimer updateTimer_;
+    std::unique_ptr<StoreErrorWindow> storeErrorWindow_;
+    std::unique_ptr<ScheduledCall> updates_;
     // How many modal dialogs are open. Their event loops run the timer too; no update happens
     // behind an open dialog.
     int modalDialogs_ = 0;

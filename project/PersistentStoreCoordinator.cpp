@@ -1,10 +1,16 @@
 #include "project/PersistentStoreCoordinator.h"
 
 #include "project/StoreFile.h"
+#include "project/StoreFolder.h"
 #include "project/StoreTables.h"
+#include "support/Log.h"
+#include "support/text/FilePath.h"
+#include "support/text/UTF8.h"
 
 #include <QFile>
+#include <sqlite3.h>
 
+#include <cerrno>
 #include <utility>
 
 namespace navrel {
@@ -15,9 +21,10 @@ PersistentStoreCoordinator::PersistentStoreCoordinator(const ManagedObjectModel&
 PersistentStoreCoordinator::~PersistentStoreCoordinator() = default;
 
 std::optional<Error> PersistentStoreCoordinator::addPersistentStoreAtPath(const QString& path) {
+    path_ = QFile::encodeName(path);
     auto file = std::make_unique<StoreFile>();
     auto records = std::make_unique<StoreTables>();
-    std::optional<Error> error = file->open(QFile::encodeName(path), model_);
+    std::optional<Error> error = file->open(path_, model_);
     if (!error) {
         error = file->load(*records);
     }
@@ -33,7 +40,41 @@ std::unique_ptr<StoreTables> PersistentStoreCoordinator::takeRecords() {
 }
 
 std::optional<Error> PersistentStoreCoordinator::save(StoreTables& tables) {
-    return file_->save(tables);
+    std::optional<Error> error = file_->save(tables);
+    if (error == Error(kSQLiteErrorDomain, SQLITE_READONLY_DBMOVED)) {
+        error = makeStoreAgain(tables);
+        if (!error) {
+            error = file_->save(tables);
+        }
+    }
+    return error;
+}
+
+/// Puts an empty store in the place of the one that somebody took away, for all records to be
+/// written to it. What is in that place is kept under another name.
+std::optional<Error> PersistentStoreCoordinator::makeStoreAgain(StoreTables& tables) {
+    const auto aside = moveAside(path_);
+    if (!aside) {
+        return Error::posix(errno);
+    }
+    std::optional<Error> error = makeStoreFolder(deletingLastPathComponent(path_));
+    auto file = std::make_unique<StoreFile>();
+    if (!error) {
+        error = file->open(path_, model_);
+    }
+    if (error) {
+        return error;
+    }
+    log(aside->isEmpty() ? QStringLiteral("The store was deleted: all of it is written again")
+                         : QStringLiteral("The store was replaced: all of it is written again, and "
+                                          "what was put in its place is now %1")
+                               .arg(shownUTF8(*aside)));
+    file_ = std::move(file);
+    tables.visitUntil([](auto& table) {
+        table.markUnsaved();
+        return false;
+    });
+    return std::nullopt;
 }
 
 } // namespace navrel

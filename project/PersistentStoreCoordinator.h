@@ -2,6 +2,7 @@
 
 #include "support/Error.h"
 
+#include <QByteArray>
 #include <QString>
 
 #include <memory>
@@ -30,11 +31,15 @@ public:
     std::unique_ptr<StoreTables> takeRecords();
 
     /// Writes what changed since the last save, all of it or nothing. Neither a killed process nor
-    /// a lost power supply undoes a save that returned without error.
+    /// a lost power supply undoes a save that returned without error. Where the file was deleted or
+    /// replaced since, which is logged, a new one with all records takes its place.
     std::optional<Error> save(StoreTables& tables);
 
 private:
+    std::optional<Error> makeStoreAgain(StoreTables& tables);
+
     const ManagedObjectModel& model_;
+    QByteArray path_;
     std::unique_ptr<StoreTables> records_;
     std::unique_ptr<StoreFile> file_;
 };

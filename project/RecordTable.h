@@ -77,6 +77,9 @@ public:
     bool hasChanges() const;
     /// To be called once the file holds what this table holds.
     void markSaved();
+    /// To be called once an empty file is in the place of the one that the rows were in: the next
+    /// save writes all records.
+    void markUnsaved();
 
     // For the records' setters.
 
@@ -220,6 +223,19 @@ void RecordTable<Record>::markSaved() {
     firstNew_ = nullptr;
     firstNewRowID_ = nextRowID_;
     rowsInFile_ = size_;
+}
+
+template <typename Record>
+void RecordTable<Record>::markUnsaved() {
+    for (Record* record : changed_) {
+        record->changedPosition_ = Record::kUnchanged;
+    }
+    changed_.clear();
+    removedRowIDs_.clear();
+    fileOutdated_ = false;
+    firstNew_ = first_;
+    firstNewRowID_ = 1;
+    rowsInFile_ = 0;
 }
 
 template <typename Record>

@@ -4,6 +4,8 @@
 #include "project/ManagedObjectContext.h"
 #include "project/PersistentStoreCoordinator.h"
 #include "project/ProjectDialogs.h"
+#include "project/StoreErrorWindow.h"
+#include "project/StoreFolder.h"
 #include "support/Error.h"
 #include "support/Log.h"
 
@@ -12,9 +14,7 @@
 #include <QScopedValueRollback>
 
 #include <cerrno>
-#include <filesystem>
 #include <sys/stat.h>
-#include <system_error>
 #include <utility>
 
 namespace navrel {
@@ -28,17 +28,14 @@ QString localized(const char* text) {
     return QCoreApplication::translate("KZDataManager", text);
 }
 
-/// Makes a folder and those above it.
-std::optional<Error> makeFolder(const QString& path) {
-    std::error_code error;
-    std::filesystem::create_directories(QFile::encodeName(path).toStdString(), error);
-    return errorFromErrno(error.value());
-}
-
 } // namespace
 
 QString KZDataManager::applicationDocumentsDirectory() const {
-    return collaborators_.applicationSupportDirectory + QStringLiteral("/nl.kelvane.Navrel");
+    return applicationDocumentsDirectoryIn(collaborators_.applicationSupportDirectory);
+}
+
+QString KZDataManager::storePath() const {
+    return applicationDocumentsDirectory() + QStringLiteral("/OSXCoreDataObjC.storedata");
 }
 
 PersistentStoreCoordinator* KZDataManager::persistentStoreCoordinator() {
@@ -64,15 +61,18 @@ bool KZDataManager::openStore(QString& failureReason, std::optional<Error>& caus
                     .arg(folder);
             return false;
         }
-    } else {
-        cause = errno == ENOENT ? makeFolder(folder) : errorFromErrno(errno);
+    } else if (errno != ENOENT) {
+        cause = errorFromErrno(errno);
+    }
+    if (!cause) {
+        cause = makeStoreFolder(QFile::encodeName(folder));
     }
     if (!cause) {
         auto coordinator = std::make_unique<PersistentStoreCoordinator>(managedObjectModel_);
-        cause = coordinator->addPersistentStoreAtPath(folder +
-                                                      QStringLiteral("/OSXCoreDataObjC.storedata"));
+        cause = coordinator->addPersistentStoreAtPath(storePath());
         if (!cause) {
             persistentStoreCoordinator_ = std::move(coordinator);
+            storeErrorWindow_->forget();
         }
     }
     return !cause;
@@ -85,8 +85,24 @@ void KZDataManager::presentStoreError(const QString& failureReason, std::optiona
     if (cause) {
         error.setUnderlyingError(std::move(*cause));
     }
+    if (const auto inTheWay = obstacle()) {
+        error.setLocalizedRecoverySuggestion(
+            localized("To start with an empty store, quit Navrel and move this away:\n%1")
+                .arg(*inTheWay));
+    }
     const QScopedValueRollback modal(modalDialogs_, modalDialogs_ + 1);
-    collaborators_.dialogs.presentError(error);
+    storeErrorWindow_->present(error);
+}
+
+/// What is in the place of the store, or of its folder; nil where nothing is.
+std::optional<QString> KZDataManager::obstacle() const {
+    for (const QString& path : {storePath(), applicationDocumentsDirectory()}) {
+        struct stat status {};
+        if (::lstat(QFile::encodeName(path).constData(), &status) == 0) {
+            return path;
+        }
+    }
+    return std::nullopt;
 }
 
 ManagedObjectContext* KZDataManager::managedObjectContext() {

@@ -1,6 +1,7 @@
 #include "project/StoreFile.h"
 
 #include "project/ManagedObjectModel.h"
+#include "project/StoreFolder.h"
 #include "support/Assertion.h"
 
 #include <QByteArrayList>
@@ -8,8 +9,10 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <fcntl.h>
 #include <limits>
 #include <sys/stat.h>
+#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -80,6 +83,18 @@ std::optional<Error> checkFileKind(const QByteArray& path, qint64 maximumSize) {
     return std::nullopt;
 }
 
+/// Makes an empty file for the user alone where there is none: SQLite would leave its rights to the
+/// umask. Its journals have those of the file. What fails here fails when SQLite opens the file.
+void makeForUserAlone(const QByteArray& path) {
+    constexpr mode_t kReadAndWrite = S_IRUSR | S_IWUSR;
+    const int file =
+        ::open(path.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kReadAndWrite);
+    if (file >= 0) {
+        ::fchmod(file, kReadAndWrite); // whatever the umask left
+        ::close(file);
+    }
+}
+
 bool readInteger(const SQLiteStatement& row, int column, qint64 least, qint64 most,
                  qint64& number) {
     if (row.columnType(column) != SQLITE_INTEGER) {
@@ -144,6 +159,7 @@ int bindRecord(SQLiteStatement& statement, int last, const Record& record) {
 std::optional<Error> StoreFile::open(const QByteArray& path, const ManagedObjectModel& model) {
     std::optional<Error> error = checkFileKind(path, maximumSize_);
     if (!error) {
+        makeForUserAlone(path);
         error = database_.open(path);
     }
     if (!error) {
@@ -167,7 +183,13 @@ std::optional<Error> StoreFile::open(const QByteArray& path, const ManagedObject
     if (!error) {
         error = prepareStatementsOf<CDShortcut>();
     }
-    return error ? error : prepareStatementsOf<CDElement>();
+    if (!error) {
+        error = prepareStatementsOf<CDElement>();
+    }
+    if (!error) {
+        keepFromOthers(path);
+    }
+    return error;
 }
 
 std::optional<Error> StoreFile::configure() {

@@ -40,8 +40,8 @@ public:
     /// `maximumSize` is that of the file in bytes: a larger one is not opened, and none is made.
     explicit StoreFile(qint64 maximumSize = kMaximumStoreSize) : maximumSize_(maximumSize) {}
 
-    /// Opens the file, or makes it. On an error the file is left as it was and this object is of no
-    /// further use.
+    /// Opens the file, or makes it, for the user alone. On an error the file is left as it was and
+    /// this object is of no further use.
     std::optional<Error> open(const QByteArray& path, const ManagedObjectModel& model);
 
     /// Appends the file's records to empty tables, in the order of their insertion.

@@ -5,6 +5,7 @@
 #include "support/Log.h"
 #include "support/UserDefaults.h"
 #include "support/text/UTF8.h"
+#include "tests/FakeClock.h"
 #include "tests/FakeEditor.h"
 #include "tests/project/Fakes.h"
 #include "tests/project/ProjectText.h"
@@ -39,7 +40,8 @@ protected:
 
     KZDataManager& manager() {
         if (manager_ == nullptr) {
-            manager_ = KZDataManager::init({defaults, editor, dialogs, scanner, supportFolder()});
+            manager_ =
+                KZDataManager::init({defaults, editor, dialogs, scanner, supportFolder(), clock});
         }
         return *manager_;
     }
@@ -119,6 +121,7 @@ protected:
     FakeEditor editor;
     FakeDialogs dialogs;
     RecordingScanner scanner;
+    FakeClock clock;
     std::vector<std::string> logged;
 
 private:

@@ -32,6 +32,9 @@ public:
     }
     bool presentError(const Error& error) override {
         errors.push_back(error);
+        if (whileErrorShown) {
+            whileErrorShown();
+        }
         return dealsWithErrors;
     }
     int runAlert(const QString& message, const QString& informativeText,
@@ -47,6 +50,7 @@ public:
     QString panelTitle;
     QStringList panelFileTypes;
     std::vector<Error> errors;
+    std::function<void()> whileErrorShown;
     bool dealsWithErrors = false;
     int alerts = 0;
     QStringList alertTexts;

@@ -1,15 +1,15 @@
 #include "project/SQLiteDatabase.h"
 #include "tests/FakeMenuItem.h"
-#include "tests/WaitUntil.h"
 #include "tests/project/DataManagerFixture.h"
 
-#include <QElapsedTimer>
+#include <chrono>
 
 namespace navrel {
 namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using std::chrono::milliseconds;
 
 const QString kAutomatic = QStringLiteral("automaticProjectSelection");
 const QString kLastKnown = QStringLiteral("lastKnownProject");
@@ -280,15 +280,15 @@ TEST_F(ProjectSelection, withoutAutomaticSelectionTheEditorIsNotAsked) {
 
 TEST_F(ProjectSelection, theFirstUpdateRunsOneSecondAfterTheStartAndThenEverySecond) {
     defaults.setString(kLastKnown, bundle());
-    QElapsedTimer clock;
-    clock.start();
     manager();
+    clock.advance(milliseconds(999));
     EXPECT_EQ(editor.projectQueries, 0);
-
-    ASSERT_TRUE(waitUntil([&] { return editor.projectQueries == 1; }));
-    EXPECT_GE(clock.elapsed(), 1000);
-    ASSERT_TRUE(waitUntil([&] { return editor.projectQueries == 2; }));
-    EXPECT_GE(clock.elapsed(), 2000);
+    clock.advance(milliseconds(1));
+    EXPECT_EQ(editor.projectQueries, 1);
+    clock.advance(milliseconds(999));
+    EXPECT_EQ(editor.projectQueries, 1);
+    clock.advance(milliseconds(1));
+    EXPECT_EQ(editor.projectQueries, 2);
 }
 
 TEST_F(ProjectSelection, noUpdateRunsBehindAnOpenDialog) {
@@ -296,16 +296,13 @@ TEST_F(ProjectSelection, noUpdateRunsBehindAnOpenDialog) {
     manager();
     dialogs.whileOpen = [&] {
         manager().setAutomaticProjectSelection(true);
-        int seconds = 0;
-        QTimer timer;
-        QObject::connect(&timer, &QTimer::timeout, &timer, [&] { ++seconds; });
-        timer.start(1100);
-        ASSERT_TRUE(waitUntil([&] { return seconds == 2; }));
+        clock.advance(std::chrono::seconds(5));
         EXPECT_EQ(editor.projectQueries, 0);
     };
     manager().open();
     ASSERT_EQ(dialogs.panels, 1);
-    EXPECT_TRUE(waitUntil([&] { return editor.projectQueries > 0; }));
+    clock.advance(std::chrono::seconds(1));
+    EXPECT_EQ(editor.projectQueries, 1);
 }
 
 } // namespace

@@ -1,14 +1,19 @@
 #include "project/PersistentStoreCoordinator.h"
 #include "project/SQLiteDatabase.h"
+#include "project/StoreErrorWindow.h"
 #include "project/StoreFile.h"
 #include "tests/project/DataManagerFixture.h"
+#include "tests/project/OpenStore.h"
 
 #include <cerrno>
+#include <chrono>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace navrel {
 namespace {
 
+using std::chrono::seconds;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -22,6 +27,19 @@ protected:
         }
         SQLiteDatabase database;
     };
+
+    static mode_t modeOf(const QString& path) {
+        struct stat status {};
+        EXPECT_EQ(::stat(QFile::encodeName(path).constData(), &status), 0);
+        return status.st_mode & 07777U;
+    }
+
+    /// Switches one file type off and all others on.
+    void switchOff(const char* extension) {
+        for (CDFiletype* filetype : context().filetypes()) {
+            filetype->setAllowed(filetype->extension() != extension);
+        }
+    }
 };
 
 TEST_F(StoreAccess, theStoresFolderIsNamedAfterTheApplication) {
@@ -60,8 +78,122 @@ TEST_F(StoreAccess, aFileInPlaceOfTheFolderIsPresentedAtEveryAccess) {
                   .arg(storeFolder()));
     EXPECT_EQ(error.underlyingError(), nullptr);
 
+    clock.advance(StoreErrorWindow::kQuietTime);
     EXPECT_EQ(manager().managedObjectContext(), nullptr);
     EXPECT_EQ(dialogs.errors.size(), 2U);
+}
+
+TEST_F(StoreAccess, forAMinuteAfterItWasDismissedTheSameErrorIsCounted) {
+    write(storeFolder(), "a file");
+    for (int access = 0; access < 30; ++access) {
+        EXPECT_EQ(manager().managedObjectContext(), nullptr);
+        clock.advance(seconds(2));
+    }
+    EXPECT_EQ(dialogs.errors.size(), 1U);
+    EXPECT_THAT(takeLog(), IsEmpty());
+
+    EXPECT_EQ(manager().managedObjectContext(), nullptr);
+    EXPECT_EQ(dialogs.errors.size(), 2U);
+    EXPECT_THAT(takeLog(), ElementsAre("The same 29 times more: " +
+                                       dialogs.errors.front().description().toStdString()));
+}
+
+TEST_F(StoreAccess, aWindowThatIsShownIsNotShownAgain) {
+    write(storeFolder(), "a file");
+    dialogs.whileErrorShown = [&] { EXPECT_EQ(manager().managedObjectContext(), nullptr); };
+    EXPECT_EQ(manager().managedObjectContext(), nullptr);
+    EXPECT_EQ(dialogs.errors.size(), 1U);
+}
+
+TEST_F(StoreAccess, anotherCauseIsPresentedAtOnce) {
+    write(storeFolder(), "a file");
+    EXPECT_EQ(manager().managedObjectContext(), nullptr);
+    QFile::remove(storeFolder());
+    write(storePath(), QByteArray(5000, 'x'));
+    EXPECT_EQ(manager().managedObjectContext(), nullptr);
+    EXPECT_EQ(dialogs.errors.size(), 2U);
+}
+
+TEST_F(StoreAccess, theWindowNamesWhatToMoveAway) {
+    const QString sentence =
+        QStringLiteral("To start with an empty store, quit Navrel and move this away:\n");
+    write(storeFolder(), "a file");
+    EXPECT_EQ(manager().managedObjectContext(), nullptr);
+    EXPECT_EQ(dialogs.errors.back().localizedRecoverySuggestion(), sentence + storeFolder());
+    QFile::remove(storeFolder());
+    write(storePath(), QByteArray(5000, 'x'));
+    EXPECT_EQ(manager().managedObjectContext(), nullptr);
+    EXPECT_EQ(dialogs.errors.back().localizedRecoverySuggestion(), sentence + storePath());
+}
+
+TEST_F(StoreAccess, folderAndStoreAreTheUsersAloneWhateverTheUmask) {
+    for (const mode_t mask : {0U, 0777U}) {
+        const mode_t former = ::umask(mask);
+        context();
+        ::umask(former);
+        EXPECT_EQ(modeOf(storeFolder()), 0700U);
+        EXPECT_EQ(modeOf(storePath()), 0600U);
+        endManager();
+        ASSERT_TRUE(QDir(storeFolder()).removeRecursively());
+    }
+}
+
+TEST_F(StoreAccess, theRightsOfOthersAreTakenFromAnExistingStore) {
+    context();
+    endManager();
+    ASSERT_EQ(::chmod(QFile::encodeName(storeFolder()).constData(), 0755), 0);
+    ASSERT_EQ(::chmod(QFile::encodeName(storePath()).constData(), 0664), 0);
+    context();
+    EXPECT_EQ(modeOf(storeFolder()), 0700U);
+    EXPECT_EQ(modeOf(storePath()), 0600U);
+}
+
+TEST_F(StoreAccess, aDeletedStoreIsWrittenAgainWhole) {
+    writeFile("a.m");
+    load(ProjectText().group("MAIN", {"A"}).file("A", "a.m"));
+    takeLog();
+    ASSERT_TRUE(QDir(storeFolder()).removeRecursively());
+    switchOff("m");
+    pass();
+    EXPECT_THAT(takeLog(), ElementsAre("The store was deleted: all of it is written again"));
+    EXPECT_FALSE(context().hasChanges());
+    pass();
+    context().insertFiletype();
+    pass();
+    EXPECT_THAT(takeLog(), IsEmpty());
+    endManager();
+
+    const OpenStore store(storePath());
+    ASSERT_EQ(store.error(), std::nullopt);
+    EXPECT_EQ(store->objects().size(), 2U);
+    EXPECT_EQ(store->elements().size(), 1U);
+    EXPECT_EQ(store->filetypesWithExtension("m").front()->allowed(), false);
+    EXPECT_EQ(modeOf(storePath()), 0600U);
+}
+
+TEST_F(StoreAccess, whatReplacedTheStoreIsKeptUnderAnotherName) {
+    writeFile("a.m");
+    load(ProjectText().group("MAIN", {"A"}).file("A", "a.m"));
+    takeLog();
+    for (const char* suffix : {".found", ".found-2"}) {
+        ASSERT_TRUE(QFile::remove(storePath()));
+        write(storePath(), "somebody's file");
+        context().insertFiletype();
+        pass();
+        const QString aside = storePath() + QLatin1String(suffix);
+        EXPECT_THAT(takeLog(),
+                    ElementsAre("The store was replaced: all of it is written again, and what was "
+                                "put in its place is now " +
+                                aside.toStdString()));
+        QFile kept(aside);
+        ASSERT_TRUE(kept.open(QIODevice::ReadOnly));
+        EXPECT_EQ(kept.readAll(), "somebody's file");
+        EXPECT_FALSE(context().hasChanges());
+    }
+    endManager();
+    const OpenStore store(storePath());
+    ASSERT_EQ(store.error(), std::nullopt);
+    EXPECT_EQ(store->objects().size(), 2U);
 }
 
 TEST_F(StoreAccess, onceTheObstacleIsGoneTheNextAccessOpensTheStore) {
