@@ -2,23 +2,32 @@
 
 #include <QString>
 
+#include <optional>
+
 namespace navrel {
 
-/// One instance a session: a lock that the kernel drops with the process, however it ends.
+/// One instance a session and a store: locks that the kernel drops with the process, however it
+/// ends. They are on a file in the session's runtime folder and on the store's folder, so that a
+/// second instance is found out also where one of the two cannot be locked: it would write records
+/// into the first one's store.
 class InstanceLock {
 public:
-    /// Tries to take the lock in a file, which is made if need be and stays. No lock is taken where
-    /// the file cannot be made: a session without a runtime folder does without.
-    explicit InstanceLock(const QString& filePath);
+    /// Tries to take the locks. The session's file is made if need be and stays; nil, and anything
+    /// but a regular file of this user, means that there is none. The store's folder is made too,
+    /// for the user alone; where it cannot be had, there is no store to protect.
+    InstanceLock(const std::optional<QString>& sessionFile, const QString& storeFolder);
     ~InstanceLock();
     InstanceLock(const InstanceLock&) = delete;
     InstanceLock& operator=(const InstanceLock&) = delete;
 
-    /// Whether another process holds the lock.
+    /// Whether another process holds one of the locks.
     bool isTaken() const { return isTaken_; }
 
 private:
-    int descriptor_ = -1;
+    void lock(int descriptor);
+
+    int sessionFile_ = -1;
+    int storeFolder_ = -1;
     bool isTaken_ = false;
 };
 

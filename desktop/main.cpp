@@ -10,6 +10,8 @@
 #include "project/KZDataManager.h"
 #include "scanning/SourceFileScanner.h"
 #include "support/Application.h"
+#include "support/Log.h"
+#include "support/StartConditions.h"
 #include "support/UserDefaults.h"
 
 #include <QApplication>
@@ -36,6 +38,10 @@ void choosePlatform() {
     }
 }
 
+QString applicationSupportDirectory() {
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+}
+
 std::optional<QString> instanceLockPath() {
     const QString folder = qEnvironmentVariable("XDG_RUNTIME_DIR");
     if (folder.isEmpty()) {
@@ -51,8 +57,7 @@ int runApplication(QApplication& application) {
     const auto editor = chooseEditor();
     SourceFileScanner scanner;
     const auto dataManager = KZDataManager::init(
-        {userDefaults, *editor, desktop, scanner,
-         QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)});
+        {userDefaults, *editor, desktop, scanner, applicationSupportDirectory()});
     const auto delegate = AppDelegate::create(
         {*dataManager, desktop, userDefaults, programVersion(), &PTUSBHub::sharedHub, webServer()});
     layOutStatusMenu(menu, *delegate, *dataManager);
@@ -72,9 +77,14 @@ int main(int argc, char** argv) {
     if (const auto answer = answerCommandLine({argv + std::min(argc, 1), argv + argc})) {
         return answer->print();
     }
-    const auto lockPath = instanceLockPath();
-    const auto lock = lockPath ? std::make_unique<InstanceLock>(*lockPath) : nullptr;
-    if (lock != nullptr && lock->isTaken()) {
+    surviveSignalsOfWriting();
+    if (const auto missing = missingToStart()) {
+        std::fprintf(stderr, "Navrel cannot start: %s\n", qPrintable(*missing));
+        return 1;
+    }
+    const InstanceLock lock(instanceLockPath(), KZDataManager::applicationDocumentsDirectoryIn(
+                                                    applicationSupportDirectory()));
+    if (lock.isTaken()) {
         std::fprintf(stderr, "Navrel is already running\n");
         return 1;
     }
