@@ -7,9 +7,9 @@
 namespace navrel {
 namespace {
 
+using std::chrono::milliseconds;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using std::chrono::milliseconds;
 
 const QString kAutomatic = QStringLiteral("automaticProjectSelection");
 const QString kLastKnown = QStringLiteral("lastKnownProject");
