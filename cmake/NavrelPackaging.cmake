@@ -18,6 +18,13 @@ install(FILES
         "${PROJECT_SOURCE_DIR}/docs/protocol.md"
         "${debian}/copyright"
     DESTINATION "${doc}")
+if(TARGET navrel_vscode)
+    # navrel-companion finds it beside its own folder.
+    install(FILES "${PROJECT_BINARY_DIR}/navrel.vsix"
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/navrel")
+endif()
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/editors/vim"
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/navrel")
 # The manual's pictures.
 foreach(picture IN ITEMS companion open-panel-light panel-light window-light)
     install(FILES "${PROJECT_SOURCE_DIR}/docs/images/${picture}.png" DESTINATION "${doc}/images")

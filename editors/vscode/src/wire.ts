@@ -1,0 +1,51 @@
+// The lines that Navrel and this extension write to each other: docs/editors.md has them all.
+
+/** Where the user is; lines and columns count from 1. */
+export interface Active {
+  active: string | null;
+  line?: number;
+  column?: number;
+  modified?: boolean;
+}
+
+export interface Hello {
+  hello: string;
+  version: 1;
+  pid: number;
+  folders: string[];
+}
+
+export type Outcome = { opened: number } | { refused: number; reason: string };
+
+export type Outgoing = Hello | Active | Outcome;
+
+/** A request to show a file. Without a column the line is selected. */
+export interface Open {
+  open: string;
+  id: number;
+  line?: number;
+  column?: number;
+}
+
+/** The request in a line; undefined for anything else. */
+export function requestIn(line: string): Open | undefined {
+  let value: unknown;
+  try {
+    value = JSON.parse(line);
+  } catch {
+    return undefined;
+  }
+  if (typeof value !== "object" || value === null) {
+    return undefined;
+  }
+  const { open, id, line: number, column } = value as Record<string, unknown>;
+  if (typeof open !== "string" || typeof id !== "number") {
+    return undefined;
+  }
+  return {
+    open,
+    id,
+    ...(typeof number === "number" ? { line: number } : {}),
+    ...(typeof column === "number" ? { column } : {}),
+  };
+}
