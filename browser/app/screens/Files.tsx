@@ -1,4 +1,5 @@
 // The project's groups and files, one group a page, in the project's order.
+import { useMemo } from "preact/hooks";
 import { showFile } from "../actions";
 import { Empty } from "../parts/Empty";
 import { Header } from "../parts/Header";
@@ -17,11 +18,13 @@ export function Files() {
   const activeID = useStore((state) => state.active.file?.id);
   const revealed = useStore((state) => state.revealed);
   const shown = tree.node(group) ?? tree.root;
+  const rows = useMemo(() => (shown ? tree.children(shown.id) : []), [tree, shown?.id]);
+  const lit = useMemo(() => {
+    const way = new Set(activeID === undefined ? [] : tree.way(activeID).map((node) => node.id));
+    return rows.findIndex((row) => way.has(row.id));
+  }, [tree, rows, activeID]);
   if (!shown) return <NoProject title="Files" />;
-
-  const rows = tree.children(shown.id);
   const parent = tree.node(shown.parent);
-  const lit = rows.findIndex((row) => row.id === activeID || (row.kind !== "file" && holds(tree.way(activeID ?? ""), row.id)));
   return (
     <>
       <Header title={shown.name} below={shown.path || undefined} up={parent && { name: parent.name, onTap: () => showGroup(parent) }} />
@@ -42,8 +45,6 @@ export function Files() {
     </>
   );
 }
-
-const holds = (way: readonly TreeNode[], id: string) => way.some((node) => node.id === id);
 
 function showGroup(node: TreeNode): void {
   go(node.parent === undefined ? { tab: "files" } : { tab: "files", group: node.id });

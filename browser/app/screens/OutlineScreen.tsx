@@ -23,8 +23,10 @@ function OutlineOfFile() {
   const id = useStore((state) => state.outlineFile);
   const loaded = useStore((state) => (id === undefined ? undefined : state.outlines.get(id)));
   const hasProject = useStore((state) => state.tree.rootID !== undefined);
+  const isWide = useStore((state) => state.isWide);
   if (id === undefined) {
-    if (!hasProject) return <NoProject title="Outline" />;
+    // Beside the files, which say the same.
+    if (!hasProject) return isWide ? <Header title="Outline" /> : <NoProject title="Outline" />;
     return (
       <>
         <Header title="Outline" />
@@ -81,7 +83,7 @@ function Shown({ outline }: { outline: Shape.Outline }) {
           memory={`outline ${outline.id}`}
           rows={rows}
           keyOf={(row) => row.key}
-          draw={(row, place) => <OutlineEntry outline={outline} row={row} place={place} isLit={place.index === lit} />}
+          draw={(row, place) => <OutlineEntry outline={outline} row={row} place={place} isLit={place.index === lit} isWide={isWide} />}
           headings={headings}
           drawHeading={(row) => (row.type === "heading" ? row.heading.text : "")}
           follow={follow === "scroll" ? lit : undefined}
@@ -115,7 +117,16 @@ const tapOf = (target: Target) => () => {
   open(target);
 };
 
-function OutlineEntry({ outline, row, place, isLit }: { outline: Shape.Outline; row: OutlineRow; place: RowPlace; isLit: boolean }) {
+interface Entry {
+  outline: Shape.Outline;
+  row: OutlineRow;
+  place: RowPlace;
+  isLit: boolean;
+  /** Whether there is room for a declaration beside its name. */
+  isWide: boolean;
+}
+
+function OutlineEntry({ outline, row, place, isLit, isWide }: Entry) {
   const { id, name, path } = outline;
   const file = { id, name, path };
   const end = <LineNumber line={row.line} />;
@@ -130,7 +141,7 @@ function OutlineEntry({ outline, row, place, isLit }: { outline: Shape.Outline; 
       const { symbol } = row;
       const target: Target = { kind: symbol.kind, name: symbol.name, file, line: row.line };
       if (symbol.signature) target.detail = symbol.signature;
-      const beside = symbol.inherits?.length ? `: ${symbol.inherits.join(", ")}` : undefined;
+      const beside = symbol.inherits?.length ? `: ${symbol.inherits.join(", ")}` : isWide ? symbol.signature : undefined;
       return (
         <Row place={place} look={lookOf(symbol.kind)} name={symbol.name} beside={beside} depth={row.depth} end={end} isLit={isLit} target={target} onTap={tapOf(target)} />
       );

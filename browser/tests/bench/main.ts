@@ -1,0 +1,200 @@
+// `npm run bench`: what the page weighs, and how soon it shows, answers and follows. In Chromium on a phone's
+// screen with its processor slowed to a quarter; beside each time stands what a page of one line takes in the
+// same run, as the floor.
+import { gzipSync } from "node:zlib";
+import { readdirSync, readFileSync } from "node:fs";
+import { join } from "node:path";
+import { chromium, type Page } from "playwright-core";
+import { kAssets } from "../browsers/screens";
+import { idOf } from "../mock/sample";
+import { kTicket, MockServer } from "../mock/server";
+
+const kRounds = 9;
+const kSlowdown = 4;
+const kRows = 20_000;
+const kProgram = process.env["NAVREL_CHROMIUM"] ?? "/usr/bin/chromium";
+
+const medianOf = (values: number[]) => values.sort((a, b) => a - b)[values.length >> 1]!;
+
+/** In the form that scripts/bench gathers. */
+function report(what: string, value: number, goal: number): void {
+  console.log(`RATIO | page: ${what} | ${value.toFixed(1)} | at most ${goal} | ${value <= goal ? "met" : "missed"}`);
+}
+
+function reportFloor(what: string, value: number): void {
+  console.log(`RATIO | page: ${what} | ${value.toFixed(1)} | |`);
+}
+
+/** What a device fetches before it sees anything. */
+function weights(): void {
+  const names = readdirSync(kAssets);
+  const sizeOf = (name: string) => {
+    const bytes = readFileSync(join(kAssets, name));
+    return bytes[0] === 0x1f ? bytes.length : gzipSync(bytes).length;
+  };
+  const needed = names.filter((name) => /\.(html|js|css)$/.test(name));
+  report("kB, gzipped", needed.reduce((sum, name) => sum + sizeOf(name), 0) / 1000, 40);
+  report("kB with manifest and icons, gzipped", names.reduce((sum, name) => sum + sizeOf(name), 0) / 1000, 40);
+  report("requests before it shows", needed.length, 3);
+}
+
+const many = Array.from({ length: kRows }, (_, index) => ({ id: idOf(`many ${index}`), name: `File ${index + 1}.swift`, kind: "file" as const, path: `Many/File ${index + 1}.swift` }));
+
+async function slowPage(server: MockServer): Promise<{ page: Page; close(): Promise<void> }> {
+  const browser = await chromium.launch({ executablePath: kProgram, args: ["--no-sandbox", "--disable-dev-shm-usage"] });
+  const context = await browser.newContext({ viewport: { width: 390, height: 844 }, hasTouch: true, isMobile: true });
+  const page = await context.newPage();
+  await page.goto(`${server.url}#p=${kTicket}`);
+  await page.waitForSelector(".row");
+  const session = await context.newCDPSession(page);
+  await session.send("Emulation.setCPUThrottlingRate", { rate: kSlowdown });
+  return { page, close: () => browser.close() };
+}
+
+/** The time from the start of a load to the largest paint. */
+function largestPaint(): Promise<number> {
+  return new Promise((done) => {
+    new PerformanceObserver((list) => done(list.getEntries().at(-1)!.startTime)).observe({ type: "largest-contentful-paint", buffered: true });
+  });
+}
+
+async function paints(page: Page, url: string, ready: string): Promise<number> {
+  const times: number[] = [];
+  for (let round = 0; round < kRounds; round++) {
+    await page.goto(url);
+    await page.waitForSelector(ready);
+    times.push(await page.evaluate(largestPaint));
+  }
+  return medianOf(times);
+}
+
+/** From a tap to the next picture, for the slowest part of what the tap did. */
+async function taps(page: Page, tap: (round: number) => Promise<void>): Promise<number> {
+  await page.evaluate(() => {
+    const found = window as unknown as { durations: number[] };
+    found.durations = [];
+    new PerformanceObserver((list) => {
+      for (const entry of list.getEntries()) if ((entry as unknown as { interactionId: number }).interactionId > 0) found.durations.push(entry.duration);
+    }).observe({ type: "event", durationThreshold: 16 } as PerformanceObserverInit);
+  });
+  for (let round = 0; round < kRounds; round++) await tap(round);
+  const durations = await page.evaluate(() => (window as unknown as { durations: number[] }).durations);
+  return durations.length > 0 ? Math.max(...durations) : 0;
+}
+
+async function measurePage(server: MockServer): Promise<void> {
+  const { page, close } = await slowPage(server);
+  const bare = `${server.url}manifest.webmanifest`; // one short text
+  report("ms to the first sight of the files (LCP)", await paints(page, server.url, ".row"), 1000);
+  reportFloor("ms to the first sight of one line of text", await paints(page, bare, "pre"));
+
+  await page.goto(server.url);
+  await page.waitForSelector(".row");
+  const tabs = ["outline", "search", "notes", "more", "files"];
+  const slowest = await taps(page, async (round) => {
+    await page.locator(`#tab-${tabs[round % tabs.length]}`).tap();
+    await page.waitForSelector(`#tab-${tabs[round % tabs.length]}[aria-selected=true]`);
+  });
+  report("ms for the slowest tap on a tab (INP)", slowest, 100);
+  await close();
+}
+
+async function measureRows(server: MockServer): Promise<void> {
+  const { page, close } = await slowPage(server);
+  const times: number[] = [];
+  for (let round = 0; round < kRounds; round++) {
+    times.push(
+      await page.evaluate(
+        () =>
+          new Promise<number>((done) => {
+            const start = performance.now();
+            const row = [...document.querySelectorAll<HTMLElement>(".row-main")].find((each) => each.textContent!.includes("Many"));
+            const look = () => (document.querySelector('[aria-label="Files in Many"] .row') ? requestAnimationFrame(() => done(performance.now() - start)) : requestAnimationFrame(look));
+            row!.click();
+            look();
+          }),
+      ),
+    );
+    await page.locator(".up").tap();
+    await page.waitForSelector('[aria-label="Files in Tidewatch"]');
+  }
+  report(`ms to show ${kRows} rows`, medianOf(times), 200);
+
+  await page.locator(".row-main", { hasText: "Many" }).tap();
+  await page.waitForSelector('[aria-label="Files in Many"]');
+  const frames = await page.evaluate(
+    () =>
+      new Promise<number>((done) => {
+        const box = document.querySelector(".scroller")!;
+        const gaps: number[] = [];
+        let last = performance.now();
+        const step = (now: number) => {
+          gaps.push(now - last);
+          last = now;
+          box.scrollTop += 700;
+          if (gaps.length < 60) requestAnimationFrame(step);
+          else done(gaps.slice(2).sort((a, b) => a - b)[54]!);
+        };
+        requestAnimationFrame(step);
+      }),
+  );
+  report("ms between two frames (95 %) while they fly by", frames, 100);
+  await close();
+}
+
+/** From the moment that Navrel says so to the moment that it can be read. */
+async function measureChange(server: MockServer): Promise<void> {
+  const { page, close } = await slowPage(server);
+  await page.locator("#tab-notes").tap();
+  await page.waitForSelector('[aria-label="Notes"]');
+  const times: number[] = [];
+  for (let round = 0; round < kRounds; round++) {
+    const text = `written in round ${round}`;
+    server.notes = [{ kind: "todo", text, line: 1, file: { id: idOf("x"), name: "x.swift", path: "x.swift" } }];
+    const seen = page.evaluate(
+      (wanted) =>
+        new Promise<number>((done) => {
+          const look = () => (document.body.textContent!.includes(wanted) ? done(Date.now()) : requestAnimationFrame(look));
+          look();
+        }),
+      text,
+    );
+    const start = Date.now();
+    server.change([]);
+    times.push((await seen) - start);
+  }
+  report("ms from the event of a change to the sight of it", medianOf(times), 300);
+  await close();
+}
+
+/** A phone that was asleep: its stream is dead, and it does not know. */
+async function measureWake(server: MockServer): Promise<void> {
+  const { page, close } = await slowPage(server);
+  const times: number[] = [];
+  for (let round = 0; round < kRounds; round++) {
+    await server.stop();
+    await page.waitForSelector(".banner.bad");
+    await server.start();
+    times.push(
+      await page.evaluate(
+        () =>
+          new Promise<number>((done) => {
+            const start = performance.now();
+            const look = () => (document.querySelector(".stale, .banner.bad") ? requestAnimationFrame(look) : done(performance.now() - start));
+            dispatchEvent(new Event("online"));
+            requestAnimationFrame(look);
+          }),
+      ),
+    );
+  }
+  report("ms from unlocking to up to date", medianOf(times), 1000);
+  await close();
+}
+
+weights();
+const server = new MockServer(kAssets);
+server.active = { file: null };
+server.root = { ...server.root!, children: [{ id: idOf("many"), name: "Many", kind: "group", children: many }, ...server.root!.children!] };
+await server.start();
+for (const measure of [measurePage, measureRows, measureChange, measureWake]) await measure(server);
+await server.stop();
