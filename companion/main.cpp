@@ -3,6 +3,7 @@
 
 #include "companion/Commands.h"
 #include "companion/CompanionLink.h"
+#include "companion/InstallExtension.h"
 #include "companion/LineInput.h"
 #include "companion/MapCommand.h"
 #include "transport/CompanionProtocol.h"
@@ -108,6 +109,9 @@ int main(int argc, char** argv) {
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("navrel-companion"));
     QCoreApplication::setApplicationVersion(QStringLiteral(NAVREL_VERSION));
+    if (argc == 2 && std::string_view(argv[1]) == "install-extension") {
+        return runInstallExtension();
+    }
 
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
