@@ -23,7 +23,8 @@ using std::chrono::milliseconds;
 /// What happens within this time becomes one snapshot: a save is several events, a checkout
 /// thousands.
 constexpr milliseconds kCoalescing{50};
-/// How often the disk is looked at where the system cannot report changes.
+/// How often the disk is looked at where the system cannot report changes: where its watches are
+/// used up, and behind symbolic links.
 constexpr milliseconds kPassInterval{1000};
 /// Requests and events end a wait; this only bounds it.
 constexpr milliseconds kLongWait{3'600'000};
@@ -97,9 +98,8 @@ private:
             if (!events.empty()) {
                 publish(builder_->take(events, revision_ + 1));
             }
-            if (!builder_->isWatching() && Clock::now() >= nextPass_) {
-                publish(builder_->lookAgain(revision_ + 1));
-                nextPass_ = Clock::now() + kPassInterval;
+            if (needsPasses() && Clock::now() >= nextPass_) {
+                pass();
             }
         }
     }
@@ -109,8 +109,18 @@ private:
         return isStopping_;
     }
 
+    bool needsPasses() const {
+        return builder_ && (!builder_->isWatching() || builder_->hasLinks());
+    }
+
+    void pass() {
+        publish(builder_->isWatching() ? builder_->lookAtLinks(revision_ + 1)
+                                       : builder_->lookAgain(revision_ + 1));
+        nextPass_ = Clock::now() + kPassInterval;
+    }
+
     milliseconds timeUntilPass() const {
-        if (!builder_ || builder_->isWatching()) {
+        if (!needsPasses()) {
             return kLongWait;
         }
         const auto left = std::chrono::ceil<milliseconds>(nextPass_ - Clock::now());

@@ -66,6 +66,10 @@ std::optional<MapBuilder::Update> MapBuilder::lookAgain(std::uint64_t revision) 
     return apply(disk_.lookAgain(), revision);
 }
 
+std::optional<MapBuilder::Update> MapBuilder::lookAtLinks(std::uint64_t revision) {
+    return apply(disk_.lookAtLinks(), revision);
+}
+
 std::optional<MapBuilder::Update> MapBuilder::include(const std::string& bundlePath,
                                                       std::uint64_t revision) {
     return included_.insert(bundlePath).second ? rebuild({}, revision) : std::nullopt;
@@ -186,17 +190,18 @@ const MapBuilder::Source& MapBuilder::sourceAt(const MapNode& node, bool isChang
 }
 
 void MapBuilder::read(const MapNode& node, Source& source) {
-    const auto bytes = readRegularFile(node.absolutePath, kMaximumSourceSize);
-    if (!bytes) {
+    const auto file = contentOfFile(node.absolutePath, kMaximumSourceSize);
+    if (!file) {
         source.outline = nullptr;
         source.content = 0;
         return;
     }
-    const std::uint64_t content = std::hash<std::string_view>()(*bytes);
+    const std::string_view bytes(file->data(), static_cast<std::size_t>(file->size()));
+    const std::uint64_t content = std::hash<std::string_view>()(bytes);
     if (!source.outline || source.content != content) {
-        const auto decoded = decodedSource(*bytes);
+        const auto decoded = decodedSource(bytes);
         source.outline = std::make_shared<const Outline>(
-            outlineOfSource(node.language, decoded ? *decoded : *bytes));
+            outlineOfSource(node.language, decoded ? std::string_view(*decoded) : bytes));
         source.content = content;
     }
 }

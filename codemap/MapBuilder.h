@@ -38,11 +38,14 @@ public:
     std::optional<Update> take(const std::vector<FolderEvent>& events, std::uint64_t revision);
     /// The snapshot after a look at everything on disk; nothing where it is as before.
     std::optional<Update> lookAgain(std::uint64_t revision);
+    /// The snapshot after a look at what symbolic links lead to; nothing where it is as before.
+    std::optional<Update> lookAtLinks(std::uint64_t revision);
     /// The snapshot with the files of another project of the workspace; nothing where it has them
     /// already.
     std::optional<Update> include(const std::string& bundlePath, std::uint64_t revision);
 
     bool isWatching() const { return disk_.isWatching(); }
+    bool hasLinks() const { return disk_.hasLinks(); }
 
 private:
     using Paths = std::set<std::string>;

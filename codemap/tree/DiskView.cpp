@@ -51,6 +51,9 @@ DiskStatus DiskView::status(const std::string& path) {
     const auto [found, isNew] = folder.statuses.try_emplace(std::string(lastPart(path)));
     if (isNew) {
         found->second = diskStatusOf(path);
+        if (found->second.isLink) {
+            links_.emplace(parentFolder(path), lastPart(path));
+        }
     }
     return found->second;
 }
@@ -97,6 +100,7 @@ void DiskView::endBuilding() {
         }
         return isUnused;
     });
+    std::erase_if(links_, [this](const auto& link) { return !folders_.contains(link.first); });
 }
 
 DiskView::Changes DiskView::take(const std::vector<FolderEvent>& events) {
@@ -148,6 +152,14 @@ DiskView::Changes DiskView::lookAgain() {
     return changes;
 }
 
+DiskView::Changes DiskView::lookAtLinks() {
+    Changes changes;
+    for (const auto& [folder, name] : links_) {
+        lookAtName(folder, name, false, changes);
+    }
+    return changes;
+}
+
 void DiskView::lookAtName(const std::string& path, const std::string& name, bool force,
                           Changes& changes) {
     const auto folder = folders_.find(path);
@@ -161,6 +173,9 @@ void DiskView::lookAtName(const std::string& path, const std::string& name, bool
     const std::string file = pathIn(path, name);
     const DiskStatus status = diskStatusOf(file);
     const DiskStatus before = std::exchange(known->second, status);
+    if (status.isLink) {
+        links_.emplace(path, name);
+    }
     if (status.kind != before.kind) {
         changes.tree = true;
     } else if (status.kind == DiskKind::file) {

@@ -1,12 +1,14 @@
 #pragma once
 
+#include "codemap/tree/DiskStatus.h"
 #include "codemap/tree/FolderWatch.h"
-#include "codemap/tree/RegularFile.h"
 
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace navrel {
@@ -51,6 +53,9 @@ public:
     Changes take(const std::vector<FolderEvent>& events);
     /// Looks at everything again.
     Changes lookAgain();
+    /// Looks at what symbolic links lead to again, of which no watched folder reports.
+    Changes lookAtLinks();
+    bool hasLinks() const { return !links_.empty(); }
 
     /// Whether every folder is watched.
     bool isWatching() const { return watch_ != nullptr && !hasUnwatched_; }
@@ -80,6 +85,7 @@ private:
     bool hasUnwatched_ = false;
     std::uint64_t building_ = 0;
     std::unordered_map<std::string, Folder> folders_;
+    std::set<std::pair<std::string, std::string>> links_; // folder and name
 };
 
 } // namespace navrel

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "codemap/tree/RegularFile.h"
+#include "codemap/tree/DiskStatus.h"
 #include "codemap/tree/XcodeProject.h"
 
 #include <map>

@@ -18,10 +18,10 @@ constexpr std::array<std::string_view, 6> kCustomaryFolders = {"Sources", "Sourc
 
 /// The texts of `path: "…"` in a manifest. A manifest is a program; this is what it says where it
 /// is as plain as most are.
-std::vector<std::string> pathsIn(const std::string& manifest) {
+std::vector<std::string> pathsIn(const QByteArray& manifest) {
     static const QRegularExpression kPath(QStringLiteral("\\bpath:\\s*\"([^\"\\\\\\n]{1,1000})\""));
     std::vector<std::string> paths;
-    auto match = kPath.globalMatch(QString::fromStdString(manifest));
+    auto match = kPath.globalMatch(QString::fromUtf8(manifest));
     while (match.hasNext()) {
         paths.push_back(match.next().captured(1).toStdString());
     }
@@ -46,7 +46,7 @@ std::vector<std::string> sourceFoldersOf(const std::string& package, DiskView& d
     const std::string manifest = resolvedPath(package, kPackageManifest);
     // Asked for, so that the manifest is watched.
     disk.status(manifest);
-    if (const auto text = readRegularFile(manifest, kMaximumManifestSize)) {
+    if (const auto text = contentOfFile(manifest, kMaximumManifestSize)) {
         const std::vector<std::string> paths = pathsIn(*text);
         std::for_each(paths.begin(), paths.end(), addFolder);
     }

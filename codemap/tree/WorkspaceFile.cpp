@@ -1,7 +1,7 @@
 #include "codemap/tree/WorkspaceFile.h"
 
+#include "codemap/tree/DiskStatus.h"
 #include "codemap/tree/Paths.h"
-#include "codemap/tree/RegularFile.h"
 
 #include <QXmlStreamReader>
 
@@ -19,9 +19,8 @@ std::string textOf(QStringView text) {
 
 class WorkspaceReader {
 public:
-    WorkspaceReader(const std::string& bytes, std::string_view bundle)
-        : xml_(QByteArray(bytes.data(), static_cast<qsizetype>(bytes.size()))),
-          folder_(parentFolder(bundle)) {}
+    WorkspaceReader(const QByteArray& bytes, std::string_view bundle)
+        : xml_(bytes), folder_(parentFolder(bundle)) {}
 
     std::optional<std::vector<WorkspaceItem>> read() {
         if (!xml_.readNextStartElement() || xml_.name() != QLatin1String("Workspace")) {
@@ -82,7 +81,7 @@ private:
 
 std::optional<std::vector<WorkspaceItem>> readWorkspace(const std::string& bundlePath) {
     const auto bytes =
-        readRegularFile(bundlePath + "/contents.xcworkspacedata", kMaximumWorkspaceFileSize);
+        contentOfFile(bundlePath + "/contents.xcworkspacedata", kMaximumWorkspaceFileSize);
     return bytes ? WorkspaceReader(*bytes, bundlePath).read() : std::nullopt;
 }
 

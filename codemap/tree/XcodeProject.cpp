@@ -1,6 +1,6 @@
 #include "codemap/tree/XcodeProject.h"
 
-#include "codemap/tree/RegularFile.h"
+#include "codemap/tree/DiskStatus.h"
 #include "project/ProjectFile.h"
 
 #include <QRegularExpression>
@@ -39,16 +39,16 @@ std::optional<XcodeProject::Failure> XcodeProject::read(const std::string& path)
     if (status.stamp.size > kMaximumProjectFileSize) {
         return Failure{"The project file is larger than 64 MiB.", 0};
     }
-    const auto bytes = readRegularFile(path, static_cast<std::size_t>(kMaximumProjectFileSize));
+    const auto bytes = contentOfFile(path, static_cast<std::size_t>(kMaximumProjectFileSize));
     return bytes ? take(*bytes) : Failure{"The project file cannot be opened.", 0};
 }
 
-std::optional<XcodeProject::Failure> XcodeProject::take(const std::string& bytes) {
-    if (bytes.empty()) {
+std::optional<XcodeProject::Failure> XcodeProject::take(const QByteArray& bytes) {
+    if (bytes.isEmpty()) {
         return Failure{"The project file is empty.", 0};
     }
     std::optional<Error> error;
-    if (!document_.read(QByteArray(bytes.data(), static_cast<qsizetype>(bytes.size())), &error)) {
+    if (!document_.read(bytes, &error)) {
         return error ? failureOf(*error) : Failure{"The project file is not readable.", 0};
     }
     objects_.build(document_.root()["objects"]);

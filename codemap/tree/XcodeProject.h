@@ -35,7 +35,7 @@ public:
     std::string_view projectDirPath() const { return project_["projectDirPath"].utf8(); }
 
 private:
-    std::optional<Failure> take(const std::string& bytes);
+    std::optional<Failure> take(const QByteArray& bytes);
 
     PropertyListDocument document_;
     PropertyListIndex objects_;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QByteArray>
+
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -28,12 +30,14 @@ struct DiskStatus {
     /// Whether a later change will show in the stamp: the last one was older than two steps of its
     /// date.
     bool isSettled = false;
+    /// Whether the path is a symbolic link: what it leads to changes elsewhere.
+    bool isLink = false;
 };
 
 DiskStatus diskStatusOf(const std::string& path);
 
 /// A whole file. Nothing for what is no regular file, is larger than `limit` or cannot be read. A
 /// special file is never opened, and nothing is waited for.
-std::optional<std::string> readRegularFile(const std::string& path, std::size_t limit);
+std::optional<QByteArray> contentOfFile(const std::string& path, std::size_t limit);
 
 } // namespace navrel
