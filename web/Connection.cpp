@@ -194,10 +194,15 @@ Connection::Task<bool> Connection::readHead(RequestReader& reader) {
 Connection::Task<bool> Connection::readBody(RequestReader& reader) {
     setDeadline(world_.limits.bodyTime);
     while (reader.state() == RequestReader::State::body) {
-        if (unread_.empty() && !co_await readMore()) {
-            co_return false;
-        }
         unread_.erase(0, reader.take(unread_));
+        const bool isShort = reader.state() == RequestReader::State::body;
+        // Not as one condition: GCC 12 translates co_await behind && wrongly. It also destroys
+        // temporaries of an expression with co_await twice: such an expression has none that own.
+        if (isShort) {
+            if (!co_await readMore()) {
+                co_return false;
+            }
+        }
     }
     co_return true;
 }
@@ -263,17 +268,17 @@ Connection::Task<> Connection::serveEvents(const Site::Visit& visit) {
     if (!visit.cookie.empty()) {
         response.fields.emplace_back("Set-Cookie", visit.cookie);
     }
+    const std::string head = headOf(response, {.isStream = true});
     ErrorCode error;
-    co_await stream_->write(headOf(response, {.isStream = true}), {}, error);
+    co_await stream_->write(head, {}, error);
     if (error || isClosed_) {
         co_return;
     }
     Events events(*this, visit.device);
     events_ = &events;
     world_.site.openStream(events);
-    asio::co_spawn(
-        co_await asio::this_coro::executor,
-        [self = shared_from_this()]() -> Task<> { co_await self->watchForEnd(); }, asio::detached);
+    auto watch = [self = shared_from_this()]() -> Task<> { co_await self->watchForEnd(); };
+    asio::co_spawn(wakeUp_.get_executor(), std::move(watch), asio::detached);
     co_await sendEvents(events);
     world_.site.closeStream(events);
     events_ = nullptr;
@@ -289,10 +294,10 @@ Connection::Task<> Connection::sendEvents(Events& events) {
             continue;
         }
         setDeadline(world_.limits.answerTime);
+        events.lastSent = world_.now();
         const std::string text = events.queue.take();
         co_await stream_->write(text, {}, error);
         events.queue.sent();
-        events.lastSent = world_.now();
     }
 }
 
