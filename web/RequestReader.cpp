@@ -11,6 +11,8 @@ namespace {
 
 namespace http = boost::beast::http;
 
+constexpr std::string_view kTooLong = "The head of the request is too long.";
+
 Method methodOf(http::verb verb) {
     switch (verb) {
     case http::verb::get:
@@ -30,7 +32,7 @@ Method methodOf(http::verb verb) {
 
 HTTPResponse refusalOf(const boost::beast::error_code& error) {
     if (error == http::error::header_limit || error == http::error::buffer_overflow) {
-        return errorResponse(431, "The head of the request is too long.");
+        return errorResponse(431, kTooLong);
     }
     if (error == http::error::body_limit) {
         return errorResponse(413, "The body of the request is too long.");
@@ -66,6 +68,7 @@ std::size_t RequestReader::take(std::string_view bytes) {
         refuse(refusalOf(error));
         return taken;
     }
+    headSize_ += state_ == State::head ? taken : 0;
     if (state_ == State::head && parser_->is_header_done()) {
         endHead();
     }
@@ -79,6 +82,10 @@ std::size_t RequestReader::take(std::string_view bytes) {
 void RequestReader::endHead() {
     const auto& head = parser_->get();
     const auto fieldCount = std::distance(head.begin(), head.end());
+    if (headSize_ > limits_.headSize) { // the parser takes a little more than its limit
+        refuse(errorResponse(431, kTooLong));
+        return;
+    }
     if (static_cast<std::size_t>(fieldCount) > limits_.headFields) {
         refuse(errorResponse(431, "The head of the request has too many fields."));
         return;

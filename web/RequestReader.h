@@ -44,6 +44,7 @@ private:
     const Limits& limits_;
     std::unique_ptr<Parser> parser_;
     State state_ = State::head;
+    std::size_t headSize_ = 0; ///< bytes that were taken of it
     HTTPRequest request_;
     HTTPResponse refusal_;
 };
