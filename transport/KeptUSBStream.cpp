@@ -89,6 +89,7 @@ void KeptUSBStream::reachDaemon() {
     }
     daemon_ = bufferedSocket(std::move(socket));
     daemon_->write(request_);
+    isReplyOwed_ = true;
     replyTimer_->start();
 }
 
@@ -112,14 +113,18 @@ void KeptUSBStream::takePackets() {
 
 void KeptUSBStream::packetDidArrive(const QByteArray& bytes) {
     const PTUSBPacket packet = decodedPTUSBPacket(bytes);
-    const bool isReply = packet.tag == requestTag_ && packet.tag != kPTUSBBroadcastTag;
+    const bool isReply =
+        isReplyOwed_ && packet.tag == requestTag_ && packet.tag != kPTUSBBroadcastTag;
     if (isReply) {
+        isReplyOwed_ = false;
         replyTimer_->stop();
     }
     if (!isListening_) {
-        if (isReply) { // anything else is no answer to what was asked
+        if (isReply) {
             program_->write(bytes);
             isRelaying_ = true;
+        } else if (packet.tag != kPTUSBBroadcastTag) {
+            PTUSBChannel::logIgnoredReply(packet.message);
         }
         return;
     }
@@ -179,6 +184,7 @@ void KeptUSBStream::daemonIsGone(int errnoValue) {
 }
 
 void KeptUSBStream::dropDaemon() {
+    isReplyOwed_ = false;
     replyTimer_->stop();
     daemon_.reset();
     if (isListening_) {

@@ -22,8 +22,10 @@ namespace navrel {
 ///   "Listen"   Packets are passed on whole, and the stream never ends by itself. When the daemon
 ///              goes, or sends what is no packet, each device that it had announced is reported as
 ///              detached, and the request is repeated to the daemon that comes next. A daemon that
-///              refuses is left and asked again, too; the program hears the first reply alone.
+///              refuses is left and asked again, too. The reply to a repeated request stays here;
+///              any other reply is passed on, so that the program logs what it did not ask for.
 ///   any other  The reply is passed on, and from then on the bytes of both sides, until one ends. A
+///              reply to another request is logged here, since the program reads only one packet. A
 ///              daemon that goes, or sends what is no packet, before it has replied is answered
 ///              for: "connection refused".
 ///
@@ -74,6 +76,8 @@ private:
     std::unique_ptr<BufferedSocket> daemon_; ///< null while there is none
     QByteArray request_;                     ///< empty until it has arrived
     quint32 requestTag_ = 0;
+    /// Whether the daemon has yet to reply to the request, as it was sent last.
+    bool isReplyOwed_ = false;
     /// Runs while the daemon owes its reply. Deleted later, since it may be what ends the stream.
     const std::unique_ptr<QTimer, QScopedPointerDeleteLater> replyTimer_{new QTimer};
     bool isListening_ = false;

@@ -259,6 +259,10 @@ void PTUSBChannel::dispatchReply(const std::optional<Error>& error, const Messag
     if (callback) {
         return callback(error, reply);
     }
+    logIgnoredReply(reply);
+}
+
+void PTUSBChannel::logIgnoredReply(const Message& reply) {
     log(QStringLiteral("Warning: Ignoring reply packet for which there is no registered callback. "
                        "Packet => %1")
             .arg(descriptionOfMessage(reply)));

@@ -51,6 +51,9 @@ public:
     /// False when the reply is none of success.
     static bool errorFromPlistResponse(const Message& reply, std::optional<Error>& error);
 
+    /// Logs a reply that no pending request was waiting for.
+    static void logIgnoredReply(const Message& reply);
+
     /// A channel that is not open yet. The daemon is kept as long as the stream is in use.
     static std::shared_ptr<PTUSBChannel> create(std::shared_ptr<USBDaemon> daemon);
     ~PTUSBChannel();

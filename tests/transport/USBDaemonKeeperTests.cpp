@@ -81,6 +81,12 @@ protected:
         return QString::fromLatin1(words).split(QLatin1Char(' '));
     }
 
+    static QString ignoredReply(const char* reply) {
+        return QStringLiteral("Warning: Ignoring reply packet for which there is no registered "
+                              "callback. Packet => %1")
+            .arg(QString::fromLatin1(reply));
+    }
+
     static int openDescriptors() {
         return static_cast<int>(QDir(QStringLiteral("/proc/self/fd")).entryList().size());
     }
@@ -290,6 +296,34 @@ TEST_F(USBDaemonKeeperTest, oddPacketsAreLoggedAndTheNextOneIsRead) {
     EXPECT_EQ(log_.messages().size(), 5);
 }
 
+TEST_F(USBDaemonKeeperTest, repliesThatNobodyOwesReachTheProgramAndDetachNothing) {
+    startAndListen();
+    daemon_.attach(7);
+    ASSERT_TRUE(waitForTold(list("+7")));
+    for (const int number : {0, 1}) {
+        daemon_.sendToListeners(FakeUSBDaemon::packet(1, {{QStringLiteral("Number"), number}}));
+    }
+    daemon_.attach(8);
+    ASSERT_TRUE(waitForTold(list("+7 +8")));
+    EXPECT_EQ(log_.messages(),
+              (QStringList{ignoredReply("{\"Number\":0}"), ignoredReply("{\"Number\":1}")}));
+    EXPECT_EQ(daemon_.countOfRequests(kListen), 1);
+}
+
+TEST_F(USBDaemonKeeperTest, ofTwoRepliesToTheRepeatedListenTheSecondReachesTheProgram) {
+    startAndListen();
+    daemon_.stop();
+    ASSERT_TRUE(daemon_.start());
+    ASSERT_TRUE(waitUntil([&] { return daemon_.countOfRequests(kListen) == 2; }));
+    daemon_.attach(7);
+    ASSERT_TRUE(waitForTold(list("+7")));
+    EXPECT_EQ(log_.messages(), QStringList());
+    daemon_.sendToListeners(FakeUSBDaemon::packet(1, {{QStringLiteral("Number"), 3}}));
+    EXPECT_TRUE(waitUntil([&] { return !log_.messages().isEmpty(); }));
+    EXPECT_EQ(log_.messages(), QStringList{ignoredReply("{\"Number\":3}")});
+    EXPECT_EQ(told_, list("+7"));
+}
+
 TEST_F(USBDaemonKeeperTest, aFloodOfDevicesIsToldOfWhole) {
     constexpr int kDevices = 10'000;
     startAndListen();
@@ -475,7 +509,7 @@ TEST_F(USBDaemonKeeperTest, anAnswerThatIsCutOffOrNoPacketIsARefusal) {
     }
 }
 
-TEST_F(USBDaemonKeeperTest, whatIsNoAnswerToTheConnectIsPassedOver) {
+TEST_F(USBDaemonKeeperTest, whatIsNoAnswerToTheConnectIsPassedOverAndRepliesAreLogged) {
     startAndListen();
     daemon_.attach(7);
     daemon_.connectAnswer = std::nullopt;
@@ -486,6 +520,7 @@ TEST_F(USBDaemonKeeperTest, whatIsNoAnswerToTheConnectIsPassedOver) {
                              FakeUSBDaemon::packet(1, {{QStringLiteral("Number"), 0}}));
     ASSERT_TRUE(waitUntil([&] { return !connectOutcomes_.empty(); }));
     EXPECT_EQ(connectOutcomes_[0], std::nullopt);
+    EXPECT_EQ(log_.messages(), QStringList{ignoredReply("{\"Number\":0}")});
 }
 
 TEST_F(USBDaemonKeeperTest, nothingIsLeftOfStreamsThatHaveEnded) {
