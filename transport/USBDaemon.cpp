@@ -4,12 +4,11 @@
 
 #include <QByteArray>
 #include <QFile>
+#include <QRegularExpression>
 
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
-#include <memory>
-#include <netdb.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 
@@ -21,6 +20,7 @@ constexpr char kAddressVariable[] = "USBMUXD_SOCKET_ADDRESS";
 const QString kDefaultPath = QStringLiteral("/var/run/usbmuxd");
 const QString kPathPrefix = QStringLiteral("UNIX:");
 const QString kLocalHost = QStringLiteral("localhost");
+const QString kAnyPort = QStringLiteral("1");
 
 /// Non-blocking, so that a daemon which accepts nobody is a failure and never holds the caller.
 OwnedDescriptor makeStreamSocket(int family) {
@@ -60,29 +60,16 @@ OwnedDescriptor connectToPath(const QString& path) {
                      sizeof address);
 }
 
-using AddressList = std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)>;
-
-/// The address that a host's number and a port stand for; null for a name. Nobody is asked for
-/// names: their servers may take half a minute to say nothing, and nothing else runs meanwhile.
-AddressList numericAddress(const QString& host, const QString& port) {
-    addrinfo wanted = {};
-    wanted.ai_socktype = SOCK_STREAM;
-    wanted.ai_flags = AI_NUMERICHOST | AI_NUMERICSERV;
-    addrinfo* found = nullptr;
-    const QByteArray number = host == kLocalHost ? QByteArrayLiteral("127.0.0.1") : host.toUtf8();
-    if (::getaddrinfo(number.constData(), port.toUtf8().constData(), &wanted, &found) != 0) {
-        found = nullptr;
-    }
-    return {found, ::freeaddrinfo};
+/// "localhost" as its number: nobody need be asked.
+QString hostNumber(const QString& host) {
+    return host == kLocalHost ? QStringLiteral("127.0.0.1") : host;
 }
 
-OwnedDescriptor connectToHost(const QString& host, const QString& port) {
-    const AddressList address = numericAddress(host, port);
-    if (!address) {
-        errno = EHOSTUNREACH;
-        return {};
-    }
-    return connected(makeStreamSocket(address->ai_family), address->ai_addr, address->ai_addrlen);
+/// Letters, digits, "-", "_" and ".", as hosts have them in their names.
+bool isHostName(const QString& host) {
+    static const QRegularExpression kHostName(QStringLiteral("\\A(?!\\.)[A-Za-z0-9._-]{1,253}\\z"));
+    static const QRegularExpression kOnlyDigits(QStringLiteral("\\A[0-9.]*\\z"));
+    return kHostName.match(host).hasMatch() && !kOnlyDigits.match(host).hasMatch();
 }
 
 bool isPort(const QString& text) {
@@ -99,11 +86,13 @@ std::optional<USBDaemonAddress> USBDaemonAddress::fromText(const QString& text) 
     }
     const qsizetype colon = text.lastIndexOf(QLatin1Char(':'));
     QString host = text.first(qMax<qsizetype>(colon, 0));
-    if (host.startsWith(QLatin1Char('[')) && host.endsWith(QLatin1Char(']'))) {
+    const bool isBracketed = host.startsWith(QLatin1Char('[')) && host.endsWith(QLatin1Char(']'));
+    if (isBracketed) {
         host = host.sliced(1, host.size() - 2);
     }
     const QString port = text.sliced(colon + 1);
-    if (host.isEmpty() || !isPort(port) || !numericAddress(host, port)) {
+    const bool isHost = numericAddress(host, kAnyPort) || (!isBracketed && isHostName(host));
+    if (host.isEmpty() || !isPort(port) || !isHost) {
         return std::nullopt;
     }
     return USBDaemonAddress{{}, host, port};
@@ -117,16 +106,44 @@ USBDaemonAddress USBDaemonAddress::fromEnvironment() {
     const QString text = qEnvironmentVariable(kAddressVariable);
     const auto address = fromText(text);
     if (!address) {
-        log(QStringLiteral("Ignoring %1: neither \"UNIX:\" and a path nor the number of a host "
-                           "(or \"localhost\") and a port: %2")
+        log(QStringLiteral("Ignoring %1: neither \"UNIX:\" and a path nor a host and a port: "
+                           "%2")
                 .arg(QLatin1String(kAddressVariable), text));
     }
     return address.value_or(standard);
 }
 
+USBDaemonSocket::USBDaemonSocket(USBDaemonAddress address) : address_(std::move(address)) {
+    if (address_.path.isEmpty() && !numericAddress(hostNumber(address_.host), address_.port)) {
+        lookup_ = std::make_unique<HostLookup>(address_.host, address_.port);
+    }
+}
+
 OwnedDescriptor USBDaemonSocket::openStream() {
-    return address_.path.isEmpty() ? connectToHost(address_.host, address_.port)
-                                   : connectToPath(address_.path);
+    return address_.path.isEmpty() ? connectToHost() : connectToPath(address_.path);
+}
+
+// The first address that does not fail at once: one of this machine that has no listener does.
+OwnedDescriptor USBDaemonSocket::connectToHost() {
+    const std::vector<SocketAddress> addresses = hostAddresses();
+    OwnedDescriptor socket;
+    errno = EHOSTUNREACH;
+    for (const SocketAddress& address : addresses) {
+        socket =
+            connected(makeStreamSocket(address.storage.ss_family), address.get(), address.length);
+        if (socket.isValid()) {
+            break;
+        }
+    }
+    return socket;
+}
+
+std::vector<SocketAddress> USBDaemonSocket::hostAddresses() {
+    if (lookup_) {
+        return lookup_->addresses();
+    }
+    const auto address = numericAddress(hostNumber(address_.host), address_.port);
+    return address ? std::vector{*address} : std::vector<SocketAddress>();
 }
 
 } // namespace navrel

@@ -1,10 +1,13 @@
 #pragma once
 
+#include "transport/HostLookup.h"
 #include "transport/OwnedDescriptor.h"
 
 #include <QString>
 
+#include <memory>
 #include <optional>
+#include <vector>
 
 namespace navrel {
 
@@ -14,8 +17,8 @@ public:
     virtual ~USBDaemon() = default;
 
     /// A connected stream socket, closed in the programs that this one starts; invalid, with errno
-    /// set, on failure. Never waits for the daemon. Whoever uses the stream keeps this object as
-    /// long.
+    /// set, on failure. Never waits for the daemon. The caller must keep this object as long as it
+    /// uses the stream.
     virtual OwnedDescriptor openStream() = 0;
 
 protected:
@@ -27,12 +30,11 @@ protected:
 /// Where a daemon listens: a socket of the file system, or a port of a host.
 struct USBDaemonAddress {
     QString path; ///< empty for a host and port
-    QString host; ///< a number, or "localhost" for 127.0.0.1
+    QString host; ///< a number, or a name
     QString port;
 
     /// Reads "UNIX:" and a path, or "host:port" ("127.0.0.1:27015", "[::1]:27015",
-    /// "localhost:27015"); nothing for any other text. Hosts are numbers: a name would have to be
-    /// looked up, which may hold the caller for long; "localhost" alone needs no looking up.
+    /// "localhost:27015", "mac.example:27015"); nothing for any other text. Looks no name up.
     static std::optional<USBDaemonAddress> fromText(const QString& text);
 
     /// The one that USBMUXD_SOCKET_ADDRESS names; "/var/run/usbmuxd" where it is not set, or cannot
@@ -40,16 +42,21 @@ struct USBDaemonAddress {
     static USBDaemonAddress fromEnvironment();
 };
 
-/// The daemon itself: each stream is a connection to its socket.
+/// The daemon itself: each stream is a connection to its socket. A host's name is looked up for
+/// each stream (HostLookup.h); while it has no address, opening fails with EHOSTUNREACH.
 class USBDaemonSocket final : public USBDaemon {
 public:
-    explicit USBDaemonSocket(USBDaemonAddress address) : address_(std::move(address)) {}
+    explicit USBDaemonSocket(USBDaemonAddress address);
 
     const USBDaemonAddress& address() const { return address_; }
     OwnedDescriptor openStream() override;
 
 private:
+    OwnedDescriptor connectToHost();
+    std::vector<SocketAddress> hostAddresses();
+
     USBDaemonAddress address_;
+    std::unique_ptr<HostLookup> lookup_; ///< null for paths, numbers and "localhost"
 };
 
 } // namespace navrel
