@@ -249,7 +249,7 @@ void Commands::showShortcuts(const QString&) {
         print_(QStringLiteral("%1  %2").arg(
             text_.accent(textOf(shortcut, QStringLiteral("shortcut"))),
             text_.faint(textOf(shortcut, QStringLiteral("path")) + QLatin1Char(':') +
-                        textOf(shortcut, QStringLiteral("line")))));
+                        TerminalText::lineNumber(shortcut.value(QStringLiteral("line"))))));
     }
 }
 

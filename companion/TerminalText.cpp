@@ -16,6 +16,28 @@ QString textOf(const QVariantMap& item, const char* key) {
     return TerminalText::harmless(item.value(QString::fromLatin1(key)).toString());
 }
 
+/// Whether a character beyond ASCII shows as nothing, or changes how others show.
+bool isDeceptive(char32_t character) {
+    switch (QChar::category(character)) {
+    case QChar::Other_Control:
+    case QChar::Other_Format: // direction, zero width, joiners, tags, soft hyphen
+    case QChar::Other_Surrogate:
+    case QChar::Separator_Line:
+    case QChar::Separator_Paragraph:
+        return true;
+    default:
+        break;
+    }
+    const auto isWithin = [character](char32_t first, char32_t last) {
+        return character >= first && character <= last;
+    };
+    return isWithin(0xE0000, 0xE0FFF)                            // tags, and what is reserved there
+           || character == 0x034F                                // combining grapheme joiner
+           || isWithin(0x115F, 0x1160) || character == 0x3164 || // fillers of Hangul,
+           character == 0xFFA0 || isWithin(0x17B4, 0x17B5)       // and of Khmer
+           || isWithin(0x2060, 0x206F) || isWithin(0xFFF0, 0xFFFB); // invisible or reserved
+}
+
 /// The sign of an element's kind.
 QString signOf(const QString& type) {
     if (type == QStringLiteral("class")) {
@@ -39,18 +61,27 @@ QString signOf(const QString& type) {
 } // namespace
 
 QString TerminalText::harmless(const QString& text) {
-    QString result = text;
-    for (QChar& character : result) {
-        const char16_t unit = character.unicode();
-        if (unit < 0x20) {
-            character = QChar(static_cast<char16_t>(kFirstControlPicture + unit));
-        } else if (unit == 0x7F) {
-            character = QChar(kDeletePicture);
-        } else if (unit >= 0x80 && unit <= 0x9F) {
-            character = QChar::ReplacementCharacter;
+    QString result;
+    result.reserve(text.size());
+    for (const char32_t character : text.toUcs4()) {
+        if (character < 0x20) {
+            result += QChar(static_cast<char16_t>(kFirstControlPicture + character));
+        } else if (character == 0x7F) {
+            result += QChar(kDeletePicture);
+        } else if (isDeceptive(character)) {
+            result += QStringLiteral("‹U+%1›").arg(
+                QString::number(character, 16).toUpper().rightJustified(4, QLatin1Char('0')));
+        } else {
+            result += QString::fromUcs4(&character, 1);
         }
     }
     return result;
+}
+
+QString TerminalText::lineNumber(const QVariant& line) {
+    bool isNumber = false;
+    const qlonglong number = line.toLongLong(&isNumber);
+    return isNumber ? QString::number(number).right(kWidestLineNumber) : QStringLiteral("?");
 }
 
 QString TerminalText::wrapped(const char* code, const QString& text) const {
@@ -71,7 +102,7 @@ QString TerminalText::outline(const QVariantMap& elements) const {
     const QVariantList items = elements.value(QStringLiteral("items")).toList();
     int numberWidth = 1;
     for (const QVariant& item : items) {
-        const QString line = item.toMap().value(QStringLiteral("line")).toString();
+        const QString line = lineNumber(item.toMap().value(QStringLiteral("line")));
         numberWidth = std::max(numberWidth, static_cast<int>(line.size()));
     }
     QStringList lines;
@@ -85,7 +116,7 @@ QString TerminalText::outlineLine(const QVariantMap& item, int numberWidth) cons
     const QString type = item.value(QStringLiteral("type")).toString();
     const QString name = textOf(item, "name");
     const QString number =
-        faint(item.value(QStringLiteral("line")).toString().rightJustified(numberWidth));
+        faint(lineNumber(item.value(QStringLiteral("line"))).rightJustified(numberWidth));
     if (type == QStringLiteral("mark")) {
         return QStringLiteral("%1  %2").arg(number, heading(QStringLiteral("── ") + name));
     }

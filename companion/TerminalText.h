@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QVariant>
 #include <QVariantMap>
 
 namespace navrel {
@@ -12,9 +13,17 @@ public:
 
     explicit TerminalText(Style style) : style_(style) {}
 
-    /// Text from a project, made harmless: control characters, which could drive the terminal, are
-    /// shown as their symbols.
+    /// Text from elsewhere, made harmless: what could drive the terminal or is not what it looks
+    /// like is shown for what it is. ASCII control characters as their symbols ("␛"), and as their
+    /// numbers
+    /// ("‹U+202E›") other control characters, those that turn the writing direction, zero-width
+    /// ones, invisible letters, tags, line and paragraph separators, and halves of surrogate pairs.
     static QString harmless(const QString& text);
+
+    /// An element's line number, at most kWidestLineNumber characters, whatever was sent for it.
+    static QString lineNumber(const QVariant& line);
+    /// As wide as the largest number that is one.
+    static constexpr int kWidestLineNumber = 19;
 
     QString heading(const QString& text) const { return wrapped("1", text); }
     QString group(const QString& text) const { return wrapped("1;34", text); }

@@ -181,6 +181,36 @@ TEST_F(CommandsTest, theOverviewShowsEverySectionAndTheLongestOutline) {
     EXPECT_FALSE(printed_.contains(QStringLiteral("short  /p")));
 }
 
+TEST_F(CommandsTest, nothingThatIsPrintedDrivesOrDeceivesTheTerminal) {
+    const QString hostile =
+        QStringLiteral("\x1B]0;x\a\u202E\u200B\u009B\r") + QString::fromUcs4(U"\U000E0041", 1);
+    QVariantMap everything;
+    for (const char* key :
+         {"label", "path", "name", "identifier", "isGroup", "title", "counterpart", "type", "line",
+          "shortcut", "extension", "allowed", "project", "version", "superclass"}) {
+        everything.insert(QLatin1String(key), hostile);
+    }
+    QVariantMap item = everything;
+    for (const char* type : {"class", "mark", "warning", "shortcut"}) {
+        item.insert(QStringLiteral("type"), QLatin1String(type));
+        for (const QVariant& element : {QVariant(item), QVariant(hostile), QVariant(everything)}) {
+            answer_ = everything;
+            answer_->insert(QStringLiteral("items"), QVariantList{element});
+            for (const char* line : {"tree", "ls", "ls x", "elements x", "classes", "class x",
+                                     "types", "type x on", "shortcuts", "project", "version"}) {
+                run(QLatin1String(line));
+            }
+        }
+    }
+    run(hostile);
+    ASSERT_FALSE(printed_.isEmpty());
+    const QString text = printed_.join(QLatin1Char('\n'));
+    for (const char16_t character : u"\x1B\a\u202E\u200B\u009B\r\xDB40") {
+        EXPECT_TRUE(character == 0 || !text.contains(QChar(character)))
+            << static_cast<int>(character);
+    }
+}
+
 TEST_F(CommandsTest, projectAndVersionPrintWhatNavrelSays) {
     answer_ = QVariantMap{{QStringLiteral("project"), QStringLiteral("/p")},
                           {QStringLiteral("version"), QStringLiteral("1.4")}};
