@@ -17,6 +17,10 @@ namespace {
 
 constexpr quint32 kLoopbackAddress = 0x7F000001; // 127.0.0.1
 
+constexpr qint64 kUnknownUser = -1;
+/// More users than share a machine.
+constexpr size_t kMostRefusalsReported = 64;
+
 /// An answer takes milliseconds; an open panel on the other side takes as long as a person does.
 constexpr std::chrono::minutes kLongestAnswer{10};
 
@@ -41,8 +45,8 @@ bool spinUntil(Condition condition, const QDeadlineTimer& deadline) {
 
 } // namespace
 
-std::shared_ptr<CompanionLink> CompanionLink::create() {
-    return std::shared_ptr<CompanionLink>(new CompanionLink);
+std::shared_ptr<CompanionLink> CompanionLink::create(PeerLookup loopbackPeer) {
+    return std::shared_ptr<CompanionLink>(new CompanionLink(std::move(loopbackPeer)));
 }
 
 CompanionLink::~CompanionLink() = default;
@@ -132,12 +136,32 @@ void CompanionLink::ioFrameChannelDidEndWithError(const std::shared_ptr<PTChanne
 void CompanionLink::ioFrameChannelDidAcceptConnection(
     const std::shared_ptr<PTChannel>&, const std::shared_ptr<PTChannel>& otherChannel,
     const std::shared_ptr<const PTAddress>&) {
+    if (!isTrusted(*otherChannel)) {
+        return otherChannel->close();
+    }
     // The newest one counts, as with a device: a Navrel that is gone may not have said so yet.
     if (connection_ != nullptr) {
         connection_->close();
     }
     connection_ = otherChannel;
     replies_.clear();
+}
+
+// Any local user may connect. One that has ended the connection already is nobody to complain of.
+bool CompanionLink::isTrusted(const PTChannel& channel) {
+    const auto stream = channel.dispatchChannel();
+    const LoopbackPeer peer = stream ? loopbackPeer_(stream->descriptor()) : LoopbackPeer{{}, true};
+    if (isOfThisUser(peer)) {
+        return true;
+    }
+    const qint64 user = peer.owner ? qint64{*peer.owner} : kUnknownUser;
+    const bool isWorthASentence = peer.owner || !peer.hasEnded;
+    if (isWorthASentence && didRefuse && refusedUsers_.size() < kMostRefusalsReported &&
+        refusedUsers_.insert(user).second) {
+        didRefuse(QStringLiteral("refused a Navrel of another user (%1)")
+                      .arg(peer.owner ? QString::number(*peer.owner) : QStringLiteral("unknown")));
+    }
+    return false;
 }
 
 } // namespace navrel

@@ -1,13 +1,18 @@
 #pragma once
 
 #include "transport/PTChannel.h"
+#include "transport/SystemLoopbackPeer.h"
 
+#include <QString>
 #include <QVariantMap>
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <unordered_map>
+#include <utility>
 
 class QDeadlineTimer;
 
@@ -19,8 +24,15 @@ namespace navrel {
 class CompanionLink final : public PTChannelDelegate,
                             public std::enable_shared_from_this<CompanionLink> {
 public:
-    static std::shared_ptr<CompanionLink> create();
+    /// Tells whom a connected socket has reached on the loopback address.
+    using PeerLookup = std::function<LoopbackPeer(int socket)>;
+
+    static std::shared_ptr<CompanionLink> create(PeerLookup loopbackPeer = &systemLoopbackPeer);
     ~CompanionLink() override;
+
+    /// Called with a sentence when a Navrel of another user was turned away: once for each user. It
+    /// could show false files, and learn what this user types.
+    std::function<void(const QString& sentence)> didRefuse;
 
     /// Listens on the loopback address. The error when that is not possible, as when another
     /// companion listens already.
@@ -51,12 +63,15 @@ public:
                                       const std::shared_ptr<const PTAddress>& address) override;
 
 private:
-    CompanionLink() = default;
+    explicit CompanionLink(PeerLookup loopbackPeer) : loopbackPeer_(std::move(loopbackPeer)) {}
 
+    bool isTrusted(const PTChannel& channel);
     quint32 send(quint32 type, const QVariantMap& request);
     bool waitForReply(quint32 tag, const QDeadlineTimer& deadline);
     std::optional<QVariantMap> takeReply(quint32 tag);
 
+    const PeerLookup loopbackPeer_;
+    std::set<qint64> refusedUsers_; ///< -1 for an unknown one
     std::shared_ptr<PTChannel> listener_;
     std::shared_ptr<PTChannel> connection_;
     quint32 lastTag_ = 0;

@@ -37,7 +37,7 @@ void print(const QString& text) {
 }
 
 void complain(const QString& text) {
-    std::fprintf(stderr, "navrel-companion: %s\n", qUtf8Printable(text));
+    std::fprintf(stderr, "navrel-companion: %s\n", qUtf8Printable(TerminalText::harmless(text)));
 }
 
 /// Navrel reads a project for the first time a second after its start: an overview before that
@@ -77,6 +77,7 @@ int runCommands(CompanionLink& link, Commands& commands, std::chrono::seconds wa
 
 int runCompanion(std::chrono::seconds wait) {
     const auto link = CompanionLink::create();
+    link->didRefuse = [](const QString& sentence) { complain(sentence); };
     if (const auto error = link->listen(kCompanionPort)) {
         complain(QStringLiteral("cannot listen on 127.0.0.1:%1: %2")
                      .arg(kCompanionPort)

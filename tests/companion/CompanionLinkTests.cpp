@@ -3,9 +3,11 @@
 #include "transport/CompanionProtocol.h"
 #include "transport/PTPayload.h"
 
+#include <QStringList>
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <unistd.h>
 #include <utility>
 
 namespace navrel {
@@ -18,7 +20,7 @@ class FakeNavrel final : public PTChannelDelegate {
 public:
     std::function<std::optional<QVariantMap>(quint32 type)> answer;
 
-    static std::shared_ptr<PTChannel> connect(const std::shared_ptr<FakeNavrel>& navrel) {
+    static std::shared_ptr<PTChannel> connect(const std::shared_ptr<PTChannelDelegate>& navrel) {
         const auto channel = PTChannel::channelWithDelegate(navrel);
         channel->connectToPort(
             kCompanionPort, kLoopback,
@@ -32,6 +34,20 @@ public:
         if (const auto reply = answer(type)) {
             channel->sendFrameOfType(kFrameReply, tag, createReferencingDispatchData(*reply), {});
         }
+    }
+};
+
+/// A Navrel that notices when it is turned away.
+class EndRecorder final : public PTChannelDelegate {
+public:
+    bool hasEnded = false;
+
+    quint8 optionalOperations() const override { return kDidEnd; }
+    void ioFrameChannelDidReceiveFrameOfType(const std::shared_ptr<PTChannel>&, quint32, quint32,
+                                             const std::shared_ptr<const PTData>&) override {}
+    void ioFrameChannelDidEndWithError(const std::shared_ptr<PTChannel>&,
+                                       const std::optional<Error>&) override {
+        hasEnded = true;
     }
 };
 
@@ -55,7 +71,8 @@ protected:
         EXPECT_TRUE(waitUntil([&] { return link.expired() && navrel_.use_count() == 1; }));
     }
 
-    std::shared_ptr<CompanionLink> link_ = CompanionLink::create();
+    LoopbackPeer peer_ = {::geteuid(), false};
+    std::shared_ptr<CompanionLink> link_ = CompanionLink::create([this](int) { return peer_; });
     std::shared_ptr<FakeNavrel> navrel_ = std::make_shared<FakeNavrel>();
 };
 
@@ -101,6 +118,35 @@ TEST_F(CompanionLinkTest, aNavrelThatGoesIsNoticedAndAnotherIsTakenInItsPlace) {
     channel = FakeNavrel::connect(navrel_);
     EXPECT_TRUE(link_->waitUntilServed(std::chrono::seconds(20)));
     EXPECT_TRUE(link_->ask(kFrameProject).has_value());
+}
+
+TEST_F(CompanionLinkTest, aNavrelOfAnotherUserIsTurnedAwayWithOneSentenceForEachUser) {
+    QStringList sentences;
+    link_->didRefuse = [&](const QString& sentence) { sentences.append(sentence); };
+    for (const LoopbackPeer& peer :
+         {LoopbackPeer{::geteuid() + 1, false}, LoopbackPeer{::geteuid() + 1, false},
+          LoopbackPeer{std::nullopt, true}, LoopbackPeer{std::nullopt, false}}) {
+        peer_ = peer;
+        const auto ended = std::make_shared<EndRecorder>();
+        const auto channel = FakeNavrel::connect(ended);
+        ASSERT_TRUE(waitUntil([&] { return ended->hasEnded; }));
+        EXPECT_FALSE(link_->isConnected());
+    }
+    EXPECT_EQ(
+        sentences,
+        (QStringList{QStringLiteral("refused a Navrel of another user (%1)").arg(::geteuid() + 1),
+                     QStringLiteral("refused a Navrel of another user (unknown)")}));
+    peer_ = {::geteuid(), false};
+    const auto channel = FakeNavrel::connect(navrel_);
+    EXPECT_TRUE(link_->waitUntilServed(std::chrono::seconds(20)));
+}
+
+TEST_F(CompanionLinkTest, whoeverConnectsIsLookedUpInTheKernelsTables) {
+    link_->stop();
+    link_ = CompanionLink::create();
+    ASSERT_TRUE(waitUntil([this] { return !link_->listen(kCompanionPort); }));
+    const auto channel = FakeNavrel::connect(navrel_);
+    EXPECT_TRUE(link_->waitUntilServed(std::chrono::seconds(20)));
 }
 
 TEST_F(CompanionLinkTest, aSecondCompanionCannotListen) {
