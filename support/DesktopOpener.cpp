@@ -18,13 +18,17 @@ const QString kOpener = QStringLiteral("xdg-open");
 #endif
 
 /// Starts the opener with one argument; nobody waits for it.
-bool startOpener(const QString& argument) {
+bool startOpener(const QString& argument, const std::function<void()>& didFail = nullptr) {
     static const Errands openers(QStringLiteral("files and addresses opened"),
                                  kMaximumRunningOpeners);
     const auto opener = findTool(kOpener);
-    return opener && openers.start({[tool = *opener, argument] {
-        if (!runTool(tool, {argument})) {
+    return opener && openers.start({[tool = *opener, argument, didFail] {
+        const std::optional<int> status = runTool(tool, {argument});
+        if (!status) {
             log(QStringLiteral("%1 could not be started").arg(tool));
+        }
+        if (status != 0 && didFail) {
+            didFail();
         }
     }});
 }
@@ -36,11 +40,11 @@ bool openWithDesktop(const QString& path) {
     return canNameAFile(path) && startOpener(QDir::current().absoluteFilePath(path));
 }
 
-bool openURLWithDesktop(const QUrl& url) {
+bool openURLWithDesktop(const QUrl& url, std::function<void()> didFail) {
     const bool isWebAddress =
         url.isValid() && !url.host().isEmpty() &&
         (url.scheme() == QStringLiteral("http") || url.scheme() == QStringLiteral("https"));
-    return isWebAddress && startOpener(url.toString(QUrl::FullyEncoded));
+    return isWebAddress && startOpener(url.toString(QUrl::FullyEncoded), didFail);
 }
 
 } // namespace navrel

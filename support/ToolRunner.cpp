@@ -22,7 +22,7 @@ std::optional<QString> findTool(const QString& name) {
     return path.isEmpty() ? std::nullopt : std::optional(path);
 }
 
-bool runTool(const QString& path, const QStringList& arguments) {
+std::optional<int> runTool(const QString& path, const QStringList& arguments) {
     QProcess process;
     process.setStandardInputFile(QProcess::nullDevice());
     process.setStandardOutputFile(QProcess::nullDevice());
@@ -31,7 +31,10 @@ bool runTool(const QString& path, const QStringList& arguments) {
     process.start(path, arguments);
     constexpr int kHoweverLong = -1;
     process.waitForFinished(kHoweverLong);
-    return process.error() != QProcess::FailedToStart;
+    if (process.error() == QProcess::FailedToStart) {
+        return std::nullopt;
+    }
+    return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
 }
 
 std::optional<QByteArray> outputOfTool(const QString& path, const QStringList& arguments,

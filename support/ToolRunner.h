@@ -13,10 +13,10 @@ namespace navrel {
 /// The path of an executable found in `PATH`, or nothing.
 std::optional<QString> findTool(const QString& name);
 
-/// Runs a program to its end, however long that takes; its output goes nowhere, its exit is not
-/// examined. It leads its own process session, and lives on when we end. False when it could not be
-/// started. Blocks the calling thread. Any thread.
-bool runTool(const QString& path, const QStringList& arguments);
+/// Runs a program to its end, however long that takes; its output goes nowhere. It leads its own
+/// process session, and lives on when we end. Its exit status, -1 where a signal ended it; nothing
+/// when it could not be started. Blocks the calling thread. Any thread.
+std::optional<int> runTool(const QString& path, const QStringList& arguments);
 
 /// Runs a program and gives what it wrote on standard output, whatever its exit status. Nothing
 /// when it could not be started, did not end in time (it is killed then), or wrote more than

@@ -4,11 +4,12 @@
 
 namespace navrel {
 
-RecordingTool::RecordingTool(const QString& name) : oldPath_(qgetenv("PATH")) {
+RecordingTool::RecordingTool(const QString& name, int exitStatus) : oldPath_(qgetenv("PATH")) {
     QFile tool(folder_.filePath(name));
     if (tool.open(QIODevice::WriteOnly)) {
         // NUL ends an argument: the one byte that none can hold.
-        tool.write("#!/bin/sh\nprintf '%s\\0' \"$@\" >>\"${0%/*}/calls\"\n");
+        tool.write("#!/bin/sh\nprintf '%s\\0' \"$@\" >>\"${0%/*}/calls\"\nexit " +
+                   QByteArray::number(exitStatus) + '\n');
     }
     tool.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     qputenv("PATH", folder_.path().toUtf8() + ':' + oldPath_);

@@ -10,7 +10,7 @@ namespace navrel {
 /// at a time; the old `PATH` is back when it is destroyed.
 class RecordingTool {
 public:
-    explicit RecordingTool(const QString& name);
+    explicit RecordingTool(const QString& name, int exitStatus = 0);
     ~RecordingTool();
     RecordingTool(const RecordingTool&) = delete;
     RecordingTool& operator=(const RecordingTool&) = delete;

@@ -9,7 +9,9 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <fcntl.h>
+#include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -31,6 +33,19 @@ TEST(DesktopOpener, neitherAnOptionNorAURLCanBeMadeOfAPath) {
         EXPECT_TRUE(openWithDesktop(QLatin1String(path)));
         EXPECT_TRUE(waitUntil([&] { return !opener.arguments().isEmpty(); }));
         EXPECT_EQ(opener.arguments(), QByteArrayList{QDir::currentPath().toUtf8() + '/' + path});
+    }
+}
+
+TEST(DesktopOpener, anAddressThatTheOpenerRefusesByItsExitStatusIsToldOf) {
+    for (const int status : {0, 3}) {
+        const RecordingTool opener(QStringLiteral("xdg-open"), status);
+        const auto failures = std::make_shared<std::atomic<int>>(0);
+        const QUrl url(QStringLiteral("http://127.0.0.1/a"));
+        EXPECT_TRUE(openURLWithDesktop(url, [failures] { ++*failures; }));
+        // The thread lets go of the function when the opener has ended.
+        EXPECT_TRUE(waitUntil([&] { return failures.use_count() == 1; }));
+        EXPECT_EQ(*failures, status == 0 ? 0 : 1);
+        EXPECT_EQ(opener.arguments(), QByteArrayList{"http://127.0.0.1/a"});
     }
 }
 

@@ -60,7 +60,7 @@ TEST(ToolRunner, aToolRunsToItsEndInASessionOfItsOwn) {
     ASSERT_GT(status.size(), 6);
     EXPECT_EQ(status[5], status[0]);
 
-    EXPECT_FALSE(runTool(QStringLiteral("/nonexistent/tool"), {}));
+    EXPECT_EQ(runTool(QStringLiteral("/nonexistent/tool"), {}), std::nullopt);
 }
 
 TEST(ToolRunner, toolsAreFoundInThePath) {
