@@ -24,8 +24,8 @@ std::shared_ptr<AppDelegate> AppDelegate::create(Collaborators collaborators) {
 }
 
 AppDelegate::AppDelegate(Collaborators collaborators)
-    : collaborators_(std::move(collaborators)), wantedDevice_(std::make_shared<WantedDevice>()),
-      usbRetryTimer_(this) {
+    : collaborators_(std::move(collaborators)), menuTimer_(this),
+      wantedDevice_(std::make_shared<WantedDevice>()), usbRetryTimer_(this) {
     usbRetryTimer_.setObjectName(QStringLiteral("usbRetryTimer")); // for whoever watches it
     usbRetryTimer_.setSingleShot(true);
     usbRetryTimer_.setTimerType(Qt::PreciseTimer);
@@ -46,6 +46,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     startListeningForDevices();
     enqueueConnectToLocalIPv4Port();
     connect(&menuTimer_, &QTimer::timeout, this, [this] { createMenu(); });
+    menuTimer_.setTimerType(Qt::PreciseTimer); // others may be early by a twentieth
     menuTimer_.start(kMenuInterval);
     activationDue_ = QDeadlineTimer(kActivationDelay, Qt::PreciseTimer);
     QTimer::singleShot(kActivationDelay, Qt::PreciseTimer, this, [this] { activate(); });

@@ -1,10 +1,11 @@
 #pragma once
 
 #include "app/DeviceID.h"
+#include "app/LogLimiter.h"
 #include "support/NotificationCentre.h"
-#include "transport/LoopbackPeer.h"
 #include "transport/PTChannel.h"
 #include "transport/PTUSBHub.h"
+#include "transport/SystemLoopbackPeer.h"
 
 #include <QDeadlineTimer>
 #include <QObject>
@@ -17,6 +18,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <vector>
 
 namespace navrel {
@@ -56,9 +58,8 @@ public:
         QUrl webServer = {};
         /// Tells whom a connected socket has reached on the loopback address.
         std::function<LoopbackPeer(int socket)> loopbackPeer = &systemLoopbackPeer;
-
-        /// As the kernel has it; where its tables are not known, always this user.
-        static LoopbackPeer systemLoopbackPeer(int socket);
+        /// The manual's file as it was installed; empty where it was not found.
+        QString installedManual = {};
     };
 
     /// A delegate that does nothing until `applicationDidFinishLaunching`.
@@ -199,6 +200,7 @@ private:
     bool notConnectedQueueSuspended_ = false;
     std::shared_ptr<PTUSBHub> hub_;
     std::vector<NotificationCentre::Token> deviceObservers_;
+    LogLimiter deviceLog_{QStringLiteral("devices attached and detached")};
     /// Shared with the jobs of the connection queue, which may outlive the delegate.
     const std::shared_ptr<WantedDevice> wantedDevice_;
     quint64 lastUSBAttempt_ = 0; ///< number of the attempt enqueued last; any other is dropped
@@ -207,7 +209,8 @@ private:
     QTimer usbRetryTimer_;                ///< runs while a failed attempt is to be repeated
     std::shared_ptr<const DeviceID> connectedDeviceID_;
     std::shared_ptr<PTChannel> connectedChannel_;
-    bool hasLoggedRefusedPeer_ = false; ///< until a peer has been served again
+    /// Users whose refusal was logged (-1 for an unknown one), until a peer has been served again.
+    std::set<qint64> loggedRefusedUsers_;
 };
 
 } // namespace navrel

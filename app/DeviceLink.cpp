@@ -17,7 +17,6 @@
 
 #include <cerrno>
 #include <chrono>
-#include <unistd.h>
 #include <utility>
 
 namespace navrel {
@@ -28,6 +27,9 @@ namespace {
 
 constexpr quint32 kLoopbackAddress = 0x7F000001; // 127.0.0.1
 constexpr std::chrono::milliseconds kReconnectDelay{1000};
+constexpr qint64 kUnknownUser = -1;
+/// More users than share a machine; names of users can be made up by root alone.
+constexpr size_t kMostRefusalsLogged = 64;
 
 /// No companion app listening is the normal case.
 bool isNobodyThere(const Error& error) {
@@ -65,7 +67,8 @@ void AppDelegate::startListeningForDevices() {
 
 void AppDelegate::deviceDidAttach(const QVariantMap& userInfo) {
     const auto deviceID = deviceIDOf(userInfo);
-    log(QStringLiteral("PTUSBDeviceDidAttachNotification: %1").arg(descriptionOf(deviceID)));
+    deviceLog_.log(
+        QStringLiteral("PTUSBDeviceDidAttachNotification: %1").arg(descriptionOf(deviceID)));
     if (!deviceID) {
         return;
     }
@@ -98,7 +101,8 @@ void AppDelegate::reachWantedDevice() {
 
 void AppDelegate::deviceDidDetach(const QVariantMap& userInfo) {
     const auto deviceID = deviceIDOf(userInfo);
-    log(QStringLiteral("PTUSBDeviceDidDetachNotification: %1").arg(descriptionOf(deviceID)));
+    deviceLog_.log(
+        QStringLiteral("PTUSBDeviceDidDetachNotification: %1").arg(descriptionOf(deviceID)));
     // Deliberate: whatever channel is connected is closed, be it the device's or not.
     if (deviceID && wantedDevice_->forget(*deviceID) && connectedChannel_) {
         connectedChannel_->close();
@@ -187,7 +191,8 @@ void AppDelegate::connectToLocalIPv4Port() {
                                            const std::shared_ptr<const PTAddress>& address) {
                                connectedToLocalIPv4Port(channel, error, address);
                            });
-    QTimer::singleShot(kReconnectDelay, this, [this] { enqueueConnectToLocalIPv4Port(); });
+    QTimer::singleShot(kReconnectDelay, Qt::PreciseTimer, this,
+                       [this] { enqueueConnectToLocalIPv4Port(); });
 }
 
 void AppDelegate::connectedToLocalIPv4Port(const std::shared_ptr<PTChannel>& channel,
@@ -214,14 +219,6 @@ void AppDelegate::connectedToLocalIPv4Port(const std::shared_ptr<PTChannel>& cha
     }
 }
 
-LoopbackPeer AppDelegate::Collaborators::systemLoopbackPeer([[maybe_unused]] int socket) {
-#ifdef __linux__
-    return navrel::loopbackPeer(socket);
-#else
-    return {::geteuid(), false};
-#endif
-}
-
 // Any local user may listen on the companion app's port; the project is shown to its owner alone.
 // One whose owner is not known is not served. Where it has ended the connection, nobody need be
 // refused: the connection ends as any other does, and says nothing about the next one.
@@ -229,14 +226,16 @@ AppDelegate::PeerTrust AppDelegate::trustIn(const PTChannel& channel) {
     const auto stream = channel.dispatchChannel();
     const LoopbackPeer peer =
         stream ? collaborators_.loopbackPeer(stream->descriptor()) : LoopbackPeer{{}, true};
-    if (peer.owner && (*peer.owner == ::geteuid() || *peer.owner == 0)) {
-        hasLoggedRefusedPeer_ = false;
+    if (isOfThisUser(peer)) {
+        loggedRefusedUsers_.clear();
         return PeerTrust::full;
     }
     if (!peer.owner && peer.hasEnded) {
         return PeerTrust::gone;
     }
-    if (!std::exchange(hasLoggedRefusedPeer_, true)) {
+    const qint64 user = peer.owner ? qint64{*peer.owner} : kUnknownUser;
+    if (loggedRefusedUsers_.size() < kMostRefusalsLogged &&
+        loggedRefusedUsers_.insert(user).second) {
         log(QStringLiteral("Refused to serve 127.0.0.1:%1: it belongs to another user (%2)")
                 .arg(kCompanionPort)
                 .arg(peer.owner ? QString::number(*peer.owner) : QStringLiteral("unknown")));

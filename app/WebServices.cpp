@@ -4,6 +4,7 @@
 #include "app/AppDelegate.h"
 #include "app/Desktop.h"
 #include "app/TextFetch.h"
+#include "app/WebServer.h"
 #include "project/KZDataManager.h"
 #include "support/Log.h"
 #include "support/UserDefaults.h"
@@ -32,7 +33,16 @@ void AppDelegate::about() {
          collaborators_.userDefaults.fileName()}));
 }
 
+/// Where no server is configured, the manual that was installed with the program.
 void AppDelegate::manual() {
+    const QString& installed = collaborators_.installedManual;
+    if (!hasAddress(collaborators_.webServer) && !installed.isEmpty()) {
+        if (!collaborators_.desktop.openFile(installed)) {
+            log(QStringLiteral("Failed to open url: %1")
+                    .arg(QUrl::fromLocalFile(installed).toString(QUrl::FullyEncoded)));
+        }
+        return;
+    }
     openURL(
         addressOnServer(QStringLiteral("/apps/Navrel/Navrel-v%1.pdf").arg(collaborators_.version)));
 }
@@ -44,9 +54,9 @@ QUrl AppDelegate::addressOnServer(const QString& path) const {
 }
 
 void AppDelegate::openURL(const QUrl& url) {
-    if (!collaborators_.desktop.openURL(url)) {
+    collaborators_.desktop.openURL(url, [url] {
         log(QStringLiteral("Failed to open url: %1").arg(url.toString(QUrl::FullyEncoded)));
-    }
+    });
 }
 
 } // namespace navrel

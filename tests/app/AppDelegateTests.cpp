@@ -64,5 +64,14 @@ TEST_F(AppDelegateTest, terminationByOthersStoresAndClosesNothing) {
     EXPECT_EQ(desktop_.terminations, 0);
 }
 
+TEST_F(AppDelegateTest, noTimerMayBeEarly) {
+    launchUnconnected();
+    const auto timers = delegate_->findChildren<QTimer*>();
+    EXPECT_FALSE(timers.isEmpty());
+    for (const QTimer* timer : timers) {
+        EXPECT_EQ(timer->timerType(), Qt::PreciseTimer) << timer->interval();
+    }
+}
+
 } // namespace
 } // namespace navrel

@@ -43,9 +43,11 @@ public:
         alertTexts = QStringList{message, informativeText} + buttons;
         return alertAnswer;
     }
-    bool openURL(const QUrl& url) override {
+    void openURL(const QUrl& url, std::function<void()> wasRefused) override {
         openedURLs.append(url);
-        return opensURLs;
+        if (!opensURLs) {
+            wasRefused();
+        }
     }
     void showStatusItem(StatusMenu&, const QString& imagePath) override {
         events.append(QStringLiteral("status item"));

@@ -117,6 +117,18 @@ TEST_F(LoopbackPeerOwnerTest, isTurnedAwayAsAnotherUserWhichIsLoggedOnceAndTried
     EXPECT_EQ(log_.messages(), QStringList{refusalOf(kForeignPeer)});
 }
 
+TEST_F(LoopbackPeerOwnerTest, isLoggedOnceForEachUser) {
+    const LoopbackPeer other = {::geteuid() + 2, false};
+    peer_ = kForeignPeer;
+    launch();
+    ASSERT_TRUE(device_.waitForEnd());
+    for (const LoopbackPeer& peer : {other, kForeignPeer, kUnknownPeer, other, kUnknownPeer}) {
+        ASSERT_TRUE(isTurnedAway(peer));
+    }
+    EXPECT_EQ(log_.messages(), (QStringList{refusalOf(kForeignPeer), refusalOf(other),
+                                            refusalOf(QStringLiteral("unknown"))}));
+}
+
 TEST_F(LoopbackPeerOwnerTest, isTurnedAwayWhenNobodyKnowsWhoItIs) {
     peer_ = kUnknownPeer;
     launch();

@@ -45,8 +45,7 @@ protected:
     std::shared_ptr<PTUSBHub> hub_ = PTUSBHub::create(nullptr);
     /// Tells whom the program has reached on the loopback address: as it is, unless the test knows
     /// better.
-    std::function<LoopbackPeer(int socket)> loopbackPeer_ =
-        &AppDelegate::Collaborators::systemLoopbackPeer;
+    std::function<LoopbackPeer(int socket)> loopbackPeer_ = &systemLoopbackPeer;
     std::unique_ptr<UserDefaults> defaults_;
     std::shared_ptr<KZDataManager> manager_;
     std::shared_ptr<AppDelegate> delegate_;

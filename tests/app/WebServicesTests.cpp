@@ -112,6 +112,25 @@ TEST_F(WebServicesTest, theManualIsThatOfTheFullVersion) {
         QList<QUrl>{QUrl(QStringLiteral("http://127.0.0.1:9/apps/Navrel/Navrel-v1.4.2.pdf"))});
 }
 
+TEST_F(WebServicesTest, withoutAServerTheManualIsTheInstalledOne) {
+    AppDelegate::Collaborators world = {*manager_,
+                                        desktop_,
+                                        *defaults_,
+                                        QStringLiteral("2.0"),
+                                        [this] { return hub_; },
+                                        QUrl(QStringLiteral("http://navrel.invalid"))};
+    world.installedManual = QStringLiteral("/usr/share/doc/navrel/manual.md");
+    const auto delegate = AppDelegate::create(world);
+    delegate->manual();
+    EXPECT_EQ(desktop_.openedFiles, QStringList{world.installedManual});
+    EXPECT_TRUE(desktop_.openedURLs.isEmpty());
+
+    world.webServer = QUrl(QStringLiteral("http://127.0.0.1:9"));
+    AppDelegate::create(world)->manual();
+    EXPECT_EQ(desktop_.openedFiles.size(), 1);
+    EXPECT_EQ(desktop_.openedURLs.size(), 1);
+}
+
 TEST_F(WebServicesTest, theManualOfAVersionOfTwoPartsNamesThem) {
     startWith(QUrl(QStringLiteral("http://127.0.0.1:9")), QStringLiteral("2.0"));
     other_->manual();
@@ -146,6 +165,20 @@ TEST(WebServer, theEnvironmentNamesTheServer) {
     EXPECT_EQ(webServer(), QUrl(QStringLiteral("http://127.0.0.1:8080")));
     qunsetenv("NAVREL_SERVER");
     EXPECT_EQ(webServer(), QUrl(QStringLiteral("http://navrel.invalid")));
+}
+
+TEST(WebServer, aValueThatNamesNoServerIsLoggedAndIgnored) {
+    const LogRecorder log;
+    for (const char* value : {"127.0.0.1:8080", "ftp://example.org", "http://", "http://a b"}) {
+        qputenv("NAVREL_SERVER", value);
+        EXPECT_EQ(webServer(), QUrl(QStringLiteral("http://navrel.invalid"))) << value;
+        EXPECT_EQ(log.messages().value(log.messages().size() - 1),
+                  QStringLiteral("Ignoring NAVREL_SERVER, which is not of the form "
+                                 "\"http://HOST[:PORT]\": ") +
+                      QLatin1String(value));
+    }
+    qunsetenv("NAVREL_SERVER");
+    EXPECT_EQ(log.messages().size(), 4);
 }
 
 } // namespace
