@@ -5,6 +5,7 @@
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QFrame>
+#include <QScreen>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -13,7 +14,9 @@ namespace navrel {
 namespace {
 
 constexpr int kIDRole = Qt::UserRole;
-constexpr QSize kUsualSize{360, 480};
+constexpr int kWidth = 360;
+/// Of the screen's height, so that the window's frame and panels have room.
+constexpr double kMostOfScreen = 0.85;
 constexpr int kSeparatorHeight = 9;
 
 /// One click, or Return, chooses: as in a menu, whatever the desktop does in lists of files.
@@ -25,7 +28,6 @@ const QString kStyle = QStringLiteral("QListView { activate-on-singleclick: 1; p
 MenuWindow::MenuWindow(StatusMenu& menu, const QIcon& icon) : menu_(menu) {
     setWindowTitle(QStringLiteral("Navrel"));
     setWindowIcon(icon);
-    resize(kUsualSize);
     list_.setAccessibleName(QStringLiteral("Navrel"));
     list_.setFrameShape(QFrame::NoFrame);
     list_.setTextElideMode(Qt::ElideMiddle);
@@ -58,6 +60,37 @@ void MenuWindow::menuDidChange() {
         }
     }
     list_.setCurrentRow(row);
+    fitRows();
+}
+
+void MenuWindow::fitRows() {
+    if (hasUsersSize_ || !isVisible()) {
+        return;
+    }
+    layout()->activate();
+    const int around = list_.height() - list_.viewport()->height();
+    const int mostHeight =
+        static_cast<int>(screen()->availableGeometry().height() * kMostOfScreen) - around;
+    int height = 0;
+    for (int row = 0; row < list_.count(); ++row) {
+        const int rowHeight = list_.sizeHintForRow(row);
+        if (height + rowHeight > mostHeight) {
+            break;
+        }
+        height += rowHeight;
+    }
+    fittedSize_ = QSize(kWidth, height + around);
+    resize(fittedSize_);
+}
+
+void MenuWindow::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    fitRows();
+}
+
+void MenuWindow::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    hasUsersSize_ = hasUsersSize_ || (fittedSize_.isValid() && event->size() != fittedSize_);
 }
 
 void MenuWindow::addSeparator() {

@@ -6,6 +6,7 @@
 #include <QEventLoop>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QScreen>
 #include <QTimer>
 #include <gtest/gtest.h>
 
@@ -77,6 +78,34 @@ TEST_F(MenuWindowTest, theKeyboardReachesEveryEntry) {
     press(Qt::Key_Down);
     press(Qt::Key_Return);
     EXPECT_TRUE(waitUntil([this] { return manuals_ == 1; }));
+}
+
+TEST_F(MenuWindowTest, noRowIsCutHoweverManyThereAre) {
+    for (const int count : {0, 3, 1000}) {
+        QStringList titles;
+        for (int number = 0; number < count; ++number) {
+            titles.append(QStringLiteral("Shortcut %1").arg(number));
+        }
+        menu_.addSeparator();
+        menu_.setShortcuts(titles, {});
+        QCoreApplication::processEvents();
+        const QRect visible = list().viewport()->rect();
+        int wholeRows = 0;
+        for (int row = 0; row < list().count(); ++row) {
+            const QRect rect = list().visualItemRect(&item(row));
+            EXPECT_TRUE(visible.contains(rect) || !visible.intersects(rect)) << count << " " << row;
+            wholeRows += visible.contains(rect) ? 1 : 0;
+        }
+        EXPECT_TRUE(wholeRows == list().count() || count == 1000) << wholeRows;
+        EXPECT_LT(window_.height(), window_.screen()->size().height());
+    }
+}
+
+TEST_F(MenuWindowTest, theUsersSizeStays) {
+    window_.resize(500, 300);
+    QCoreApplication::processEvents();
+    menu_.setShortcuts({QStringLiteral("a"), QStringLiteral("b")}, {});
+    EXPECT_EQ(window_.size(), QSize(500, 300));
 }
 
 TEST_F(MenuWindowTest, closingOnlyMinimizesIt) {
