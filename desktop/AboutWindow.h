@@ -13,12 +13,15 @@ public:
     /// Hidden at first. `openLink` is called with what a link of the page points at.
     explicit AboutWindow(std::function<void(const QUrl&)> openLink);
 
-    /// Loads a page (HTML of Qt's rich-text subset) and brings the window to the front, without
-    /// taking the keyboard from the window that has it.
+    /// Loads a page (HTML of Qt's rich-text subset), makes a window that is not open as high as the
+    /// page where the screen allows, and brings it to the front, with the keyboard.
     void showPage(const QString& page);
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    void fitPage();
 };
 
 } // namespace navrel

@@ -3,18 +3,56 @@
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QHeaderView>
+#include <QSettings>
+#include <QStandardPaths>
+#include <QToolButton>
+#include <QTreeView>
 
 namespace navrel {
 
-QIcon BundleIcons::icon(const QFileInfo& file) const {
-    return file.isDir() && bundleTypes_.contains(file.suffix()) ? QApplication::windowIcon()
-                                                                : QFileIconProvider::icon(file);
+namespace {
+
+/// Of Qt's list of files.
+constexpr int kDateColumn = 3;
+constexpr QSize kUsualSize{760, 480};
+
+/// Where Qt has the preferences of programs that name no other place.
+QString preferencesFolder() {
+    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
 }
 
-OpenPanel::OpenPanel(const QString& title, const QStringList& bundleTypes)
-    : QFileDialog(nullptr, title, QDir::homePath()), bundleTypes_(bundleTypes),
-      icons_(bundleTypes) {
+} // namespace
+
+bool BundleIcons::isBundle(const QFileInfo& file) const {
+    return file.isDir() && bundleTypes_.contains(file.suffix());
+}
+
+QIcon BundleIcons::icon(const QFileInfo& file) const {
+    return isBundle(file) ? QApplication::windowIcon() : QFileIconProvider::icon(file);
+}
+
+QString BundleIcons::type(const QFileInfo& file) const {
+    return isBundle(file) ? QStringLiteral("Project") : QFileIconProvider::type(file);
+}
+
+NoDialogPreferences::NoDialogPreferences() {
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, folder_.path());
+}
+
+NoDialogPreferences::~NoDialogPreferences() {
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, preferencesFolder());
+}
+
+OpenPanel::OpenPanel(const QString& title, const QStringList& bundleTypes, const QString& folder)
+    : QFileDialog(nullptr, title), bundleTypes_(bundleTypes), icons_(bundleTypes) {
     setFileMode(QFileDialog::Directory);
+    setViewMode(QFileDialog::Detail);
+    // No new folder, nothing renamed, nothing deleted.
+    setOption(QFileDialog::ReadOnly);
+    if (auto* newFolder = findChild<QToolButton*>(QStringLiteral("newFolderButton"))) {
+        newFolder->hide();
+    }
     // The desktop's own panel would enter bundles, or pick any folder.
     setOption(QFileDialog::DontUseNativeDialog);
     setOption(QFileDialog::ShowDirsOnly);
@@ -26,8 +64,17 @@ OpenPanel::OpenPanel(const QString& title, const QStringList& bundleTypes)
     }
     setNameFilter(patterns.join(u' '));
     setIconProvider(&icons_);
+    setDirectory(!folder.isEmpty() && QFileInfo(folder).isDir() ? folder : QDir::homePath());
+    resize(kUsualSize);
+    showWholeDates();
     connect(this, &QFileDialog::directoryEntered, this,
-            [this](const QString& folder) { folderEntered(folder); });
+            [this](const QString& entered) { folderEntered(entered); });
+}
+
+void OpenPanel::showWholeDates() {
+    if (auto* list = findChild<QTreeView*>(QStringLiteral("treeView"))) {
+        list->header()->setSectionResizeMode(kDateColumn, QHeaderView::ResizeToContents);
+    }
 }
 
 bool OpenPanel::isBundle(const QString& path) const {
