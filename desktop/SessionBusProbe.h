@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <chrono>
+
+namespace navrel {
+
+/// Whether the session bus greets who connects to it, within a limit. Qt and its platform plugins
+/// wait for it for half a minute each, several times, and nothing can interrupt them: a bus that
+/// accepts and never answers would hold up the start for more than a minute.
+///
+/// Asks at an address as the environment has it ("unix:path=…" or "unix:abstract=…"; of several,
+/// the first). An address of any other kind is not asked at, and counts as one that greets.
+bool greetsOnBus(const QByteArray& address, std::chrono::milliseconds atMost);
+
+/// The address at which programs of this session find its bus; empty where there is none.
+QByteArray sessionBusAddress();
+
+/// While one lives, a session bus that does not greet within two seconds is hidden from this
+/// process, which starts as without one, and says so in the log. Programs that it starts
+/// afterwards find the environment as it was. Main thread, before the application object is made.
+class SessionBusGuard {
+public:
+    SessionBusGuard();
+    ~SessionBusGuard();
+    SessionBusGuard(const SessionBusGuard&) = delete;
+    SessionBusGuard& operator=(const SessionBusGuard&) = delete;
+
+    bool hidesBus() const { return hidesBus_; }
+
+private:
+    bool hidesBus_ = false;
+    bool wasSet_ = false;
+    QByteArray address_;
+};
+
+} // namespace navrel
