@@ -71,7 +71,15 @@ void StatusItem::chooseWhere() {
     const bool isInTray =
         hasDisplay_ && isPanelKnown && !isOnPanel && QSystemTrayIcon::isSystemTrayAvailable();
     showInTray(isInTray);
-    showInWindow(hasDisplay_ && hasWaited_ && !isOnPanel && !isInTray);
+    isWindowWanted_ = isWindowWanted_ && !window_->isMinimized(); // closing it minimizes it
+    showInWindow(hasDisplay_ && (isWindowWanted_ || (hasWaited_ && !isOnPanel && !isInTray)));
+}
+
+void StatusItem::bringToFront() {
+    window_->showNormal();
+    window_->raise();
+    window_->activateWindow();
+    isWindowWanted_ = true;
 }
 
 void StatusItem::showInTray(bool show) {

@@ -26,6 +26,10 @@ public:
     StatusItem(StatusMenu& menu, const QIcon& icon, bool hasDisplay);
     ~StatusItem() override;
 
+    /// Shows the window in front of all others, until it is closed, even where a panel or tray has
+    /// the item.
+    void bringToFront();
+
 private:
     void offerOnBus(StatusMenu& menu);
     void chooseWhere();
@@ -39,7 +43,8 @@ private:
     std::unique_ptr<QSystemTrayIcon> trayIcon_;
     std::unique_ptr<MenuWindow> window_;
     QTimer trayTimer_;
-    bool hasWaited_ = false; ///< for a panel: at login, they start beside the program
+    bool isWindowWanted_ = false; ///< by the user, until it is closed
+    bool hasWaited_ = false;      ///< for a panel: at login, they start beside the program
 };
 
 } // namespace navrel
