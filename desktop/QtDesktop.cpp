@@ -10,6 +10,7 @@
 #include <QApplication>
 #include <QGridLayout>
 #include <QIcon>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSpacerItem>
@@ -43,10 +44,15 @@ class Alert final : public QMessageBox {
 public:
     Alert(Icon icon, const QString& message, const QString& informativeText)
         : QMessageBox(icon, QStringLiteral("Navrel"), QString()) {
-        // The texts may come from anywhere: they are no markup.
-        setTextFormat(Qt::PlainText);
         setText(message);
         setInformativeText(informativeText);
+        // The texts may come from anywhere: they are no markup. The format of the alert is that of
+        // its message alone.
+        setTextFormat(Qt::PlainText);
+        for (auto* label : findChildren<QLabel*>()) {
+            label->setTextFormat(Qt::PlainText);
+            label->setOpenExternalLinks(false);
+        }
         if (auto* grid = qobject_cast<QGridLayout*>(layout())) {
             grid->addItem(new QSpacerItem(kAlertWidth, 0), grid->rowCount(), 0, 1,
                           grid->columnCount());
@@ -68,13 +74,19 @@ QtDesktop::QtDesktop(bool hasDisplay) : hasDisplay_(hasDisplay) {}
 
 QtDesktop::~QtDesktop() = default;
 
+void QtDesktop::bringToFront() {
+    if (statusItem_ != nullptr && hasDisplay_) {
+        statusItem_->bringToFront();
+    }
+}
+
 std::optional<QString> QtDesktop::runOpenPanel(const QString& title,
                                                const QStringList& allowedFileTypes) {
     if (!hasDisplay_) {
         log(QStringLiteral("No display to ask on: %1").arg(title));
         return std::nullopt;
     }
-    OpenPanel panel(title, allowedFileTypes);
+    OpenPanel panel(title, allowedFileTypes, openPanelFolder_ ? openPanelFolder_() : QString());
     if (panel.exec() != QDialog::Accepted) {
         return std::nullopt;
     }
@@ -113,8 +125,10 @@ bool QtDesktop::openFile(const QString& path) {
     return openWithDesktop(path);
 }
 
-bool QtDesktop::openURL(const QUrl& url) {
-    return openURLWithDesktop(url);
+void QtDesktop::openURL(const QUrl& url, std::function<void()> wasRefused) {
+    if (!openURLWithDesktop(url, wasRefused)) {
+        wasRefused();
+    }
 }
 
 void QtDesktop::showStatusItem(StatusMenu& menu, const QString& imagePath) {
@@ -127,7 +141,11 @@ void QtDesktop::showAboutWindow(const QString& page) {
         return;
     }
     if (aboutWindow_ == nullptr) {
-        aboutWindow_ = std::make_unique<AboutWindow>([this](const QUrl& url) { openURL(url); });
+        aboutWindow_ = std::make_unique<AboutWindow>([this](const QUrl& url) {
+            openURL(url, [url] {
+                log(QStringLiteral("Failed to open url: %1").arg(url.toString(QUrl::FullyEncoded)));
+            });
+        });
     }
     aboutWindow_->showPage(page);
 }

@@ -4,8 +4,12 @@
 #include "app/StatusMenuLayout.h"
 #include "app/WebServer.h"
 #include "desktop/CommandLine.h"
+#include "desktop/DisplayFailure.h"
 #include "desktop/InstanceLock.h"
+#include "desktop/NavrelStyle.h"
 #include "desktop/QtDesktop.h"
+#include "desktop/SecondStart.h"
+#include "desktop/SessionBusProbe.h"
 #include "editors/EditorChoice.h"
 #include "project/KZDataManager.h"
 #include "scanning/SourceFileScanner.h"
@@ -15,6 +19,8 @@
 #include "support/UserDefaults.h"
 
 #include <QApplication>
+#include <QDir>
+#include <QFileInfo>
 #include <QIcon>
 #include <QStandardPaths>
 #include <QTimer>
@@ -42,28 +48,75 @@ QString applicationSupportDirectory() {
     return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
 }
 
-std::optional<QString> instanceLockPath() {
+/// What this session has of the program: a lock, and a socket for later starts.
+struct SessionFiles {
+    QString lock;
+    QString secondStart;
+};
+
+std::optional<SessionFiles> sessionFiles() {
     const QString folder = qEnvironmentVariable("XDG_RUNTIME_DIR");
     if (folder.isEmpty()) {
         return std::nullopt;
     }
-    return folder + QStringLiteral("/nl.kelvane.Navrel.lock");
+    const QString prefix = folder + QStringLiteral("/nl.kelvane.Navrel");
+    return SessionFiles{prefix + QStringLiteral(".lock"), prefix + QStringLiteral(".start")};
 }
 
-int runApplication(QApplication& application) {
+std::unique_ptr<QApplication> makeQtApplication(int& argc, char** argv) {
+    const SessionBusGuard busGuard;
+    const DisplayFailure displayFailure;
+    auto application = makeApplication<QApplication>(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("Navrel"));
+    QCoreApplication::setApplicationVersion(programVersion());
+    QGuiApplication::setDesktopFileName(QStringLiteral("nl.kelvane.Navrel"));
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/MenuIcon.png")));
+    QApplication::setQuitOnLastWindowClosed(false);
+    NavrelStyle::install();
+    return application;
+}
+
+/// The manual as it was installed beside the program, or as it is in the sources that the program
+/// was built from; empty where neither is found.
+QString installedManual() {
+    const QDir folder(QCoreApplication::applicationDirPath());
+    for (const char* place : {"../share/doc/navrel", "../../../docs"}) {
+        for (const char* name : {"manual.html", "manual.pdf", "manual.md"}) {
+            const QString path = folder.filePath(QLatin1String(place) + u'/' + QLatin1String(name));
+            if (QFileInfo(path).isFile()) {
+                return QDir::cleanPath(path);
+            }
+        }
+    }
+    return {};
+}
+
+/// Where the user looked for a project last: the folder around the last one.
+QString folderOfLastProject(const UserDefaults& userDefaults) {
+    const auto bundle = userDefaults.stringForKey(QStringLiteral("lastKnownProject"));
+    return bundle && !bundle->isEmpty() ? QFileInfo(*bundle).path() : QString();
+}
+
+int runApplication(const std::optional<SessionFiles>& files) {
     UserDefaults userDefaults;
     StatusMenu menu;
     QtDesktop desktop;
+    desktop.setOpenPanelFolder([&userDefaults] { return folderOfLastProject(userDefaults); });
+    const auto secondStart = files ? std::make_unique<SecondStart>(
+                                         files->secondStart, [&desktop] { desktop.bringToFront(); })
+                                   : nullptr;
     const auto editor = chooseEditor();
     SourceFileScanner scanner;
     const auto dataManager = KZDataManager::init(
         {userDefaults, *editor, desktop, scanner, applicationSupportDirectory()});
-    const auto delegate = AppDelegate::create(
-        {*dataManager, desktop, userDefaults, programVersion(), &PTUSBHub::sharedHub, webServer()});
+    AppDelegate::Collaborators world = {*dataManager, desktop, userDefaults, programVersion()};
+    world.webServer = webServer();
+    world.installedManual = installedManual();
+    const auto delegate = AppDelegate::create(world);
     layOutStatusMenu(menu, *delegate, *dataManager);
     QTimer::singleShot(0, delegate.get(),
                        [&delegate] { delegate->applicationDidFinishLaunching(); });
-    QObject::connect(&application, &QCoreApplication::aboutToQuit, delegate.get(),
+    QObject::connect(qApp, &QCoreApplication::aboutToQuit, delegate.get(),
                      [&delegate] { delegate->applicationWillTerminate(); });
     const int status = QApplication::exec();
     // It would outlive even this: what it holds is closed in order, and nothing is saved.
@@ -82,18 +135,18 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "Navrel cannot start: %s\n", qPrintable(*missing));
         return 1;
     }
-    const InstanceLock lock(instanceLockPath(), KZDataManager::applicationDocumentsDirectoryIn(
-                                                    applicationSupportDirectory()));
+    const auto files = sessionFiles();
+    const InstanceLock lock(
+        files ? std::optional(files->lock) : std::nullopt,
+        KZDataManager::applicationDocumentsDirectoryIn(applicationSupportDirectory()));
     if (lock.isTaken()) {
         std::fprintf(stderr, "Navrel is already running\n");
+        if (files) {
+            SecondStart::tellFirst(files->secondStart);
+        }
         return 1;
     }
     choosePlatform();
-    const auto application = makeApplication<QApplication>(argc, argv);
-    QCoreApplication::setApplicationName(QStringLiteral("Navrel"));
-    QCoreApplication::setApplicationVersion(programVersion());
-    QGuiApplication::setDesktopFileName(QStringLiteral("nl.kelvane.Navrel"));
-    QApplication::setWindowIcon(QIcon(QStringLiteral(":/MenuIcon.png")));
-    QApplication::setQuitOnLastWindowClosed(false);
-    return runApplication(*application);
+    const auto application = makeQtApplication(argc, argv);
+    return runApplication(files);
 }

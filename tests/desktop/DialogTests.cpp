@@ -9,15 +9,24 @@
 #include "tests/WaitUntil.h"
 
 #include <QApplication>
+#include <QDateTime>
 #include <QDialogButtonBox>
 #include <QDir>
+#include <QFileIconProvider>
+#include <QFileInfo>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollBar>
+#include <QSettings>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTimer>
+#include <QToolButton>
+#include <QTreeView>
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -62,6 +71,15 @@ protected:
                                  QStringLiteral("New version (<b>2</b>)"), {kDownload, kOK});
     }
 
+    static AboutWindow* aboutWindow() {
+        for (QWidget* widget : QApplication::topLevelWidgets()) {
+            if (auto* window = dynamic_cast<AboutWindow*>(widget)) {
+                return window;
+            }
+        }
+        return nullptr;
+    }
+
     QtDesktop desktop_{true};
 };
 
@@ -70,7 +88,10 @@ TEST_F(DialogTest, anAlertIsAWarningWithItsTextsAsWritten) {
         EXPECT_EQ(alert.icon(), QMessageBox::Warning);
         EXPECT_EQ(alert.text(), QStringLiteral("Navrel update"));
         EXPECT_EQ(alert.informativeText(), QStringLiteral("New version (<b>2</b>)"));
-        EXPECT_EQ(alert.textFormat(), Qt::PlainText);
+        for (const auto* label : alert.findChildren<QLabel*>()) {
+            EXPECT_EQ(label->textFormat(), Qt::PlainText) << qPrintable(label->text());
+            EXPECT_FALSE(label->openExternalLinks());
+        }
         EXPECT_EQ(alert.defaultButton()->text(), kDownload);
         alert.close();
     });
@@ -106,13 +127,10 @@ TEST_F(DialogTest, anErrorIsShownWithItsReasonAndLogged) {
 
 TEST_F(DialogTest, theAboutWindowShowsThePageAndEscapeClosesIt) {
     desktop_.showAboutWindow(QStringLiteral("<h1>Navrel</h1>"));
-    AboutWindow* window = nullptr;
-    for (QWidget* widget : QApplication::topLevelWidgets()) {
-        window = window != nullptr ? window : dynamic_cast<AboutWindow*>(widget);
-    }
+    AboutWindow* window = aboutWindow();
     ASSERT_NE(window, nullptr);
     EXPECT_TRUE(window->isVisible());
-    EXPECT_TRUE(window->testAttribute(Qt::WA_ShowWithoutActivating));
+    EXPECT_TRUE(waitUntil([&] { return window->isActiveWindow(); }));
     EXPECT_EQ(window->toPlainText(), QStringLiteral("Navrel"));
 
     press(*window, Qt::Key_Escape);
@@ -120,6 +138,20 @@ TEST_F(DialogTest, theAboutWindowShowsThePageAndEscapeClosesIt) {
     desktop_.showAboutWindow(QStringLiteral("<p>Again</p>"));
     EXPECT_TRUE(window->isVisible());
     EXPECT_EQ(window->toPlainText(), QStringLiteral("Again"));
+}
+
+TEST_F(DialogTest, thePageAboutTheProgramIsShownWithoutScrolling) {
+    const QString line = QStringLiteral("<p>A line of the page.</p>");
+    desktop_.showAboutWindow(line.repeated(10));
+    AboutWindow* window = aboutWindow();
+    ASSERT_NE(window, nullptr);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(window->verticalScrollBar()->maximum(), 0);
+    window->close();
+    desktop_.showAboutWindow(line.repeated(1000));
+    QCoreApplication::processEvents();
+    EXPECT_GT(window->verticalScrollBar()->maximum(), 0);
+    EXPECT_LT(window->height(), window->screen()->size().height());
 }
 
 /// An open panel in a folder with a bundle, and one more within a folder.
@@ -200,6 +232,71 @@ TEST_F(OpenPanelTest, whatOnlyLooksLikeABundleIsNotPicked) {
                   panel.reject();
               }),
               std::nullopt);
+}
+
+TEST_F(OpenPanelTest, itStartsWhereItIsToldOrElseAtHome) {
+    QString start = path("inside");
+    desktop_.setOpenPanelFolder([&] { return start; });
+    const auto startsIn = [this] {
+        QString folder;
+        onceShown<QFileDialog>([&](QFileDialog& dialog) {
+            folder = dialog.directory().path();
+            dialog.reject();
+        });
+        desktop_.runOpenPanel(QStringLiteral("Select"), {QStringLiteral("xcodeproj")});
+        return folder;
+    };
+    EXPECT_EQ(startsIn(), path("inside"));
+    for (const QString& nowhere : {QString(), path("gone")}) {
+        start = nowhere;
+        EXPECT_EQ(startsIn(), QDir::homePath());
+    }
+}
+
+TEST_F(OpenPanelTest, aBundleIsCalledAProjectAndItsDateIsShownWhole) {
+    run([this](OpenPanel& panel) {
+        const auto* list = panel.findChild<QTreeView*>(QStringLiteral("treeView"));
+        ASSERT_NE(list, nullptr);
+        const auto columnOf = [&](const QString& title) {
+            for (int column = 0; column < list->model()->columnCount(); ++column) {
+                if (list->model()->headerData(column, Qt::Horizontal).toString() == title) {
+                    return column;
+                }
+            }
+            return -1;
+        };
+        EXPECT_EQ(panel.iconProvider()->type(QFileInfo(path("App.xcodeproj"))),
+                  QStringLiteral("Project"));
+        EXPECT_NE(panel.iconProvider()->type(QFileInfo(path("empty"))), QStringLiteral("Project"));
+        const int dates = columnOf(QStringLiteral("Date Modified"));
+        ASSERT_GE(dates, 0);
+        EXPECT_TRUE(waitUntil([&] {
+            const QModelIndex first = list->model()->index(0, dates, list->rootIndex());
+            const QString date = first.data().toString();
+            return !date.isEmpty() &&
+                   list->columnWidth(dates) > list->fontMetrics().horizontalAdvance(date);
+        }));
+        panel.reject();
+    });
+}
+
+TEST_F(OpenPanelTest, nothingIsMadeOrChangedThereAndNothingIsKeptOfIt) {
+    const QString preferences =
+        QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+        QStringLiteral("/QtProject.conf");
+    const auto dateOf = [&] { return QFileInfo(preferences).lastModified(); };
+    const QDateTime before = dateOf();
+    run([](OpenPanel& panel) {
+        const auto* newFolder = panel.findChild<QToolButton*>(QStringLiteral("newFolderButton"));
+        EXPECT_TRUE(newFolder == nullptr || !newFolder->isVisible());
+        EXPECT_TRUE(panel.testOption(QFileDialog::ReadOnly));
+        panel.reject();
+    });
+    EXPECT_EQ(dateOf(), before);
+    // Other preferences still go where they belong.
+    const QSettings own(QStringLiteral("nl.kelvane"), QStringLiteral("Navrel-test"));
+    EXPECT_EQ(QFileInfo(own.fileName()).path(),
+              QFileInfo(preferences).path() + QStringLiteral("/nl.kelvane"));
 }
 
 TEST_F(OpenPanelTest, escapeCancels) {
