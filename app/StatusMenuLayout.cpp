@@ -4,6 +4,8 @@
 #include "app/StatusMenu.h"
 #include "project/KZDataManager.h"
 
+#include <utility>
+
 namespace navrel {
 
 namespace {
@@ -17,11 +19,13 @@ enum FixedTag {
     kAboutTag,
     kFindDeviceTag,
     kQuitTag,
+    kPhoneOrTabletTag,
 };
 
 } // namespace
 
-void layOutStatusMenu(StatusMenu& menu, AppDelegate& delegate, KZDataManager& dataManager) {
+void layOutStatusMenu(StatusMenu& menu, AppDelegate& delegate, KZDataManager& dataManager,
+                      std::function<void()> showDevices) {
     delegate.setMenu(&menu);
     delegate.setVersionItem(&menu.addText(kVersionTag, QStringLiteral("Navrel")));
     menu.addSeparator();
@@ -35,6 +39,8 @@ void layOutStatusMenu(StatusMenu& menu, AppDelegate& delegate, KZDataManager& da
         kAutomaticSelectionTag, QStringLiteral("Select Project Automatically"), [&dataManager] {
             dataManager.setAutomaticProjectSelection(!dataManager.automaticProjectSelection());
         }));
+    menu.addSeparator();
+    menu.addAction(kPhoneOrTabletTag, QStringLiteral("Phone or Tablet…"), std::move(showDevices));
     menu.addSeparator();
     menu.addAction(kManualTag, QStringLiteral("Manual"), [&delegate] { delegate.manual(); });
     menu.addAction(kAboutTag, QStringLiteral("About Navrel"), [&delegate] { delegate.about(); });

@@ -3,6 +3,7 @@
 #include "app/StatusMenu.h"
 #include "app/StatusMenuLayout.h"
 #include "app/WebServer.h"
+#include "desktop/BrowserService.h"
 #include "desktop/CommandLine.h"
 #include "desktop/DisplayFailure.h"
 #include "desktop/InstanceLock.h"
@@ -10,6 +11,7 @@
 #include "desktop/QtDesktop.h"
 #include "desktop/SecondStart.h"
 #include "desktop/SessionBusProbe.h"
+#include "desktop/UserNotification.h"
 #include "editors/EditorChoice.h"
 #include "project/KZDataManager.h"
 #include "scanning/SourceFileScanner.h"
@@ -113,9 +115,13 @@ int runApplication(const std::optional<SessionFiles>& files) {
     world.webServer = webServer();
     world.installedManual = installedManual();
     const auto delegate = AppDelegate::create(world);
-    layOutStatusMenu(menu, *delegate, *dataManager);
-    QTimer::singleShot(0, delegate.get(),
-                       [&delegate] { delegate->applicationDidFinishLaunching(); });
+    BrowserService browsers(
+        {*dataManager, *editor, userDefaults, *delegate, QtDesktop::isDisplayThere(), &notifyUser});
+    layOutStatusMenu(menu, *delegate, *dataManager, [&browsers] { browsers.showPairingWindow(); });
+    QTimer::singleShot(0, delegate.get(), [&browsers, &delegate] {
+        browsers.start();
+        delegate->applicationDidFinishLaunching();
+    });
     QObject::connect(qApp, &QCoreApplication::aboutToQuit, delegate.get(),
                      [&delegate] { delegate->applicationWillTerminate(); });
     const int status = QApplication::exec();
@@ -146,6 +152,9 @@ int main(int argc, char** argv) {
         }
         return 1;
     }
+#ifdef NAVREL_HAS_BROWSER_APP
+    Q_INIT_RESOURCE(browser);
+#endif
     choosePlatform();
     const auto application = makeQtApplication(argc, argv);
     return runApplication(files);

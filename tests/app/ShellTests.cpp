@@ -22,7 +22,7 @@ protected:
         write("One.m", "// navrel: First_of & \"all\"\nint one;\n// navrel: Second\n");
         write("Two.m", "\n\n// navrel: Third\n");
         launchUnconnected();
-        layOutStatusMenu(menu_, *delegate_, *manager_);
+        layOutStatusMenu(menu_, *delegate_, *manager_, [this] { ++deviceWindows_; });
     }
 
     void write(const char* name, const QByteArray& text) const {
@@ -52,6 +52,7 @@ protected:
     void choose(int tag) { menu_.choose(entryWithTag(tag).id()); }
 
     StatusMenu menu_;
+    int deviceWindows_ = 0;
 };
 
 const QString kFirst = QStringLiteral("First_of & \"all\"");
@@ -157,8 +158,9 @@ TEST_F(ShellTest, theFixedEntriesStandInOrderWithTagsBelowOneHundred) {
                 ElementsAre(QStringLiteral("Navrel"), QStringLiteral("Current project: none"),
                             QStringLiteral("Choose Project…"),
                             QStringLiteral("Select Project Automatically"),
-                            QStringLiteral("Manual"), QStringLiteral("About Navrel"),
-                            QStringLiteral("Find iOS Device"), QStringLiteral("Quit Navrel")));
+                            QStringLiteral("Phone or Tablet…"), QStringLiteral("Manual"),
+                            QStringLiteral("About Navrel"), QStringLiteral("Find iOS Device"),
+                            QStringLiteral("Quit Navrel")));
     EXPECT_GE(menu_.visibleEntries().back()->tag(), kFirstShortcutTag);
 }
 
@@ -188,6 +190,11 @@ TEST_F(ShellTest, theAutomaticEntryTurnsSelectionOnAndOffWithoutWritingThePrefer
     choose(4);
     EXPECT_FALSE(manager_->automaticProjectSelection());
     EXPECT_FALSE(entryWithTag(4).isChecked());
+}
+
+TEST_F(ShellTest, phoneOrTabletOpensTheWindowOfDevices) {
+    choose(9);
+    EXPECT_EQ(deviceWindows_, 1);
 }
 
 TEST_F(ShellTest, theQuitEntryStoresAutomaticSelectionAndEndsTheProgram) {

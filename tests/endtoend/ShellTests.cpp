@@ -105,7 +105,8 @@ TEST_F(ShellTest, theMenuIsReadOverTheBus) {
     EXPECT_TRUE(shown.value(0).startsWith(QStringLiteral("Navrel (v"))) << qPrintable(shown[0]);
     EXPECT_EQ(shown.mid(2),
               (QStringList{QStringLiteral("Choose Project…"),
-                           QStringLiteral("Select Project Automatically"), QStringLiteral("Manual"),
+                           QStringLiteral("Select Project Automatically"),
+                           QStringLiteral("Phone or Tablet…"), QStringLiteral("Manual"),
                            QStringLiteral("About Navrel"), QStringLiteral("Find iOS Device"),
                            QStringLiteral("Quit Navrel")}));
 }
@@ -122,7 +123,7 @@ TEST_F(ShellTest, aShortcutThatIsChosenOpensAtItsLineInTheEditor) {
     ASSERT_TRUE(navrel_.start());
     ASSERT_TRUE(isOnPanel());
     ASSERT_TRUE(waitForLabel(kSecondShortcut));
-    EXPECT_EQ(labels().mid(8), (QStringList{kFirstShortcut, kSecondShortcut}));
+    EXPECT_EQ(labels().mid(9), (QStringList{kFirstShortcut, kSecondShortcut}));
 
     click(kSecondShortcut);
     const QByteArray wanted = project_.folder().toUtf8() + "/b.m4V";

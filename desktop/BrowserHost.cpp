@@ -1,0 +1,63 @@
+#include "desktop/BrowserHost.h"
+
+#include "project/Editor.h"
+#include "project/KZDataManager.h"
+
+#include <QMetaObject>
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+namespace navrel {
+
+namespace {
+
+constexpr std::uint32_t kLargestLine = std::numeric_limits<int>::max();
+
+OpenOutcome outcomeOf(const EditorOutcome& outcome) {
+    return {outcome.kind == EditorOutcome::Kind::opened, outcome.editor.toStdString(),
+            outcome.reason.toStdString()};
+}
+
+} // namespace
+
+BrowserHost::BrowserHost(KZDataManager& dataManager, Editor& editor, Events events)
+    : dataManager_(dataManager), editor_(editor), events_(std::move(events)) {}
+
+void BrowserHost::onMainThread(std::function<void()> job) {
+    QMetaObject::invokeMethod(this, std::move(job), Qt::QueuedConnection);
+}
+
+void BrowserHost::openFile(const std::string& absolutePath, std::uint32_t line, Reply reply) {
+    onMainThread([this, path = QString::fromStdString(absolutePath),
+                  number = static_cast<int>(std::min(line, kLargestLine)),
+                  reply = std::move(reply)] {
+        editor_.open(path, number,
+                     [reply](const EditorOutcome& outcome) { reply(outcomeOf(outcome)); });
+    });
+}
+
+void BrowserHost::goBack(Reply reply) {
+    onMainThread([this, reply = std::move(reply)] {
+        editor_.back([reply](const EditorOutcome& outcome) { reply(outcomeOf(outcome)); });
+    });
+}
+
+void BrowserHost::switchFileType(const std::string& extension, bool allowed) {
+    onMainThread([this, extension = QString::fromStdString(extension), allowed] {
+        dataManager_.changeFiletypeAllowanceWithDictionary(
+            {{QStringLiteral("extension"), extension}, {QStringLiteral("allowed"), allowed}});
+        events_.fileTypesDidChange();
+    });
+}
+
+void BrowserHost::devicePaired(const std::string& label) {
+    onMainThread([this, label = QString::fromStdString(label)] { events_.deviceDidPair(label); });
+}
+
+void BrowserHost::accessChanged() {
+    onMainThread([this] { events_.accessDidChange(); });
+}
+
+} // namespace navrel

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "web/CompanionHost.h"
+
+#include <QObject>
+#include <QString>
+
+#include <functional>
+
+namespace navrel {
+
+class Editor;
+class KZDataManager;
+
+/// What the server for browsers asks of the program, brought to the main thread: it is called on
+/// the server's thread, and queues a job for each request. Made and destroyed on the main thread;
+/// must outlive the server.
+class BrowserHost final : public QObject, public CompanionHost {
+public:
+    /// Called on the main thread. None may be null.
+    struct Events {
+        std::function<void()> fileTypesDidChange;
+        std::function<void(const QString& label)> deviceDidPair;
+        std::function<void()> accessDidChange;
+    };
+
+    BrowserHost(KZDataManager& dataManager, Editor& editor, Events events);
+
+    void openFile(const std::string& absolutePath, std::uint32_t line, Reply reply) override;
+    void goBack(Reply reply) override;
+    void switchFileType(const std::string& extension, bool allowed) override;
+    void devicePaired(const std::string& label) override;
+    void accessChanged() override;
+
+private:
+    void onMainThread(std::function<void()> job);
+
+    KZDataManager& dataManager_;
+    Editor& editor_;
+    const Events events_;
+};
+
+} // namespace navrel

@@ -1,0 +1,194 @@
+#include "desktop/BrowserService.h"
+
+#include "app/AppDelegate.h"
+#include "app/ProgramVersion.h"
+#include "desktop/BrowserSettings.h"
+#include "desktop/windows/PairingWindow.h"
+#include "project/Editor.h"
+#include "project/KZDataManager.h"
+#include "support/Log.h"
+#include "support/UserDefaults.h"
+
+#include <QDateTime>
+#include <QFile>
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+namespace navrel {
+
+namespace {
+
+/// The data manager looks for another project once a second itself.
+constexpr std::chrono::milliseconds kLookInterval{500};
+
+std::string ownersSocket() {
+    const QByteArray folder = qgetenv("XDG_RUNTIME_DIR");
+    return folder.isEmpty() ? std::string() : folder.toStdString() + "/nl.kelvane.Navrel.sock";
+}
+
+} // namespace
+
+AccessSettings BrowserService::settingsOf(const Collaborators& collaborators) {
+    AccessSettings settings = browserSettings(collaborators.userDefaults);
+    settings.folder =
+        QFile::encodeName(collaborators.dataManager.applicationDocumentsDirectory()).toStdString();
+    settings.socketPath = ownersSocket();
+    settings.version = programVersion().toStdString();
+    return settings;
+}
+
+BrowserService::BrowserService(Collaborators collaborators)
+    : collaborators_(std::move(collaborators)),
+      host_(collaborators_.dataManager, collaborators_.editor,
+            {[this] { publishFileTypes(); }, [this](const QString& label) { deviceDidPair(label); },
+             [this] { fillWindow(); }}),
+      access_(settingsOf(collaborators_), mapSourceOf(map_), host_) {
+    lookTimer_.setInterval(kLookInterval);
+    connect(&lookTimer_, &QTimer::timeout, this, [this] { tellWhatChanged(); });
+}
+
+BrowserService::~BrowserService() {
+    collaborators_.editor.onMove(nullptr);
+    access_.stop();
+}
+
+void BrowserService::start() {
+    followEditor();
+    tellWhatChanged();
+    lookTimer_.start();
+    access_.start();
+    const AccessStatus status = access_.status();
+    if (!status.problem.empty()) {
+        log(QString::fromStdString(status.problem));
+    }
+    for (const std::string& address : status.addresses) {
+        log(QStringLiteral("Browsers are served at %1").arg(QString::fromStdString(address)));
+    }
+}
+
+void BrowserService::tellWhatChanged() {
+    const QString project = collaborators_.dataManager.pbxProjPath().value_or(QString());
+    if (project != project_) {
+        project_ = project;
+        map_.open(project.toStdString());
+    }
+    publishFileTypes();
+    access_.publishState(programState());
+}
+
+// Not without a project: the store might have to be opened for it, whose failure is presented.
+void BrowserService::publishFileTypes() {
+    if (!collaborators_.dataManager.rootID()) {
+        return;
+    }
+    std::vector<FileTypeSwitch> types;
+    const QVariantList items = collaborators_.dataManager.allowedFileTypesDictionary()
+                                   .value(QStringLiteral("items"))
+                                   .toList();
+    for (const QVariant& item : items) {
+        const QVariantMap type = item.toMap();
+        types.push_back({type.value(QStringLiteral("extension")).toString().toStdString(),
+                         type.value(QStringLiteral("allowed")).toBool()});
+    }
+    if (types != fileTypes_) {
+        fileTypes_ = std::move(types);
+        access_.publishFileTypes(fileTypes_);
+    }
+}
+
+ProgramState BrowserService::programState() const {
+    ProgramState state;
+    state.device = collaborators_.delegate.connectedChannel() ? ProgramState::Device::connected
+                                                              : ProgramState::Device::absent;
+    if (collaborators_.editor.position()) {
+        state.editor = ProgramState::Editor::follows;
+    }
+    if (project_.isEmpty()) {
+        state.projectReason = collaborators_.dataManager.automaticProjectSelection()
+                                  ? "No project is open in the editor."
+                                  : "No project is chosen: choose one in Navrel's menu.";
+    }
+    return state;
+}
+
+// Nothing is asked of an editor while nobody could see the answer.
+void BrowserService::followEditor() {
+    if (access_.settings().mode == AccessSettings::Mode::off) {
+        return collaborators_.editor.onMove(nullptr);
+    }
+    collaborators_.editor.onMove([this](const EditorPosition& position) {
+        access_.publishActive(position.path.toStdString(),
+                              static_cast<std::uint32_t>(std::max(position.line, 0)));
+    });
+}
+
+void BrowserService::changeMode(AccessSettings::Mode mode) {
+    saveBrowserMode(collaborators_.userDefaults, mode);
+    AccessSettings settings = access_.settings();
+    settings.mode = mode;
+    access_.change(std::move(settings));
+    followEditor();
+    if (mode != AccessSettings::Mode::off) {
+        access_.offerPairing();
+    }
+    fillWindow();
+}
+
+void BrowserService::deviceDidPair(const QString& label) {
+    log(QStringLiteral("A device was paired: %1").arg(label));
+    collaborators_.notify(QStringLiteral("Paired: %1").arg(label),
+                          QStringLiteral("This device can see your project now. \"Phone or "
+                                         "Tablet…\" in Navrel's menu lists all of them."));
+    fillWindow();
+}
+
+// The window.
+
+void BrowserService::showPairingWindow() {
+    if (!collaborators_.hasDisplay) {
+        log(QStringLiteral("No display to show a window on: Phone or Tablet"));
+        return;
+    }
+    if (window_ == nullptr) {
+        makeWindow();
+    }
+    access_.offerPairing();
+    window_->bringToFront();
+    fillWindow();
+}
+
+void BrowserService::makeWindow() {
+    PairingWindow::Events events;
+    events.didChooseMode = [this](AccessSettings::Mode mode) { changeMode(mode); };
+    events.didChooseAddress = [this](const QString& address) {
+        chosenAddress_ = address;
+        fillWindow();
+    };
+    events.didAskForNewCode = [this] {
+        access_.offerPairing();
+        fillWindow();
+    };
+    events.didForget = [this](int device) {
+        access_.forget(device);
+        fillWindow();
+    };
+    events.didSetReadOnly = [this](int device, bool readOnly) {
+        access_.setReadOnly(device, readOnly);
+    };
+    events.isDue = [this] { fillWindow(); };
+    window_ = std::make_unique<PairingWindow>(std::move(events));
+}
+
+// A code that nobody sees need not be renewed.
+void BrowserService::fillWindow() {
+    if (window_ == nullptr || !window_->isVisible()) {
+        return;
+    }
+    window_->show(pairingContents(access_.settings(), access_.status(), access_.currentPairing(),
+                                  access_.devices(), chosenAddress_,
+                                  QDateTime::currentDateTimeUtc()));
+}
+
+} // namespace navrel

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "codemap/CodeMap.h"
+#include "desktop/BrowserHost.h"
+#include "web/BrowserAccess.h"
+
+#include <QObject>
+#include <QString>
+#include <QTimer>
+
+#include <functional>
+#include <memory>
+
+namespace navrel {
+
+class AppDelegate;
+class Editor;
+class KZDataManager;
+class PairingWindow;
+class UserDefaults;
+
+/// Browsers as companions, beside the device link: makes the code map and the server, tells them
+/// what the program knows (the selected project, the file types, the active file, the device), and
+/// shows the pairing window. Main thread.
+class BrowserService final : public QObject {
+public:
+    /// Nothing is owned, and everything outlives the service.
+    struct Collaborators {
+        KZDataManager& dataManager;
+        Editor& editor;
+        UserDefaults& userDefaults;
+        const AppDelegate& delegate;
+        bool hasDisplay = false;
+        /// Tells the user something, without a window: a summary and a sentence, both plain text.
+        std::function<void(const QString& summary, const QString& sentence)> notify;
+    };
+
+    explicit BrowserService(Collaborators collaborators);
+    /// Ends the server, then the code map.
+    ~BrowserService() override;
+
+    /// Starts the server as the preferences and NAVREL_BROWSER say: for the owner's socket alone
+    /// where access is off.
+    void start();
+    /// The menu entry: opens the pairing window, or brings it to the front.
+    void showPairingWindow();
+
+    const BrowserAccess& access() const { return access_; }
+
+private:
+    static AccessSettings settingsOf(const Collaborators& collaborators);
+
+    void tellWhatChanged();
+    void publishFileTypes();
+    ProgramState programState() const;
+    void followEditor();
+    void changeMode(AccessSettings::Mode mode);
+    void deviceDidPair(const QString& label);
+    void makeWindow();
+    void fillWindow();
+
+    const Collaborators collaborators_;
+    CodeMap map_;
+    BrowserHost host_;
+    BrowserAccess access_; ///< ends before what it asks
+    std::unique_ptr<PairingWindow> window_;
+    QString chosenAddress_;
+    QString project_; ///< that the code map was told of
+    std::vector<FileTypeSwitch> fileTypes_;
+    QTimer lookTimer_;
+};
+
+} // namespace navrel
