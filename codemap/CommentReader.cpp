@@ -9,7 +9,6 @@ namespace navrel {
 
 namespace {
 
-constexpr std::string_view kBlanks = " \t\r\f\v";
 constexpr std::string_view kHeadingWord = "mark";
 constexpr std::string_view kShortcutWord = "navrel";
 
@@ -47,25 +46,50 @@ bool beginsInAnyCase(std::string_view text, std::string_view word) {
     return true;
 }
 
+bool isBlank(char character) {
+    return character == ' ' || (character >= '\t' && character <= '\r');
+}
+
+bool isIn(std::string_view characters, char character) {
+    for (const char one : characters) {
+        if (one == character) {
+            return true;
+        }
+    }
+    return false;
+}
+
 std::string_view withoutLeading(std::string_view text, std::string_view characters) {
-    const std::size_t begin = text.find_first_not_of(characters);
-    return begin == std::string_view::npos ? std::string_view() : text.substr(begin);
+    while (!text.empty() && isIn(characters, text.front())) {
+        text.remove_prefix(1);
+    }
+    return text;
+}
+
+std::string_view withoutLeadingBlanks(std::string_view text) {
+    while (!text.empty() && isBlank(text.front())) {
+        text.remove_prefix(1);
+    }
+    return text;
 }
 
 std::string_view withoutTrailingBlanks(std::string_view text) {
-    return text.substr(0, text.find_last_not_of(kBlanks) + 1);
+    while (!text.empty() && isBlank(text.back())) {
+        text.remove_suffix(1);
+    }
+    return text;
 }
 
 /// Without the signs that begin a comment, or a line within one, and the blanks behind.
 std::string_view withoutSigns(std::string_view line) {
-    line = withoutLeading(line, kBlanks);
+    line = withoutLeadingBlanks(line);
     if (line.starts_with("//") || line.starts_with("/*")) {
         line.remove_prefix(2);
         line = withoutLeading(line, line.starts_with('/') ? "/" : "*!<");
     } else {
         line = withoutLeading(line, "*");
     }
-    return withoutLeading(line, kBlanks);
+    return withoutLeadingBlanks(line);
 }
 
 /// The text behind a word at the beginning of `text`, where "(…)" may be between the word and its
@@ -124,10 +148,10 @@ private:
         if (!text.starts_with(':')) {
             return false;
         }
-        text = withoutLeading(text.substr(1), kBlanks);
+        text = withoutLeadingBlanks(text.substr(1));
         const bool separator = text.starts_with('-');
         text = withoutLeading(text, "-");
-        text = withoutLeading(text, kBlanks);
+        text = withoutLeadingBlanks(text);
         if (separator || !text.empty()) {
             builder_.addHeading(number_, text, separator);
         }
@@ -146,7 +170,7 @@ private:
     bool readNote(std::string_view said, const NoteWord& word) {
         const std::string_view behind = said.substr(word.capitals.size());
         const std::string_view text = word.needsColon ? behind : withoutAuthor(behind);
-        const bool hasColon = withoutLeading(text, kBlanks).starts_with(':');
+        const bool hasColon = withoutLeadingBlanks(text).starts_with(':');
         const bool isAlone = !word.needsColon && said.starts_with(word.capitals) &&
                              (behind.empty() || !isWordCharacter(behind.front()));
         if (!hasColon && !isAlone) {

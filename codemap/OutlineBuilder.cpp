@@ -25,6 +25,18 @@ bool isBlank(char character) {
     return character == ' ' || (character >= '\t' && character <= '\r') || character == '\0';
 }
 
+/// How much of a text can be kept as it is: words with one blank between two.
+std::size_t lengthInOneLine(std::string_view text) {
+    std::size_t end = 0;
+    for (; end < text.size(); ++end) {
+        const bool isLast = end + 1 == text.size() || isBlank(text[end + 1]);
+        if (isBlank(text[end]) && (text[end] != ' ' || isLast)) {
+            break;
+        }
+    }
+    return end;
+}
+
 } // namespace
 
 OutlineBuilder::OutlineBuilder(Language language) {
@@ -121,15 +133,17 @@ TextRange OutlineBuilder::keep(std::string_view text) {
 TextRange OutlineBuilder::keepInOneLine(std::string_view text) {
     std::string& texts = outline_.texts_;
     const std::size_t begin = texts.size();
-    for (const char character : text) {
-        if (!isBlank(character)) {
-            texts += character;
-        } else if (texts.size() > begin && texts.back() != ' ') {
-            texts += ' ';
+    while (true) {
+        while (!text.empty() && isBlank(text.front())) {
+            text.remove_prefix(1);
         }
-    }
-    if (texts.size() > begin && texts.back() == ' ') {
-        texts.pop_back();
+        if (text.empty()) {
+            break;
+        }
+        const std::size_t length = lengthInOneLine(text);
+        texts += texts.size() > begin ? " " : "";
+        texts += text.substr(0, length);
+        text.remove_prefix(length);
     }
     return {static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(texts.size() - begin)};
 }
