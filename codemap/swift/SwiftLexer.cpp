@@ -8,7 +8,11 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace navrel {
 
@@ -20,8 +24,10 @@ using namespace swift_bytes;
 constexpr std::size_t kMaximumNesting = kMaximumOutlineDepth;
 /// No declaration that anyone reads has more comments in its head.
 constexpr std::size_t kMaximumComments = 64;
+/// Conditions around a block that may be read twice: texts have fewer.
+constexpr std::size_t kMostConditionsKept = 16;
 /// Columns of a tab, where texts mix them with blanks.
-constexpr std::size_t kTabWidth = 4;
+constexpr std::ptrdiff_t kTabWidth = 4;
 
 /// Names between backticks, and messages, end within so many bytes: a long line may hold many.
 constexpr std::ptrdiff_t kLongestName = 1000;
@@ -34,7 +40,12 @@ constexpr std::string_view kOperatorsBeforeExpression = "!&|?~^<>+-*%";
 constexpr std::string_view kOpenEnded = "([{},";
 
 bool isIn(std::string_view characters, char character) {
-    return characters.find(character) != std::string_view::npos;
+    for (const char one : characters) {
+        if (one == character) {
+            return true;
+        }
+    }
+    return false;
 }
 
 const char* find(const char* begin, const char* end, char character) {
@@ -44,6 +55,43 @@ const char* find(const char* begin, const char* end, char character) {
 
 std::string_view textBetween(const char* begin, const char* end) {
     return {begin, static_cast<std::size_t>(end - begin)};
+}
+
+#if defined(__SSE2__)
+constexpr std::ptrdiff_t kLanes = 16;
+
+/// A bit for each of sixteen bytes: whether it is one of kBlock's, or a line feed.
+unsigned stopsAmong(const char* bytes, bool atLineFeeds) {
+    const __m128i lanes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+    const auto equal = [](__m128i one, char character) {
+        return _mm_cmpeq_epi8(one, _mm_set1_epi8(character));
+    };
+    // A quote and "#" differ in the lowest bit alone.
+    __m128i found = equal(_mm_or_si128(lanes, _mm_set1_epi8(1)), '#');
+    found = _mm_or_si128(found, _mm_or_si128(equal(lanes, '{'), equal(lanes, '}')));
+    found = _mm_or_si128(found, _mm_or_si128(equal(lanes, '/'), equal(lanes, '`')));
+    if (atLineFeeds) {
+        found = _mm_or_si128(found, equal(lanes, '\n'));
+    }
+    return static_cast<unsigned>(_mm_movemask_epi8(found));
+}
+#endif
+
+/// The first place of a byte that a block is to be looked at for.
+const char* findInBlock(const char* place, const char* end, std::uint8_t stops) {
+#if defined(__SSE2__)
+    while (end - place >= kLanes) {
+        const unsigned found = stopsAmong(place, (stops & kLineFeed) != 0);
+        if (found != 0) {
+            return place + std::countr_zero(found);
+        }
+        place += kLanes;
+    }
+#endif
+    while (place < end && !isSwift(*place, stops)) {
+        ++place;
+    }
+    return place;
 }
 
 /// Words behind which an expression begins, of all those that stand in blocks.
@@ -67,7 +115,7 @@ bool beginsOtherDeclaration(std::string_view word) {
 
 SwiftLexer::SwiftLexer(std::string_view text, OutlineBuilder& builder)
     : begin_(text.data()), end_(text.data() + text.size()), place_(begin_), lines_(text),
-      builder_(builder), noExpressionUpTo_(begin_) {
+      builder_(builder), indented_{begin_, begin_}, said_(begin_), noExpressionUpTo_(begin_) {
     if (text.starts_with("#!")) {
         place_ = find(begin_, end_, '\n');
     }
@@ -91,12 +139,16 @@ const SwiftToken& SwiftLexer::peek() {
     return *peeked_;
 }
 
-std::size_t SwiftLexer::indentAt(const char* place) const {
+std::ptrdiff_t SwiftLexer::indentAt(const char* place) {
+    // A long line that is asked about often is looked at once.
+    const char* const known = place >= indented_.place ? indented_.place : begin_;
     const char* line = place;
-    while (line > begin_ && line[-1] != '\n') {
+    while (line > known && line[-1] != '\n') {
         --line;
     }
-    std::size_t indent = 0;
+    line = line == indented_.place ? indented_.begin : line;
+    indented_ = {line, place};
+    std::ptrdiff_t indent = 0;
     for (; line < end_ && isSwift(*line, kBlank); ++line) {
         indent += *line == '\t' ? kTabWidth : 1;
     }
@@ -188,7 +240,10 @@ bool SwiftLexer::skipComment() {
     } else {
         return false;
     }
-    readComment(textBetween(begin, place_), lineAt(begin), builder_);
+    if (begin >= said_) {
+        readComment(textBetween(begin, place_), lineAt(begin), builder_);
+        said_ = place_;
+    }
     return true;
 }
 
@@ -278,7 +333,11 @@ SwiftToken SwiftLexer::readSign() {
     const bool isPostfix = (*begin == '?' || *begin == '!') && !isDetached_ && begin > begin_ &&
                            !isIn("([{,;:", begin[-1]);
     place_ = isPostfix ? begin + 1 : std::max(endOfOperator(begin), begin + 1);
-    return token(SwiftTokenKind::sign, begin);
+    SwiftToken found = token(SwiftTokenKind::sign, begin);
+    if (isPostfix && textBetween(begin_, begin).ends_with("try")) {
+        found.word = SwiftWord::prefixWord;
+    }
+    return found;
 }
 
 SwiftToken SwiftLexer::readSlash() {
@@ -414,6 +473,7 @@ void SwiftLexer::skipEscape(OpenString& string) {
     place_ += string.signs;
     if (at(place_) == '(') {
         string.parentheses = 1;
+        string.braces = 0;
         ++place_;
     } else if (place_ < end_ && *place_ != '\n') {
         ++place_;
@@ -432,6 +492,12 @@ void SwiftLexer::skipInterpolation() {
                 ++place_;
                 return;
             }
+            break;
+        case '{':
+            ++string.braces;
+            break;
+        case '}':
+            string.braces -= string.braces > 0 ? 1 : 0;
             break;
         case '"':
             beginString(0);
@@ -465,7 +531,7 @@ void SwiftLexer::skipInterpolation() {
 /// single quotes, where no further bracket is open.
 bool SwiftLexer::endsInterpolation() const {
     const OpenString& string = strings_.back();
-    if (string.isMultiline || string.parentheses > 1) {
+    if (string.isMultiline || string.parentheses > 1 || string.braces > 0) {
         return false;
     }
     const char* last = place_ - 1;
@@ -602,7 +668,7 @@ void SwiftLexer::beginBranch() {
 
 /// Adds what #warning or #error says: a string between parentheses.
 void SwiftLexer::addMessage(std::string_view word, const char* behind) {
-    if (word != "warning" && word != "error") {
+    if ((word != "warning" && word != "error") || behind < said_) {
         return;
     }
     const char* const limit = behind + std::min(end_ - behind, kLongestName);
@@ -617,26 +683,77 @@ void SwiftLexer::addMessage(std::string_view word, const char* behind) {
 
 // Blocks.
 
-SwiftLexer::BlockEnd SwiftLexer::skipBlock(std::size_t indent) {
+SwiftLexer::BlockEnd SwiftLexer::skipBlock(BlockKind kind, std::ptrdiff_t indent,
+                                           std::ptrdiff_t outer) {
     NAVREL_ASSERT(!peeked_ && depth_ > 0);
-    const std::uint32_t outside = depth_ - 1;
-    const std::uint8_t stops = kBlock | (trustsIndentation_ ? kLineFeed : 0);
-    for (;;) {
-        while (place_ < end_ && !isSwift(*place_, stops)) {
-            ++place_;
+    if (!trustsIndentation_) {
+        return skipToBlockEnd(std::nullopt);
+    }
+    const std::ptrdiff_t opening = indentAt(place_ - 1);
+    if (skipSoundBlock({outer, indent, opening})) {
+        return BlockEnd::brace;
+    }
+    return skipToBlockEnd(Indents{outer, indent, kind == BlockKind::closure ? opening : indent});
+}
+
+/// Skips a block whose closing brace is on the line of its opening one, or is indented as it may
+/// be. Leaves others as they were.
+bool SwiftLexer::skipSoundBlock(const Indents& indents) {
+    if (conditions_.size() > kMostConditionsKept || unsound_ > std::size_t(end_ - begin_)) {
+        return false;
+    }
+    const char* const begin = place_;
+    const std::uint32_t depth = depth_;
+    const std::vector<Condition> conditions = conditions_;
+    const std::uint32_t conditionsLeftOut = conditionsLeftOut_;
+    if (skipToBlockEnd(std::nullopt) == BlockEnd::brace) {
+        const std::ptrdiff_t closing = indentAt(place_ - 1);
+        const bool isOneLine = indented_.begin < begin;
+        const bool beginsLine =
+            textBetween(indented_.begin, place_ - 1).find_first_not_of(" \t\r\f\v") ==
+            std::string_view::npos;
+        const bool isIndented =
+            closing > indents.outer &&
+            (closing <= indents.declaration || closing == indents.end || otherDeclarationFollows());
+        if (isOneLine || (beginsLine && isIndented)) {
+            return true;
         }
+    }
+    unsound_ += static_cast<std::size_t>(place_ - begin);
+    place_ = begin;
+    depth_ = depth;
+    conditions_ = conditions;
+    conditionsLeftOut_ = conditionsLeftOut;
+    return false;
+}
+
+/// Whether the next line that says something begins a declaration, or a comment.
+bool SwiftLexer::otherDeclarationFollows() const {
+    const char* next = place_;
+    while (next < end_ && isSwift(*next, kBlank | kLineFeed)) {
+        ++next;
+    }
+    return at(next) == '/' || at(next) == '@' || beginsOtherDeclaration(wordAt(next));
+}
+
+SwiftLexer::BlockEnd SwiftLexer::skipToBlockEnd(std::optional<Indents> indents) {
+    const std::uint32_t outside = depth_ - 1;
+    const std::uint8_t stops = kBlock | (indents ? kLineFeed : 0);
+    for (;;) {
+        place_ = findInBlock(place_, end_, stops);
         if (place_ == end_) {
             depth_ = outside;
             return BlockEnd::text;
         }
-        const BlockStep step = stepInBlock(outside, indent);
+        const BlockStep step = stepInBlock(outside, indents);
         if (step != BlockStep::on) {
             return step == BlockStep::brace ? BlockEnd::brace : BlockEnd::early;
         }
     }
 }
 
-SwiftLexer::BlockStep SwiftLexer::stepInBlock(std::uint32_t outside, std::size_t indent) {
+SwiftLexer::BlockStep SwiftLexer::stepInBlock(std::uint32_t outside,
+                                              const std::optional<Indents>& indents) {
     switch (*place_) {
     case '{':
         ++depth_;
@@ -659,7 +776,7 @@ SwiftLexer::BlockStep SwiftLexer::stepInBlock(std::uint32_t outside, std::size_t
     case '#':
         return hashInBlock(outside);
     default:
-        return lineInBlock(outside, indent);
+        return lineInBlock(outside, *indents);
     }
 }
 
@@ -701,25 +818,26 @@ bool SwiftLexer::isOuterBranch(std::uint32_t outside) const {
 }
 
 /// A line feed, where the indentation is trusted.
-SwiftLexer::BlockStep SwiftLexer::lineInBlock(std::uint32_t outside, std::size_t indent) {
+SwiftLexer::BlockStep SwiftLexer::lineInBlock(std::uint32_t outside, const Indents& indents) {
     const char* const line = ++place_;
     while (place_ < end_ && isSwift(*place_, kBlank)) {
         ++place_;
     }
-    const std::size_t column = indentAt(line);
+    const std::ptrdiff_t column = indentAt(line);
     if (at(place_) == '}') {
-        if (column < indent) {
+        if (column <= indents.outer) {
             depth_ = outside;
             return BlockStep::early;
         }
-        if (column == indent) {
+        if (column <= indents.declaration || column == indents.end) {
             depth_ = outside + 1; // inner braces were left open
-        } else if (depth_ == outside + 1) {
+        } else if (depth_ == outside + 1 && column > indents.end) {
             ++place_; // one too many
         }
         return BlockStep::on;
     }
-    if (column <= indent && (at(place_) == '@' || beginsOtherDeclaration(wordAt(place_)))) {
+    if (column <= indents.declaration &&
+        (at(place_) == '@' || beginsOtherDeclaration(wordAt(place_)))) {
         depth_ = outside;
         return BlockStep::early;
     }

@@ -34,14 +34,17 @@ public:
         text,  ///< there is nothing left
     };
     /// Skips a block whose "{" was the last token; nothing may have been peeked at behind it.
-    BlockEnd skipBlock(std::size_t indent);
+    /// `indent` is that of the line which its declaration begins on, `outer` that of the type's
+    /// which the declaration is in, or -1. A closure's end may also be indented like its "{".
+    enum class BlockKind : std::uint8_t { body, closure };
+    BlockEnd skipBlock(BlockKind kind, std::ptrdiff_t indent, std::ptrdiff_t outer);
 
-    /// From now on, blocks also end where the indentation says so: before a line that is indented
-    /// no more than the line which their declaration begins on (see `skipBlock`) and begins like
-    /// another declaration. For texts whose braces do not match.
+    /// From now on, the indentation decides where a block ends if its braces disagree with it: at
+    /// a "}" that is indented like its declaration, or before a line that is indented no more and
+    /// begins like another declaration. For texts whose braces do not match.
     void trustIndentation() { trustsIndentation_ = true; }
     /// How far the line of a place is indented.
-    std::size_t indentAt(const char* place) const;
+    std::ptrdiff_t indentAt(const char* place);
 
     /// How many braces are open behind the last token or block.
     std::uint32_t depth() const { return peeked_ ? depthBeforePeek_ : depth_; }
@@ -68,6 +71,7 @@ private:
         std::uint32_t signs;           ///< how many "#" each end has
         bool isMultiline;              ///< between triple quotes
         std::uint32_t parentheses = 0; ///< open ones of its interpolation; 0 in the string itself
+        std::uint32_t braces = 0;      ///< open ones of its interpolation
     };
 
     char at(const char* place) const { return place < end_ ? *place : '\0'; }
@@ -110,10 +114,26 @@ private:
     void addMessage(std::string_view word, const char* behind);
     bool closeBrace();
 
+    struct Line {
+        const char* begin;
+        const char* place; ///< in it
+    };
+
+    /// How a block may be indented.
+    struct Indents {
+        std::ptrdiff_t outer;       ///< of what it is in: its "}" is indented more
+        std::ptrdiff_t declaration; ///< its "}" is indented no more …
+        std::ptrdiff_t end;         ///< … or like this
+    };
+
+    bool skipSoundBlock(const Indents& indents);
+    bool otherDeclarationFollows() const;
+    BlockEnd skipToBlockEnd(std::optional<Indents> indents);
+
     enum class BlockStep : std::uint8_t { on, brace, early };
-    BlockStep stepInBlock(std::uint32_t outside, std::size_t indent);
+    BlockStep stepInBlock(std::uint32_t outside, const std::optional<Indents>& indents);
     BlockStep hashInBlock(std::uint32_t outside);
-    BlockStep lineInBlock(std::uint32_t outside, std::size_t indent);
+    BlockStep lineInBlock(std::uint32_t outside, const Indents& indents);
 
     const char* begin_;
     const char* end_;
@@ -127,6 +147,9 @@ private:
     bool startsLine_ = true;  // of the token being read
     bool isDetached_ = false; // of the token being read
     bool trustsIndentation_ = false;
+    std::size_t unsound_ = 0;      // bytes that were read twice
+    Line indented_;                // the line that was asked about last
+    const char* said_;             // what comments say before it has been added
     const char* noExpressionUpTo_; // no regular expression ends before it
 
     std::vector<std::string_view> comments_;

@@ -43,7 +43,7 @@ std::string_view textBetween(const char* begin, const char* end) {
 } // namespace
 
 SwiftRecogniser::SwiftRecogniser(std::string_view text, OutlineBuilder& builder)
-    : builder_(builder), lexer_(text, builder), lastEnd_(text.data()) {}
+    : builder_(builder), lexer_(text, builder), lastEnd_(text.data()), itemLastEnd_(text.data()) {}
 
 void SwiftRecogniser::trustIndentation() {
     trustsIndentation_ = true;
@@ -89,7 +89,7 @@ void SwiftRecogniser::skipGroup() {
     std::size_t open = 0;
     do {
         if (token_.is('{')) {
-            skipBlock();
+            skipClosure();
             continue;
         }
         if (token_.is('}') || token_.isEnd() || startsStrongly()) {
@@ -117,8 +117,8 @@ void SwiftRecogniser::skipAngles(int open) {
 }
 
 /// Skips from "{" to behind its partner.
-void SwiftRecogniser::skipBlock() {
-    const SwiftLexer::BlockEnd end = lexer_.skipBlock(itemIndent_);
+void SwiftRecogniser::skipBlock(SwiftLexer::BlockKind kind) {
+    const SwiftLexer::BlockEnd end = lexer_.skipBlock(kind, itemIndent_, outerIndent());
     isBalanced_ = isBalanced_ && end != SwiftLexer::BlockEnd::text;
     last_ = token_;
     lastEnd_ = lexer_.place();
@@ -129,7 +129,7 @@ void SwiftRecogniser::skipBlock() {
 /// Skips a token, or what it opens.
 void SwiftRecogniser::skipOne() {
     if (token_.is('{')) {
-        skipBlock();
+        skipClosure();
     } else if (opensGroup()) {
         skipGroup();
     } else {
@@ -171,7 +171,8 @@ bool SwiftRecogniser::endsItem() const {
 }
 
 bool SwiftRecogniser::endsDeclaration() const {
-    return endsItem() || (token_.startsLine && !expectsMore() && !continuesLine());
+    return endsItem() ||
+           (token_.startsLine && (isReserved(token_.word) || (!expectsMore() && !continuesLine())));
 }
 
 /// Whether the last token cannot be a declaration's last.
@@ -183,7 +184,8 @@ bool SwiftRecogniser::expectsMore() const {
     case SwiftTokenKind::punctuation:
         return last_.is(',') || last_.is(':') || last_.is('.');
     case SwiftTokenKind::sign: // an operator between blanks: others belong to what is before them
-        return last_.isDetached || last_.isSign("=") || last_.isSign("->");
+        return last_.isDetached || last_.isSign("=") || last_.isSign("->") ||
+               last_.is(SwiftWord::prefixWord);
     case SwiftTokenKind::word:
         return last_.is(SwiftWord::prefixWord) || last_.is(SwiftWord::whereWord);
     default:
@@ -224,6 +226,8 @@ void SwiftRecogniser::readItem() {
     Head head;
     if (readHead(head)) {
         readDeclaration(head);
+    } else if (isReserved(token_.word)) {
+        advance(); // its name is missing
     } else if (token_.begin() == begin || !endsItem()) {
         skipStatement();
     }
@@ -231,14 +235,15 @@ void SwiftRecogniser::readItem() {
 
 void SwiftRecogniser::beginItem() {
     lexer_.forgetComments();
+    itemLastEnd_ = lastEnd_;
+    itemStartsLine_ = token_.startsLine;
     if (!trustsIndentation_ || !token_.startsLine) {
         return;
     }
     itemIndent_ = lexer_.indentAt(token_.begin());
-    if (token_.is('@') || isModifier(token_.word) || introducesDeclaration(token_.word)) {
-        while (!scopes_.empty() && itemIndent_ <= scopes_.back().indent) {
-            closeScope(lastEnd_);
-        }
+    if (!scopes_.empty() && !scopes_.back().hasMembers) {
+        scopes_.back().hasMembers = true;
+        scopes_.back().isFlat = itemIndent_ <= scopes_.back().indent && !token_.is('}');
     }
 }
 
@@ -292,6 +297,9 @@ bool SwiftRecogniser::isAtIntroducer(const Head& head) {
 }
 
 bool SwiftRecogniser::isIntroducerBefore(const SwiftToken& next, const Head& head) const {
+    if (isReserved(next.word) && !token_.is(SwiftWord::importWord)) {
+        return false;
+    }
     switch (token_.word) {
     case SwiftWord::actorWord:
     case SwiftWord::macroWord:
@@ -363,11 +371,11 @@ void SwiftRecogniser::skipControl() {
 
 void SwiftRecogniser::openScope(const OutlineBuilder::Declaration& declaration) {
     if (scopes_.size() == kMaximumOutlineDepth) {
-        skipBlock();
+        skipClosure();
         return;
     }
     builder_.open(declaration);
-    scopes_.push_back({declaration.kind, lexer_.depth(), itemIndent_});
+    scopes_.push_back({declaration.kind, lexer_.depth(), itemIndent_, false, false});
     advance();
 }
 
@@ -394,6 +402,24 @@ bool SwiftRecogniser::closesScope() {
         closeScope(lastEnd_);
     }
     return itemIndent_ <= scopes_.back().indent;
+}
+
+/// The indentation of what the members at hand are in.
+std::ptrdiff_t SwiftRecogniser::outerIndent() const {
+    if (scopes_.empty()) {
+        return -1;
+    }
+    return std::min(scopes_.back().indent, itemIndent_ - 1);
+}
+
+/// Ends types that were left open before one that is indented no more.
+void SwiftRecogniser::closeScopesByIndent() {
+    if (!trustsIndentation_ || !itemStartsLine_) {
+        return;
+    }
+    while (!scopes_.empty() && !scopes_.back().isFlat && itemIndent_ <= scopes_.back().indent) {
+        closeScope(itemLastEnd_);
+    }
 }
 
 void SwiftRecogniser::closeScopesAbove(std::uint32_t depth) {
@@ -439,6 +465,7 @@ void SwiftRecogniser::readDeclaration(const Head& head) {
 }
 
 void SwiftRecogniser::readType(const Head& head, SymbolKind kind) {
+    closeScopesByIndent();
     advance();
     if (startsStrongly()) {
         return;
@@ -453,6 +480,7 @@ void SwiftRecogniser::readType(const Head& head, SymbolKind kind) {
 
 /// An extension is named after the type that it extends, without generic arguments.
 void SwiftRecogniser::readExtension(const Head& head) {
+    closeScopesByIndent();
     advance();
     const Name first = nameOfToken();
     fullName_.clear();
@@ -613,7 +641,7 @@ void SwiftRecogniser::readFunctionRest(const Head& head, SymbolKind kind, std::u
     }
     const std::string_view text = signature("", head.begin, lastEnd_);
     if (token_.is('{')) {
-        skipBlock();
+        skipBody();
     }
     add(kind, head, {fullName_, line}, text);
 }
@@ -718,7 +746,7 @@ void SwiftRecogniser::skipPrecedenceGroup() {
     advance();
     advance();
     if (token_.is('{')) {
-        skipBlock();
+        skipClosure();
     }
 }
 
@@ -731,7 +759,7 @@ void SwiftRecogniser::skipImport() {
 void SwiftRecogniser::readCases(const Head& head) {
     const char* begin = head.begin;
     advance();
-    while (token_.isName() && !startsStrongly()) {
+    while (token_.isName() && !isReserved(token_.word) && !startsStrongly()) {
         readCase(head, begin);
         begin = nullptr;
         if (!token_.is(',')) {
@@ -771,7 +799,7 @@ bool SwiftRecogniser::readBinding(const Head& head, bool isFirst) {
     names_.clear();
     if (isPattern) {
         readPattern();
-    } else if (token_.isName() && !startsStrongly()) {
+    } else if (token_.isName() && !isReserved(token_.word) && !startsStrongly()) {
         names_.push_back(nameOfToken());
         advance();
     } else {
@@ -785,7 +813,7 @@ bool SwiftRecogniser::readBinding(const Head& head, bool isFirst) {
     if (token_.isSign("=")) {
         hasMore = skipInitialValue();
     } else if (token_.is('{')) {
-        skipBlock();
+        skipBody();
     }
     const SymbolKind kind = scopes_.empty() ? SymbolKind::variable : SymbolKind::property;
     for (const Name& name : names_) {

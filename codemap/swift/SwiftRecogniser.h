@@ -31,8 +31,10 @@ private:
     /// A type whose members are being read.
     struct Scope {
         SymbolKind kind;
-        std::uint32_t depth; ///< of braces, its own included
-        std::size_t indent;  ///< of the line that it begins on
+        std::uint32_t depth;   ///< of braces, its own included
+        std::ptrdiff_t indent; ///< of the line that it begins on
+        bool hasMembers = false;
+        bool isFlat = false; ///< its members are indented no more than itself
     };
 
     /// What is known of a declaration before its name.
@@ -56,7 +58,9 @@ private:
     int angles() const;
     void skipGroup();
     void skipAngles(int open = 0);
-    void skipBlock();
+    void skipBlock(SwiftLexer::BlockKind kind);
+    void skipBody() { skipBlock(SwiftLexer::BlockKind::body); }
+    void skipClosure() { skipBlock(SwiftLexer::BlockKind::closure); }
     void skipOne();
     void skipRest();
     bool startsStrongly();
@@ -83,6 +87,8 @@ private:
     void readClosingBrace();
     void closeScopesAbove(std::uint32_t depth);
     bool closesScope();
+    std::ptrdiff_t outerIndent() const;
+    void closeScopesByIndent();
     bool isInEnum() const {
         return !scopes_.empty() && scopes_.back().kind == SymbolKind::enumType;
     }
@@ -139,7 +145,9 @@ private:
     std::vector<Scope> scopes_;
     bool isBalanced_ = true;
     bool trustsIndentation_ = false;
-    std::size_t itemIndent_ = 0; // of the line that the item begins on
+    std::ptrdiff_t itemIndent_ = 0; // of the line that the item begins on
+    bool itemStartsLine_ = false;
+    const char* itemLastEnd_; // behind what is before the item
 
     // Of the declaration being read; kept for their memory.
     std::string fullName_;

@@ -55,6 +55,11 @@ const SwiftWordRule& swiftRuleOf(std::string_view word);
 constexpr bool introducesDeclaration(SwiftWord word) {
     return word >= SwiftWord::actorWord && word <= SwiftWord::var;
 }
+/// Whether a word is never a name without backticks, which begins a declaration.
+constexpr bool isReserved(SwiftWord word) {
+    return introducesDeclaration(word) && word != SwiftWord::actorWord &&
+           word != SwiftWord::macroWord;
+}
 constexpr bool isModifier(SwiftWord word) {
     return word == SwiftWord::accessModifier || word == SwiftWord::modifier;
 }
