@@ -11,7 +11,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <iterator>
+#include <sstream>
 #include <string>
 
 namespace {
@@ -31,8 +31,9 @@ QJsonObject viewOf(const Outline& outline, const Symbol& symbol) {
 }
 
 void printOutlineOf(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    const std::string bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    std::ostringstream contents;
+    contents << std::ifstream(path, std::ios::binary).rdbuf();
+    const std::string bytes = contents.str();
     const std::string extension = std::filesystem::path(path).extension().string();
     const Language language = languageOfExtension(extension.empty() ? "" : extension.substr(1));
     const Outline outline = outlineOfSource(language, decodedSource(bytes).value_or(bytes));
