@@ -1,0 +1,6 @@
+let actor = Person()
+func play(actor: Person) {}
+struct Cast {
+    var actor: Person
+    var actors: [Person]
+}

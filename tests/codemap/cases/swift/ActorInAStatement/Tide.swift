@@ -1,0 +1,2 @@
+actor.play()
+let count = 1

@@ -1,0 +1,1 @@
+protocol TideDelegate: AnyObject, Sendable {}

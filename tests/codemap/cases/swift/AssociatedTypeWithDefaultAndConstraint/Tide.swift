@@ -1,0 +1,4 @@
+protocol Container {
+    associatedtype Item: Equatable, Codable = String
+    associatedtype Iterator: IteratorProtocol where Iterator.Element == Item
+}

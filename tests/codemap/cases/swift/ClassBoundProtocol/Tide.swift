@@ -1,0 +1,3 @@
+protocol TideDelegate: class {
+    func tideChanged()
+}

@@ -1,0 +1,4 @@
+class Tide
+{
+    var height = 0.0
+}

@@ -1,0 +1,1 @@
+class Table: Base<Tide, [String: Int]>, Printing {}

@@ -1,0 +1,7 @@
+open class Harbour
+    : Place
+    , Naming,
+    Locating
+{
+    var name: String { "" }
+}

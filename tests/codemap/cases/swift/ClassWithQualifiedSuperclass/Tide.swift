@@ -1,0 +1,1 @@
+class Table: UIKit.UIView, Model.Tide.Observing {}

@@ -1,0 +1,3 @@
+class Cache<Key, Value>: Store where Key: Hashable, Value == Tide {
+    let store = [Key: Value]()
+}

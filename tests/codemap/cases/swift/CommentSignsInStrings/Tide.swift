@@ -1,0 +1,4 @@
+let a = "/* not a comment"
+let b = "// neither"
+let c = "*/"
+let d = "http://example.org" // but this

@@ -1,0 +1,7 @@
+enum A {
+    case a
+    #if DEBUG
+    case b
+    #endif
+    case c
+}

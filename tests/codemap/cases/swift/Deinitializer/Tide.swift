@@ -1,0 +1,6 @@
+final class Tide {
+    deinit {
+        observers.forEach { $0() }
+    }
+    var after: Int
+}

@@ -1,0 +1,3 @@
+distributed actor Player {
+    distributed func move(to place: Place) async throws {}
+}

@@ -1,0 +1,6 @@
+let a = ""
+let b = "" + "{"
+let c = """
+    """
+let d = #""#
+let e = 1

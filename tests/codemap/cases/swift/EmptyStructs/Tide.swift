@@ -1,0 +1,2 @@
+struct A {}; struct B {}
+struct C { struct D {} }

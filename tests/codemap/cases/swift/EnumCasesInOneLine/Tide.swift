@@ -1,0 +1,2 @@
+enum Tide { case low; case high }
+enum Sea { case calm, rough }

@@ -1,0 +1,4 @@
+enum Word {
+    case `default`, `in`
+    case `class`(Int)
+}

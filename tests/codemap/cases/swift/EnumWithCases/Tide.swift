@@ -1,0 +1,5 @@
+enum Direction {
+    case north
+    case south, east
+    case west
+}

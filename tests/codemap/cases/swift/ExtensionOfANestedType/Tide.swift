@@ -1,0 +1,3 @@
+extension Outer.Middle.Inner: P {
+    class Deep {}
+}

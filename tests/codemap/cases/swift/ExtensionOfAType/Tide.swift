@@ -1,0 +1,3 @@
+extension Tide {
+    func ebb() {}
+}

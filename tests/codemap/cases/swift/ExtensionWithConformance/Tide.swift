@@ -1,0 +1,3 @@
+extension Tide: Equatable, Codable {
+    static func == (left: Tide, right: Tide) -> Bool { true }
+}

@@ -1,0 +1,4 @@
+func `default`() {}
+func `init`(`in`: Int) {}
+class `Type` {}
+let `let` = 1

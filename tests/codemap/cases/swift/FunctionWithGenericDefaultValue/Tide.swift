@@ -1,0 +1,1 @@
+func fill(map: Map<Int, String> = Map<Int, String>(), next: Int = 0) {}

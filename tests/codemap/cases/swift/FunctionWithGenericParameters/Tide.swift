@@ -1,0 +1,1 @@
+func move(table: Dictionary<String, [Int]>, to other: Result<Int, Error>, by: Int) {}

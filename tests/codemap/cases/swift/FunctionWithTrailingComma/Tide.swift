@@ -1,0 +1,4 @@
+func tide(
+    height: Int,
+    time: Int,
+) {}

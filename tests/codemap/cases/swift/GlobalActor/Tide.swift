@@ -1,0 +1,3 @@
+@globalActor public actor TideActor {
+    public static let shared = TideActor()
+}

@@ -1,0 +1,4 @@
+let text = "\(items.map {
+    $0.name
+}) end"
+let next = 1

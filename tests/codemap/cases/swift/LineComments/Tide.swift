@@ -1,0 +1,5 @@
+// class A {}
+let a = 1 // func f() {
+/// struct B {
+// }
+let b = 2

@@ -1,0 +1,3 @@
+let macro = 1
+macro.run()
+func macro(macro: Int) {}

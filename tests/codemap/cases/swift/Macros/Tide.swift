@@ -1,0 +1,5 @@
+@freestanding(expression)
+public macro stringify<T>(_ value: T) -> (T, String) = #externalMacro(module: "M", type: "S")
+@attached(member, names: named(init), arbitrary)
+@attached(extension, conformances: P)
+public macro Model() = #externalMacro(module: "M", type: "Model")

@@ -1,0 +1,7 @@
+public
+static
+func
+f() {}
+@objc
+private
+    lazy var a = 1

@@ -1,0 +1,5 @@
+let a = """
+    \""" not the end
+    " "" \"
+    """
+let b = 1

@@ -1,0 +1,6 @@
+let a = """
+    class A {
+    "quotes" and ""two""
+    \(b) func c() {
+    """
+let d = 1

@@ -1,0 +1,8 @@
+let a = """
+    \(items.map { item in
+        "} \(item) \("""
+            inner {
+            """)"
+    }.joined())
+    """
+func f() {}

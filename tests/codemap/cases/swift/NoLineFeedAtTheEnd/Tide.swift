@@ -1,0 +1,3 @@
+struct A {
+    let a = 1
+}

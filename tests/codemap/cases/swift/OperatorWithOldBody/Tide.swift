@@ -1,0 +1,2 @@
+infix operator ** { associativity left precedence 160 }
+func ** (left: Double, right: Double) -> Double { left }

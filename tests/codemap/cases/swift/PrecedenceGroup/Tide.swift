@@ -1,0 +1,6 @@
+precedencegroup Exponent {
+    higherThan: MultiplicationPrecedence
+    associativity: right
+    assignment: true
+}
+let x = 1

@@ -1,0 +1,4 @@
+private extension Tide {
+    var secret: Int { 1 }
+}
+fileprivate extension String { func trimmed() -> String { self } }

@@ -1,0 +1,4 @@
+@objc protocol Source {
+    @objc optional func count() -> Int
+    @objc optional var title: String { get }
+}

@@ -1,0 +1,4 @@
+protocol Store<Key, Value>: AnyObject {
+    associatedtype Key: Hashable
+    associatedtype Value where Value: Codable
+}

@@ -1,0 +1,3 @@
+protocol Sorted: Collection where Element: Comparable, Index == Int {
+    func sorted() -> Self
+}

@@ -1,0 +1,4 @@
+protocol A
+struct B {}
+class C: D
+enum E {}

@@ -1,0 +1,4 @@
+let a = #"""
+    """ is no end, \( neither { \#(b)
+    """#
+let c = 1

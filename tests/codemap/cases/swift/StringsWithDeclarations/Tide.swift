@@ -1,0 +1,2 @@
+let a = "class B { func c() {} }"
+let d = "\n func e() {}"

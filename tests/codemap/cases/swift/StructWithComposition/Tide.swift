@@ -1,0 +1,1 @@
+struct Tide: Equatable & Hashable, any Drawable {}

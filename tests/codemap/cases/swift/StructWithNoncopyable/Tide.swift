@@ -1,0 +1,3 @@
+struct Handle: ~Copyable {
+    deinit { close() }
+}

@@ -1,0 +1,3 @@
+extension Date: @retroactive Identifiable {
+    public var id: Date { self }
+}

@@ -1,0 +1,6 @@
+let a = try await load()
+let b = try?
+    load()
+let c = await
+    load()
+let d = 1

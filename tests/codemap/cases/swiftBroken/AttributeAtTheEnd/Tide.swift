@@ -1,0 +1,5 @@
+struct A {
+    func f() {}
+    @objc
+}
+let b = 1

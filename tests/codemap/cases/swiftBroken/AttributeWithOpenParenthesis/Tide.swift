@@ -1,0 +1,3 @@
+@available(iOS 13
+func f() {}
+let a = 1

@@ -1,0 +1,3 @@
+class A {
+    func a() {
+        let b = "x

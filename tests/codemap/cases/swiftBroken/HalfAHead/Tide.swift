@@ -1,0 +1,2 @@
+class A {
+    func a(x: Int, y

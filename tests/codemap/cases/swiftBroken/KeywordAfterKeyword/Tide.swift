@@ -1,0 +1,3 @@
+struct struct A {}
+func func f() {}
+let b = 1

@@ -1,0 +1,6 @@
+enum A {
+    case
+    case b
+    case c(
+    case d
+}

@@ -1,0 +1,7 @@
+func
+class
+struct A {
+    var
+    let
+    func f() {}
+}

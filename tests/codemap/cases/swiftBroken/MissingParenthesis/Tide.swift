@@ -1,0 +1,6 @@
+class A {
+    func a(x: Int {
+        y()
+    }
+    func b() {}
+}

@@ -1,0 +1,6 @@
+class A {
+    func a() {
+        f(1, [2
+    }
+    func b() {}
+}

@@ -1,0 +1,5 @@
+class A {
+    let a = f(1, 2
+    func b() {}
+    private let c = 1
+}

@@ -1,0 +1,6 @@
+struct A {
+    let a =
+    func f() {}
+    var b: 
+    let c = 1
+}

@@ -1,0 +1,4 @@
+struct A {
+    private
+}
+let b = 1

@@ -1,0 +1,5 @@
+struct A {
+    let a = 1
+}
+}
+let b = 1

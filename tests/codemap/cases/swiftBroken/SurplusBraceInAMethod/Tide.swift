@@ -1,0 +1,7 @@
+class A {
+    func a() {
+        x() }
+    }
+    func b() {}
+}
+func c() {}

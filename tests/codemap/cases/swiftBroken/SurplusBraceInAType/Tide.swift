@@ -1,0 +1,6 @@
+class A {
+    func a() {}
+    }
+    func b() {}
+}
+let c = 1

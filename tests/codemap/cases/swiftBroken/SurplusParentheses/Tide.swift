@@ -1,0 +1,5 @@
+struct A {
+    func f()) { g() }
+    let a = 1)
+    let b = 2
+}

@@ -1,0 +1,3 @@
+let a = 1
+/* let b = 2
+func c() {}
