@@ -1,11 +1,13 @@
 #include "project/KZDataManager.h"
 
 #include "project/FileSurvey.h"
+#include "project/FolderListings.h"
 #include "project/ManagedObjectContext.h"
 #include "project/PersistentStoreCoordinator.h"
 #include "project/ProjectFile.h"
 #include "project/StoreErrorWindow.h"
 #include "support/Log.h"
+#include "support/UserDefaults.h"
 #include "support/text/UTF8.h"
 
 #include <chrono>
@@ -16,6 +18,8 @@ namespace navrel {
 namespace {
 
 constexpr std::chrono::milliseconds kUpdateInterval{1000};
+
+const QString kSynchronizedFoldersKey = QStringLiteral("synchronizedFolders");
 
 } // namespace
 
@@ -29,8 +33,11 @@ std::shared_ptr<KZDataManager> KZDataManager::init(Collaborators collaborators) 
 
 KZDataManager::KZDataManager(Collaborators collaborators)
     : collaborators_(std::move(collaborators)), projectFile_(std::make_unique<ProjectFile>()),
-      survey_(std::make_unique<FileSurvey>()), storeErrorWindow_(std::make_unique<StoreErrorWindow>(
-                                                   collaborators_.dialogs, collaborators_.clock)) {}
+      survey_(std::make_unique<FileSurvey>()), listings_(std::make_unique<FolderListings>()),
+      showsSynchronizedFolders_(
+          collaborators_.userDefaults.boolForKey(kSynchronizedFoldersKey).value_or(true)),
+      storeErrorWindow_(
+          std::make_unique<StoreErrorWindow>(collaborators_.dialogs, collaborators_.clock)) {}
 
 KZDataManager::~KZDataManager() = default;
 

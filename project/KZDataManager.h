@@ -16,6 +16,7 @@ namespace navrel {
 
 class Editor;
 class FileSurvey;
+class FolderListings;
 class ManagedObjectContext;
 class MenuItem;
 class PersistentStoreCoordinator;
@@ -177,6 +178,7 @@ private:
     void runPass(ManagedObjectContext& context);
     void deleteVanishedObjects(ManagedObjectContext& context);
     bool wouldChangeNothing(const ManagedObjectContext& context);
+    FolderListings* listings();
 
     Collaborators collaborators_;
     std::shared_ptr<KZDataManager> weakSelf_;
@@ -187,6 +189,8 @@ private:
     MenuItem* automaticProjectSelectionItem_ = nullptr;
     std::unique_ptr<ProjectFile> projectFile_;
     std::unique_ptr<FileSurvey> survey_;
+    std::unique_ptr<FolderListings> listings_;
+    bool showsSynchronizedFolders_;
     std::optional<QuietPass> quietPass_;
     ManagedObjectModel managedObjectModel_;
     std::unique_ptr<PersistentStoreCoordinator> persistentStoreCoordinator_;

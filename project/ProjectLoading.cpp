@@ -1,6 +1,7 @@
 // The data manager's update pass: from the project file and the file system to the records.
 
 #include "project/FileSurvey.h"
+#include "project/FolderListings.h"
 #include "project/KZDataManager.h"
 #include "project/ManagedObjectContext.h"
 #include "project/MenuItem.h"
@@ -44,25 +45,32 @@ void KZDataManager::generateObjectForID(const QByteArray& identifier,
     if (ManagedObjectContext* context = managedObjectContext()) {
         survey_->clear();
         quietPass_.reset();
-        ProjectWalk(*context, projectFile_->objects(), collaborators_.scanner, *survey_)
+        ProjectWalk(*context, projectFile_->objects(), collaborators_.scanner, *survey_, listings())
             .generateObjectForID(identifier, referencePath, parentID, index);
     }
 }
 
 /// Whether a pass now would do what the last one did, which was nothing. A pass is a function of
-/// the project file, the records and what the file system says about the files: where none of the
-/// three has changed, neither has its outcome.
+/// the project file, the records and what the file system says about the files and synchronized
+/// folders: where none of them has changed, neither has its outcome.
 bool KZDataManager::wouldChangeNothing(const ManagedObjectContext& context) {
     return quietPass_ && quietPass_->projectFileGeneration == projectFile_->generation() &&
-           quietPass_->objectsGeneration == context.objectsGeneration() && survey_->stillHolds();
+           quietPass_->objectsGeneration == context.objectsGeneration() && survey_->stillHolds() &&
+           listings_->stillHold();
+}
+
+/// Those of synchronized folders; null where the user does without.
+FolderListings* KZDataManager::listings() {
+    return showsSynchronizedFolders_ ? listings_.get() : nullptr;
 }
 
 void KZDataManager::runPass(ManagedObjectContext& context) {
     const quint64 generation = context.objectsGeneration();
     survey_->clear();
+    listings_->beginPass();
     quietPass_.reset();
     if (const std::optional<QByteArray>& root = projectFile_->rootID()) {
-        ProjectWalk(context, projectFile_->objects(), collaborators_.scanner, *survey_)
+        ProjectWalk(context, projectFile_->objects(), collaborators_.scanner, *survey_, listings())
             .generateObjectForID(*root, projectPath_->toUtf8(), std::nullopt, 0);
     }
     if (!context.hasRoom()) {

@@ -2,6 +2,7 @@
 
 #include "project/FileDates.h"
 #include "project/FileSurvey.h"
+#include "project/FolderListings.h"
 #include "project/ManagedObjectContext.h"
 #include "project/SourceScanner.h"
 #include "support/propertylist/PropertyListIndex.h"
@@ -63,43 +64,92 @@ std::optional<QByteArray> resolvedPath(const std::optional<QByteArray>& referenc
 } // namespace
 
 ProjectWalk::ProjectWalk(ManagedObjectContext& context, const PropertyListIndex* objects,
-                         SourceScanner& scanner, FileSurvey& survey)
-    : context_(context), objects_(objects), scanner_(scanner), survey_(survey) {}
+                         SourceScanner& scanner, FileSurvey& survey, FolderListings* listings)
+    : context_(context), objects_(objects), scanner_(scanner), survey_(survey),
+      listings_(listings) {}
 
 void ProjectWalk::generateObjectForID(const QByteArray& identifier,
                                       const std::optional<QByteArray>& referencePath,
                                       const std::optional<QByteArray>& parentID, qint32 index) {
     visit({toStringView(identifier), referencePath,
            parentID ? std::optional(toStringView(*parentID)) : std::nullopt, index});
-    while (!levels_.empty()) {
-        Level& level = levels_.back();
-        if (level.nextChild == level.end) {
-            levels_.pop_back();
-            continue;
+    while (!levels_.empty() || !folderLevels_.empty()) {
+        if (!folderLevels_.empty()) {
+            visitNextEntry(folderLevels_.back());
+        } else {
+            visitNextChild(levels_.back());
         }
-        const Value child = *level.nextChild;
-        ++level.nextChild;
-        const qint32 position = level.nextIndex++;
-        if (child.isString()) {
-            // A copy: the visit may move the levels.
-            const std::optional<QByteArray> path = level.path;
-            visit({child.utf8(), path, level.identifier, position});
-        }
+    }
+}
+
+void ProjectWalk::visitNextChild(Level& level) {
+    if (level.nextChild == level.end) {
+        levels_.pop_back();
+        return;
+    }
+    const Value child = *level.nextChild;
+    ++level.nextChild;
+    const qint32 position = level.nextIndex++;
+    if (child.isString()) {
+        // A copy: the visit may move the levels.
+        const std::optional<QByteArray> path = level.path;
+        visit({child.utf8(), path, level.identifier, position});
+    }
+}
+
+void ProjectWalk::visitNextEntry(FolderLevel& level) {
+    if (level.next == level.entries.size()) {
+        folderLevels_.pop_back();
+        return;
+    }
+    // Copies: entering a folder may move the levels.
+    FolderEntry entry = level.entries[level.next];
+    const auto index = static_cast<qint32>(level.next++);
+    const auto folder = level.folder;
+    const QByteArray parent = level.identifier;
+    const std::optional<QByteArray> parentPath = level.path;
+    const QByteArray path = appendingPathComponent(*parentPath, entry.name);
+    if (path.size() > kMaximumPathLength) {
+        return;
+    }
+    entry.isFolder = folder->isEntered(entry, path);
+    const QByteArray identifier = folder->identifierOf(path);
+    const CDObject* object = refreshedRecord(
+        {toStringView(identifier), parentPath, toStringView(parent), index, &entry}, Value());
+    if (object != nullptr && entry.isFolder) {
+        enterFolder(*object, path, folder);
     }
 }
 
 void ProjectWalk::visit(const Visit& visit) {
     const Value entry = objects_ != nullptr ? objects_->find(visit.identifier) : Value();
-    if (const CDObject* object = refreshedRecord(visit, entry)) {
-        enterChildren(*object, visit.identifier, entry);
+    const CDObject* object = refreshedRecord(visit, entry);
+    if (object == nullptr) {
+        return;
     }
+    if (!isSynchronized(entry)) {
+        enterChildren(*object, visit.identifier, entry);
+    } else if (object->path()) {
+        enterFolder(*object, *object->path(),
+                    std::make_shared<SynchronizedFolder>(visit.identifier, *object->path()));
+    }
+}
+
+bool ProjectWalk::isSynchronized(Value entry) const {
+    return listings_ != nullptr && textIn(entry, "isa") == "PBXFileSystemSynchronizedRootGroup";
+}
+
+std::optional<QByteArray> ProjectWalk::pathOf(const Visit& visit, Value entry) const {
+    return visit.onDisk != nullptr
+               ? std::optional(appendingPathComponent(*visit.referencePath, visit.onDisk->name))
+               : resolvedPath(visit.referencePath, entry);
 }
 
 /// The object's record, new or brought up to date; null where there is none and nothing to record,
 /// or no room for it.
 CDObject* ProjectWalk::refreshedRecord(const Visit& visit, Value entry) {
     CDObject* object = context_.lastObjectWithIdentifier(visit.identifier);
-    if (object != nullptr && isUpToDate(*object)) {
+    if (object != nullptr && isInPlace(*object, visit) && isUpToDate(*object)) {
         return object;
     }
     // A path that is too long names no file; what lies below would only have longer ones, without
@@ -107,7 +157,7 @@ CDObject* ProjectWalk::refreshedRecord(const Visit& visit, Value entry) {
     if (isTooLong(visit.referencePath, entry)) {
         return nullptr;
     }
-    const std::optional<QByteArray> path = resolvedPath(visit.referencePath, entry);
+    const std::optional<QByteArray> path = pathOf(visit, entry);
     if (path && path->size() > kMaximumPathLength) {
         return nullptr;
     }
@@ -119,6 +169,12 @@ CDObject* ProjectWalk::refreshedRecord(const Visit& visit, Value entry) {
     }
     build(*object, visit, entry, path);
     return object;
+}
+
+/// Whether a record of what stands on disk is of that very path: the folder of the group may have
+/// been moved.
+bool ProjectWalk::isInPlace(const CDObject& object, const Visit& visit) const {
+    return visit.onDisk == nullptr || object.path() == pathOf(visit, Value());
 }
 
 /// Whether the record's file is as it was when the record was built. Takes note of the date where
@@ -142,10 +198,18 @@ void ProjectWalk::build(CDObject& object, const Visit& visit, Value entry,
         object.setPath(path);
         object.setModified(survey_.modificationDate(*path));
     }
+    setKind(object, visit, entry, path);
+    const QByteArray pathName = path ? lastPathComponent(*path) : QByteArray("unknown");
+    object.setName(textIn(entry, "name").value_or(pathName));
+}
+
+void ProjectWalk::setKind(CDObject& object, const Visit& visit, Value entry,
+                          const std::optional<QByteArray>& path) {
     const std::optional<QByteArray> kind = textIn(entry, "isa");
-    if (kind == "PBXGroup") {
+    const bool isFolder = visit.onDisk != nullptr && visit.onDisk->isFolder;
+    if (kind == "PBXGroup" || isFolder || isSynchronized(entry)) {
         object.setIsGroup(true);
-    } else if (kind == "PBXFileReference") {
+    } else if (kind == "PBXFileReference" || visit.onDisk != nullptr) {
         object.setIsGroup(false);
         buildFileReference(object, entry, path);
     } else {
@@ -153,8 +217,6 @@ void ProjectWalk::build(CDObject& object, const Visit& visit, Value entry,
         // so that one without a path is a leaf.
         object.setIsGroup(path && pathExtension(*path) == "xib");
     }
-    const QByteArray pathName = path ? lastPathComponent(*path) : QByteArray("unknown");
-    object.setName(textIn(entry, "name").value_or(pathName));
 }
 
 void ProjectWalk::buildFileReference(CDObject& object, Value entry,
@@ -204,6 +266,13 @@ void ProjectWalk::enterChildren(const CDObject& object, std::string_view identif
         return;
     }
     levels_.push_back({identifier, object.path(), children.begin(), children.end()});
+}
+
+void ProjectWalk::enterFolder(const CDObject& object, const QByteArray& path,
+                              const std::shared_ptr<SynchronizedFolder>& folder) {
+    if (isWorthWalking(object)) {
+        folderLevels_.push_back({*object.identifier(), path, listings_->entriesOf(path), folder});
+    }
 }
 
 /// Whether the children of an object are to be walked. Under a path under which they were walked in

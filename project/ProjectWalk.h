@@ -1,9 +1,11 @@
 #pragma once
 
+#include "project/SynchronizedFolder.h"
 #include "support/propertylist/PropertyListDocument.h"
 
 #include <QByteArray>
 
+#include <memory>
 #include <optional>
 #include <string_view>
 #include <unordered_map>
@@ -13,6 +15,7 @@ namespace navrel {
 
 class CDObject;
 class FileSurvey;
+class FolderListings;
 class ManagedObjectContext;
 class PropertyListIndex;
 class SourceScanner;
@@ -28,9 +31,10 @@ inline constexpr std::size_t kMaximumPathsOfObject = 8;
 /// outlives the walk, and the project file is not read again meanwhile.
 class ProjectWalk {
 public:
-    /// `objects` is null where there is no project file.
+    /// `objects` is null where there is no project file. `listings` are those of synchronized
+    /// folders; without them such a folder is a leaf, as every kind that is not known.
     ProjectWalk(ManagedObjectContext& context, const PropertyListIndex* objects,
-                SourceScanner& scanner, FileSurvey& survey);
+                SourceScanner& scanner, FileSurvey& survey, FolderListings* listings);
 
     /// Walks from one object on. `referencePath` is the parent's resolved path.
     void generateObjectForID(const QByteArray& identifier,
@@ -47,6 +51,8 @@ private:
         const std::optional<QByteArray>& referencePath;
         std::optional<std::string_view> parentID;
         qint32 index;
+        /// What it is where it stands on disk and not in the project file, else null.
+        const FolderEntry* onDisk = nullptr;
     };
     /// A group some of whose children are still to be visited.
     struct Level {
@@ -57,22 +63,42 @@ private:
         qint32 nextIndex = 0;
     };
 
+    /// A folder on disk some of whose entries are still to be visited.
+    struct FolderLevel {
+        QByteArray identifier;
+        QByteArray path;
+        FolderEntries entries;
+        std::shared_ptr<SynchronizedFolder> folder;
+        std::size_t next = 0;
+    };
+
     void visit(const Visit& visit);
+    void visitNextChild(Level& level);
+    void visitNextEntry(FolderLevel& level);
+    bool isSynchronized(Value entry) const;
+    std::optional<QByteArray> pathOf(const Visit& visit, Value entry) const;
     CDObject* refreshedRecord(const Visit& visit, Value entry);
+    bool isInPlace(const CDObject& object, const Visit& visit) const;
     bool isUpToDate(CDObject& object);
     void build(CDObject& object, const Visit& visit, Value entry,
                const std::optional<QByteArray>& path);
     void buildFileReference(CDObject& object, Value entry, const std::optional<QByteArray>& path);
     void addFiletype(const QByteArray& extension);
     void scan(CDObject& object, const QByteArray& extension);
+    void setKind(CDObject& object, const Visit& visit, Value entry,
+                 const std::optional<QByteArray>& path);
     void enterChildren(const CDObject& object, std::string_view identifier, Value entry);
+    void enterFolder(const CDObject& object, const QByteArray& path,
+                     const std::shared_ptr<SynchronizedFolder>& folder);
     bool isWorthWalking(const CDObject& object);
 
     ManagedObjectContext& context_;
     const PropertyListIndex* objects_;
     SourceScanner& scanner_;
     FileSurvey& survey_;
+    FolderListings* listings_;
     std::vector<Level> levels_;
+    std::vector<FolderLevel> folderLevels_; ///< of the synchronized folder that is being walked
     // The paths under which the children of an object were walked.
     std::unordered_map<const CDObject*, std::vector<std::optional<QByteArray>>> walkedPaths_;
 };

@@ -119,7 +119,7 @@ std::size_t pathsAskedAbout(ManagedObjectContext& context, const QByteArray& fol
     objects.build(document.root()["objects"]);
     RecordingScanner scanner;
     FileSurvey survey;
-    ProjectWalk(context, &objects, scanner, survey)
+    ProjectWalk(context, &objects, scanner, survey, nullptr)
         .generateObjectForID("MAIN", folder, std::nullopt, 0);
     return survey.size();
 }
