@@ -23,6 +23,9 @@ std::optional<QVariant> readASCII(const QByteArray& bytes, std::optional<Error>*
 } // namespace
 
 std::optional<bool> booleanOf(const QVariant& value) {
+    if (value.typeId() == QMetaType::Double || value.typeId() == QMetaType::Float) {
+        return value.toDouble() != 0;
+    }
     const std::optional<qlonglong> integer = propertylist::integerOf(value);
     return integer ? std::optional(*integer != 0) : std::nullopt;
 }

@@ -24,8 +24,8 @@ enum class PropertyListErrorCode : qint64 {
     notWritable = 3, ///< a value that the format cannot hold; the text names its place
 };
 
-/// A boolean that came from elsewhere, where it may be an integer: 0 is false, every other one
-/// true. Nothing for values of other types; a text that spells a number is none.
+/// A boolean that came from elsewhere, where it may be a number: 0 is false, every other one true.
+/// Nothing for values of other types; a text that spells a number is none.
 std::optional<bool> booleanOf(const QVariant& value);
 
 /// Reads a property list in any format: binary, else XML, else old-style ASCII. Binary lists give

@@ -1,12 +1,14 @@
 #include "support/propertylist/ASCIIPropertyList.h"
 #include "support/propertylist/PropertyListLimits.h"
 #include "support/propertylist/PropertyListValues.h"
+#include "support/propertylist/XMLEncoding.h"
 #include "support/propertylist/XMLPropertyList.h"
 
 #include <QXmlStreamReader>
 
 #include <algorithm>
 #include <cctype>
+#include <string>
 
 namespace navrel::propertylist {
 
@@ -298,7 +300,9 @@ private:
 
 } // namespace
 
-bool isXML(std::string_view bytes) {
+namespace {
+
+bool beginsLikeXML(std::string_view bytes) {
     if (bytes.starts_with(kByteOrderMark)) {
         bytes.remove_prefix(kByteOrderMark.size());
     }
@@ -306,12 +310,7 @@ bool isXML(std::string_view bytes) {
     return bytes.starts_with("<?") || bytes.starts_with("<!") || bytes.starts_with("<plist");
 }
 
-std::optional<QVariant> readXML(const QByteArray& bytes, std::optional<Error>* error) {
-    if (static_cast<std::size_t>(bytes.size()) > kMaxPropertyListBytes) {
-        report(error, PropertyListErrorCode::tooLarge,
-               QStringLiteral("the list has too many bytes"));
-        return std::nullopt;
-    }
+std::optional<QVariant> readUTF8(const QByteArray& bytes, std::optional<Error>* error) {
     const std::string_view text(bytes.constData(), static_cast<std::size_t>(bytes.size()));
     std::optional<TextFailure> failure = checkUTF8(text);
     if (!failure) {
@@ -324,6 +323,40 @@ std::optional<QVariant> readXML(const QByteArray& bytes, std::optional<Error>* e
         return std::nullopt;
     }
     return Reader(QString::fromUtf8(bytes)).read(error);
+}
+
+} // namespace
+
+bool isXML(std::string_view bytes) {
+    if (otherEncodingOfXML(bytes).startsWith("UTF")) {
+        // Of units of two or four bytes, those that XML begins with have one that is not null.
+        constexpr std::size_t kEnoughToTell = 256;
+        std::string beginning(bytes.substr(0, kEnoughToTell));
+        std::erase_if(beginning,
+                      [](char byte) { return byte == '\0' || byte == '\xFE' || byte == '\xFF'; });
+        return beginsLikeXML(beginning);
+    }
+    return beginsLikeXML(bytes);
+}
+
+std::optional<QVariant> readXML(const QByteArray& bytes, std::optional<Error>* error) {
+    if (static_cast<std::size_t>(bytes.size()) > kMaxPropertyListBytes) {
+        report(error, PropertyListErrorCode::tooLarge,
+               QStringLiteral("the list has too many bytes"));
+        return std::nullopt;
+    }
+    const QByteArray encoding =
+        otherEncodingOfXML({bytes.constData(), static_cast<std::size_t>(bytes.size())});
+    if (encoding.isEmpty()) {
+        return readUTF8(bytes, error);
+    }
+    const auto text = toUTF8({bytes.constData(), static_cast<std::size_t>(bytes.size())}, encoding);
+    if (!text) {
+        report(error, PropertyListErrorCode::malformed,
+               QStringLiteral("the list is not in %1").arg(QString::fromLatin1(encoding)));
+        return std::nullopt;
+    }
+    return readUTF8(*text, error);
 }
 
 } // namespace navrel::propertylist

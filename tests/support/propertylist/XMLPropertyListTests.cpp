@@ -4,6 +4,7 @@
 
 #include <QDateTime>
 #include <QObject>
+#include <QStringConverter>
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -103,12 +104,55 @@ TEST(XMLPropertyList, commentsInstructionsAndWhiteSpaceStandBetweenElements) {
               QVariant(QVariantList{true}));
 }
 
-TEST(XMLPropertyList, theTextIsUTF8WhateverItDeclares) {
-    for (const char* encoding : {"UTF-8", "ISO-8859-1", "UTF-16"}) {
+TEST(XMLPropertyList, theTextIsUTF8WhereItDeclaresNothingElse) {
+    for (const char* encoding : {"UTF-8", "utf8", "UTF-16"}) {
         EXPECT_EQ(readFile(QByteArray("<?xml version=\"1.0\" encoding=\"") + encoding +
                            "\"?><plist><string>\xC3\xA9</string></plist>"),
                   QVariant(QString::fromUtf8("\u00E9")));
     }
+    EXPECT_EQ(readFile("<plist><string>\xC3\xA9 encoding='ISO-8859-1'</string></plist>"),
+              QVariant(QString::fromUtf8("\u00E9 encoding='ISO-8859-1'")));
+}
+
+TEST(XMLPropertyList, theDeclaredEncodingIsRead) {
+    EXPECT_EQ(readFile("<?xml version='1.0' encoding='ISO-8859-1'?><plist><string>\xE9</string>"
+                       "</plist>"),
+              QVariant(QString::fromUtf8("\u00E9")));
+    EXPECT_EQ(readFile("<?xml version=\"1.0\" encoding=\"Shift_JIS\" ?><plist>"
+                       "<string>\x8A\xBF\x8E\x9A</string></plist>"),
+              QVariant(QString::fromUtf8("\u6F22\u5B57")));
+}
+
+TEST(XMLPropertyList, aTextInUTF16OrUTF32IsReadWithAndWithoutAByteOrderMark) {
+    const QString text =
+        QString::fromUtf8("<?xml version=\"1.0\" "
+                          "encoding=\"UTF-16\"?><plist><string>\u00E9\U0001F600</string></plist>");
+    for (const auto encoding : {QStringConverter::Utf16LE, QStringConverter::Utf16BE,
+                                QStringConverter::Utf32LE, QStringConverter::Utf32BE}) {
+        for (const auto flags :
+             {QStringConverter::Flag::Default, QStringConverter::Flag::WriteBom}) {
+            const bool hasMark = flags == QStringConverter::Flag::WriteBom;
+            const bool isLarge =
+                encoding == QStringConverter::Utf32LE || encoding == QStringConverter::Utf32BE;
+            if (isLarge && !hasMark) {
+                continue; // no XML without a mark
+            }
+            const QByteArray bytes = QStringEncoder(encoding, flags).encode(text);
+            EXPECT_EQ(readFile(bytes), QVariant(QString::fromUtf8("\u00E9\U0001F600")));
+        }
+    }
+}
+
+TEST(XMLPropertyList, whatIsNotInItsEncodingIsRefused) {
+    EXPECT_EQ(reasonOf("<?xml version='1.0' encoding='nonsense'?><plist><true/></plist>"),
+              QStringLiteral("the list is not in nonsense"));
+    EXPECT_EQ(reasonOf("<?xml version='1.0' encoding='US-ASCII'?><plist>\xE9</plist>"),
+              QStringLiteral("the list is not in us-ascii"));
+    // Half a unit, and half a surrogate pair.
+    EXPECT_EQ(reasonOf(QByteArray("\xFF\xFE<\0?\0x", 7)),
+              QStringLiteral("the list is not in UTF-16LE"));
+    EXPECT_EQ(reasonOf(QByteArray("\xFF\xFE<\0?\0\x3D\xD8", 8)),
+              QStringLiteral("the list is not in UTF-16LE"));
 }
 
 TEST(XMLPropertyList, everyKindOfValueComesBack) {
