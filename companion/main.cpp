@@ -6,6 +6,7 @@
 #include "companion/InstallExtension.h"
 #include "companion/LineInput.h"
 #include "companion/MapCommand.h"
+#include "companion/OwnerCommands.h"
 #include "transport/CompanionProtocol.h"
 
 #include <QCommandLineParser>
@@ -106,6 +107,9 @@ int runCompanion(std::chrono::seconds wait) {
 int main(int argc, char** argv) {
     if (argc > 1 && std::string_view(argv[1]) == "map") {
         return runMapCommand({argv + 2, argv + argc});
+    }
+    if (argc > 1 && isOwnerCommand(argv[1])) {
+        return runOwnerCommand({argv + 1, argv + argc}, OwnerLink(ownerSocketPath()));
     }
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("navrel-companion"));
