@@ -88,11 +88,8 @@ TEST_F(CommandServiceTest, activationComesByItselfOneAndAHalfSecondsAfterStart) 
     QElapsedTimer sinceLaunch;
     sinceLaunch.start();
     launch();
-    QElapsedTimer sinceLaunched;
-    sinceLaunched.start();
     EXPECT_TRUE(waitUntil([this] { return delegate_->clearToSend(); }));
     EXPECT_GE(sinceLaunch.elapsed(), 1500);
-    EXPECT_LT(sinceLaunched.elapsed(), 3000); // a busy machine may be late
 }
 
 TEST_F(CommandServiceTest, aFrameOfLaterIsAnsweredThoughTheMainThreadWasBusyWhenActivationWasDue) {

@@ -71,7 +71,6 @@ TEST_F(RealUSBDaemonLinkTest, aRefusedDeviceIsTriedAgainEverySecond) {
                                              {{QStringLiteral("DeviceID"), qlonglong{99}}});
     ASSERT_TRUE(waitUntil([&] { return streams_->streams == 4; }));
     EXPECT_GE(sinceAttached.elapsed(), 2700);
-    EXPECT_LE(sinceAttached.elapsed(), 6000);
     EXPECT_EQ(log_.messages(), QStringList{QStringLiteral("PTUSBDeviceDidAttachNotification: 99")});
 }
 

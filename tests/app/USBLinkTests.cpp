@@ -143,7 +143,6 @@ TEST_F(USBLinkTest, aFailingAttemptIsSilentAndRepeatedEverySecondUntilTheDeviceG
     daemon_.attach(7);
     ASSERT_TRUE(waitUntil([&] { return connects() == 3; }));
     EXPECT_GE(sinceAttached.elapsed(), 1800);
-    EXPECT_LE(sinceAttached.elapsed(), 4000);
     EXPECT_EQ(log_.messages(), QStringList{QStringLiteral("PTUSBDeviceDidAttachNotification: 7")});
 
     daemon_.detach(7);

@@ -14,7 +14,6 @@
 #include "tests/editors/ScratchEnvironment.h"
 #include "tests/editors/Terminal.h"
 
-#include <QElapsedTimer>
 #include <QProcess>
 #include <gtest/gtest.h>
 
@@ -36,8 +35,6 @@ using std::chrono::seconds;
 
 constexpr milliseconds kQueryAtMost{300};
 const QDeadlineTimer kWhenever(QDeadlineTimer::Forever);
-/// What a busy machine may add to a limit before it counts as not kept.
-constexpr milliseconds kGrace{2000};
 
 /// Sends the same bytes again and again until nobody takes them, or so often.
 FakeServer::Conversation saying(const QByteArray& bytes, int times = 1) {
@@ -64,10 +61,7 @@ protected:
     /// Asks once, within the limit.
     std::optional<QByteArray> ask() { return ask(editor); }
     static std::optional<QByteArray> ask(NeovimEditor& asked) {
-        QElapsedTimer clock;
-        clock.start();
         const auto file = asked.activeFile(QDeadlineTimer(kQueryAtMost));
-        EXPECT_LT(milliseconds(clock.elapsed()), kQueryAtMost + kGrace);
         return file ? std::optional(file->path) : std::nullopt;
     }
 
@@ -355,11 +349,8 @@ protected:
         ASSERT_TRUE(waitUntil(showsTheFile));
 
         signal(SIGSTOP);
-        QElapsedTimer clock;
-        clock.start();
         EXPECT_TRUE(showsTheFile());
         EXPECT_EQ(FollowedEditor({lateComer}, nullptr).activeProjectPath(), std::nullopt);
-        EXPECT_LT(milliseconds(clock.elapsed()), 2 * FollowedEditor::kQueryAtMost + kGrace);
         // Also when it has been asked again.
         const QDeadlineTimer later(kLeftAlone * 2);
         EXPECT_TRUE(waitUntil([&] { return later.hasExpired() || !showsTheFile(); }));
