@@ -35,12 +35,12 @@ std::ptrdiff_t distance(std::string_view from, std::string_view to) {
     return steps(from) + steps(to);
 }
 
-struct Candidate {
+struct OtherFile {
     bool hasOtherStem = false;
     std::ptrdiff_t distance = 0;
     const MapNode* file = nullptr;
 
-    bool operator<(const Candidate& other) const {
+    bool operator<(const OtherFile& other) const {
         return std::tie(hasOtherStem, distance, file->absolutePath) <
                std::tie(other.hasOtherStem, other.distance, other.file->absolutePath);
     }
@@ -54,7 +54,7 @@ std::vector<NodeID> counterpartsOf(const MapNode& file, const std::vector<MapNod
     }
     const std::string_view stem = stemOf(file);
     const std::string_view unit = unitOf(stem);
-    std::vector<Candidate> candidates;
+    std::vector<OtherFile> candidates;
     for (const MapNodePtr& node : nodes) {
         const bool isOther = node->language != Language::none && node->id != file.id &&
                              node->absolutePath != file.absolutePath;
@@ -69,7 +69,7 @@ std::vector<NodeID> counterpartsOf(const MapNode& file, const std::vector<MapNod
     std::partial_sort(candidates.begin(), end, candidates.end());
     std::vector<NodeID> result;
     std::transform(candidates.begin(), end, std::back_inserter(result),
-                   [](const Candidate& candidate) { return candidate.file->id; });
+                   [](const OtherFile& candidate) { return candidate.file->id; });
     return result;
 }
 

@@ -51,7 +51,7 @@ bool isReadable(const struct stat& status) {
     return S_ISREG(status.st_mode) && status.st_size <= kMaximumProjectFileSize;
 }
 
-QByteArray toByteArray(std::string_view text) {
+QByteArray bytesOf(std::string_view text) {
     return {text.data(), static_cast<qsizetype>(text.size())};
 }
 
@@ -132,7 +132,7 @@ void ProjectFile::take(std::optional<QByteArray> bytes) {
         const PropertyListDocument::Value mainGroup =
             objects_.find(root["rootObject"].utf8())["mainGroup"];
         if (mainGroup.isString()) {
-            rootID_ = toByteArray(mainGroup.utf8());
+            rootID_ = bytesOf(mainGroup.utf8());
         }
     }
 }
