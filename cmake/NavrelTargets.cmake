@@ -30,6 +30,10 @@ target_compile_definitions(navrel_options INTERFACE
     QT_NO_KEYWORDS QT_NO_FOREACH QT_NO_CONTEXTLESS_CONNECT QT_NO_NARROWING_CONVERSIONS_IN_CONNECT
     QT_STRICT_ITERATORS)
 
+if(CMAKE_UNITY_BUILD)
+    # One file's constant is no other file's business.
+    target_compile_options(navrel_options INTERFACE -Wno-shadow)
+endif()
 if(NAVREL_SANITIZE)
     target_compile_options(navrel_options INTERFACE
         -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
@@ -101,15 +105,13 @@ function(navrel_add_executable name)
 endfunction()
 
 # navrel_add_tests(NAME SOURCES file... [LINK library...] [OWN_NETWORK | WIDGETS]
-#                  [TIMEOUT seconds])
-# One binary a folder, one ctest entry a test case. OWN_NETWORK runs every test of the binary in a
+#                  [WHOLE_PROGRAM])
+# One binary a folder, one ctest entry a test case. WHOLE_PROGRAM is for tests that start the real program, which take
+# longer: "scripts/test quick" leaves them out. OWN_NETWORK runs every test of the binary in a
 # network namespace of its own, so that fixed ports never collide; WIDGETS gives it an application
 # with windows, which nobody sees.
 function(navrel_add_tests name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "OWN_NETWORK;WIDGETS" "TIMEOUT" "SOURCES;LINK")
-    if(NOT arg_TIMEOUT)
-        set(arg_TIMEOUT 120)
-    endif()
+    cmake_parse_arguments(PARSE_ARGV 1 arg "OWN_NETWORK;WIDGETS;WHOLE_PROGRAM" "" "SOURCES;LINK")
     set(main navrel_test_main)
     if(arg_OWN_NETWORK)
         set(main navrel_test_main_own_network)
@@ -117,14 +119,21 @@ function(navrel_add_tests name)
         set(main navrel_test_main_widgets)
     endif()
     add_executable(${name} ${arg_SOURCES})
+    # Each file has helpers of its own, of the same short names.
+    set_target_properties(${name} PROPERTIES UNITY_BUILD OFF)
     target_link_libraries(${name} PRIVATE navrel_options ${arg_LINK} ${main} GTest::gmock)
     if(NAVREL_PRECOMPILE_HEADERS)
         target_precompile_headers(${name} REUSE_FROM navrel_test_main)
     endif()
+    # Both times only end what hangs: a busy machine is slow.
+    set(properties TIMEOUT 600)
+    if(arg_WHOLE_PROGRAM)
+        list(APPEND properties LABELS whole-program)
+    endif()
     gtest_discover_tests(${name}
         DISCOVERY_MODE PRE_TEST
-        DISCOVERY_TIMEOUT 60
-        PROPERTIES TIMEOUT ${arg_TIMEOUT})
+        DISCOVERY_TIMEOUT 600
+        PROPERTIES ${properties})
 endfunction()
 
 # navrel_add_benchmark(NAME SOURCES file... [LINK library...])

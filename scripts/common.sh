@@ -116,18 +116,24 @@ administrator run: apt-get install --no-install-recommends ${missing[*]}"
     apt install --yes --no-install-recommends "${missing[@]}"
 }
 
-# build PRESET [TARGET...]: configures where needed and builds, showing progress.
+# build PRESET [TARGET|-DNAME=VALUE...]: configures where needed and builds, showing progress.
 build() {
-    local preset=$1
+    local preset=$1 argument settings=() targets=()
     shift
+    for argument; do
+        case $argument in
+        -D*) settings+=("$argument") ;;
+        *) targets+=("$argument") ;;
+        esac
+    done
     say "Building ($preset)"
     cd "$root"
-    cmake --preset "$preset" >"$root/build-$preset.log" 2>&1 || {
-        cat "$root/build-$preset.log" >&2
+    mkdir -p build
+    cmake --preset "$preset" "${settings[@]}" >"build/$preset.log" 2>&1 || {
+        cat "build/$preset.log" >&2
         fail "Configuring failed"
     }
-    rm -f "$root/build-$preset.log"
-    cmake --build --preset "$preset" ${1:+--target "$@"} >&2
+    cmake --build --preset "$preset" ${targets:+--target "${targets[@]}"} >&2
 }
 
 # The version of the project, as its CMakeLists.txt has it.
