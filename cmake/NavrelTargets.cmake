@@ -94,6 +94,8 @@ function(navrel_add_library name)
         # without bound.
         target_link_options(${name} INTERFACE
             $<$<CXX_COMPILER_ID:GNU>:-Wno-alloc-size-larger-than>)
+        # Programs are linked on all processors, too, and without a warning that they are not.
+        target_link_options(${name} INTERFACE $<$<CXX_COMPILER_ID:GNU>:-flto=auto>)
     endif()
 endfunction()
 
