@@ -1,0 +1,4 @@
+protocol A {
+    associatedtype B: C & D
+    associatedtype E: Collection<Int> = [Int]
+}

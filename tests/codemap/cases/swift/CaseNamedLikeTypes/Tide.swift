@@ -1,0 +1,4 @@
+enum A {
+    case String, Int(Int)
+    case type, `self`, `Type`
+}

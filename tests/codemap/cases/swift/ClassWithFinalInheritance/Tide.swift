@@ -1,0 +1,2 @@
+final class A: B {}
+public final class C {}

@@ -1,0 +1,1 @@
+class A { struct B: C { enum D { case e } } }

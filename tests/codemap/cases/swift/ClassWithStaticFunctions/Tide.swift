@@ -1,0 +1,5 @@
+class A {
+    static func a() {}
+    class func b() {}
+    private static func c() {}
+}

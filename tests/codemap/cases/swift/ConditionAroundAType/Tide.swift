@@ -1,0 +1,7 @@
+#if canImport(UIKit)
+import UIKit
+extension A {
+    func b() {}
+}
+#endif
+extension C {}

@@ -1,0 +1,9 @@
+/**
+ Describes {
+ - Parameter a: "open
+ */
+func b(a: Int) {}
+/// ```
+/// func c() {
+/// ```
+func d() {}

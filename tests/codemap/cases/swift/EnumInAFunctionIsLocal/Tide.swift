@@ -1,0 +1,4 @@
+func f() {
+    enum A { case b }
+}
+enum C { case d }

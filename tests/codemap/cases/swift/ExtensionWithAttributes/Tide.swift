@@ -1,0 +1,3 @@
+@available(iOS 13, *)
+@MainActor
+extension A.B: C {}

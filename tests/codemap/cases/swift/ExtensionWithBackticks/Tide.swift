@@ -1,0 +1,1 @@
+extension `Type`.`Protocol` { func a() {} }

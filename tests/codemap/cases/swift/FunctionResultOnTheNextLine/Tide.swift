@@ -1,0 +1,7 @@
+func a()
+    -> Int
+{
+    1
+}
+func b() ->
+    Int { 2 }

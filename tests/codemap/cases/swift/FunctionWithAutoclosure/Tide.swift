@@ -1,0 +1,1 @@
+func a(_ b: @autoclosure () -> Bool, c: @autoclosure @escaping () throws -> Int = 1) {}

@@ -1,0 +1,5 @@
+func a(
+    // first
+    b: Int, // , c: Int
+    /* d: Int, */ e: Int
+) {}

@@ -1,0 +1,1 @@
+func a(b: B = .c, d: E = .f(g: 1), h: I? = .none) {}

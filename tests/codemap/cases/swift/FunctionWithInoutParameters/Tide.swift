@@ -1,0 +1,1 @@
+func a(_ b: inout Int, c: inout [String: Int]) {}

@@ -1,0 +1,1 @@
+func a(b: KeyPath<A, Int> = \.c, d: Int = 0) {}

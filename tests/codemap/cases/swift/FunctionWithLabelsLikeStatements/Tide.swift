@@ -1,0 +1,1 @@
+func a(if b: Int, while: Int, in c: Int, as d: Int, is: Int, where e: Int) {}

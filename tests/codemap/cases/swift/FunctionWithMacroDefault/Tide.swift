@@ -1,0 +1,1 @@
+func a(file: String = #file, line: Int = #line, b: StaticString = #function) {}

@@ -1,0 +1,1 @@
+func a<T>(_ b: T.Type = T.self, c: Any.Type) -> T.Type {}

@@ -1,0 +1,2 @@
+func a1() {}
+func b2c(d3: Int) {}

@@ -1,0 +1,1 @@
+func a(b: ((Int) -> Void)? = nil, c: (() -> Void)!) {}

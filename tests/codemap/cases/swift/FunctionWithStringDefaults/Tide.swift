@@ -1,0 +1,1 @@
+func a(b: String = "x, y: Int", c: String = ")", d: Character = "\"") {}

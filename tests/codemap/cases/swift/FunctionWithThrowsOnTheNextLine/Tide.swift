@@ -1,0 +1,5 @@
+func a(b: Int)
+    async
+    throws
+{
+}

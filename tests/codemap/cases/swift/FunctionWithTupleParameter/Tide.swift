@@ -1,0 +1,1 @@
+func a(_ b: (x: Int, y: Int), c: [(Int, String)]) {}

@@ -1,0 +1,3 @@
+func _a() {}
+func __b(_c: Int) {}
+func _() {}

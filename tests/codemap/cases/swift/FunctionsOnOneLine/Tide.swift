@@ -1,0 +1,2 @@
+func a() {}; func b() {}
+func c() { d() } ; let e = 1

@@ -1,0 +1,9 @@
+class A {
+    required
+    convenience init?(
+        b: Int,
+        c: Int
+    ) {
+        self.init()
+    }
+}

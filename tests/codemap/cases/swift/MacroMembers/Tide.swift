@@ -1,0 +1,5 @@
+@Observable class A {
+    @ObservationIgnored private var b = 1
+    #expect(c == "}")
+    var d: Int { #e { let f = 1 } }
+}

@@ -1,0 +1,7 @@
+struct A {
+    let b = """
+func c() {
+}
+"""
+    let d = 1
+}

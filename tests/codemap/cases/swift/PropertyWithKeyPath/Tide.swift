@@ -1,0 +1,4 @@
+struct A {
+    let b = \A.c, d = \[Int].count
+    let e: (A) -> Int = \.f
+}

@@ -1,0 +1,8 @@
+struct A {
+    let b = c +
+        d *
+        e
+    let f = g == h ||
+        i
+    let j = 1
+}

@@ -1,0 +1,2 @@
+protocol A: B, C & D {}
+protocol E: AnyObject where F == G {}

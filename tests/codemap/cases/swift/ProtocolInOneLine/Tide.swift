@@ -1,0 +1,1 @@
+protocol A { var a: Int { get }; func b() -> Int; associatedtype C }

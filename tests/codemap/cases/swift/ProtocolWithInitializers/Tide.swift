@@ -1,0 +1,6 @@
+protocol A {
+    init()
+    init?(x: Int)
+    init<T>(_ t: T) where T: B
+    func after()
+}

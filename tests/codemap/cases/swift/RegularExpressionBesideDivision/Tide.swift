@@ -1,0 +1,4 @@
+let a = b/c, d = "/"
+let e = (f/g)/h
+let i = /j"/
+let k = 1

@@ -1,0 +1,4 @@
+final class A {
+    static let shared = A()
+    private init() {}
+}

@@ -1,0 +1,5 @@
+let a: [String: () -> Void] = [
+    "{": { let b = "}" },
+    "c": { },
+]
+let d = 1

@@ -1,0 +1,2 @@
+let a = "# not #\"raw\"#"
+let b = "#if {"

@@ -1,0 +1,4 @@
+struct A {
+    let a, b: Int
+    var c: [Int] = [1, 2], d: String?
+}
