@@ -177,7 +177,7 @@ void Declarations::addMacro(const Directive& definition, std::size_t begin, std:
 
 void Declarations::add(const Found& found, std::size_t end) {
     with(found, [this, end](const OutlineBuilder::Declaration& declaration) {
-        builder_.add(declaration, lines_.lineAt(end));
+        scopes_.add(declaration, lines_.lineAt(end));
     });
 }
 
@@ -199,9 +199,13 @@ Declarations::Role Declarations::role() const {
             break;
         case Word::friendName:
         case Word::namespaceScope:
-        case Word::statement:
         case Word::assertion:
             return Role::none;
+        case Word::statement:
+            if (i == 0) {
+                return Role::none;
+            }
+            break;
         default:
             break;
         }
@@ -271,8 +275,10 @@ bool Declarations::isFunctionToBeShown(const Declarator& declarator) const {
     case ScopeKind::enumeration:
         return false;
     default:
-        return isHeader_ && (declarator.hasType || declarator.isOperator) &&
-               !isQualified(head_, declarator.name);
+        if (isQualified(head_, declarator.name)) {
+            return head_.back().is('='); // A::A() = default;
+        }
+        return isHeader_ && (declarator.hasType || declarator.isOperator);
     }
 }
 

@@ -32,9 +32,8 @@ class Declarations {
 public:
     /// Prototypes and "extern" variables are shown in headers, where they are what the file is for;
     /// elsewhere they repeat what is defined in another place.
-    Declarations(const Head& head, Scopes& scopes, OutlineBuilder& builder, LineCounter& lines,
-                 bool isHeader)
-        : head_(head), scopes_(scopes), builder_(builder), lines_(lines), isHeader_(isHeader) {}
+    Declarations(const Head& head, Scopes& scopes, LineCounter& lines, bool isHeader)
+        : head_(head), scopes_(scopes), lines_(lines), isHeader_(isHeader) {}
 
     /// What a head with a body declares as a function or method; no name where it does not.
     Found functionOf(std::size_t signatureEnd);
@@ -87,7 +86,6 @@ private:
 
     const Head& head_;
     Scopes& scopes_;
-    OutlineBuilder& builder_;
     LineCounter& lines_;
     bool isHeader_;
 };

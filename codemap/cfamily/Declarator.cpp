@@ -206,7 +206,7 @@ private:
             index_ = after;
         } else if (isMacroBefore(after)) {
             name_ = {};
-            ++types_;
+            types_ = 1;
             result_.isAfterMacro = true;
             index_ = after;
         } else {
@@ -218,7 +218,7 @@ private:
         return after == index_ + 3 && head_[index_ + 1].isName();
     }
 
-    /// "(*name", "(WINAPI *name", "(Class::*name", "(^name".
+    /// "(*name", "(WINAPI *name", "(Class::*name", "(^name", and "(POINTER name" with a macro.
     bool holdsPointer() const {
         const std::size_t end = head_.after(index_);
         for (std::size_t i = index_ + 1; i < end; ++i) {
@@ -226,7 +226,9 @@ private:
                 return true;
             }
             if (head_[i].kind != TokenKind::word && !head_[i].is(kScopeSign)) {
-                return head_[i].is('(') && i == index_ + 1;
+                const bool isMacroAndName = head_[i].is(')') && i == index_ + 3 && types_ > 0 &&
+                                            head_[i - 1].isName() && head_[i - 2].isName();
+                return isMacroAndName || (head_[i].is('(') && i == index_ + 1);
             }
         }
         return false;
@@ -234,7 +236,9 @@ private:
 
     /// A name without a type, with a group and more after it, is a macro. A constructor is not.
     bool isMacroBefore(std::size_t after) const {
-        if (types_ > 0 || result_.isOperator || after >= head_.size() ||
+        const int macros = result_.isAfterMacro ? 1 : 0;
+        const bool mayBeMacro = macros == 0 || isAllCapitals(head_.textOf(name_.last));
+        if (types_ > macros || !mayBeMacro || result_.isOperator || after >= head_.size() ||
             !goesOnAfterMacro(head_[after]) || isQualifiedName()) {
             return false;
         }

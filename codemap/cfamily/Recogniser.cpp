@@ -62,8 +62,7 @@ std::string_view withoutQuotes(std::string_view text) {
 Recogniser::Recogniser(std::string_view text, Language language)
     : text_(text), isCpp_(language != Language::c && language != Language::objectiveC),
       builder_(language), lines_(text), lexer_(text, dialectOf(language), *this), head_(text),
-      scopes_(builder_),
-      declarations_(head_, scopes_, builder_, lines_, language == Language::header) {}
+      scopes_(builder_), declarations_(head_, scopes_, lines_, language == Language::header) {}
 
 Outline Recogniser::outline() {
     while (true) {
@@ -715,24 +714,30 @@ void Recogniser::passConstructorInitializers(const Token& colon) {
     }
 }
 
-/// "public:", "signals:", "public slots:"; and any other word alone, which is no declaration.
+/// "public:", "signals:", "public slots:", with macros before; and any other word alone, which is
+/// no declaration.
 bool Recogniser::isAccessLabel() const {
     if (scopes_.current().kind != ScopeKind::type || head_.empty()) {
         return false;
     }
-    switch (head_[0].word) {
-    case Word::accessPublic:
-    case Word::accessProtected:
-    case Word::accessPrivate:
-        return head_.size() <= 2;
-    default:
-        return head_.size() == 1 && head_[0].isName();
+    return (head_.size() == 1 && head_[0].isName()) || accessWord() != Word::name;
+}
+
+/// The access that the end of the head names.
+Word Recogniser::accessWord() const {
+    for (std::size_t i = head_.size(); i > 0 && head_.size() - i < 2; --i) {
+        const Word word = head_[i - 1].kind == TokenKind::word ? head_[i - 1].word : Word::name;
+        if (word == Word::accessPublic || word == Word::accessProtected ||
+            word == Word::accessPrivate) {
+            return word;
+        }
     }
+    return Word::name;
 }
 
 void Recogniser::readAccessLabel() {
     Access& access = scopes_.current().access;
-    switch (head_[0].word) {
+    switch (accessWord()) {
     case Word::accessPublic:
         access = Access::publicAccess;
         return;
@@ -816,11 +821,15 @@ void Recogniser::openContainer(const Token& word) {
 /// "<T>", "(Category)", ": Super<T>", "<Protocol, …>", each of which may be missing.
 void Recogniser::readContainerRest(Found& found, bool isInterface) {
     std::string protocols = takeNames('<', '>');
-    if (takeIf('(')) {
-        lexer_.setPosition(lexer_.position() - 1);
+    if (lexer_.peek() == '(') {
         const std::string category = takeNames('(', ')');
-        found.name += " (" + category + ")";
-        found.kind = isInterface ? SymbolKind::category : found.kind;
+        const std::size_t end = category.find('\n');
+        if (end != std::string::npos) {
+            found.name = category.substr(0, end); // a macro for the name and its parameters
+        } else {
+            found.name += " (" + category + ")";
+            found.kind = isInterface ? SymbolKind::category : found.kind;
+        }
         protocols.clear();
     }
     if (takeIf(':')) {

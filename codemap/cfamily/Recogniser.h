@@ -77,6 +77,7 @@ private:
     void passInitializer();
     void passConstructorInitializers(const Token& colon);
     bool isAccessLabel() const;
+    Word accessWord() const;
     void readAccessLabel();
 
     // Objective-C.

@@ -2,6 +2,7 @@
 
 #include "support/Assertion.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace navrel::cfamily {
@@ -15,10 +16,17 @@ void Scopes::open(Scope scope) {
     scopes_.push_back(std::move(scope));
 }
 
-void Scopes::open(Scope scope, const OutlineBuilder::Declaration& declaration) {
+void Scopes::open(Scope scope, OutlineBuilder::Declaration declaration) {
+    declaration.line = inOrder(declaration.line);
     builder_.open(declaration);
     scope.hasSymbol = true;
     open(std::move(scope));
+}
+
+void Scopes::add(OutlineBuilder::Declaration declaration, std::uint32_t endLine) {
+    declaration.line = inOrder(declaration.line);
+    lastEndLine_ = std::max({lastEndLine_, endLine, declaration.line});
+    builder_.add(declaration, std::max(endLine, declaration.line));
 }
 
 void Scopes::close(std::uint32_t line) {
@@ -41,9 +49,15 @@ void Scopes::restore(Number number, std::uint32_t line) {
 
 void Scopes::closeSymbol(std::uint32_t line) {
     if (current().hasSymbol) {
-        builder_.close(line);
+        lastEndLine_ = std::max({lastEndLine_, line, lastLine_});
+        builder_.close(lastEndLine_);
         current().hasSymbol = false;
     }
+}
+
+std::uint32_t Scopes::inOrder(std::uint32_t line) {
+    lastLine_ = std::max(lastLine_, line);
+    return lastLine_;
 }
 
 } // namespace navrel::cfamily

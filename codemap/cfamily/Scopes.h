@@ -48,7 +48,9 @@ public:
     /// Opens a scope in the current one. Parent and depth are set here.
     void open(Scope scope);
     /// Opens one with a symbol.
-    void open(Scope scope, const OutlineBuilder::Declaration& declaration);
+    void open(Scope scope, OutlineBuilder::Declaration declaration);
+    /// Adds a symbol with nothing inside.
+    void add(OutlineBuilder::Declaration declaration, std::uint32_t endLine);
     /// Closes the current scope, which must not be the file.
     void close(std::uint32_t line);
     /// Makes another scope the current one. Symbols of scopes that are left are closed; those of
@@ -57,10 +59,14 @@ public:
 
 private:
     void closeSymbol(std::uint32_t line);
+    std::uint32_t inOrder(std::uint32_t line);
 
     OutlineBuilder& builder_;
     std::vector<Scope> scopes_;
     Number current_ = 0;
+    // Names may stand behind what is inside: lines never go back in an outline all the same.
+    std::uint32_t lastLine_ = 1;
+    std::uint32_t lastEndLine_ = 1;
 };
 
 } // namespace navrel::cfamily

@@ -118,11 +118,15 @@ const table = new Table();
 const lines = [];
 let unread = 0;
 for (const file of files) {
-    const tree = parser.parse(readFileSync(file, "utf8"));
+    const text = readFileSync(file, "utf8");
+    if (language.isAbout && !language.isAbout(text, file)) {
+        continue;
+    }
+    const tree = parser.parse(text);
     if (tree.rootNode.hasError()) {
         ++unread;
     } else {
-        const theirs = language.declarationsOf(tree.rootNode);
+        const theirs = language.declarationsOf(tree.rootNode, extname(file) === ".h");
         const ours = outlines.get(file).filter(language.isCompared ?? (() => true));
         lines.push(...compare(theirs, ours, table).map((difference) => `${file}\t${difference}`));
     }

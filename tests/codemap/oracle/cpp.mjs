@@ -1,0 +1,8 @@
+// C++ declarations in a syntax tree.
+
+import { isCppHeader } from "./cfamily.mjs";
+
+export { declarationsOf } from "./cfamily.mjs";
+export const grammar = "tree-sitter-cpp.wasm";
+export const extensions = ["cpp", "cc", "hpp", "h"];
+export const isAbout = (text, file) => !file.endsWith(".h") || isCppHeader(text);
