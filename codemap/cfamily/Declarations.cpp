@@ -318,11 +318,16 @@ Found Declarations::found(SymbolKind kind, NameRange name, std::size_t signature
     return result;
 }
 
-std::string Declarations::signatureOf(const Found& found) const {
+std::string_view Declarations::signatureOf(const Found& found, std::string& edited) const {
     const std::string_view text =
         head_.text().substr(found.begin, std::min(found.end - found.begin, kMaximumSignature));
-    return text.find_first_of("/#\\") == std::string_view::npos ? std::string(text)
-                                                                : withoutAsides(text);
+    for (const char sign : std::string_view("/#\\")) {
+        if (text.find(sign) != std::string_view::npos) {
+            edited = withoutAsides(text);
+            return edited;
+        }
+    }
+    return text;
 }
 
 /// The names behind a body are shown without it.

@@ -55,7 +55,8 @@ public:
     /// Calls `use` with the declaration of what was found.
     template <typename Use>
     void with(const Found& found, Use use) {
-        const std::string signature = signatureOf(found);
+        std::string edited;
+        const std::string_view signature = signatureOf(found, edited);
         OutlineBuilder::Declaration declaration;
         declaration.kind = found.kind;
         declaration.access = found.access;
@@ -80,7 +81,7 @@ private:
     SymbolKind kindOf(const Declarator& declarator) const;
     bool isSpecialMember(const Declarator& declarator) const;
     Found found(SymbolKind kind, NameRange name, std::size_t signatureEnd) const;
-    std::string signatureOf(const Found& found) const;
+    std::string_view signatureOf(const Found& found, std::string& edited) const;
     std::size_t signatureBegin() const;
     std::size_t nextName(std::size_t index) const;
 

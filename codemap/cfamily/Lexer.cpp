@@ -177,17 +177,20 @@ bool Lexer::startsWith(std::string_view prefix) const {
 
 Token Lexer::lexWord() {
     const std::size_t begin = position_;
-    do {
-        ++position_;
-    } while (position_ < text_.size() && isNameByte(text_[position_]));
+    const char* place = text_.data() + begin + 1;
+    const char* const end = text_.data() + text_.size();
+    while (place < end && isNameByte(*place)) {
+        ++place;
+    }
+    position_ = static_cast<std::size_t>(place - text_.data());
     const std::string_view word = text_.substr(begin, position_ - begin);
     if (position_ < text_.size() && text_[position_] == '"' && isRawStringAt(position_)) {
         skipRawString();
         return token(TokenKind::string, begin);
     }
     Token result = token(TokenKind::word, begin);
-    if (mayBeWord(word)) {
-        result.word = wordOf(word, dialect_, dialect_ == Dialect::unknown ? peek() : '\0');
+    if (const WordEntry* entry = findWord(word)) {
+        result.word = wordOf(*entry, dialect_, dialect_ == Dialect::unknown ? peek() : '\0');
     }
     return result;
 }
@@ -226,7 +229,7 @@ Token Lexer::lexAt() {
 }
 
 Token Lexer::lexSign() {
-    if (position_ + 1 < text_.size()) {
+    if (position_ + 1 < text_.size() && mayBeginLongSign(text_[position_])) {
         const std::string_view rest = text_.substr(position_);
         for (const LongSign& sign : kLongSigns) {
             if (rest[0] == sign.text[0] && rest.starts_with(sign.text)) {

@@ -633,6 +633,9 @@ void Recogniser::clearHead() {
     signatureEnd_ = 0;
     hasReadColon_ = false;
     isFirstNameTaken_ = false;
+    if (laterMacros_.empty()) {
+        return;
+    }
     for (const LaterMacro& macro : std::exchange(laterMacros_, {})) {
         declarations_.addMacro(macro.directive, macro.begin, macro.end);
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string_view>
 
@@ -87,11 +88,67 @@ struct Token {
     std::string_view in(std::string_view text) const { return text.substr(begin, end - begin); }
 };
 
+namespace bytes {
+
+inline constexpr std::uint8_t kNamePart = 1;
+inline constexpr std::uint8_t kNameStart = 2;
+inline constexpr std::uint8_t kDigit = 4;
+inline constexpr std::uint8_t kBlank = 8;
+inline constexpr std::uint8_t kLongSign = 16; ///< begins signs of several bytes, or digraphs
+
+constexpr std::uint8_t classOf(unsigned byte) {
+    if ((byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || byte == '_' ||
+        byte == '$' || byte >= 0x80) {
+        return kNamePart | kNameStart;
+    }
+    if (byte >= '0' && byte <= '9') {
+        return kNamePart | kDigit;
+    }
+    if (byte == ' ' || (byte >= '\t' && byte <= '\r') || byte == 0) {
+        return kBlank;
+    }
+    return std::string_view(".<:-&|>=!+%").find(static_cast<char>(byte)) != std::string_view::npos
+               ? kLongSign
+               : 0;
+}
+
+constexpr std::array<std::uint8_t, 256> makeClasses() {
+    std::array<std::uint8_t, 256> classes{};
+    for (unsigned byte = 0; byte < classes.size(); ++byte) {
+        classes[byte] = classOf(byte);
+    }
+    return classes;
+}
+
+inline constexpr std::array<std::uint8_t, 256> kClasses = makeClasses();
+
+inline bool isOf(char byte, std::uint8_t kind) {
+    return (kClasses[static_cast<unsigned char>(byte)] & kind) != 0;
+}
+
+} // namespace bytes
+
 /// Whether a byte may stand in a name. All bytes beyond ASCII may.
-bool isNameByte(char byte);
-bool isNameStart(char byte);
-bool isDigit(char byte);
+inline bool isNameByte(char byte) {
+    return bytes::isOf(byte, bytes::kNamePart);
+}
+
+inline bool isNameStart(char byte) {
+    return bytes::isOf(byte, bytes::kNameStart);
+}
+
+inline bool isDigit(char byte) {
+    return bytes::isOf(byte, bytes::kDigit);
+}
+
 /// Blanks, line ends, and NUL.
-bool isBlank(char byte);
+inline bool isBlank(char byte) {
+    return bytes::isOf(byte, bytes::kBlank);
+}
+
+/// Whether a sign of several bytes may begin with a byte.
+inline bool mayBeginLongSign(char byte) {
+    return bytes::isOf(byte, bytes::kLongSign);
+}
 
 } // namespace navrel::cfamily

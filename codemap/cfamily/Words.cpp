@@ -9,11 +9,7 @@ namespace navrel::cfamily {
 
 namespace {
 
-struct Entry {
-    std::string_view text;
-    Word word = Word::name;
-    bool isCppOnly = false;
-};
+using Entry = WordEntry;
 
 constexpr std::array kEntries = {
     Entry{"typedef", Word::typeDefinition},
@@ -148,15 +144,6 @@ constexpr std::array<std::uint8_t, kSlots> makeSlots() {
 
 constexpr std::array<std::uint8_t, kSlots> kWordSlots = makeSlots();
 
-const Entry* entryOf(std::string_view word) {
-    for (std::size_t slot = slotOf(word); kWordSlots[slot] != kEmpty; slot = (slot + 1) % kSlots) {
-        if (kEntries[kWordSlots[slot]].text == word) {
-            return &kEntries[kWordSlots[slot]];
-        }
-    }
-    return nullptr;
-}
-
 /// In a header, a word of C++ is one where a name of C could not be followed by this.
 bool standsAsInCpp(Word word, char next) {
     switch (word) {
@@ -208,20 +195,20 @@ constexpr std::array kAtEntries = {
 
 } // namespace
 
-Word wordOf(std::string_view word, Dialect dialect, char next) {
-    const Entry* entry = entryOf(word);
-    if (entry == nullptr) {
-        return Word::name;
+const WordEntry* findWord(std::string_view word) {
+    for (std::size_t slot = slotOf(word); kWordSlots[slot] != kEmpty; slot = (slot + 1) % kSlots) {
+        if (kEntries[kWordSlots[slot]].text == word) {
+            return &kEntries[kWordSlots[slot]];
+        }
     }
-    if (!entry->isCppOnly || dialect == Dialect::cpp) {
-        return entry->word;
-    }
-    return dialect == Dialect::unknown && standsAsInCpp(entry->word, next) ? entry->word
-                                                                           : Word::name;
+    return nullptr;
 }
 
-bool mayBeWord(std::string_view word) {
-    return entryOf(word) != nullptr;
+Word wordOf(const WordEntry& entry, Dialect dialect, char next) {
+    if (!entry.isCppOnly || dialect == Dialect::cpp) {
+        return entry.word;
+    }
+    return dialect == Dialect::unknown && standsAsInCpp(entry.word, next) ? entry.word : Word::name;
 }
 
 AtWord atWordOf(std::string_view word) {

@@ -13,11 +13,18 @@ enum class Dialect : std::uint8_t {
     unknown, ///< a header: the words of C++ where they stand as in C++
 };
 
+struct WordEntry {
+    std::string_view text;
+    Word word = Word::name;
+    bool isCppOnly = false;
+};
+
+/// The entry of a word that means something; null for a name. The word must not be empty.
+const WordEntry* findWord(std::string_view word);
+
 /// What a word means. `next` is the first byte after it that is not blank: it tells a word of C++
 /// in a header from a name of C.
-Word wordOf(std::string_view word, Dialect dialect, char next);
-/// Whether `next` is needed for a word.
-bool mayBeWord(std::string_view word);
+Word wordOf(const WordEntry& entry, Dialect dialect, char next);
 
 /// What a word after "@" means.
 AtWord atWordOf(std::string_view word);
