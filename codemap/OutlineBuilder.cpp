@@ -94,7 +94,6 @@ Outline OutlineBuilder::finish(std::uint32_t lines) {
     while (!open_.empty()) {
         close(lines);
     }
-    makeTextsValid();
     outline_.lines_ = lines;
     outline_.symbols_.shrink_to_fit();
     outline_.headings_.shrink_to_fit();
@@ -127,6 +126,7 @@ TextRange OutlineBuilder::keep(std::string_view text) {
     const TextRange range{static_cast<std::uint32_t>(outline_.texts_.size()),
                           static_cast<std::uint32_t>(text.size())};
     outline_.texts_ += text;
+    makeValid(range.offset);
     return range;
 }
 
@@ -145,13 +145,15 @@ TextRange OutlineBuilder::keepInOneLine(std::string_view text) {
         texts += text.substr(0, length);
         text.remove_prefix(length);
     }
+    makeValid(begin);
     return {static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(texts.size() - begin)};
 }
 
-void OutlineBuilder::makeTextsValid() {
+/// Each text by itself: the end of one and the beginning of the next may look like a character.
+void OutlineBuilder::makeValid(std::size_t begin) {
     std::string& texts = outline_.texts_;
+    auto valid = static_cast<qsizetype>(begin);
     const auto size = static_cast<qsizetype>(texts.size());
-    qsizetype valid = 0;
     while ((valid += validUTF8Length({texts.data() + valid, size - valid})) < size) {
         texts[static_cast<std::size_t>(valid)] = '?';
     }

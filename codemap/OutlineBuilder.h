@@ -57,7 +57,7 @@ private:
     std::uint32_t append(const Declaration& declaration);
     TextRange keep(std::string_view text);
     TextRange keepInOneLine(std::string_view text);
-    void makeTextsValid();
+    void makeValid(std::size_t begin);
 
     Outline outline_;
     std::vector<std::uint32_t> open_; // indexes of symbols, or kLeftOut

@@ -182,7 +182,7 @@ void Declarations::add(const Found& found, std::size_t end) {
 }
 
 Declarations::Role Declarations::role() const {
-    if (head_[0].kind == TokenKind::atWord || isInstantiation()) {
+    if (head_[0].kind == TokenKind::atWord || isInstantiation() || isModuleLine()) {
         return Role::none;
     }
     Role result = Role::ordinary;
@@ -217,6 +217,13 @@ Declarations::Role Declarations::role() const {
 bool Declarations::isInstantiation() const {
     const std::size_t first = head_.is(0, Word::externName) ? 1 : 0;
     return head_.is(first, Word::templateHead) && !head_.is(first + 1, '<');
+}
+
+/// "import std", "export module sea".
+bool Declarations::isModuleLine() const {
+    const std::size_t first = head_.is(0, Word::specifier) ? 1 : 0;
+    return first + 2 == head_.size() && head_[first].isName() &&
+           (head_.textOf(first) == "import" || head_.textOf(first) == "module");
 }
 
 /// "using A = …", "concept A = …"; other uses of "using" declare nothing of their own.

@@ -72,6 +72,7 @@ private:
 
     Role role() const;
     bool isInstantiation() const;
+    bool isModuleLine() const;
     void addAlias(std::size_t signatureEnd);
     void addDeclarator(const Declarator& declarator, std::size_t begin, bool isTypeDefinition,
                        std::size_t signatureEnd);

@@ -408,8 +408,9 @@ bool Recogniser::openType(const Token& brace) {
     for (std::size_t i = 0; i < type->keyword; i = head_.after(i)) {
         scope.isTypeDefinition = scope.isTypeDefinition || head_.is(i, Word::typeDefinition);
     }
+    scope.endsWithBrace = head_[type->keyword].isName(); // NS_ENUM and its kin
     std::string name;
-    if (!type->name.isValid() || scope.isTypeDefinition) {
+    if (!scope.endsWithBrace && (!type->name.isValid() || scope.isTypeDefinition)) {
         name = nameAfterBody(brace.begin);
         lexer_.setPosition(brace.end);
     }
@@ -593,7 +594,8 @@ void Recogniser::closeBrace(const Token& brace) {
         return; // one too many
     }
     scopes_.close(lineAt(brace.begin));
-    if (scope.kind != ScopeKind::type && scope.kind != ScopeKind::enumeration) {
+    const bool isType = scope.kind == ScopeKind::type || scope.kind == ScopeKind::enumeration;
+    if (!isType || scope.endsWithBrace) {
         return;
     }
     // What follows are declarators, as after the name of a type.

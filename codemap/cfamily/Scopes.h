@@ -27,7 +27,8 @@ struct Scope {
     std::uint16_t depth = 0; ///< 0 for the file
     bool hasSymbol = false;  ///< whether it is open in the outline
     bool isTypeDefinition = false;
-    bool isNameTaken = false; ///< the first name after the body is the scope's own
+    bool endsWithBrace = false; ///< what follows the body names nothing
+    bool isNameTaken = false;   ///< the first name after the body is the scope's own
     Access access = Access::unstated;
     std::string name; ///< of a class, for its constructors
 };

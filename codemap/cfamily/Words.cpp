@@ -47,6 +47,7 @@ constexpr std::array kEntries = {
     Entry{"__cdecl", Word::specifier},
     Entry{"__stdcall", Word::specifier},
     Entry{"__fastcall", Word::specifier},
+    Entry{"export", Word::specifier, true},
     Entry{"thread_local", Word::specifier, true},
     Entry{"virtual", Word::specifier, true},
     Entry{"mutable", Word::specifier, true},
