@@ -1,0 +1,6 @@
+struct A {
+    using Base = int;
+    using Other::Other;
+    typedef std::map<int, char> Table;
+    Table table;
+};

@@ -1,0 +1,2 @@
+bool a = not b and c or d;
+int after;

@@ -1,0 +1,2 @@
+void (*handlers[])(int) = { a, b };
+int after;

@@ -1,0 +1,8 @@
+class Tide
+#ifdef WIDE
+    : public Wide
+#endif
+{
+    int a;
+};
+int after;

@@ -1,0 +1,12 @@
+void run() {
+#if A
+    if (a) {
+        b();
+    }
+#else
+    {
+        c();
+    }
+#endif
+}
+int after;

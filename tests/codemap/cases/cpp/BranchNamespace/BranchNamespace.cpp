@@ -1,0 +1,8 @@
+#ifdef NAMED
+namespace sea {
+#endif
+int a;
+#ifdef NAMED
+}
+#endif
+int b;

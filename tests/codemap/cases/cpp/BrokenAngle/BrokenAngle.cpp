@@ -1,0 +1,2 @@
+std::vector<int list;
+int after;

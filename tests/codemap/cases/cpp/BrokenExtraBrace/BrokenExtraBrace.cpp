@@ -1,0 +1,4 @@
+namespace sea {
+void run() { } }
+}
+int after() { return 1; }

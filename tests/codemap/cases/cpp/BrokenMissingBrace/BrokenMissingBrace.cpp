@@ -1,0 +1,8 @@
+void broken() {
+    if (a) {
+        b();
+}
+
+int after() {
+    return 2;
+}

@@ -1,0 +1,2 @@
+void run(int a;
+int after;

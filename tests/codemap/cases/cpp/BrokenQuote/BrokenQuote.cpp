@@ -1,0 +1,2 @@
+const char *a = "one;
+int after;

@@ -1,0 +1,2 @@
+std::cout << "a { ";
+int after;

@@ -1,0 +1,9 @@
+class Tide {
+    int first;
+public:
+    int second;
+protected:
+    int third;
+private:
+    int fourth;
+};

@@ -1,0 +1,4 @@
+struct Value {
+    union { int i; float f; };
+    struct { int x; } point;
+};

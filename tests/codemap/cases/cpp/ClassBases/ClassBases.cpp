@@ -1,0 +1,1 @@
+class Tide : public Water, private virtual Moon::Pull, Base<int, char> {};

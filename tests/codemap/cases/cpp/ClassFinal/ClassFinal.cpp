@@ -1,0 +1,2 @@
+class Tide final : public Water {};
+class Ebb final {};

@@ -1,0 +1,4 @@
+class Tide;
+struct Ebb;
+enum class Kind : int;
+template <typename T> class Box;

@@ -1,0 +1,2 @@
+void run(struct point *p, class Tide &t, enum kind k) {}
+struct point *find(struct point *p) { return p; }

@@ -1,0 +1,7 @@
+class Outer {
+    class Inner {
+        struct Deep { int a; };
+        int b;
+    };
+    int c;
+};

@@ -1,0 +1,1 @@
+class Outer::Inner { int a; };

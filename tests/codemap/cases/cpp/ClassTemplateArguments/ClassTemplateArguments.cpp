@@ -1,0 +1,1 @@
+class Tide : public Base<(1 > 0), std::function<void()>> {};

@@ -1,0 +1,5 @@
+class /* the */ Tide // one {
+    : public /* two { */ Water
+{
+    int a; // }
+};

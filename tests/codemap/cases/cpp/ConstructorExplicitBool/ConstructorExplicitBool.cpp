@@ -1,0 +1,4 @@
+struct A {
+    explicit(true) A(int a);
+    constexpr A() noexcept(false) {}
+};

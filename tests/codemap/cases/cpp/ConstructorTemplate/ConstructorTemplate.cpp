@@ -1,0 +1,1 @@
+struct A { template <typename T> A(T &&value) : a(value) {} int a; };

@@ -1,0 +1,2 @@
+Tide::Tide() try : a(1) { run(); } catch (...) { stop(); }
+int after;

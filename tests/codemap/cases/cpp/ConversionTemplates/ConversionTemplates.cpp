@@ -1,0 +1,1 @@
+struct A { operator std::vector<int>() const; template <typename T> operator T *() const; };

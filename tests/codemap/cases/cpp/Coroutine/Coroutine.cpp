@@ -1,0 +1,2 @@
+Task<int> run() { co_return 3; }
+int after;

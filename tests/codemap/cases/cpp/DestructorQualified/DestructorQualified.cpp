@@ -1,0 +1,2 @@
+sea::Tide::~Tide() noexcept {}
+Box<int>::~Box() = default;

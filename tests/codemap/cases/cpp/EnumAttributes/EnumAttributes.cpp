@@ -1,0 +1,1 @@
+enum class [[nodiscard]] Color { red [[deprecated]], green [[maybe_unused]] = 2 };

@@ -1,0 +1,4 @@
+class A {
+    enum { one, two };
+    enum Kind { three } kind;
+};

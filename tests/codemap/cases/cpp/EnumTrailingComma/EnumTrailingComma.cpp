@@ -1,0 +1,2 @@
+enum A { a, b, };
+enum B { };

@@ -1,0 +1,6 @@
+class Tide {
+    friend class Moon;
+    friend void pull(Tide &);
+    friend bool operator==(const Tide &, const Tide &);
+    int a;
+};

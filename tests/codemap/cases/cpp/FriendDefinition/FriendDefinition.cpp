@@ -1,0 +1,4 @@
+class Tide {
+    friend bool operator==(const Tide &, const Tide &) { return true; }
+    friend void pull(Tide &) {}
+};

@@ -1,0 +1,1 @@
+consteval int three() { return 3; }

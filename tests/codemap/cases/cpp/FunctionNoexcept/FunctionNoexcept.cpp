@@ -1,0 +1,2 @@
+void run() noexcept(noexcept(f())) {}
+void old() throw(std::exception) {}

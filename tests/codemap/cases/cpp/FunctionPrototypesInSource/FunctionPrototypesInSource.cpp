@@ -1,0 +1,3 @@
+void helper(int a);
+std::string name();
+void helper(int a) {}

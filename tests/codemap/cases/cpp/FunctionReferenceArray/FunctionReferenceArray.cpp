@@ -1,0 +1,1 @@
+int (&rows())[3] { static int a[3]; return a; }

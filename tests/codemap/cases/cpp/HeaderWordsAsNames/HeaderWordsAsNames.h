@@ -1,0 +1,2 @@
+struct thing { int class; int operator; };
+class Real { int template_; };

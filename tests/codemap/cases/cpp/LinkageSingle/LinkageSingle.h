@@ -1,0 +1,2 @@
+extern "C" void helper(int a);
+extern "C" const int kLimit;

@@ -1,0 +1,2 @@
+DECLARE(Foo)
+class Tide { int a; };

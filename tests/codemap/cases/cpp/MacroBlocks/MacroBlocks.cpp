@@ -1,0 +1,4 @@
+BEGIN_SUITE(sea) {
+    run();
+}
+int after;

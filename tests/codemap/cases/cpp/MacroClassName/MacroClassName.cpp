@@ -1,0 +1,1 @@
+class MACRO(A) Tide : Base { int a; };

@@ -1,0 +1,4 @@
+NAMESPACE_BEGIN(sea)
+int a;
+NAMESPACE_END
+int b;

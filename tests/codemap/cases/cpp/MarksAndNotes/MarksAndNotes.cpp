@@ -1,0 +1,4 @@
+// MARK: - Sea
+#pragma mark Shore
+int a; // TODO: more
+#warning "soon"

@@ -1,0 +1,3 @@
+export module sea;
+import std;
+export int depth() { return 1; }

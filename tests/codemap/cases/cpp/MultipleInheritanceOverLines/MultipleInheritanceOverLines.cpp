@@ -1,0 +1,6 @@
+class Tide final
+    : public Water,
+      public Moon<Phase::full>,
+      private Secret
+{
+};

@@ -1,0 +1,4 @@
+namespace fs = std::filesystem;
+using namespace std;
+using std::vector;
+int after;

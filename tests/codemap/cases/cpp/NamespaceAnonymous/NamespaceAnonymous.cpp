@@ -1,0 +1,4 @@
+namespace {
+int hidden;
+void helper() {}
+}

@@ -1,0 +1,3 @@
+inline namespace v1 { int a; }
+namespace [[deprecated]] old { int b; }
+namespace std _GLIBCXX_VISIBILITY(default) { int c; }

@@ -1,0 +1,2 @@
+namespace sea::shore { int depth; }
+namespace a { namespace b { int c; } }

@@ -1,0 +1,4 @@
+namespace sea {
+int depth;
+void rise() {}
+}

@@ -1,0 +1,2 @@
+std::map<int, std::map<int, std::vector<int>>> deep;
+int after;

@@ -1,0 +1,5 @@
+#import <Foundation/Foundation.h>
+class Tide;
+@interface Bridge : NSObject
+- (Tide *)tide;
+@end

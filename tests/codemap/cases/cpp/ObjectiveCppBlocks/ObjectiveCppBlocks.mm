@@ -1,0 +1,3 @@
+auto call = ^(int a) { return a; };
+void run() { dispatch(^{ [self done:{1, 2}]; }); }
+int after;

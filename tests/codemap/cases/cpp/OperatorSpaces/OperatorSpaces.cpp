@@ -1,0 +1,1 @@
+struct A { A operator + (int); bool operator () (int) const; A & operator [] (int); };

@@ -1,0 +1,2 @@
+int (A::*call)(int) = &A::run;
+int A::*field = &A::a;

@@ -1,0 +1,2 @@
+int Tide::count = 3;
+const std::string Tide::kName("a");

@@ -1,0 +1,2 @@
+const char *a = FOOR"(", *b;
+int after;

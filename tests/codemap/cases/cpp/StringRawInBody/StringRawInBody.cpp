@@ -1,0 +1,5 @@
+void run() {
+    const char *a = R"(} ")" "{";
+    auto b = LR"--(}})--";
+}
+int after;

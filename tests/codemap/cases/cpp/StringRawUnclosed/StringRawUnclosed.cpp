@@ -1,0 +1,2 @@
+const char *a = R"(never closed;
+int after;

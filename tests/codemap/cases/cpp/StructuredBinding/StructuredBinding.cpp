@@ -1,0 +1,2 @@
+auto [a, b] = pair();
+int after;

@@ -1,0 +1,1 @@
+template <typename T> using List = std::vector<T, Alloc<T>>;

@@ -1,0 +1,4 @@
+template class Box<int>;
+extern template class Box<char>;
+template void run<int>(int);
+int after;

@@ -1,0 +1,1 @@
+template <template <typename> class C, typename T> struct Holder { C<T> all; };

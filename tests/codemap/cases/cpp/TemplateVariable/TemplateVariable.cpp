@@ -1,0 +1,1 @@
+template <typename T> constexpr T pi = T(3.14);

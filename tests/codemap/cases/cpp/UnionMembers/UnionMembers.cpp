@@ -1,0 +1,1 @@
+union Value { int i; Value() : i(0) {} ~Value() {} };

@@ -1,0 +1,3 @@
+auto &value = other;
+auto *pointer = &value;
+decltype(value) same = value;

@@ -1,0 +1,2 @@
+extern int elsewhere;
+extern const int here = 3;

@@ -1,0 +1,3 @@
+const std::string name("tide");
+Tide tide(1, 2);
+int after;

@@ -1,0 +1,2 @@
+int &reference = value;
+int &&moved = std::move(value);

@@ -1,0 +1,1 @@
+struct A { int a() const volatile; int b() &&; };

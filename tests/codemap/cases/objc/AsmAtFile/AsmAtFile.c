@@ -1,0 +1,2 @@
+asm(".globl a { ");
+int after;

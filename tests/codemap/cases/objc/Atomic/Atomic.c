@@ -1,0 +1,2 @@
+_Atomic(int) count;
+_Atomic int other;

@@ -1,0 +1,1 @@
+void (^make(int a))(void) { return 0; }

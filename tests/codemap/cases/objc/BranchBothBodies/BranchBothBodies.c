@@ -1,0 +1,6 @@
+#if WIDE
+int size(void) { return 2; }
+#else
+int size(void) { return 1; }
+#endif
+int after;

@@ -1,0 +1,7 @@
+void run(void) {
+#if WIDE
+    a(); }
+#else
+    b(); }
+#endif
+int after;

@@ -1,0 +1,7 @@
+#ifdef __cplusplus
+extern "C" {
+#endif
+int helper(void);
+#ifdef __cplusplus
+}
+#endif

@@ -1,0 +1,5 @@
+#if 0
+void unused(void) {
+    {
+#endif
+int after;

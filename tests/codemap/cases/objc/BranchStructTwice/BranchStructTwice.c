@@ -1,0 +1,8 @@
+#if WIDE
+struct wide {
+#else
+struct slim {
+#endif
+    int a;
+};
+int after;

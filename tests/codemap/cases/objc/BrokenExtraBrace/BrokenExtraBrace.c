@@ -1,0 +1,2 @@
+void run(void) { } }
+int after(void) { return 1; }

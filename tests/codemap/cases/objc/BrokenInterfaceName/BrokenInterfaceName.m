@@ -1,0 +1,3 @@
+@interface
+@end
+int after;

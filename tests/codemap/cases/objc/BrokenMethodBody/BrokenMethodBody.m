@@ -1,0 +1,8 @@
+@implementation A
+- (void)rise {
+    if (a) {
+}
+@end
+@implementation B
+- (void)ebb { }
+@end

@@ -1,0 +1,6 @@
+@implementation A
+- (void)rise { }
+
+@implementation B
+- (void)ebb { }
+@end

@@ -1,0 +1,8 @@
+void broken(void)
+{
+    b();
+
+int after(void)
+{
+    return 2;
+}

@@ -1,0 +1,2 @@
+int run(int a;
+int after;

@@ -1,0 +1,3 @@
+return 3;
+if (a) { b(); }
+int after;

@@ -1,0 +1,3 @@
+@interface NSString (Trim)
+- (NSString *)trimmed;
+@end

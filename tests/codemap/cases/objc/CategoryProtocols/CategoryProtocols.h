@@ -1,0 +1,2 @@
+@interface NSString (Trim) <Trimming>
+@end

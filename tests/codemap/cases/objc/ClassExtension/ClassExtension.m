@@ -1,0 +1,3 @@
+@interface Tide ()
+@property int hidden;
+@end

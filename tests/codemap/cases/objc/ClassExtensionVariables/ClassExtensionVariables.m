@@ -1,0 +1,4 @@
+@interface Tide () {
+    int hidden;
+}
+@end

@@ -1,0 +1,2 @@
+int /* result */ add(int a /* first */, // { 
+                     int b) { return a; }

@@ -1,0 +1,3 @@
+const char *a = "/* no comment";
+const char *b = "// none";
+int shown;

@@ -1,0 +1,2 @@
+// int hidden(void) {
+int shown;

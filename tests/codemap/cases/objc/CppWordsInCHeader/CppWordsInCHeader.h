@@ -1,0 +1,2 @@
+struct thing { int class; void *private; int template; };
+int delete(int this, int new);

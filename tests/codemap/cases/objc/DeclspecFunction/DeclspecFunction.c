@@ -1,0 +1,1 @@
+__declspec(dllexport) int __stdcall entry(void) { return 1; }

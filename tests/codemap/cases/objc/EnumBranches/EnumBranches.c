@@ -1,0 +1,9 @@
+enum kind {
+    one,
+#if WIDE
+    two,
+    three
+#else
+    four
+#endif
+};

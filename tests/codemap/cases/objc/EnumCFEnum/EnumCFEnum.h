@@ -1,0 +1,2 @@
+typedef CF_ENUM(CFIndex, TideMode) { kTideModeA };
+CF_ENUM(int) { kLoose };

@@ -1,0 +1,5 @@
+enum kind {
+    one, /* the first, */
+    two, // the second, three
+    /* four, */
+};

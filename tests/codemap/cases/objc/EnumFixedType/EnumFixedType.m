@@ -1,0 +1,2 @@
+typedef enum : NSUInteger { First, Second } Order;
+enum Plain : int { A, B };

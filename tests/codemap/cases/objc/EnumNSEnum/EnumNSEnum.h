@@ -1,0 +1,4 @@
+typedef NS_ENUM(NSInteger, TideKind) {
+    TideKindEbb,
+    TideKindFlood = 4,
+};

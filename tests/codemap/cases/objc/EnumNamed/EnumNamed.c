@@ -1,0 +1,1 @@
+enum color { red, green = 4, blue = green + 1, };

@@ -1,0 +1,1 @@
+typedef enum { first, second } Order;

@@ -1,0 +1,1 @@
+typedef enum order { first, second } Order;

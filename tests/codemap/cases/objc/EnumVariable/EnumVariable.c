@@ -1,0 +1,1 @@
+enum { low, high } level;

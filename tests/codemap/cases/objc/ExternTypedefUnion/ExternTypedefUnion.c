@@ -1,0 +1,2 @@
+extern struct point origin;
+struct point origin = { 1 };

@@ -1,0 +1,4 @@
+void run(void)
+{
+    if (1) { }
+}

@@ -1,0 +1,1 @@
+char *name(void) { return 0; }

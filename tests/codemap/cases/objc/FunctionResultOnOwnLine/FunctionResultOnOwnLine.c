@@ -1,0 +1,5 @@
+static int
+twice(int a)
+{
+    return 2 * a;
+}

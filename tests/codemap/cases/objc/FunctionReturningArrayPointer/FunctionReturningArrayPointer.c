@@ -1,0 +1,1 @@
+int (*table(void))[4] { return 0; }

@@ -1,0 +1,1 @@
+static inline unsigned long long mix(unsigned a) { return a; }

@@ -1,0 +1,3 @@
+@implementation NSString (Trim)
+- (NSString *)trimmed { return self; }
+@end

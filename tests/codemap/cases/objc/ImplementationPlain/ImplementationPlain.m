@@ -1,0 +1,3 @@
+@implementation Tide
+- (void)rise { }
+@end

@@ -1,0 +1,8 @@
+@implementation Tide {
+    int height;
+    NSString *name;
+}
+@synthesize height = _height, name;
+@dynamic place;
+- (void)rise { }
+@end

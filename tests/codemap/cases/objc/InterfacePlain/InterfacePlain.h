@@ -1,0 +1,2 @@
+@interface Tide
+@end

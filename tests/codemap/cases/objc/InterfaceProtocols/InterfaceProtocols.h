@@ -1,0 +1,2 @@
+@interface Tide : NSObject <NSCopying, NSCoding>
+@end

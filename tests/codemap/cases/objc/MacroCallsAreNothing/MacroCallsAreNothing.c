@@ -1,0 +1,3 @@
+MODULE_LICENSE("MIT");
+DECLARE_LIST(int, numbers)
+int after;

@@ -1,0 +1,3 @@
+#define WIDTH 3 /* points
+    and { more */
+int after;

@@ -1,0 +1,5 @@
+#define LOG(text) \
+    do { \
+        print(text); \
+    } while (0)
+int after;

@@ -1,0 +1,4 @@
+void run(void) {
+#define LOCAL 1
+#undef LOCAL
+}

@@ -1,0 +1,5 @@
+struct all {
+    int a;
+#define ALL_A a
+    int b;
+};

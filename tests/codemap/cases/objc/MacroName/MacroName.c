@@ -1,0 +1,1 @@
+JNIEXPORT void JNICALL JAVA_NAME(onTouch)(void *env, int x) { }

@@ -1,0 +1,1 @@
+  #  define   SPACED(x)   x

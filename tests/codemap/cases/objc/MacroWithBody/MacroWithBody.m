@@ -1,0 +1,1 @@
+TEST(Tide, Rises) { check(1); }

@@ -1,0 +1,3 @@
+#define QUOTE "a { \" b"
+#define CHAR '{'
+int after;

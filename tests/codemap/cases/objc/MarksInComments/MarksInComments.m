@@ -1,0 +1,2 @@
+// MARK: - Tides
+int shown;

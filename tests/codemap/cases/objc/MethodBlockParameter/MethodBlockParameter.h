@@ -1,0 +1,3 @@
+@interface A
+- (void)run:(void (^)(NSError *error, id<Foo> x))block then:(int (*)(int))next;
+@end

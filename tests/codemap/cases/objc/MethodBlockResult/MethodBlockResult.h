@@ -1,0 +1,3 @@
+@interface A
+- (void (^)(int))block;
+@end

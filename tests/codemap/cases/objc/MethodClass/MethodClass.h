@@ -1,0 +1,3 @@
+@interface A
++ (instancetype)shared;
+@end

@@ -1,0 +1,4 @@
+@interface A
+- (void)class:(int)for if:(int)while;
+- (void)default;
+@end

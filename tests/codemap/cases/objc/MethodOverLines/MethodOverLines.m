@@ -1,0 +1,7 @@
+@implementation A
+- (void)
+    move: (int)a
+      by: (int)b
+{
+}
+@end

@@ -1,0 +1,3 @@
+@interface A
+- (void)move:(int)a by:(NSString *)b;
+@end

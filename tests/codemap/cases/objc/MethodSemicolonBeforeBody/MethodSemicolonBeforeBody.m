@@ -1,0 +1,4 @@
+@implementation A
+- (void)rise; { }
+- (void)ebb { }
+@end

@@ -1,0 +1,3 @@
+@interface A
+- (void)log:(NSString *)format, ... NS_FORMAT_FUNCTION(1,2);
+@end

@@ -1,0 +1,2 @@
+int größe;
+int 数(void) { return 1; }

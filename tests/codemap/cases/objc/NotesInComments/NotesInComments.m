@@ -1,0 +1,3 @@
+// TODO: ask the harbour
+/* FIXME: wrong at night */
+int shown; // XXX: why

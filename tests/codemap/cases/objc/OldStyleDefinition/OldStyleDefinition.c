@@ -1,0 +1,6 @@
+int main(argc, argv)
+    int argc;
+    char **argv;
+{
+    return 0;
+}

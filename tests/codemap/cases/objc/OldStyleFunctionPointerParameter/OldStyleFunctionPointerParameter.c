@@ -1,0 +1,6 @@
+void sort(base, cmp)
+    char *base;
+    int (*cmp)();
+{
+}
+int after;

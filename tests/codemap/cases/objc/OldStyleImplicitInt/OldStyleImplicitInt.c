@@ -1,0 +1,1 @@
+count(n) int n; { return n; }

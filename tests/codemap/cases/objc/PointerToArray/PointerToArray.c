@@ -1,0 +1,2 @@
+int (*rows)[4];
+int *(*deep[2])(void);

@@ -1,0 +1,5 @@
+#pragma mark - Life cycle
+#pragma mark View
+#pragma mark -
+#pragma once
+int shown;

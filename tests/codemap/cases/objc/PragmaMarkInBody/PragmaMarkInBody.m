@@ -1,0 +1,5 @@
+void run(void) {
+#pragma mark Inside
+#warning unfinished {
+}
+int after;

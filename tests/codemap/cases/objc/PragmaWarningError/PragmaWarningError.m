@@ -1,0 +1,3 @@
+#warning Look at this
+#error "Not on this system"
+int shown;

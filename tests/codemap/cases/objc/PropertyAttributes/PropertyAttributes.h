@@ -1,0 +1,3 @@
+@interface A
+@property (nonatomic, copy, getter=isOn, setter=turn:) NSString *name;
+@end

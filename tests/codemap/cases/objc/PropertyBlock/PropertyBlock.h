@@ -1,0 +1,3 @@
+@interface A
+@property (copy) void (^done)(NSError *error);
+@end

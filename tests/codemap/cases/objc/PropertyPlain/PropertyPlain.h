@@ -1,0 +1,3 @@
+@interface A
+@property int count;
+@end

@@ -1,0 +1,2 @@
+#error Don't build { this
+int shown;

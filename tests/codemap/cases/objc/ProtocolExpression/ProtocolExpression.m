@@ -1,0 +1,5 @@
+void run(void) {
+    id p =
+@protocol(NSCopying);
+}
+int after;

@@ -1,0 +1,3 @@
+@protocol Observing
+- (void)changed;
+@end

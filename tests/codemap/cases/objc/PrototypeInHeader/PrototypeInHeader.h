@@ -1,0 +1,3 @@
+int helper(int a);
+extern void other(void);
+const char *title(void);

@@ -1,0 +1,3 @@
+int helper(int a);
+static void other(void);
+int helper(int a) { return a; }

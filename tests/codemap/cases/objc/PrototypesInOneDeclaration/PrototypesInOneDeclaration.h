@@ -1,0 +1,1 @@
+int first(void), second(int);

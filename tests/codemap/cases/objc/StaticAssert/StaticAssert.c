@@ -1,0 +1,2 @@
+_Static_assert(sizeof(int) == 4, "int {");
+int after;

@@ -1,0 +1,3 @@
+const char *a = "one \
+{ two";
+int shown;

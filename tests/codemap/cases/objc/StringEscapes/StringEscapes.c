@@ -1,0 +1,3 @@
+const char *a = "\"{\\";
+const char b = '\'', c = '{', d = '"';
+int shown;

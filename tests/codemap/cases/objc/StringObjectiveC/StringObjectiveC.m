@@ -1,0 +1,3 @@
+NSString *a = @"{ \" }";
+NSString *b = @"one" @"two {";
+int shown;

@@ -1,0 +1,3 @@
+const wchar_t *a = L"{";
+const char *b = u8"}";
+int shown;

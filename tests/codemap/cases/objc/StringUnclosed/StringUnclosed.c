@@ -1,0 +1,3 @@
+const char *a = "not closed;
+int lost;
+int shown;

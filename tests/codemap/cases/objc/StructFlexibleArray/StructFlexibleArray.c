@@ -1,0 +1,1 @@
+struct buffer { int size; char bytes[]; };

@@ -1,0 +1,3 @@
+struct point;
+union value;
+enum kind;

@@ -1,0 +1,1 @@
+struct point make(int x) { struct point p = { x }; return p; }

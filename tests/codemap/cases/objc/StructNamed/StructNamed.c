@@ -1,0 +1,1 @@
+struct point { int x; int y; };

@@ -1,0 +1,1 @@
+typedef struct Point { int x; } Point;

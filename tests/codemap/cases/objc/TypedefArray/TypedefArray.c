@@ -1,0 +1,1 @@
+typedef float matrix[4][4];

@@ -1,0 +1,2 @@
+typedef void (^TideBlock)(NSError * _Nullable error);
+typedef NSString * _Nonnull (^TideName)(void);

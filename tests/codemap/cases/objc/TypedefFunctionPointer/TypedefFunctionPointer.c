@@ -1,0 +1,1 @@
+typedef int (*compare)(const void *, const void *);

@@ -1,0 +1,2 @@
+typedef void (APIENTRY *DRAWPROC)(int mode);
+typedef void (APIENTRYP CLEARPROC)(int mask);

@@ -1,0 +1,1 @@
+typedef int number, *pointer, row[4];

@@ -1,0 +1,1 @@
+typedef NSString *TideKey NS_STRING_ENUM;

@@ -1,0 +1,1 @@
+typedef __typeof__(sizeof(int)) size;

@@ -1,0 +1,1 @@
+union value { int i; float f; };

@@ -1,0 +1,1 @@
+typedef union { int i; float f; } Value;

@@ -1,0 +1,5 @@
+static const char *names[] = {
+    "one { brace",
+    "two",
+};
+int after;

@@ -1,0 +1,1 @@
+int errno_copy asm("errno");

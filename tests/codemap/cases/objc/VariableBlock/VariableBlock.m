@@ -1,0 +1,1 @@
+static void (^completion)(BOOL done) = ^(BOOL done) { int local = 1; };

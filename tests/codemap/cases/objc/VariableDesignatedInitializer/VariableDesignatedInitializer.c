@@ -1,0 +1,1 @@
+struct point origin = { .x = 1, .y = { 2 } };

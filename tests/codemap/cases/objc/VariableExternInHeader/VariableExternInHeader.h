@@ -1,0 +1,2 @@
+extern NSString * const TideName;
+UIKIT_EXTERN NSString * const TideMoved API_AVAILABLE(ios(9.0));

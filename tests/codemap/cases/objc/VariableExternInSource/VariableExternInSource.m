@@ -1,0 +1,2 @@
+extern NSString * const TideName;
+NSString * const TideOther = @"other";

@@ -1,0 +1,1 @@
+int (*compare)(const void *, const void *) = 0;

@@ -1,0 +1,1 @@
+static void (*handlers[3])(int);

@@ -1,0 +1,1 @@
+static const double kPi = 3.14159;

@@ -1,0 +1,1 @@
+static struct { int x, y; } origin = { 0, 0 };

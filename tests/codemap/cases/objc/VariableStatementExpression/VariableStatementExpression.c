@@ -1,0 +1,2 @@
+int value = ({ int inner = 1; inner; });
+int after;

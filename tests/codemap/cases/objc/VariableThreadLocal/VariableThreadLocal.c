@@ -1,0 +1,2 @@
+_Thread_local int perThread;
+__thread int old;

@@ -1,0 +1,2 @@
+static int spare __attribute__((unused)) = 1;
+static int extra UNUSED;
