@@ -118,20 +118,20 @@ Found Declarations::typeOf(const TypeHead& type, std::string_view nameAfter,
     return result;
 }
 
-void Declarations::addAll(std::size_t signatureEnd, bool isFirstTaken) {
+void Declarations::addAll(std::size_t end, bool isFirstTaken) {
     const Role kind = role();
     if (kind == Role::none) {
         return;
     }
     if (kind == Role::alias) {
-        addAlias(signatureEnd);
+        addAlias(end);
         return;
     }
     bool hasType = false;
     for (std::size_t begin = 0; begin < head_.size(); ++begin) {
         const Declarator declarator = readDeclarator(head_, begin, hasType, scopes_.current().name);
         if (declarator.name.isValid() && !(isFirstTaken && !hasType)) {
-            addDeclarator(declarator, begin, kind == Role::typeDefinition, signatureEnd);
+            addDeclarator(declarator, begin, kind == Role::typeDefinition, end);
         }
         hasType = declarator.hasType;
         begin = declarator.end;
@@ -141,13 +141,13 @@ void Declarations::addAll(std::size_t signatureEnd, bool isFirstTaken) {
     }
 }
 
-void Declarations::addProperties(std::size_t signatureEnd) {
+void Declarations::addProperties(std::size_t end) {
     const std::size_t attributes = head_.is(1, '(') ? head_.after(1) : 1;
     bool hasType = false;
     for (std::size_t begin = attributes; begin < head_.size(); ++begin) {
         const Declarator declarator = readDeclarator(head_, begin, hasType, "");
         if (declarator.name.isValid() && declarator.hasType) {
-            add(found(SymbolKind::property, declarator.name, signatureEnd), signatureEnd);
+            add(found(SymbolKind::property, declarator.name, head_.back().end), end);
         }
         hasType = declarator.hasType;
         begin = declarator.end;
@@ -157,12 +157,12 @@ void Declarations::addProperties(std::size_t signatureEnd) {
     }
 }
 
-void Declarations::addCase(std::size_t signatureEnd) {
+void Declarations::addCase(std::size_t end) {
     const std::size_t first = nextName(0);
     if (first == head_.size() || head_.is(first + 1, '(')) {
         return; // a macro that stands for cases
     }
-    add(found(SymbolKind::enumCase, {first, first}, head_[first].end), signatureEnd);
+    add(found(SymbolKind::enumCase, {first, first}, head_[first].end), end);
 }
 
 void Declarations::addMacro(const Directive& definition, std::size_t begin, std::size_t end) {
@@ -177,7 +177,7 @@ void Declarations::addMacro(const Directive& definition, std::size_t begin, std:
 
 void Declarations::add(const Found& found, std::size_t end) {
     with(found, [this, end](const OutlineBuilder::Declaration& declaration) {
-        scopes_.add(declaration, lines_.lineAt(end));
+        scopes_.add(declaration, lines_.lineAt(std::max<std::size_t>(end, 1) - 1));
     });
 }
 
@@ -227,7 +227,7 @@ bool Declarations::isModuleLine() const {
 }
 
 /// "using A = …", "concept A = …"; other uses of "using" declare nothing of their own.
-void Declarations::addAlias(std::size_t signatureEnd) {
+void Declarations::addAlias(std::size_t end) {
     std::size_t i = 0;
     while (i < head_.size() && !head_.is(i, Word::usingName) && !head_.is(i, Word::conceptName)) {
         i = head_.after(i);
@@ -245,24 +245,24 @@ void Declarations::addAlias(std::size_t signatureEnd) {
         equals = head_.after(equals);
     }
     if (equals < head_.size()) {
-        add(found(SymbolKind::typeAlias, {name, name}, signatureEnd), signatureEnd);
+        add(found(SymbolKind::typeAlias, {name, name}, head_.back().end), end);
     }
 }
 
 void Declarations::addDeclarator(const Declarator& declarator, std::size_t begin,
-                                 bool isTypeDefinition, std::size_t signatureEnd) {
-    const std::size_t end =
-        declarator.end < head_.size() ? head_[declarator.end].begin : signatureEnd;
+                                 bool isTypeDefinition, std::size_t end) {
+    const std::size_t signatureEnd =
+        declarator.end < head_.size() ? head_[declarator.end].begin : head_.back().end;
     if (isTypeDefinition) {
         if (declarator.hasType) {
-            add(found(SymbolKind::typeDefinition, declarator.name, end), signatureEnd);
+            add(found(SymbolKind::typeDefinition, declarator.name, signatureEnd), end);
         }
         return;
     }
     if (isToBeShown(declarator)) {
-        Found result = found(kindOf(declarator), declarator.name, end);
+        Found result = found(kindOf(declarator), declarator.name, signatureEnd);
         result.begin = std::max<std::size_t>(result.begin, head_[begin].begin);
-        add(result, signatureEnd);
+        add(result, end);
     }
 }
 

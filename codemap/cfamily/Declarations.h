@@ -43,14 +43,17 @@ public:
     /// that has none before it.
     Found typeOf(const TypeHead& type, std::string_view nameAfter, std::size_t signatureEnd);
 
+    // Of declarations without a body, `end` is where they end, initializers included.
+
     /// All that a head before a semicolon declares; but not its first name where that was added
     /// with the body before it.
-    void addAll(std::size_t signatureEnd, bool isFirstTaken);
-    void addProperties(std::size_t signatureEnd);
+    void addAll(std::size_t end, bool isFirstTaken);
+    void addProperties(std::size_t end);
     /// The case that the head is.
-    void addCase(std::size_t signatureEnd);
+    void addCase(std::size_t end);
     void addMacro(const Directive& definition, std::size_t begin, std::size_t end);
 
+    /// `end` is the place after its last byte.
     void add(const Found& found, std::size_t end);
     /// Calls `use` with the declaration of what was found.
     template <typename Use>
@@ -73,9 +76,9 @@ private:
     Role role() const;
     bool isInstantiation() const;
     bool isModuleLine() const;
-    void addAlias(std::size_t signatureEnd);
+    void addAlias(std::size_t end);
     void addDeclarator(const Declarator& declarator, std::size_t begin, bool isTypeDefinition,
-                       std::size_t signatureEnd);
+                       std::size_t end);
     bool isToBeShown(const Declarator& declarator) const;
     bool isFunctionToBeShown(const Declarator& declarator) const;
     bool isVariable(const Declarator& declarator) const;

@@ -184,7 +184,7 @@ void Recogniser::readEquals(const Token& token) {
 
 void Recogniser::readComma(const Token& token) {
     if (!head_.isNested() && scopes_.current().kind == ScopeKind::enumeration) {
-        endHead();
+        endHead(token.begin);
         return;
     }
     head_.push(token);
@@ -264,7 +264,7 @@ void Recogniser::readDirective(std::size_t begin, std::size_t end) {
 
 void Recogniser::readAlternative(std::size_t at) {
     if (bodyDepth_ == 0 && scopes_.current().kind == ScopeKind::enumeration) {
-        endHead(); // the last case of a branch needs no comma
+        endHead(at); // the last case of a branch needs no comma
     }
     if (const auto begin = conditions_.next(place())) {
         goTo(*begin, at);
@@ -458,7 +458,7 @@ void Recogniser::passFunction(const Found& function) {
     bodyDepth_ = 1;
     passBody();
     if (!function.name.empty()) {
-        declarations_.add(function, lexer_.position() - (lexer_.position() > 0 ? 1 : 0));
+        declarations_.add(function, lexer_.position());
     }
 }
 
@@ -588,7 +588,7 @@ std::string Recogniser::nameAfterBody(std::size_t brace) {
 
 void Recogniser::closeBrace(const Token& brace) {
     head_.abandonGroups();
-    endHead();
+    endHead(brace.begin);
     const Scope scope = scopes_.current();
     if (scope.kind == ScopeKind::file || isContainerKind(scope.kind)) {
         return; // one too many
@@ -612,17 +612,19 @@ void Recogniser::closeBrace(const Token& brace) {
 
 // Parts of heads.
 
-/// Adds what the head declares, as if a semicolon followed.
-void Recogniser::endHead() {
+/// Adds what the head declares. Its initializer ends at a place.
+void Recogniser::endHead(std::size_t place) {
     if (!head_.empty()) {
-        const std::size_t end = head_.back().end;
+        const bool hasInitializer = head_.back().is('=');
+        const std::size_t end = hasInitializer ? place : head_.back().end;
         if (scopes_.current().kind == ScopeKind::enumeration) {
             declarations_.addCase(end);
         } else if (head_[0].atWord == AtWord::property) {
             declarations_.addProperties(end);
         } else if (!isInContainer() || !(head_.is(0, '-') || head_.is(0, '+'))) {
             declarations_.addAll(end, isFirstNameTaken_);
-        } else if (const Found method = declarations_.methodOf(end); !method.name.empty()) {
+        } else if (const Found method = declarations_.methodOf(head_.back().end);
+                   !method.name.empty()) {
             declarations_.add(method, end);
         }
     }
@@ -660,7 +662,7 @@ void Recogniser::endStatement(const Token& sign) {
         head_.push(sign);
         return;
     }
-    endHead();
+    endHead(sign.begin);
 }
 
 /// After "=": goes to the sign that ends the initializer.

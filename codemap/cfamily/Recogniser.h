@@ -71,7 +71,7 @@ private:
     std::string nameAfterBody(std::size_t brace);
 
     // Parts of heads.
-    void endHead();
+    void endHead(std::size_t place);
     void clearHead();
     void endStatement(const Token& sign);
     void passInitializer();

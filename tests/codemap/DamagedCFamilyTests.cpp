@@ -1,5 +1,6 @@
-// What damage to a source costs: each case's source is cut at every byte, and loses each of its
-// brackets. The declarations that end before the damage must stay as they are.
+// What damage to a source costs: the source of each case that is not broken itself is cut at every
+// byte, and loses each of its brackets. The declarations that end before the damage must stay as
+// they are.
 
 #include "codemap/SourceOutline.h"
 
@@ -28,7 +29,8 @@ std::vector<Source> sourcesOf(const std::string& language) {
     const Path folder = Path(NAVREL_OUTLINE_CASES) / language;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
         const std::string extension = entry.path().extension().string();
-        if (!entry.is_regular_file() || extension.empty()) {
+        const bool isBroken = entry.path().filename().string().starts_with("Broken");
+        if (!entry.is_regular_file() || extension.empty() || isBroken) {
             continue;
         }
         std::ifstream file(entry.path(), std::ios::binary);
