@@ -87,7 +87,9 @@ TEST_P(OutlineCases, haveTheExpectedOutlines) {
 std::vector<std::string> languages() {
     std::vector<std::string> names;
     for (const Path& entry : entriesOf(NAVREL_OUTLINE_CASES)) {
-        names.push_back(entry.filename().string());
+        if (std::filesystem::is_directory(entry)) {
+            names.push_back(entry.filename().string());
+        }
     }
     return names;
 }
