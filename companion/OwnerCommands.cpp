@@ -153,7 +153,9 @@ int runForget(const Invocation& invocation) {
 }
 
 QString stateText(const json::object& state) {
-    const auto part = [&state](const char* key) { return state.at(key).as_object(); };
+    const auto part = [&state](const char* key) -> const json::object& {
+        return state.at(key).as_object();
+    };
     QString text =
         QStringLiteral("%1 %2\nProject: %3 %4\nEditor: %5 %6\nDevice: %7\nBrowsers: %8\n")
             .arg(textAt(state, "program"), textAt(state, "version"),
