@@ -41,7 +41,7 @@ struct FolderCloser {
 using OpenFolder = std::unique_ptr<DIR, FolderCloser>;
 
 /// The entry as it is shown; nil where it is left out.
-std::optional<FolderEntry> shownEntry(int folder, const char* name) {
+std::optional<ListedEntry> shownEntry(int folder, const char* name) {
     const QByteArray bytes(name);
     struct stat status {};
     if (bytes.startsWith('.') || !isValidUTF8(bytes) || ::fstatat(folder, name, &status, 0) != 0) {
@@ -54,11 +54,11 @@ std::optional<FolderEntry> shownEntry(int folder, const char* name) {
     struct stat itself {};
     const bool isLink = isFolder && ::fstatat(folder, name, &itself, AT_SYMLINK_NOFOLLOW) == 0 &&
                         S_ISLNK(itself.st_mode);
-    return FolderEntry{bytes, isFolder && !isBundleName(bytes), isLink};
+    return ListedEntry{bytes, isFolder && !isBundleName(bytes), isLink};
 }
 
-FolderEntries readEntries(const QByteArray& path) {
-    FolderEntries entries;
+ListedEntries readEntries(const QByteArray& path) {
+    ListedEntries entries;
     const OpenFolder folder(canNameAFile(path) ? ::opendir(path.constData()) : nullptr);
     if (folder == nullptr) {
         return entries;
@@ -74,7 +74,7 @@ FolderEntries readEntries(const QByteArray& path) {
     }
     std::sort(
         entries.begin(), entries.end(),
-        [](const FolderEntry& left, const FolderEntry& right) { return left.name < right.name; });
+        [](const ListedEntry& left, const ListedEntry& right) { return left.name < right.name; });
     return entries;
 }
 
@@ -96,7 +96,7 @@ std::optional<FolderNumber> folderNumberAt(const QByteArray& path) {
     return isThere ? std::optional(FolderNumber{status.st_dev, status.st_ino}) : std::nullopt;
 }
 
-const FolderEntries& FolderListings::entriesOf(const QByteArray& folder) {
+const ListedEntries& FolderListings::entriesOf(const QByteArray& folder) {
     Listing& listing = listings_[folder];
     if (!isCurrent(folder, listing)) {
         read(folder, listing);
@@ -110,7 +110,7 @@ bool FolderListings::stillHold() {
     bool isSame = true;
     for (auto listing = listings_.begin(); listing != listings_.end() && isSame; ++listing) {
         if (!isCurrent(listing.key(), *listing)) {
-            const FolderEntries before = listing->entries;
+            const ListedEntries before = listing->entries;
             read(listing.key(), *listing);
             isSame = listing->entries == before;
         }

@@ -12,13 +12,13 @@
 namespace navrel {
 
 /// What lies in a folder, as a project that is synchronized with it shows it.
-struct FolderEntry {
+struct ListedEntry {
     QByteArray name;
     bool isFolder; ///< one that is shown with what lies in it
     bool isLink;   ///< a symbolic link to what `isFolder` says
-    bool operator==(const FolderEntry& other) const = default;
+    bool operator==(const ListedEntry& other) const = default;
 };
-using FolderEntries = std::vector<FolderEntry>;
+using ListedEntries = std::vector<ListedEntry>;
 
 /// Whether a folder of that name counts as one file: "Assets.xcassets" and its kind.
 bool isBundleName(QByteArrayView name);
@@ -43,7 +43,7 @@ public:
     /// Files and folders in a folder, by name. Left out is what is hidden, what is no file or
     /// folder (it would never be opened), and a name that is not UTF-8. None where the folder
     /// cannot be read. Valid until the next call.
-    const FolderEntries& entriesOf(const QByteArray& folder);
+    const ListedEntries& entriesOf(const QByteArray& folder);
 
     /// Whether every folder that was asked for since `clear` still has the same entries.
     bool stillHold();
@@ -66,7 +66,7 @@ private:
     };
     struct Listing {
         std::optional<Identity> identity; ///< nil while it may still change unseen
-        FolderEntries entries;
+        ListedEntries entries;
         quint64 pass = 0;
     };
 

@@ -103,7 +103,7 @@ void ProjectWalk::visitNextEntry(FolderLevel& level) {
         return;
     }
     // Copies: entering a folder may move the levels.
-    FolderEntry entry = level.entries[level.next];
+    ListedEntry entry = level.entries[level.next];
     const auto index = static_cast<qint32>(level.next++);
     const auto folder = level.folder;
     const QByteArray parent = level.identifier;

@@ -52,7 +52,7 @@ private:
         std::optional<std::string_view> parentID;
         qint32 index;
         /// What it is where it stands on disk and not in the project file, else null.
-        const FolderEntry* onDisk = nullptr;
+        const ListedEntry* onDisk = nullptr;
     };
     /// A group some of whose children are still to be visited.
     struct Level {
@@ -67,7 +67,7 @@ private:
     struct FolderLevel {
         QByteArray identifier;
         QByteArray path;
-        FolderEntries entries;
+        ListedEntries entries;
         std::shared_ptr<SynchronizedFolder> folder;
         std::size_t next = 0;
     };

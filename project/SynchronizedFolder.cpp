@@ -40,7 +40,7 @@ QByteArray SynchronizedFolder::identifierOf(const QByteArray& path) const {
     return hash.result().first(kBytes).toHex().toUpper();
 }
 
-bool SynchronizedFolder::isEntered(const FolderEntry& entry, const QByteArray& path) {
+bool SynchronizedFolder::isEntered(const ListedEntry& entry, const QByteArray& path) {
     if (!entry.isFolder || !entry.isLink) {
         return entry.isFolder;
     }

@@ -24,7 +24,7 @@ public:
 
     /// Whether an entry, at that path, is shown with what lies in it. A link to a folder that is
     /// shown already, or that leads back above, is not: so loops of links end.
-    bool isEntered(const FolderEntry& entry, const QByteArray& path);
+    bool isEntered(const ListedEntry& entry, const QByteArray& path);
 
 private:
     QByteArray groupIdentifier_;

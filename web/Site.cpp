@@ -652,7 +652,7 @@ void Site::tell(std::string_view event, const json::object& data) {
     streams_.deliverToAll(eventText(event, json::serialize(data)));
 }
 
-void Site::setActive(ActiveFile active) {
+void Site::setActive(ActivePlace active) {
     active_ = std::move(active);
     std::string text = json::serialize(activeView(*parts_.map.snapshot(), active_));
     if (text != toldActive_) {

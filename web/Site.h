@@ -95,7 +95,7 @@ public:
     void setAccess(AccessStatus access);
     void setState(ProgramState state);
     void setFileTypes(std::vector<FileTypeSwitch> types) { fileTypes_ = std::move(types); }
-    void setActive(ActiveFile active);
+    void setActive(ActivePlace active);
     void mapChanged(const CodeMap::Change& change);
     /// Ends what a device has open, and has the others told.
     void deviceGone(int device);
@@ -151,7 +151,7 @@ private:
     AccessStatus access_;
     ProgramState state_;
     std::vector<FileTypeSwitch> fileTypes_;
-    ActiveFile active_;
+    ActivePlace active_;
     std::string toldActive_; ///< the last `active` that all were told
     std::uint64_t lastRequest_ = 0;
     /// Expires with the site: replies of the host may come later.

@@ -87,11 +87,11 @@ json::object projectOf(const StateParts& parts) {
     return project;
 }
 
-const MapNode* activeNode(const CodeMapSnapshot& snapshot, const ActiveFile& active) {
+const MapNode* activeNode(const CodeMapSnapshot& snapshot, const ActivePlace& active) {
     return active.path.empty() ? nullptr : snapshot.fileAtPath(active.path);
 }
 
-json::value activeReference(const CodeMapSnapshot& snapshot, const ActiveFile& active) {
+json::value activeReference(const CodeMapSnapshot& snapshot, const ActivePlace& active) {
     const MapNode* const file = activeNode(snapshot, active);
     return file == nullptr ? json::value(nullptr) : json::value(fileReference(*file, active.line));
 }
@@ -148,7 +148,7 @@ json::object stateView(const StateParts& parts) {
             {"messages", messagesOf(parts)}};
 }
 
-json::object activeView(const CodeMapSnapshot& snapshot, const ActiveFile& active) {
+json::object activeView(const CodeMapSnapshot& snapshot, const ActivePlace& active) {
     json::object view = {{"file", activeReference(snapshot, active)}};
     const MapNode* const file = activeNode(snapshot, active);
     if (file == nullptr || file->outline == nullptr || active.line == 0) {
@@ -163,7 +163,7 @@ json::object activeView(const CodeMapSnapshot& snapshot, const ActiveFile& activ
     return view;
 }
 
-json::object helloView(const CodeMapSnapshot& snapshot, const ActiveFile& active) {
+json::object helloView(const CodeMapSnapshot& snapshot, const ActivePlace& active) {
     return {{"revision", snapshot.revision()}, {"active", activeReference(snapshot, active)}};
 }
 

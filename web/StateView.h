@@ -12,17 +12,17 @@
 namespace navrel {
 
 /// What the editor shows.
-struct ActiveFile {
+struct ActivePlace {
     std::string path;       ///< absolute; empty for none
     std::uint32_t line = 0; ///< from 1; 0 where unknown
-    bool operator==(const ActiveFile&) const = default;
+    bool operator==(const ActivePlace&) const = default;
 };
 
 /// Everything that the state shows.
 struct StateParts {
     const CodeMapSnapshot& snapshot;
     const ProgramState& program;
-    const ActiveFile& active;
+    const ActivePlace& active;
     const AccessStatus& access;
     const std::string& programName;
     const std::string& version;
@@ -33,9 +33,9 @@ struct StateParts {
 /// The views of what is not in the code map, as the shapes of protocol/shapes.schema.json. Pure.
 boost::json::object stateView(const StateParts& parts);
 /// The data of the event `active`.
-boost::json::object activeView(const CodeMapSnapshot& snapshot, const ActiveFile& active);
+boost::json::object activeView(const CodeMapSnapshot& snapshot, const ActivePlace& active);
 /// The data of the event `hello`.
-boost::json::object helloView(const CodeMapSnapshot& snapshot, const ActiveFile& active);
+boost::json::object helloView(const CodeMapSnapshot& snapshot, const ActivePlace& active);
 /// The data of the event `opened`.
 boost::json::object openedView(std::uint64_t request, const OpenOutcome& outcome);
 

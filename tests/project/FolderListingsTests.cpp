@@ -29,7 +29,7 @@ protected:
     /// The names, folders with a slash.
     std::vector<std::string> namesIn(const QByteArray& folder) {
         std::vector<std::string> names;
-        for (const FolderEntry& entry : listings_.entriesOf(folder)) {
+        for (const ListedEntry& entry : listings_.entriesOf(folder)) {
             names.push_back(entry.name.toStdString() + (entry.isFolder ? "/" : ""));
         }
         return names;
