@@ -98,10 +98,10 @@ std::unique_ptr<QWFileReader> QWFileReader::initWithFilePath(QByteArray path) {
 }
 
 QWFileReader::QWFileReader(QByteArray path, RegularFile file)
-    : filePath_(std::move(path)), file_(std::move(file)), lineDelimiter_("\n"),
+    : filePath_(std::move(path)), fileHandle_(std::move(file)), lineDelimiter_("\n"),
       chunkSize_(kDefaultChunkSize),
       // A small file is read at once: one byte more tells that nothing follows.
-      capacity_(std::min(kBufferSize, file_.size() + 1)) {
+      capacity_(std::min(kBufferSize, fileHandle_.size() + 1)) {
     buffer_ = std::make_unique_for_overwrite<char[]>(capacity_);
 }
 
@@ -131,8 +131,8 @@ bool QWFileReader::fillBuffer() {
         return false;
     }
     makeRoomInBuffer();
-    const qsizetype count = file_.readAt(bufferEnd(), buffer_.get() + bufferedCount_,
-                                         qsizetype(capacity_ - bufferedCount_));
+    const qsizetype count = fileHandle_.readAt(bufferEnd(), buffer_.get() + bufferedCount_,
+                                               qsizetype(capacity_ - bufferedCount_));
     bufferedCount_ += static_cast<std::size_t>(count);
     exhausted_ = count == 0;
     extendValidity();

@@ -35,7 +35,7 @@ public:
     /// Byte offset at which the next line starts.
     quint64 currentOffset() const { return currentOffset_; }
     /// Length of the file in bytes at creation; never measured again.
-    quint64 totalFileLength() const { return file_.size(); }
+    quint64 totalFileLength() const { return fileHandle_.size(); }
 
     /// What ends a line, as UTF-8; a line feed at first.
     const QByteArray& lineDelimiter() const { return lineDelimiter_; }
@@ -100,7 +100,7 @@ private:
     quint64 findEndOfLineByChunk();
 
     QByteArray filePath_;
-    RegularFile file_;
+    RegularFile fileHandle_;
     quint64 currentOffset_ = 0;
     QByteArray lineDelimiter_;
     quint64 chunkSize_;
