@@ -175,6 +175,7 @@ private:
     bool shouldTerminateDespite(const Error& saveError);
     void saveChanges(ManagedObjectContext& context);
 
+    void logProblem();
     void runPass(ManagedObjectContext& context);
     void deleteVanishedObjects(ManagedObjectContext& context);
     bool wouldChangeNothing(const ManagedObjectContext& context);
@@ -188,6 +189,7 @@ private:
     MenuItem* currentProjectItem_ = nullptr;
     MenuItem* automaticProjectSelectionItem_ = nullptr;
     std::unique_ptr<ProjectFile> projectFile_;
+    std::optional<QString> loggedProblem_;
     std::unique_ptr<FileSurvey> survey_;
     std::unique_ptr<FolderListings> listings_;
     bool showsSynchronizedFolders_;

@@ -1,6 +1,7 @@
 #include "project/ProjectFile.h"
 
 #include "project/FileDates.h"
+#include "support/Error.h"
 
 #include <cerrno>
 #include <ctime>
@@ -81,14 +82,33 @@ std::optional<QByteArray> readToEnd(int descriptor, off_t announcedSize) {
 
 } // namespace
 
+namespace {
+
+/// Why a file cannot be a project file, as far as its status says; nil where it can.
+std::optional<QString> obstacleTo(const QByteArray& path, struct stat& status) {
+    if (path.contains('\0')) {
+        return QStringLiteral("the path names no file");
+    }
+    if (::stat(path.constData(), &status) != 0) {
+        return Error::posix(errno).localizedDescription();
+    }
+    if (!S_ISREG(status.st_mode)) {
+        return QStringLiteral("it is not a regular file");
+    }
+    return isReadable(status) ? std::nullopt
+                              : std::optional(QStringLiteral("it is larger than 64 MiB"));
+}
+
+} // namespace
+
 ProjectFile::Identity::Identity(const struct stat& status)
     : device(status.st_dev), inode(status.st_ino), size(status.st_size),
       modified(modificationDateIn(status)), statusChanged(statusChangeDateIn(status)) {}
 
 void ProjectFile::read(const QByteArray& path) {
     struct stat status {};
-    const bool isThere =
-        !path.contains('\0') && ::stat(path.constData(), &status) == 0 && isReadable(status);
+    const std::optional<QString> obstacle = obstacleTo(path, status);
+    const bool isThere = !obstacle;
     const Identity identity = isThere ? Identity(status) : Identity();
     if (path == path_ && identity == identity_) {
         return;
@@ -96,7 +116,8 @@ void ProjectFile::read(const QByteArray& path) {
     const bool hadContent = static_cast<bool>(document_.root());
     path_ = path;
     identity_ = identity;
-    take(isThere ? readContent() : std::nullopt);
+    const std::optional<QString> failure = take(isThere ? readContent() : std::nullopt);
+    problem_ = obstacle ? obstacle : failure;
     if (hadContent || document_.root()) {
         ++generation_;
     }
@@ -121,8 +142,11 @@ std::optional<QByteArray> ProjectFile::readContent() {
     return bytes;
 }
 
-void ProjectFile::take(std::optional<QByteArray> bytes) {
-    document_.read(bytes ? std::move(*bytes) : QByteArray());
+/// Takes what was read. Why it shows nothing, or nil.
+std::optional<QString> ProjectFile::take(std::optional<QByteArray> bytes) {
+    std::optional<Error> error;
+    const bool isRead = bytes.has_value();
+    const bool isList = document_.read(isRead ? *std::move(bytes) : QByteArray(), &error);
     const PropertyListDocument::Value root = document_.root();
     const PropertyListDocument::Value objects = root["objects"];
     hasObjects_ = objects.isDictionary();
@@ -135,6 +159,13 @@ void ProjectFile::take(std::optional<QByteArray> bytes) {
             rootID_ = bytesOf(mainGroup.utf8());
         }
     }
+    if (!isRead) {
+        return QStringLiteral("it cannot be read");
+    }
+    if (!isList) {
+        return error ? error->localizedDescription() : QStringLiteral("it is no property list");
+    }
+    return rootID_ ? std::nullopt : std::optional(QStringLiteral("it names no main group"));
 }
 
 } // namespace navrel

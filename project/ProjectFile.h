@@ -4,6 +4,7 @@
 #include "support/propertylist/PropertyListIndex.h"
 
 #include <QByteArray>
+#include <QString>
 
 #include <optional>
 #include <sys/stat.h>
@@ -30,6 +31,9 @@ public:
     /// Identifier of the project's main group; nil when the file could not be read or names none.
     const std::optional<QByteArray>& rootID() const { return rootID_; }
 
+    /// Why there is nothing to show, for the log; nil where there is a main group.
+    const std::optional<QString>& problem() const { return problem_; }
+
     /// Differs from every earlier answer after a reading that may have given something else.
     quint64 generation() const { return generation_; }
 
@@ -49,7 +53,7 @@ private:
     };
 
     std::optional<QByteArray> readContent();
-    void take(std::optional<QByteArray> bytes);
+    std::optional<QString> take(std::optional<QByteArray> bytes);
 
     QByteArray path_;
     // Nil while what was read is not known to be the whole content of the file as it stands.
@@ -58,6 +62,7 @@ private:
     PropertyListIndex objects_;
     bool hasObjects_ = false;
     std::optional<QByteArray> rootID_;
+    std::optional<QString> problem_ = QStringLiteral("nothing was read");
     quint64 generation_ = 0;
 };
 

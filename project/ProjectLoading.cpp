@@ -31,12 +31,27 @@ void KZDataManager::updateInBackground() {
             QStringLiteral("Current project: %1").arg(shownUTF8(lastPathComponent(bundle))));
     }
     projectFile_->read(bundle + "/project.pbxproj");
+    logProblem();
     if (ManagedObjectContext* context = managedObjectContext()) {
         if (!wouldChangeNothing(*context)) {
             runPass(*context);
         }
         saveChanges(*context);
     }
+}
+
+/// Says why nothing is shown, once for each reason. The empty path is no project that could be
+/// broken.
+void KZDataManager::logProblem() {
+    std::optional<QString> problem;
+    if (!pbxProjPath_->isEmpty() && projectFile_->problem()) {
+        problem = QStringLiteral("Nothing to show of %1/project.pbxproj: %2")
+                      .arg(*pbxProjPath_, *projectFile_->problem());
+    }
+    if (problem && problem != loggedProblem_) {
+        log(*problem);
+    }
+    loggedProblem_ = problem;
 }
 
 void KZDataManager::generateObjectForID(const QByteArray& identifier,

@@ -289,13 +289,24 @@ TEST_F(NavigatorViews, aRequestThatNamesNoKnownExtensionOrNoSwitchChangesNothing
          {QVariantMap(), QVariantMap{{extension, QStringLiteral("swift")}, {allowed, false}},
           QVariantMap{{extension, QStringLiteral("m")}},
           QVariantMap{{extension, QStringLiteral("m")}, {allowed, QStringLiteral("no")}},
-          QVariantMap{{extension, QStringLiteral("m")}, {allowed, 0.0}},
           QVariantMap{{extension, QStringLiteral("m")}, {allowed, QByteArray()}},
           QVariantMap{{extension, QVariantList{QStringLiteral("m")}}, {allowed, false}},
           QVariantMap{{extension, 5}, {allowed, false}}, QVariantMap{{allowed, false}}}) {
         EXPECT_EQ(manager().changeFiletypeAllowanceWithDictionary(request), before);
     }
     EXPECT_FALSE(context().hasChanges());
+}
+
+TEST_F(NavigatorViews, aSwitchMayBeAReal) {
+    loadGroupWithFiles();
+    const auto setAllowed = [&](double value) {
+        manager().changeFiletypeAllowanceWithDictionary(
+            {{QStringLiteral("extension"), QStringLiteral("m")},
+             {QStringLiteral("allowed"), value}});
+        return context().filetypesWithExtension("m").front()->allowed();
+    };
+    EXPECT_EQ(setAllowed(0.0), false);
+    EXPECT_EQ(setAllowed(1.0), true);
 }
 
 } // namespace

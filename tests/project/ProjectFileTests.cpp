@@ -4,7 +4,7 @@
 
 #include <QFile>
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -31,6 +31,29 @@ TEST(ProjectFile, aFileDatedInTheFutureIsNotReadAgainWhileItStays) {
         return project.generation() == generation;
     }));
     EXPECT_EQ(project.rootID(), "MAIN");
+}
+
+TEST(ProjectFile, itSaysWhyThereIsNothingToShow) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("project.pbxproj"));
+    const auto problemOf = [&](const QByteArray& text) {
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(text);
+        file.close();
+        ProjectFile project;
+        project.read(path.toUtf8());
+        return project.problem().value_or(QStringLiteral("none")).toStdString();
+    };
+    ProjectFile project;
+    project.read(path.toUtf8());
+    EXPECT_EQ(project.problem(), QStringLiteral("No such file or directory"));
+    project.read(folder.path().toUtf8());
+    EXPECT_EQ(project.problem(), QStringLiteral("it is not a regular file"));
+    EXPECT_EQ(problemOf(ProjectText().group("MAIN", {}).text()), "none");
+    EXPECT_THAT(problemOf(""), ::testing::StartsWith("line 1, column 1: expected"));
+    EXPECT_THAT(problemOf("{\n<<<<<<< HEAD"), ::testing::StartsWith("line 2"));
+    EXPECT_EQ(problemOf("{ objects = {}; }"), "it names no main group");
 }
 
 } // namespace

@@ -9,6 +9,7 @@ namespace navrel {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::UnorderedElementsAre;
 
@@ -490,7 +491,7 @@ TEST_F(ProjectLoading, aMissingProjectFileBuildsNothingAndStillDeletes) {
     EXPECT_EQ(manager().rootID(), std::nullopt);
     EXPECT_EQ(manager().pbxObjects(), nullptr);
     EXPECT_THAT(identifiers(), ElementsAre("MAIN", "B"));
-    EXPECT_THAT(takeLog(), ElementsAre("Deleted a.m"));
+    EXPECT_THAT(takeLog(), ElementsAre(HasSubstr("No such file or directory"), "Deleted a.m"));
 }
 
 TEST_F(ProjectLoading, unreadableProjectFilesBuildNothing) {
@@ -504,7 +505,7 @@ TEST_F(ProjectLoading, unreadableProjectFilesBuildNothing) {
         EXPECT_EQ(manager().rootID(), std::nullopt);
         EXPECT_THAT(identifiers(), IsEmpty());
     }
-    EXPECT_THAT(takeLog(), IsEmpty());
+    EXPECT_THAT(takeLog(), ::testing::Each(::testing::StartsWith("Nothing to show of ")));
 }
 
 TEST_F(ProjectLoading, anXMLProjectFileIsRead) {
@@ -684,6 +685,20 @@ TEST_F(ProjectLoading, aPassOverAnUnchangedProjectDoesNotTouchTheStore) {
         pass();
     }
     EXPECT_THAT(takeLog(), IsEmpty());
+}
+
+TEST_F(ProjectLoading, whyNothingIsShownIsLoggedOnceForEachReason) {
+    const std::string file = bundle().toStdString() + "/project.pbxproj: ";
+    load();
+    pass();
+    EXPECT_THAT(takeLog(), ElementsAre("Nothing to show of " + file + "No such file or directory"));
+    writeProject(QByteArray("{ objects = {}; }"));
+    pass();
+    pass();
+    EXPECT_THAT(takeLog(), ElementsAre("Nothing to show of " + file + "it names no main group"));
+    writeProject(ProjectText().group("MAIN", {}));
+    pass();
+    EXPECT_THAT(takeLog(), ::testing::IsEmpty());
 }
 
 } // namespace
