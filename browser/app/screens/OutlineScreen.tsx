@@ -141,7 +141,7 @@ function OutlineEntry({ outline, row, place, isLit, isWide }: Entry) {
       const { symbol } = row;
       const target: Target = { kind: symbol.kind, name: symbol.name, file, line: row.line };
       if (symbol.signature) target.detail = symbol.signature;
-      const beside = symbol.inherits?.length ? `: ${symbol.inherits.join(", ")}` : isWide ? symbol.signature : undefined;
+      const beside = symbol.inherits?.length ? `: ${symbol.inherits.join(", ")}` : isWide && lookOf(symbol.kind).colour !== "type" ? symbol.signature : undefined;
       return (
         <Row place={place} look={lookOf(symbol.kind)} name={symbol.name} beside={beside} depth={row.depth} end={end} isLit={isLit} target={target} onTap={tapOf(target)} />
       );
