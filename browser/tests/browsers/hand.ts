@@ -63,11 +63,19 @@ export class Hand {
 
   /** The names of a list's rows, in their order, as far as they are drawn. */
   names(list: string): Promise<string[]> {
-    return this.view.run((wanted: string) => [...document.querySelectorAll(`[aria-label="${wanted}"] .row-name`)].map((each) => each.textContent ?? ""), list);
+    return this.namesOf(`[aria-label="${list}"] .row-name`);
   }
 
-  lit(list: string): Promise<string | undefined> {
-    return this.view.run((wanted: string) => document.querySelector(`[aria-label="${wanted}"] .lit .row-name`)?.textContent ?? undefined, list);
+  async lit(list: string): Promise<string | undefined> {
+    return (await this.namesOf(`[aria-label="${list}"] .lit .row-name`))[0];
+  }
+
+  /** Without what a wide page has room for beside them. */
+  private namesOf(selector: string): Promise<string[]> {
+    return this.view.run((wanted: string) => {
+      const ownText = (name: Element) => [...name.childNodes].map((part) => (part instanceof Element && part.matches(".row-beside") ? "" : part.textContent)).join("");
+      return [...document.querySelectorAll(wanted)].map(ownText);
+    }, selector);
   }
 
   async isLit(list: string, name: string): Promise<void> {

@@ -2,9 +2,9 @@
 // the browser of an iPhone.
 import { type ChildProcess, spawn } from "node:child_process";
 import { existsSync, readdirSync, writeFileSync } from "node:fs";
-import { createServer, type AddressInfo } from "node:net";
 import type { Readable } from "node:stream";
 import { type Colours, complaintsOfPage, type Device, type Driver, kSizes, type Key, listenForComplaints, until, type View } from "./driver";
+import { freePort } from "./ports";
 
 const kLibraries = "/usr/lib";
 /** Its buttons keep the window from becoming as narrow as a phone's. */
@@ -20,14 +20,6 @@ function findBrowser(): string {
     }
   }
   throw new Error("There is no MiniBrowser: install webkit2gtk-driver");
-}
-
-async function freePort(): Promise<number> {
-  const server = createServer();
-  await new Promise<void>((done) => server.listen(0, "127.0.0.1", done));
-  const { port } = server.address() as AddressInfo;
-  await new Promise((done) => server.close(done));
-  return port;
 }
 
 async function end(process: ChildProcess): Promise<void> {

@@ -1,0 +1,51 @@
+// A Neovim without a screen, and what it shows.
+import { type ChildProcess, execFile, spawn } from "node:child_process";
+import { join } from "node:path";
+import { promisify } from "node:util";
+import { until } from "../drivers/driver";
+
+const run = promisify(execFile);
+
+export class Neovim {
+  private constructor(
+    private readonly process: ChildProcess,
+    private readonly socket: string,
+  ) {}
+
+  /** In a folder that Navrel looks for editors in. */
+  static async start(folder: string, environment: NodeJS.ProcessEnv): Promise<Neovim> {
+    const socket = join(folder, "nvim.test.0");
+    const process = spawn("nvim", ["--headless", "--clean", "-n", "--listen", socket], { stdio: "ignore", env: environment });
+    const neovim = new Neovim(process, socket);
+    await until("Neovim", async () => (await neovim.evaluate("1")) === "1");
+    return neovim;
+  }
+
+  private async evaluate(expression: string): Promise<string> {
+    // Older ones answer on standard error.
+    const { stdout, stderr } = await run("nvim", ["--headless", "--server", this.socket, "--remote-expr", expression]);
+    return (stdout + stderr).trim();
+  }
+
+  /** The file's name and the cursor's line. */
+  place(): Promise<string> {
+    return this.evaluate("expand('%:t') . ':' . line('.')");
+  }
+
+  async isAt(place: string): Promise<void> {
+    let last = "";
+    await until(`Neovim at ${place}`, async () => (last = await this.place()) === place).catch((error: Error) => {
+      throw new Error(`${error.message}; it is at ${last}`);
+    });
+  }
+
+  async goTo(path: string, line: number): Promise<void> {
+    await this.evaluate(`execute('edit +${line} ${path}')`);
+  }
+
+  async stop(): Promise<void> {
+    const ended = new Promise((done) => this.process.once("exit", done));
+    this.process.kill("SIGKILL");
+    await ended;
+  }
+}
