@@ -43,7 +43,10 @@ BrowserService::BrowserService(Collaborators collaborators)
     : collaborators_(std::move(collaborators)),
       host_(collaborators_.dataManager, collaborators_.editor,
             {[this] { publishFileTypes(); }, [this](const QString& label) { deviceDidPair(label); },
-             [this] { fillWindow(); }}),
+             [this] {
+                 logAccess();
+                 fillWindow();
+             }}),
       access_(settingsOf(collaborators_), mapSourceOf(map_), host_) {
     lookTimer_.setInterval(kLookInterval);
     connect(&lookTimer_, &QTimer::timeout, this, [this] { tellWhatChanged(); });
@@ -59,13 +62,21 @@ void BrowserService::start() {
     tellWhatChanged();
     lookTimer_.start();
     access_.start();
+    logAccess();
+}
+
+// Which port was taken is known a moment after the start.
+void BrowserService::logAccess() {
     const AccessStatus status = access_.status();
-    if (!status.problem.empty()) {
+    if (!status.problem.empty() && status.problem != loggedStatus_.problem) {
         log(QString::fromStdString(status.problem));
     }
-    for (const std::string& address : status.addresses) {
-        log(QStringLiteral("Browsers are served at %1").arg(QString::fromStdString(address)));
+    if (status.addresses != loggedStatus_.addresses) {
+        for (const std::string& address : status.addresses) {
+            log(QStringLiteral("Browsers are served at %1").arg(QString::fromStdString(address)));
+        }
     }
+    loggedStatus_ = status;
 }
 
 void BrowserService::tellWhatChanged() {

@@ -54,6 +54,7 @@ private:
     void publishFileTypes();
     ProgramState programState() const;
     void followEditor();
+    void logAccess();
     void changeMode(AccessSettings::Mode mode);
     void deviceDidPair(const QString& label);
     void makeWindow();
@@ -65,7 +66,8 @@ private:
     BrowserAccess access_; ///< ends before what it asks
     std::unique_ptr<PairingWindow> window_;
     QString chosenAddress_;
-    QString project_; ///< that the code map was told of
+    AccessStatus loggedStatus_; ///< the last one that the log was told of
+    QString project_;           ///< that the code map was told of
     std::vector<FileTypeSwitch> fileTypes_;
     QTimer lookTimer_;
 };

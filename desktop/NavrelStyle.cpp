@@ -15,6 +15,8 @@ const QString kStyleOfQt = QStringLiteral("fusion");
 
 constexpr qreal kPenWidth = 1.2;
 constexpr qreal kRadius = 2;
+/// The radius of a choice's dot, as a share of its circle's width.
+constexpr qreal kDotShare = 0.22;
 /// Steps of the way from the background to the text.
 constexpr int kShades = 20;
 
@@ -45,6 +47,25 @@ QColor legibleShade(const QColor& background, const QColor& text) {
         }
     }
     return text;
+}
+
+/// The circle of a choice, and a dot in the one that was taken.
+void drawChoiceCircle(const QStyleOption& option, QPainter& painter) {
+    const QColor color = option.palette.color(QPalette::WindowText);
+    const qreal side = std::min(option.rect.width(), option.rect.height()) - 2 * kPenWidth;
+    QRectF circle(0, 0, side, side);
+    circle.moveCenter(QRectF(option.rect).center());
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(color, kPenWidth));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawEllipse(circle);
+    if ((option.state & QStyle::State_On) != 0) {
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(color);
+        painter.drawEllipse(circle.center(), side * kDotShare, side * kDotShare);
+    }
+    painter.restore();
 }
 
 bool isSwitchBox(QStyle::PrimitiveElement element) {
@@ -93,6 +114,8 @@ void NavrelStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
                                 QPainter* painter, const QWidget* widget) const {
     if (isSwitchBox(element)) {
         drawSwitchBox(*option, *painter);
+    } else if (element == PE_IndicatorRadioButton) {
+        drawChoiceCircle(*option, *painter);
     } else {
         QProxyStyle::drawPrimitive(element, option, painter, widget);
     }

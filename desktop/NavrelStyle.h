@@ -5,9 +5,10 @@
 
 namespace navrel {
 
-/// Qt's own style, but legible in every theme: the box of a switch has the text's colour, where Qt
-/// draws it darker than the background, which cannot be seen in a dark theme, and disabled text can
-/// be read, since menus have entries that are only read. Main thread.
+/// Qt's own style, but legible in every theme: the boxes of switches and the
+/// circles of choices have the text's colour, where Qt
+/// draws them darker than the background, which cannot be seen in a dark theme, and disabled text
+/// can be read, since menus have entries that are only read. Main thread.
 class NavrelStyle final : public QProxyStyle {
 public:
     /// Puts it in the place of the application's style, unless that is another than Qt's own: those

@@ -48,11 +48,11 @@ double contrastOfBox(const Theme& theme, QStyle::PrimitiveElement element, QStyl
     return best;
 }
 
-TEST(NavrelStyle, theBoxOfASwitchCanBeSeenInEachThemeWhetherItIsOnOrOff) {
+TEST(NavrelStyle, switchesAndChoicesCanBeSeenInEachThemeWhetherTheyAreOnOrOff) {
     for (const Theme& theme : {kDark, kLight}) {
         for (const auto element :
              {QStyle::PE_IndicatorItemViewItemCheck, QStyle::PE_IndicatorCheckBox,
-              QStyle::PE_IndicatorMenuCheckMark}) {
+              QStyle::PE_IndicatorMenuCheckMark, QStyle::PE_IndicatorRadioButton}) {
             for (const auto state : {QStyle::State_Off, QStyle::State_On}) {
                 EXPECT_GE(contrastOfBox(theme, element, state), kLegibleContrast) << element;
             }
