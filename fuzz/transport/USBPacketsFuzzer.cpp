@@ -1,231 +1,130 @@
 #include "support/Assertion.h"
 #include "support/Log.h"
 #include "support/NotificationCentre.h"
-#include "support/dispatch/DispatchQueue.h"
-#include "transport/KeptUSBStream.h"
+#include "transport/PTUSBChannel.h"
 #include "transport/PTUSBHub.h"
 #include "transport/PTUSBPacket.h"
-#include "transport/USBDaemonKeeper.h"
 
 #include <QByteArray>
-#include <QCoreApplication>
-#include <QEventLoop>
+#include <QByteArrayView>
+#include <QString>
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
 #include <cstddef>
 #include <cstdint>
-#include <set>
-#include <sys/socket.h>
-#include <unistd.h>
+#include <vector>
 
-// A hostile daemon. The first byte of an input says whether the hub listens or connects to a
-// device, and into how many pieces the daemon's bytes are cut; the next ones say where; the rest is
-// what the daemon sends before it goes. What the hub tells is compared with what a plain walk over
-// the packets finds.
+// What a hostile daemon sends, read without a stream. The first byte of an input says into how many
+// pieces the rest is cut, the next ones where. However the bytes are cut, the packets must be the
+// same; the hub must tell of each device that was attached or detached, and of no other.
 namespace navrel {
 namespace {
 
-constexpr uint8_t kConnects = 0x80;
 constexpr size_t kMostPieces = 16;
-constexpr quint32 kRequestTag = 1;
 
-void serve() {
-    QCoreApplication::processEvents();
-}
-
-template <typename Condition>
-void serveUntil(Condition condition) {
-    while (!condition()) {
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    }
-}
-
-/// A daemon that accepts one connection, whose other end is the fuzzer's.
-class OneConnection final : public USBDaemon {
+/// The packets of bytes that arrive piece by piece.
+class Reader {
 public:
-    OwnedDescriptor openStream() override {
-        std::array<int, 2> ends = {};
-        if (isTaken || ::socketpair(AF_UNIX, SOCK_STREAM, 0, ends.data()) != 0) {
-            errno = ECONNREFUSED;
-            return {};
-        }
-        isTaken = true;
-        peer = OwnedDescriptor(ends[1]);
-        return OwnedDescriptor(ends[0]);
-    }
-
-    bool isTaken = false;
-    OwnedDescriptor peer;
-};
-
-/// The program's side of a kept stream on such a daemon.
-class KeptConnection final : public USBDaemon {
-public:
-    OwnedDescriptor openStream() override {
-        std::array<int, 2> ends = {};
-        NAVREL_ASSERT(::socketpair(AF_UNIX, SOCK_STREAM, 0, ends.data()) == 0);
-        stream_ =
-            KeptUSBStream::create(OwnedDescriptor(ends[1]), daemon, USBDaemonKeeper::kReplyTimeout,
-                                  {[] {}, [this] { stream_ = nullptr; }});
-        return OwnedDescriptor(ends[0]);
-    }
-
-    OneConnection daemon;
-
-private:
-    std::shared_ptr<KeptUSBStream> stream_;
-};
-
-void sendAll(const OwnedDescriptor& peer, QByteArrayView bytes) {
-    while (!bytes.isEmpty()) {
-        const ssize_t count = ::send(peer.value(), bytes.data(), static_cast<size_t>(bytes.size()),
-                                     MSG_NOSIGNAL | MSG_DONTWAIT);
-        if (count < 0 && errno != EAGAIN) {
-            return; // the keeper has had enough
-        }
-        serve();
-        bytes = bytes.sliced(std::max<ssize_t>(count, 0));
-    }
-}
-
-void sendAndGo(OneConnection& daemon, QByteArrayView cuts, QByteArrayView bytes) {
-    serveUntil([&] { return daemon.isTaken; });
-    for (const char cut : cuts) {
-        const auto size = std::min<qsizetype>(static_cast<uint8_t>(cut), bytes.size());
-        sendAll(daemon.peer, bytes.first(size));
-        bytes = bytes.sliced(size);
-    }
-    sendAll(daemon.peer, bytes);
-    daemon.peer = OwnedDescriptor();
-}
-
-/// Calls back with each packet of the bytes, until there is none or false is returned.
-template <typename OnPacket>
-void walk(QByteArray& bytes, OnPacket onPacket) {
-    while (const auto packet = takePTUSBPacket(bytes).packet) {
-        if (!onPacket(decodedPTUSBPacket(*packet))) {
+    void take(QByteArrayView bytes) {
+        if (isMalformed_) {
             return;
         }
+        received_.append(bytes);
+        for (;;) {
+            PTUSBPacketTaken taken = takePTUSBPacket(received_);
+            isMalformed_ = taken.isMalformed;
+            if (!taken.packet) {
+                return;
+            }
+            packets_.push_back(*std::move(taken.packet));
+        }
     }
-}
 
-std::optional<Error> refusalIn(const PTUSBPacket& reply) {
-    std::optional<Error> error = reply.error;
-    PTUSBChannel::errorFromPlistResponse(reply.message, error);
-    return error;
-}
+    const std::vector<QByteArray>& packets() const { return packets_; }
+    bool operator==(const Reader&) const = default;
 
-/// How often devices come and go.
+private:
+    QByteArray received_;
+    std::vector<QByteArray> packets_;
+    bool isMalformed_ = false;
+};
+
+/// How often devices came and went.
 struct Traffic {
     size_t attached = 0;
     size_t detached = 0;
     bool operator==(const Traffic&) const = default;
 };
 
-/// What a listening hub is to tell of a daemon that sends these bytes and goes.
-Traffic trafficIn(QByteArray bytes) {
-    Traffic traffic;
-    std::set<qlonglong> devices;
-    walk(bytes, [&](const PTUSBPacket& packet) {
-        if (packet.tag == kRequestTag) {
-            return !refusalIn(packet); // a daemon that refuses is left
-        }
-        if (packet.tag != kPTUSBBroadcastTag || !packet.message) {
-            return true;
-        }
-        const QString type = packet.message->value(QStringLiteral("MessageType")).toString();
-        const auto device = numberInMessage(*packet.message, QStringLiteral("DeviceID"));
-        if (type == QStringLiteral("Attached")) {
-            ++traffic.attached;
-            if (device) {
-                devices.insert(*device);
-            }
-        } else if (type == QStringLiteral("Detached")) {
-            ++traffic.detached;
-            devices.erase(device.value_or(0));
-        }
-        return true;
-    });
-    traffic.detached += devices.size();
-    return traffic;
-}
-
-void listen(QByteArrayView cuts, QByteArrayView bytes) {
-    const auto kept = std::make_shared<KeptConnection>();
-    auto hub = PTUSBHub::create(kept);
-    Traffic told;
-    auto& centre = NotificationCentre::defaultCentre();
-    const auto attached = centre.addObserver(PTUSBDeviceDidAttachNotification, hub.get(),
-                                             [&](const Notification&) { ++told.attached; });
-    const auto detached = centre.addObserver(PTUSBDeviceDidDetachNotification, hub.get(),
-                                             [&](const Notification&) { ++told.detached; });
-    int starts = 0;
-    bool hasEnded = false;
-    hub->listenOnQueue(
-        DispatchQueue::mainQueue(), [&](const auto&) { ++starts; },
-        [&](const auto&) { hasEnded = true; });
-    sendAndGo(kept->daemon, cuts, bytes);
-    const Traffic expected = trafficIn(bytes.toByteArray());
-    serveUntil([&] { return told == expected && starts == 1; });
-    serve();
-    NAVREL_ASSERT(told == expected && starts == 1 && !hasEnded);
-    hub = nullptr;
-    serveUntil([&] { return hasEnded; });
-}
-
-/// What follows the reply to a request; nothing when there is none, or a refusal.
-std::optional<QByteArray> bytesBehindReply(QByteArray bytes) {
-    std::optional<Error> error = Error::posix(ECONNREFUSED);
-    walk(bytes, [&](const PTUSBPacket& packet) {
-        if (packet.tag != kRequestTag) {
-            return true;
-        }
-        error = refusalIn(packet);
-        return false;
-    });
-    return error ? std::nullopt : std::optional(bytes);
-}
-
-void connect(QByteArrayView cuts, QByteArrayView bytes) {
-    const auto kept = std::make_shared<KeptConnection>();
-    const auto hub = PTUSBHub::create(kept);
-    std::optional<Error> refusal;
-    std::shared_ptr<DispatchIO> stream;
-    bool hasEnded = false;
-    hub->connectToDevice(
-        qlonglong{7}, 2345,
-        [&](const std::optional<Error>& error, const std::shared_ptr<DispatchIO>& channel) {
-            NAVREL_ASSERT(!refusal && !stream);
-            refusal = error;
-            stream = channel;
-        },
-        [&](const auto&) { hasEnded = true; });
-    sendAndGo(kept->daemon, cuts, bytes);
-    serveUntil([&] { return refusal || stream; });
-    const auto expected = bytesBehindReply(bytes.toByteArray());
-    NAVREL_ASSERT(expected.has_value() == (stream != nullptr));
-    if (stream) {
-        QByteArray received;
-        bool isDone = false;
-        stream->read(static_cast<quint64>(expected->size()) + 1, DispatchQueue::mainQueue(),
-                     [&](bool done, const DispatchData& data, int) {
-                         received += data.toByteArray();
-                         isDone = done;
-                     });
-        serveUntil([&] { return isDone; });
-        NAVREL_ASSERT(received == *expected);
-        stream = nullptr;
+/// A hub without a daemon, and what it told.
+class Listener {
+public:
+    Listener() {
+        auto& centre = NotificationCentre::defaultCentre();
+        tokens_.push_back(centre.addObserver(PTUSBDeviceDidAttachNotification, hub_.get(),
+                                             [this](const Notification&) { ++told_.attached; }));
+        tokens_.push_back(centre.addObserver(PTUSBDeviceDidDetachNotification, hub_.get(),
+                                             [this](const Notification&) { ++told_.detached; }));
     }
-    serveUntil([&] { return hasEnded; });
+
+    void hear(const PTUSBPacket& packet) const { hub_->handleBroadcastPacket(packet.message); }
+    const Traffic& told() const { return told_; }
+
+private:
+    const std::shared_ptr<PTUSBHub> hub_ = PTUSBHub::create(nullptr);
+    Traffic told_;
+    std::vector<NotificationCentre::Token> tokens_;
+};
+
+/// What one broadcast says.
+Traffic trafficOf(const PTUSBPacket& packet) {
+    const QString type = packet.message
+                             ? packet.message->value(QStringLiteral("MessageType")).toString()
+                             : QString();
+    return {type == QStringLiteral("Attached") ? 1U : 0U,
+            type == QStringLiteral("Detached") ? 1U : 0U};
+}
+
+void readReply(const PTUSBPacket& packet) {
+    std::optional<Error> error = packet.error;
+    const bool isSuccess = PTUSBChannel::errorFromPlistResponse(packet.message, error);
+    NAVREL_ASSERT(packet.error || isSuccess == !error);
+    NAVREL_ASSERT(!descriptionOfMessage(packet.message).contains(QLatin1Char('\n')));
+}
+
+void run(QByteArrayView cuts, QByteArrayView bytes) {
+    Reader whole;
+    whole.take(bytes);
+    Reader pieces;
+    for (const char cut : cuts) {
+        const auto size = std::min<qsizetype>(static_cast<uint8_t>(cut), bytes.size());
+        pieces.take(bytes.first(size));
+        bytes = bytes.sliced(size);
+    }
+    pieces.take(bytes);
+    NAVREL_ASSERT(pieces == whole);
+
+    const Listener listener;
+    Traffic expected;
+    for (const QByteArray& bytesOfPacket : whole.packets()) {
+        const PTUSBPacket packet = decodedPTUSBPacket(bytesOfPacket);
+        NAVREL_ASSERT(!packet.error || !packet.message);
+        if (packet.tag != kPTUSBBroadcastTag) {
+            readReply(packet);
+            continue;
+        }
+        const Traffic traffic = trafficOf(packet);
+        expected.attached += traffic.attached;
+        expected.detached += traffic.detached;
+        listener.hear(packet);
+    }
+    NAVREL_ASSERT(listener.told() == expected);
 }
 
 } // namespace
 } // namespace navrel
 
-extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
-    static QCoreApplication application(*argc, *argv);
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
     navrel::setLogReceiver([](const QString&) {}); // odd packets are logged, one by one
     return 0;
 }
@@ -237,7 +136,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     const auto pieces = static_cast<qsizetype>((data[0] & 0x7F) % (navrel::kMostPieces + 1));
     const auto cuts = std::min(pieces, bytes.size() - 1);
-    const auto run = (data[0] & navrel::kConnects) != 0 ? navrel::connect : navrel::listen;
-    run(bytes.sliced(1, cuts), bytes.sliced(1 + cuts));
+    navrel::run(bytes.sliced(1, cuts), bytes.sliced(1 + cuts));
     return 0;
 }
