@@ -147,8 +147,8 @@ void BrowserService::changeMode(AccessSettings::Mode mode) {
     fillWindow();
 }
 
+// The server has logged it.
 void BrowserService::deviceDidPair(const QString& label) {
-    log(QStringLiteral("A device was paired: %1").arg(label));
     collaborators_.notify(QStringLiteral("Paired: %1").arg(label),
                           QStringLiteral("This device can see your project now. \"Phone or "
                                          "Tablet…\" in Navrel's menu lists all of them."));
