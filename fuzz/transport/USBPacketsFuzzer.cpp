@@ -33,6 +33,9 @@ public:
         for (;;) {
             PTUSBPacketTaken taken = takePTUSBPacket(received_);
             isMalformed_ = taken.isMalformed;
+            if (isMalformed_) {
+                received_.clear(); // how much had arrived by then says nothing
+            }
             if (!taken.packet) {
                 return;
             }
