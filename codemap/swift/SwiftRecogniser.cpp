@@ -36,7 +36,7 @@ bool isCondition(const SwiftToken& token) {
            token.kind == SwiftTokenKind::endCondition;
 }
 
-std::string_view textBetween(const char* begin, const char* end) {
+std::string_view signatureText(const char* begin, const char* end) {
     return {begin, static_cast<std::size_t>(end - begin)};
 }
 
@@ -491,7 +491,7 @@ void SwiftRecogniser::readExtension(const Head& head) {
             skipAngles();
         } else if (opensGroup()) {
             skipGroup();
-            fullName_ += textBetween(begin, lastEnd_);
+            fullName_ += signatureText(begin, lastEnd_);
         } else {
             fullName_ += withoutBackticks(token_.text);
             advance();
@@ -899,20 +899,20 @@ std::string_view SwiftRecogniser::signature(std::string_view before, const char*
                                             const char* end) {
     const auto& comments = lexer_.comments();
     if (comments.empty() && before.empty()) {
-        return textBetween(begin, end);
+        return signatureText(begin, end);
     }
     signature_ = before;
     signature_ += before.empty() ? "" : " ";
     const char* place = begin;
     for (const std::string_view comment : comments) {
         if (comment.data() >= place && comment.data() < end) {
-            signature_ += textBetween(place, comment.data());
+            signature_ += signatureText(place, comment.data());
             signature_ += ' ';
             place = comment.data() + comment.size();
         }
     }
     if (place < end) {
-        signature_ += textBetween(place, end);
+        signature_ += signatureText(place, end);
     }
     return signature_;
 }
