@@ -1,5 +1,5 @@
 // Runs the tests: `unit` by themselves, the others in the browser of that name.
-// usage: node test.mjs [--name PATTERN] [--file PART] [unit] [chromium] [webkit] [firefox]
+// usage: node test.mjs [--name PATTERN] [--file PART] [unit] [chromium] [webkit]
 import { spawnSync } from "node:child_process";
 import { readdirSync, rmSync } from "node:fs";
 import { join } from "node:path";
