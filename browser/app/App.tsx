@@ -41,12 +41,12 @@ function OnePane() {
   const Screen = kScreens[tab];
   return (
     <>
-      <Banner />
       <div class="panes">
         <div class="pane" role="tabpanel" id="screen" aria-labelledby={`tab-${tab}`}>
           <Screen />
         </div>
       </div>
+      <Banner />
       <TabBar />
     </>
   );
@@ -64,7 +64,6 @@ function TwoPanes() {
           <span aria-hidden="true">↩ </span>Back
         </button>
       </div>
-      <Banner />
       <div class="panes">
         <div class="navigator">
           <TabBar />
@@ -77,6 +76,7 @@ function TwoPanes() {
           <OutlineScreen />
         </section>
       </div>
+      <Banner />
     </>
   );
 }

@@ -1,4 +1,5 @@
-// What stands between the user and a tap that works: no Navrel, no editor, no project.
+// What stands between the user and a tap that works: no Navrel, no editor. It is below the lists, so that its coming
+// and going moves no row away from under a finger.
 import { useEffect, useReducer } from "preact/hooks";
 import { age } from "../model/words";
 import { useStore } from "../store";
