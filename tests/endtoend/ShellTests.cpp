@@ -146,14 +146,16 @@ TEST_F(ShellTest, theQuitEntryStoresAutomaticSelectionAndEndsTheProgram) {
     ASSERT_TRUE(panel_->appear());
     ASSERT_TRUE(navrel_.start());
     ASSERT_TRUE(isOnPanel());
-    QSettings defaults(navrel_.defaultsFile(), QSettings::IniFormat);
-    const QString key = QStringLiteral("automaticProjectSelection");
-    defaults.remove(key);
-    defaults.sync();
+    const auto preference = [this] {
+        return QSettings(navrel_.defaultsFile(), QSettings::IniFormat)
+            .value(QStringLiteral("automaticProjectSelection"))
+            .toString();
+    };
+    ASSERT_EQ(preference(), QStringLiteral("false"));
+    click(QStringLiteral("Select Project Automatically"));
     click(QStringLiteral("Quit Navrel"));
     EXPECT_EQ(navrel_.waitForExit(), 0) << navrel_.log().data();
-    defaults.sync();
-    EXPECT_EQ(defaults.value(key).toString(), QStringLiteral("false"));
+    EXPECT_EQ(preference(), QStringLiteral("true"));
 }
 
 TEST_F(ShellTest, theUpdateAlertComesBeforeTheItem) {
