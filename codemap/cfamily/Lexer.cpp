@@ -312,7 +312,8 @@ void Lexer::skipQuoted(char quote) {
 void Lexer::skipRawString() {
     const std::size_t parenthesis = text_.find('(', position_);
     const std::string_view delimiter = text_.substr(position_ + 1, parenthesis - position_ - 1);
-    const std::string closing = ")" + std::string(delimiter) + "\"";
+    std::string closing(1, ')');
+    closing.append(delimiter).append(1, '"');
     const std::size_t end = text_.find(closing, parenthesis);
     if (end == std::string_view::npos) {
         hasBrokenRawString_ = true;

@@ -950,7 +950,7 @@ std::string Recogniser::takeNames(Sign opening, Sign closing) {
         if (token.is(',')) {
             isFirst = true;
         } else if (token.kind == TokenKind::word && isFirst && depth == 0) {
-            names += (names.empty() ? "" : "\n") + std::string(token.in(text_));
+            names.append(names.empty() ? "" : "\n").append(token.in(text_));
             isFirst = false;
         }
     }
