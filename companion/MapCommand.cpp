@@ -19,7 +19,7 @@ namespace json = boost::json;
 
 namespace {
 
-enum ExitCode { kSuccess = 0, kNotFound = 1, kUsage = 2 };
+enum MapExitCode { kMapShown = 0, kNotFound = 1, kMapUsage = 2 };
 enum class View { tree, outline, search, types, notes, changes };
 
 constexpr std::size_t kSearchLimit = 200;
@@ -142,7 +142,7 @@ int runMapCommand(const std::vector<std::string>& arguments) {
         std::fprintf(stderr,
                      "usage: navrel-companion map PATH.xcodeproj [--outline FILE | --search TEXT | "
                      "--types | --notes | --changes] [--json]\n");
-        return kUsage;
+        return kMapUsage;
     }
     const CodeMapSnapshotPtr snapshot =
         MapBuilder(absolutePath(request->bundlePath)).build(1).snapshot;
@@ -161,7 +161,7 @@ int runMapCommand(const std::vector<std::string>& arguments) {
     const json::object view = viewOf(*snapshot, *request, file);
     print(request->isJSON ? json::serialize(view) + '\n'
                           : textOf(view, request->view).toStdString());
-    return kSuccess;
+    return kMapShown;
 }
 
 } // namespace navrel

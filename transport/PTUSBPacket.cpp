@@ -22,8 +22,8 @@ namespace {
 enum : qsizetype {
     kSizeOffset = 0,
     kProtocolOffset = 4,
-    kTypeOffset = 8,
-    kTagOffset = 12,
+    kPacketTypeOffset = 8,
+    kPacketTagOffset = 12,
 };
 
 /// Enough for every message of a real daemon, short enough for one line of the system's log.
@@ -76,8 +76,8 @@ DispatchData createPTUSBPacket(quint32 type, quint32 protocol, quint32 tag,
     const auto payloadSize = static_cast<size_t>(payload.size());
     MallocedBytes packet = usbmuxPacketAlloc(payloadSize);
     qToLittleEndian(protocol, packet.get() + kProtocolOffset);
-    qToLittleEndian(type, packet.get() + kTypeOffset);
-    qToLittleEndian(tag, packet.get() + kTagOffset);
+    qToLittleEndian(type, packet.get() + kPacketTypeOffset);
+    qToLittleEndian(tag, packet.get() + kPacketTagOffset);
     if (payloadSize > 0) {
         std::memcpy(packet.get() + kPTUSBPacketHeaderSize, payload.data(), payloadSize);
     }
@@ -94,10 +94,10 @@ bool isPTUSBPacketSizeAllowed(quint32 size) {
 
 PTUSBPacket decodedPTUSBPacket(QByteArrayView packet) {
     PTUSBPacket result;
-    result.tag = wordAt(packet, kTagOffset);
+    result.tag = wordAt(packet, kPacketTagOffset);
     if (wordAt(packet, kProtocolOffset) != kPTUSBPacketProtocolPlist) {
         result.error = packetError(QStringLiteral("Unexpected package protocol"));
-    } else if (wordAt(packet, kTypeOffset) != kPTUSBPacketTypePlist) {
+    } else if (wordAt(packet, kPacketTypeOffset) != kPTUSBPacketTypePlist) {
         result.error = packetError(QStringLiteral("Unexpected package type"));
     } else if (const auto payload = packet.sliced(kPTUSBPacketHeaderSize); !payload.isEmpty()) {
         const auto list = propertyListWithData(payload, &result.error);

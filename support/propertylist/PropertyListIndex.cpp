@@ -15,7 +15,7 @@ constexpr std::size_t kFewestSlots = 16;
 
 // As for a document's nodes.
 constexpr std::size_t kKeptSlots = std::size_t{128} << 10;
-constexpr std::size_t kMostSpareTimes = 4;
+constexpr std::size_t kMostSpareSlotTimes = 4;
 
 const PropertyListIndex::Seed& seedOfProcess() {
     static const PropertyListIndex::Seed seed = [] {
@@ -38,7 +38,7 @@ void PropertyListIndex::build(Value dictionary) {
     document_ = dictionary.document_;
     size_ = 0;
     const std::size_t slotCount = std::bit_ceil(std::max(kFewestSlots, dictionary.count() * 2));
-    if (slots_.capacity() > kKeptSlots && slots_.capacity() / kMostSpareTimes > slotCount) {
+    if (slots_.capacity() > kKeptSlots && slots_.capacity() / kMostSpareSlotTimes > slotCount) {
         slots_ = {};
     }
     slots_.assign(slotCount, Slot());
