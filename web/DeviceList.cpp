@@ -139,8 +139,10 @@ DeviceList::Pairing DeviceList::add(std::string_view label) {
     }
     Pairing pairing = {++lastNumber_, randomText(kTokenBytes), harmlessLabel(label)};
     const Time now = clock_();
-    records_[pairing.number] = {
-        {pairing.number, pairing.label, now, now, false, false}, digestOf(pairing.token), now, 0};
+    Record& record = records_[pairing.number];
+    record.device = {pairing.number, pairing.label, now, now, false, false};
+    record.digest = digestOf(pairing.token);
+    record.renewed = now;
     write();
     return pairing;
 }
