@@ -31,8 +31,8 @@ target_compile_definitions(navrel_options INTERFACE
     QT_STRICT_ITERATORS)
 
 if(CMAKE_UNITY_BUILD)
-    # One file's constant is no other file's business.
-    target_compile_options(navrel_options INTERFACE -Wno-shadow)
+    # One file's constant is no other file's business, and a type of its own is no header's.
+    target_compile_options(navrel_options INTERFACE -Wno-shadow -Wno-subobject-linkage)
 endif()
 if(NAVREL_SANITIZE)
     target_compile_options(navrel_options INTERFACE
