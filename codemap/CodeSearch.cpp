@@ -86,9 +86,8 @@ private:
         std::unordered_set<const Outline*> seen; // of a file that is listed twice
         for (node_ = 0; node_ < snapshot_.nodes().size(); ++node_) {
             const MapNode& node = *snapshot_.nodes()[node_];
-            if (filter_.files && node.kind == NodeKind::file &&
-                mayHold(letterSetOf(node.name), match_.letters())) {
-                consider(node.name, node, Table::files, 0);
+            if (filter_.files && node.kind == NodeKind::file) {
+                consider(node.name, letterSetOf(node.name), node, Table::files, 0);
             }
             if (node.outline && seen.insert(node.outline.get()).second) {
                 visitOutline(node, *node.outline);
@@ -101,7 +100,7 @@ private:
         std::uint32_t index = 0;
         for (const Symbol& symbol : outline.symbols()) {
             if (mayHold(symbol.letters, wanted) && filter_.allows(symbol.kind)) {
-                consider(outline.text(symbol.name), file, Table::symbols, index);
+                consider(outline.text(symbol.name), symbol.letters, file, Table::symbols, index);
             }
             ++index;
         }
@@ -118,21 +117,31 @@ private:
                     Table table) {
         std::uint32_t index = 0;
         for (const auto& entry : entries) {
-            if (mayHold(entry.letters, match_.letters())) {
-                consider(outline.text(entry.text), file, table, index);
-            }
+            consider(outline.text(entry.text), entry.letters, file, table, index);
             ++index;
         }
     }
 
-    void consider(std::string_view name, const MapNode& file, Table table, std::uint32_t index) {
-        const std::optional<int> score = match_.score(name);
+    void consider(std::string_view name, LetterSet letters, const MapNode& file, Table table,
+                  std::uint32_t index) {
+        if (!mayHold(letters, match_.letters())) {
+            return;
+        }
+        Candidate candidate{
+            0, static_cast<std::uint32_t>(name.size()), file.modified, node_, table, index};
+        // Once it is known that there are more than asked for, most need no look.
+        if (found_ > limit_) {
+            candidate.score = match_.bound(name, letters);
+            if (!(candidate < best_.front())) {
+                return;
+            }
+        }
+        const std::optional<int> score = match_.score(name, leastScore(candidate));
         if (!score) {
             return;
         }
         ++found_;
-        const Candidate candidate{
-            *score, static_cast<std::uint32_t>(name.size()), file.modified, node_, table, index};
+        candidate.score = *score;
         if (best_.size() < limit_) {
             best_.push_back(candidate);
             std::push_heap(best_.begin(), best_.end());
@@ -141,6 +150,15 @@ private:
             best_.back() = candidate;
             std::push_heap(best_.begin(), best_.end());
         }
+    }
+
+    /// Which score a candidate needs at least to be among the best.
+    int leastScore(const Candidate& candidate) const {
+        if (found_ <= limit_) {
+            return 0;
+        }
+        const Candidate& worst = best_.front();
+        return worst.score + (candidate.length > worst.length ? 1 : 0);
     }
 
     SearchResult resultOf(const Candidate& candidate) {

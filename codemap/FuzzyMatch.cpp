@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <climits>
 #include <utility>
 
 // The best placement is found by dynamic programming: the score of the query's first r characters
@@ -113,6 +114,14 @@ constexpr auto kBonus = [] {
     return table;
 }();
 
+bool isASCII(std::string_view text) {
+    unsigned char all = 0;
+    for (const char character : text) {
+        all |= static_cast<unsigned char>(character);
+    }
+    return all < kASCII.size();
+}
+
 char32_t folded(char32_t character) {
     return character < kASCII.size() ? kASCII[character].folded
                                      : static_cast<char32_t>(u_foldCase(
@@ -148,7 +157,10 @@ FuzzyMatch::FuzzyMatch(std::string_view query) {
     }
 }
 
-std::optional<int> FuzzyMatch::score(std::string_view name) {
+std::optional<int> FuzzyMatch::score(std::string_view name, int atLeast) {
+    if (words_.size() == 1 && words_.front().size() == 1 && isASCII(name)) {
+        return scoreOfCharacter(name);
+    }
     if (!prepare(name)) {
         return std::nullopt;
     }
@@ -157,7 +169,10 @@ std::optional<int> FuzzyMatch::score(std::string_view name) {
         if (!findFirstPlaces(word)) {
             return std::nullopt;
         }
-        sum += word.size() == 1 ? scoreOfOne(word.front()) : scoreOfWord(word);
+        if (words_.size() == 1 && atLeast > 0 && boundOfWord(word) < atLeast) {
+            return std::nullopt;
+        }
+        sum += scoreOfWord(word);
     }
     return sum;
 }
@@ -182,33 +197,84 @@ std::vector<std::uint32_t> FuzzyMatch::positions(std::string_view name) {
     return places;
 }
 
+/// What every first keystroke asks of every name: without a table.
+std::optional<int> FuzzyMatch::scoreOfCharacter(std::string_view name) const {
+    const char32_t wanted = words_.front().front();
+    int best = -1;
+    auto before = static_cast<std::size_t>(Class::blank);
+    for (const char character : name.substr(0, kMaximumMatchedLength)) {
+        const ASCIICharacter& here = kASCII[static_cast<unsigned char>(character)];
+        const auto kind = static_cast<std::size_t>(here.kind);
+        if (here.folded == wanted) {
+            best = std::max<int>(best, kBonus[before][kind]);
+        }
+        before = kind;
+    }
+    return best < 0 ? std::nullopt : std::optional(kMatch + best * kFirstCharacterFactor);
+}
+
+int FuzzyMatch::bound(std::string_view name, LetterSet letters) const {
+    static const LetterSet kBlank = letterSetOf(" ");
+    const auto first = name.empty() ? '\0' : name.front();
+    const bool mayFollowBlank = mayHold(letters, kBlank) || (first & '\x80') != 0;
+    int sum = 0;
+    for (const Characters& word : words_) {
+        const bool begins =
+            mayFollowBlank || kASCII[static_cast<unsigned char>(first)].folded == word.front();
+        const int bonus = begins ? kAfterBlank : kAfterDelimiter;
+        const int length = static_cast<int>(word.size());
+        sum += length * (kMatch + bonus) + (kFirstCharacterFactor - 1) * bonus;
+    }
+    return sum;
+}
+
 /// False for a name that needs no look.
 bool FuzzyMatch::prepare(std::string_view name) {
-    length_ = 0;
     folded_.resize(kMaximumMatchedLength);
+    classes_.resize(kMaximumMatchedLength);
     bonus_.resize(kMaximumMatchedLength);
     units_.resize(kMaximumMatchedLength);
-    Class before = Class::blank;
-    std::uint32_t unit = 0;
-    for (std::size_t place = 0; place < name.size() && length_ < kMaximumMatchedLength; ++length_) {
-        const auto byte = static_cast<unsigned char>(name[place]);
-        Class here{};
-        units_[length_] = unit;
-        if (byte < kASCII.size()) {
-            here = kASCII[byte].kind;
-            folded_[length_] = kASCII[byte].folded;
-            ++place;
-            ++unit;
-        } else {
-            const char32_t character = nextCharacter(name, place);
-            here = classOfOther(character);
-            folded_[length_] = folded(character);
-            unit += character > 0xFFFF ? 2 : 1;
+    hasBonuses_ = false;
+    length_ = 0;
+    const std::size_t most = std::min(name.size(), kMaximumMatchedLength);
+    for (; length_ < most; ++length_) {
+        const auto byte = static_cast<unsigned char>(name[length_]);
+        if (byte >= kASCII.size()) {
+            prepareOther(name);
+            break;
         }
-        bonus_[length_] = kBonus[static_cast<std::size_t>(before)][static_cast<std::size_t>(here)];
-        before = here;
+        folded_[length_] = kASCII[byte].folded;
+        classes_[length_] = static_cast<std::uint8_t>(kASCII[byte].kind);
+        units_[length_] = static_cast<std::uint32_t>(length_);
     }
     return length_ > 0 && !words_.empty();
+}
+
+/// Goes on where the first character is that is not ASCII.
+void FuzzyMatch::prepareOther(std::string_view name) {
+    auto unit = static_cast<std::uint32_t>(length_);
+    for (std::size_t place = length_; place < name.size() && length_ < kMaximumMatchedLength;
+         ++length_) {
+        const char32_t character = nextCharacter(name, place);
+        const Class kind =
+            character < kASCII.size() ? kASCII[character].kind : classOfOther(character);
+        folded_[length_] = folded(character);
+        classes_[length_] = static_cast<std::uint8_t>(kind);
+        units_[length_] = unit;
+        unit += character > 0xFFFF ? 2 : 1;
+    }
+}
+
+/// Once it is known that there is something to score.
+void FuzzyMatch::findBonuses() {
+    if (std::exchange(hasBonuses_, true)) {
+        return;
+    }
+    auto before = static_cast<std::size_t>(Class::blank);
+    for (std::size_t column = 0; column < length_; ++column) {
+        bonus_[column] = kBonus[before][classes_[column]];
+        before = classes_[column];
+    }
 }
 
 bool FuzzyMatch::findFirstPlaces(const Characters& word) {
@@ -223,17 +289,37 @@ bool FuzzyMatch::findFirstPlaces(const Characters& word) {
         }
         firsts_.push_back(column++);
     }
+    findBonuses();
     return true;
 }
 
-int FuzzyMatch::scoreOfOne(char32_t character) const {
-    int best = 0;
+/// Takes each character at its best place, wherever that is. One that never stands right behind the
+/// one before it costs a gap, and begins a run of its own.
+int FuzzyMatch::boundOfWord(const Characters& word) const {
+    constexpr auto pairOf = [](char32_t before, char32_t here) {
+        return std::uint64_t{1} << ((before * 7 + here) % 64);
+    };
+    std::array<std::int16_t, 128> best{};
+    std::uint64_t pairs = 0;
+    char32_t before = 0;
     for (std::size_t column = firsts_.front(); column < length_; ++column) {
-        if (folded_[column] == character) {
-            best = std::max<int>(best, bonus_[column]);
+        const char32_t here = folded_[column];
+        if (here >= best.size()) {
+            return INT_MAX;
         }
+        best[here] = std::max(best[here], bonus_[column]);
+        pairs |= pairOf(before, here);
+        before = here;
     }
-    return kMatch + best * kFirstCharacterFactor;
+    int ofRun = best[word.front()];
+    int sum = kMatch + ofRun * kFirstCharacterFactor;
+    for (std::size_t index = 1; index < word.size(); ++index) {
+        const int own = best[word[index]];
+        const bool mayGoOn = (pairs & pairOf(word[index - 1], word[index])) != 0;
+        ofRun = mayGoOn ? std::max(own, ofRun) : own;
+        sum += kMatch + (mayGoOn ? std::max(ofRun, kInARow) : own + kGapStart);
+    }
+    return sum;
 }
 
 int FuzzyMatch::scoreOfWord(const Characters& word) {

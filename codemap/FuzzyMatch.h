@@ -34,8 +34,12 @@ public:
     /// What a name must hold to be found.
     LetterSet letters() const { return letters_; }
 
-    /// The score of a name; nothing where the query is not in it.
-    std::optional<int> score(std::string_view name);
+    /// A score that no name reaches beyond, by its first character and its letters alone.
+    int bound(std::string_view name, LetterSet letters) const;
+
+    /// The score of a name; nothing where the query is not in it, or where it is certain that the
+    /// score is below `atLeast`, which is cheaper to find out.
+    std::optional<int> score(std::string_view name, int atLeast = 0);
 
     /// The characters of a name that make up its score, in UTF-16 units, ascending; none where
     /// the query is not in it.
@@ -44,10 +48,13 @@ public:
 private:
     using Characters = std::u32string;
 
+    std::optional<int> scoreOfCharacter(std::string_view name) const;
     bool prepare(std::string_view name);
+    void prepareOther(std::string_view name);
+    void findBonuses();
     bool findFirstPlaces(const Characters& word);
+    int boundOfWord(const Characters& word) const;
     int scoreOfWord(const Characters& word);
-    int scoreOfOne(char32_t character) const;
     void fillFirstRow(char32_t character);
     void fillRow(const Characters& word, std::size_t row);
     void trace(const Characters& word, std::vector<std::uint32_t>& places) const;
@@ -59,7 +66,9 @@ private:
 
     // Of the name at hand.
     std::size_t length_ = 0;
+    bool hasBonuses_ = false;
     std::vector<char32_t> folded_;
+    std::vector<std::uint8_t> classes_;
     std::vector<std::int16_t> bonus_;
     std::vector<std::uint32_t> units_;  // places in UTF-16
     std::vector<std::uint32_t> firsts_; // of a word's characters: the first column that may hold it

@@ -144,7 +144,7 @@ int run() {
         auto search = [&] {
             found += searchIn(snapshot, {keystrokes[index], {}, 50}).items.size();
         };
-        own.push_back(1e3 * secondsOf(search));
+        own.push_back(1e3 * secondsOf<ProcessorTime>(search));
         if (index % kPeerEvery == 0) {
             std::string command = "fzf --filter=";
             command.append(keystrokes[index]).append(" < ").append(list).append(" > /dev/null");

@@ -1,11 +1,15 @@
 #include "codemap/CodeMapViews.h"
+#include "codemap/FuzzyMatch.h"
 #include "tests/codemap/SnapshotBuilder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <boost/json/parse.hpp>
 #include <boost/json/serialize.hpp>
+#include <random>
+#include <utility>
 
 namespace navrel {
 namespace {
@@ -114,6 +118,40 @@ TEST_F(CodeMapViewsTests, EqualMatchesAreOrderedByLengthThenByDate) {
         found.push_back(result.file->id);
     }
     EXPECT_THAT(found, testing::ElementsAre(recent, old, longer));
+}
+
+TEST_F(CodeMapViewsTests, TheBestAreTheBestOfAll) {
+    std::mt19937 random(5);
+    std::vector<std::string> names;
+    for (int name = 0; name < 2000; ++name) {
+        std::string& text = names.emplace_back();
+        for (unsigned length = 1 + random() % 14; length > 0; --length) {
+            text += "abABc_:( "[random() % 9];
+        }
+    }
+    builder_.addFile("x.c", [&names](OutlineBuilder& outline) {
+        for (const std::string& name : names) {
+            outline.add(declaration(SymbolKind::function, 1, name), 1);
+        }
+    });
+    const CodeMapSnapshot snapshot = builder_.build();
+    for (const std::string_view query : {"a", "ab", "ba", "abc", "c_", "a b", "aabb", "b:"}) {
+        FuzzyMatch match(query);
+        std::vector<std::pair<int, std::size_t>> all; // score downwards, length
+        for (const std::string& name : names) {
+            if (const auto score = match.score(name)) {
+                all.emplace_back(-*score, name.size());
+            }
+        }
+        std::sort(all.begin(), all.end());
+        const SearchResults results = searchIn(snapshot, {query, {"function"}, 20});
+        ASSERT_EQ(results.items.size(), 20U);
+        EXPECT_TRUE(results.truncated);
+        for (std::size_t place = 0; place < results.items.size(); ++place) {
+            const std::string_view name = results.items[place].name;
+            EXPECT_EQ(all[place], std::pair(-*match.score(name), name.size())) << query << name;
+        }
+    }
 }
 
 TEST_F(CodeMapViewsTests, TypesSayWhichAreDeclaredHere) {
