@@ -122,6 +122,22 @@ bool isASCII(std::string_view text) {
     return all < kASCII.size();
 }
 
+/// Whether a text may hold a word's characters in their order: true also where it is not ASCII.
+bool mayHoldInOrder(std::string_view text, std::u32string_view word) {
+    std::size_t found = 0;
+    for (const char character : text) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (byte >= kASCII.size()) {
+            return true;
+        }
+        found += kASCII[byte].folded == word[found] ? 1 : 0;
+        if (found == word.size()) {
+            return true;
+        }
+    }
+    return false;
+}
+
 char32_t folded(char32_t character) {
     return character < kASCII.size() ? kASCII[character].folded
                                      : static_cast<char32_t>(u_foldCase(
@@ -160,6 +176,11 @@ FuzzyMatch::FuzzyMatch(std::string_view query) {
 std::optional<int> FuzzyMatch::score(std::string_view name, int atLeast) {
     if (words_.size() == 1 && words_.front().size() == 1 && isASCII(name)) {
         return scoreOfCharacter(name);
+    }
+    for (const Characters& word : words_) {
+        if (!mayHoldInOrder(name, word)) {
+            return std::nullopt;
+        }
     }
     if (!prepare(name)) {
         return std::nullopt;
