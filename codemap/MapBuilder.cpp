@@ -197,13 +197,15 @@ void MapBuilder::read(const MapNode& node, Source& source) {
         return;
     }
     const std::string_view bytes(file->data(), static_cast<std::size_t>(file->size()));
-    const std::uint64_t content = std::hash<std::string_view>()(bytes);
-    if (!source.outline || source.content != content) {
+    // Only what may change again unnoticed is read again without cause.
+    const std::uint64_t content =
+        source.status.isSettled && source.content == 0 ? 0 : std::hash<std::string_view>()(bytes);
+    if (!source.outline || content == 0 || source.content != content) {
         const auto decoded = decodedSource(bytes);
         source.outline = std::make_shared<const Outline>(
             outlineOfSource(node.language, decoded ? std::string_view(*decoded) : bytes));
-        source.content = content;
     }
+    source.content = source.status.isSettled ? 0 : content;
 }
 
 MapBuilder::Update MapBuilder::publish(CodeMapSnapshot::Content content) {

@@ -53,7 +53,7 @@ private:
     /// A source as it was last read.
     struct Source {
         DiskStatus status;
-        std::uint64_t content = 0; // a hash
+        std::uint64_t content = 0; // a hash, while it may change again unnoticed
         std::shared_ptr<const Outline> outline;
         bool isUsed = false;
     };
