@@ -121,7 +121,7 @@ bool isValidAt(const X509* certificate, std::chrono::system_clock::time_point ti
 Certificate makeCertificate(const std::vector<std::string>& names,
                             const std::vector<std::string>& addresses,
                             std::chrono::system_clock::time_point now) {
-    const OwnedKey key(EVP_EC_gen("P-256"));
+    const OwnedKey key(EVP_PKEY_Q_keygen(nullptr, nullptr, "EC", "P-256"));
     const OwnedX509 certificate(X509_new());
     NAVREL_ASSERT(key != nullptr && certificate != nullptr);
     X509_set_version(certificate.get(), X509_VERSION_3);
