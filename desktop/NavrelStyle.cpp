@@ -122,7 +122,7 @@ void NavrelStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
 }
 
 double contrastOf(const QColor& one, const QColor& other) {
-    const auto [darker, lighter] = std::minmax(luminance(one), luminance(other));
+    const auto [darker, lighter] = std::minmax({luminance(one), luminance(other)}); // values
     return (lighter + 0.05) / (darker + 0.05);
 }
 
