@@ -363,11 +363,11 @@ TEST_F(CommandServiceTest, autoUpdateOffIsAsIfItWereAbsent) {
     EXPECT_EQ(reply->value(kIdentifier).toString(), QStringLiteral("M"));
 }
 
-TEST_F(CommandServiceTest, onlyABooleanOrAnIntegerSwitchesAutoUpdateOn) {
+TEST_F(CommandServiceTest, onlyABooleanOrANumberSwitchesAutoUpdateOn) {
     launchActive();
     editor_.fileName = QStringLiteral("Foo.h");
     for (const QVariant& flag :
-         {QVariant(0.5), QVariant(1.0), QVariant(QByteArray("1")), QVariant(QStringLiteral("1")),
+         {QVariant(0.0), QVariant(QByteArray("1")), QVariant(QStringLiteral("1")),
           QVariant(QVariantList{1}), QVariant(QDateTime::currentDateTimeUtc())}) {
         const auto reply = device_.ask(
             204, {{QStringLiteral("autoUpdate"), flag}, {kIdentifier, QStringLiteral("M")}});
