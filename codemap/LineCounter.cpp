@@ -10,6 +10,8 @@ namespace {
 /// Sixteen bytes at a time, which the compiler turns into the processor's own instructions.
 constexpr std::size_t kLanes = 16;
 using Lanes [[gnu::vector_size(kLanes)]] = signed char;
+/// Unsigned: a lane counts up to 255.
+using Counts [[gnu::vector_size(kLanes)]] = unsigned char;
 
 /// The sum of eight bytes.
 std::uint32_t sumOfBytes(std::uint64_t bytes) {
@@ -18,7 +20,7 @@ std::uint32_t sumOfBytes(std::uint64_t bytes) {
     return static_cast<std::uint32_t>((pairs * 0x0001000100010001) >> 48);
 }
 
-std::uint32_t sumOf(const Lanes& counts) {
+std::uint32_t sumOf(const Counts& counts) {
     std::uint64_t halves[2];
     std::memcpy(halves, &counts, sizeof halves);
     return sumOfBytes(halves[0]) + sumOfBytes(halves[1]);
@@ -26,11 +28,12 @@ std::uint32_t sumOf(const Lanes& counts) {
 
 /// The line feeds of at most 255 blocks, which is what a lane can count.
 std::uint32_t countInBlocks(const char* bytes, std::size_t blocks) {
-    Lanes counts{};
+    Counts counts{};
     for (std::size_t block = 0; block < blocks; ++block) {
         Lanes lanes;
         std::memcpy(&lanes, bytes + block * kLanes, kLanes);
-        counts -= lanes == '\n'; // a lane that holds one is -1 in the comparison's result
+        counts -= reinterpret_cast<Counts>(
+            lanes == '\n'); // a lane that holds one is -1 in the comparison's result
     }
     return sumOf(counts);
 }
