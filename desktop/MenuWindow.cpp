@@ -79,7 +79,8 @@ void MenuWindow::fitRows() {
         }
         height += rowHeight;
     }
-    fittedSize_ = QSize(kWidth, height + around);
+    // Few rows in small letters take less room than a window must have.
+    fittedSize_ = QSize(kWidth, height + around).expandedTo(minimumSizeHint());
     resize(fittedSize_);
 }
 

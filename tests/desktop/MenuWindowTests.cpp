@@ -101,6 +101,20 @@ TEST_F(MenuWindowTest, noRowIsCutHoweverManyThereAre) {
     }
 }
 
+TEST_F(MenuWindowTest, theLeastSizeOfAWindowIsNotTheUsers) {
+    QFont small = window_.font();
+    small.setPixelSize(4);
+    list().setFont(small);
+    menu_.setShortcuts({}, {});
+    QCoreApplication::processEvents();
+    menu_.setShortcuts({QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c"),
+                        QStringLiteral("d"), QStringLiteral("e"), QStringLiteral("f")},
+                       {});
+    QCoreApplication::processEvents();
+    const QRect visible = list().viewport()->rect();
+    EXPECT_TRUE(visible.contains(list().visualItemRect(&item(list().count() - 1))));
+}
+
 TEST_F(MenuWindowTest, theUsersSizeStays) {
     window_.resize(500, 300);
     QCoreApplication::processEvents();
