@@ -7,12 +7,22 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <netdb.h>
 
 namespace navrel {
 namespace {
 
 std::optional<USBDaemonAddress> address(const char* text) {
     return USBDaemonAddress::fromText(QString::fromUtf8(text));
+}
+
+bool knowsName(const char* name) {
+    addrinfo* found = nullptr;
+    if (::getaddrinfo(name, nullptr, nullptr, &found) != 0) {
+        return false;
+    }
+    ::freeaddrinfo(found);
+    return true;
 }
 
 TEST(USBDaemonAddress, aPathStandsBehindItsPrefix) {
@@ -77,8 +87,11 @@ TEST(USBDaemonSocket, connectsToAHostAndPort) {
 }
 
 TEST(USBDaemonSocket, connectsToANameThatTheSystemKnows) {
+    // Another spelling of the one name that machines know: only "localhost" is not looked up.
+    if (!knowsName("LOCALHOST")) {
+        GTEST_SKIP() << "this system cannot look up localhost: has it no /etc/hosts?";
+    }
     const RawListener listener(27015);
-    // Another spelling of the one name that every machine knows: only "localhost" is not looked up.
     USBDaemonSocket socket(*address("LOCALHOST:27015"));
     OwnedDescriptor stream;
     ASSERT_TRUE(waitUntil([&] {
