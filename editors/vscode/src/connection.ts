@@ -1,7 +1,7 @@
 // The connection to Navrel: made again whenever it is gone, since Navrel may be started later.
 
 import * as net from "node:net";
-import { type Open, type Outgoing, requestIn } from "./wire";
+import { type Outgoing, type Request, requestIn } from "./wire";
 
 const retryMilliseconds = 3000;
 /** Longer lines come from no Navrel. */
@@ -10,7 +10,7 @@ const longestLine = 64 * 1024;
 export interface Events {
   /** The connection is there: say hello. */
   connected(): void;
-  requested(request: Open): void;
+  requested(request: Request): void;
 }
 
 export class Connection {

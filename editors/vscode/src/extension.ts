@@ -2,7 +2,7 @@
 
 import * as vscode from "vscode";
 import { Connection } from "./connection";
-import type { Active, Open } from "./wire";
+import type { Active, Open, Request } from "./wire";
 
 /** The cursor is told of at most ten times a second. */
 const pauseMilliseconds = 100;
@@ -44,6 +44,14 @@ async function show(request: Open): Promise<void> {
   const end = request.column === undefined ? document.lineAt(line).range.end : start;
   editor.selection = new vscode.Selection(start, end);
   editor.revealRange(editor.selection, vscode.TextEditorRevealType.InCenterIfOutsideViewport);
+}
+
+async function serve(request: Request): Promise<void> {
+  if ("back" in request) {
+    await vscode.commands.executeCommand("workbench.action.navigateBack");
+  } else {
+    await show(request);
+  }
 }
 
 /** Tells where the user is: what was told before is not told again, and not too often. */
@@ -103,7 +111,7 @@ export function activate(context: vscode.ExtensionContext): void {
       }
     },
     requested: (request) => {
-      show(request).then(
+      serve(request).then(
         () => connection.send({ opened: request.id }),
         (error: unknown) =>
           connection.send({

@@ -27,8 +27,16 @@ export interface Open {
   column?: number;
 }
 
+/** A request to go one step back in the editor's own list of places. */
+export interface Back {
+  back: true;
+  id: number;
+}
+
+export type Request = Open | Back;
+
 /** The request in a line; undefined for anything else. */
-export function requestIn(line: string): Open | undefined {
+export function requestIn(line: string): Request | undefined {
   let value: unknown;
   try {
     value = JSON.parse(line);
@@ -38,8 +46,14 @@ export function requestIn(line: string): Open | undefined {
   if (typeof value !== "object" || value === null) {
     return undefined;
   }
-  const { open, id, line: number, column } = value as Record<string, unknown>;
-  if (typeof open !== "string" || typeof id !== "number") {
+  const { open, back, id, line: number, column } = value as Record<string, unknown>;
+  if (typeof id !== "number") {
+    return undefined;
+  }
+  if (back === true) {
+    return { back, id };
+  }
+  if (typeof open !== "string") {
     return undefined;
   }
   return {

@@ -123,6 +123,14 @@ test("the way back puts the cursor at its column", async () => {
   assert.deepEqual([selection.active.line, selection.active.character], [1, 8]);
 });
 
+test("it goes back in the editor's own list", async () => {
+  const vscode = startWindow(documents, ["/p"]);
+  const navrel = await connections.next();
+  navrel.say({ back: true, id: 6 });
+  await navrel.until((message) => message.opened === 6);
+  assert.deepEqual(vscode.commands.executed, ["workbench.action.navigateBack"]);
+});
+
 test("a file that is not there is refused with the editor's reason", async () => {
   startWindow(documents, ["/p"]);
   const navrel = await connections.next();
@@ -134,7 +142,7 @@ test("a file that is not there is refused with the editor's reason", async () =>
 test("garbage is passed over", async () => {
   startWindow(documents, ["/p"]);
   const navrel = await connections.next();
-  navrel.socket.write('garbage\n[]\nnull\n{"open":3,"id":1}\n{"open":"/p/a.swift"}\n{"op');
+  navrel.socket.write('garbage\n[]\nnull\n{"open":3,"id":1}\n{"open":"/p/a.swift"}\n{"back":1,"id":2}\n{"op');
   navrel.socket.write('en":"/p/a.swift","id":4}\n');
   await navrel.until((message) => message.opened === 4);
 });

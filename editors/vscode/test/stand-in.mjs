@@ -67,7 +67,13 @@ export function standIn(documents, folders) {
       onDidSaveTextDocument: emitters.save.event,
       onDidChangeWorkspaceFolders: emitters.folders.event,
     },
-    commands: { registerCommand: () => ({ dispose() {} }) },
+    commands: {
+      executed: [],
+      registerCommand: () => ({ dispose() {} }),
+      async executeCommand(command) {
+        this.executed.push(command);
+      },
+    },
     env: { appName: "Stand-in" },
     Uri: { file: uri },
     Position,
