@@ -21,20 +21,26 @@ public:
         return schedule(interval, interval, std::move(call));
     }
 
-    /// Makes all calls that become due meanwhile, each at its time, in order.
-    void advance(Duration duration) {
+    /// Makes all calls that become due meanwhile, each at its time, in order. Returns how many.
+    int advance(Duration duration) {
         const TimePoint end = now_ + duration;
+        int made = 0;
         while (const auto next = nextDue(end)) {
-            now_ = next->due;
+            now_ = std::max(now_, next->due);
             if (next->interval == Duration::zero()) {
                 std::erase(calls_, next);
             } else {
                 next->due += next->interval;
             }
             next->call();
+            ++made;
         }
         now_ = end;
+        return made;
     }
+
+    /// Time passes while the event loop is held up: the calls that become due wait for `advance`.
+    void advanceWithoutCalls(Duration duration) { now_ += duration; }
 
     std::size_t scheduledCalls() const { return calls_.size(); }
 
