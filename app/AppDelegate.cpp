@@ -1,14 +1,22 @@
 #include "app/AppDelegate.h"
 
+#include "app/AboutPage.h"
 #include "app/Desktop.h"
-#include "app/WantedDevice.h"
-#include "project/MenuItem.h"
-#include "support/dispatch/DispatchQueue.h"
+#include "app/StatusMenu.h"
+#include "app/WebServices.h"
+#include "project/KZDataManager.h"
+#include "support/Log.h"
+#include "support/UserDefaults.h"
+#include "transport/CompanionProtocol.h"
+#include "transport/PTData.h"
+#include "transport/PTPayload.h"
 
 #include <chrono>
 #include <utility>
 
 namespace navrel {
+
+const QString kConnectedDeviceIDDidChange = QStringLiteral("connectedDeviceID");
 
 namespace {
 
@@ -17,6 +25,11 @@ namespace {
 constexpr std::chrono::milliseconds kActivationDelay{1500};
 constexpr std::chrono::milliseconds kMenuInterval{1000};
 
+WebServices webServicesOf(const AppDelegate::Collaborators& collaborators) {
+    return WebServices({collaborators.desktop, collaborators.webServer, collaborators.version,
+                        collaborators.installedManual});
+}
+
 } // namespace
 
 std::shared_ptr<AppDelegate> AppDelegate::create(Collaborators collaborators) {
@@ -24,36 +37,111 @@ std::shared_ptr<AppDelegate> AppDelegate::create(Collaborators collaborators) {
 }
 
 AppDelegate::AppDelegate(Collaborators collaborators)
-    : collaborators_(std::move(collaborators)), menuTimer_(this),
-      wantedDevice_(std::make_shared<WantedDevice>()), usbRetryTimer_(this) {
-    usbRetryTimer_.setObjectName(QStringLiteral("usbRetryTimer")); // for whoever watches it
-    usbRetryTimer_.setSingleShot(true);
-    usbRetryTimer_.setTimerType(Qt::PreciseTimer);
-    connect(&usbRetryTimer_, &QTimer::timeout, this, [this] { enqueueConnectToUSBDevice(); });
-}
+    : collaborators_(std::move(collaborators)),
+      service_({collaborators_.dataManager, collaborators_.desktop, collaborators_.version}),
+      shortcutMenu_(collaborators_.dataManager),
+      link_(DeviceLink::create({collaborators_.clock, collaborators_.hub,
+                                collaborators_.loopbackPeer, [this] { return shared_from_this(); },
+                                [this] {
+                                    NotificationCentre::defaultCentre().post(
+                                        kConnectedDeviceIDDidChange, this, {});
+                                }})) {}
 
-AppDelegate::~AppDelegate() = default;
+// The shell.
 
 void AppDelegate::applicationDidFinishLaunching() {
-    checkForUpdate();
+    webServicesOf(collaborators_).checkForUpdate();
     if (versionItem_ != nullptr) {
         versionItem_->setTitle(QStringLiteral("Navrel (v%1)").arg(collaborators_.version));
     }
-    if (menu_ != nullptr) {
-        collaborators_.desktop.showStatusItem(*menu_, QStringLiteral(":/MenuIcon.png"));
+    if (StatusMenu* menu = shortcutMenu_.menu()) {
+        collaborators_.desktop.showStatusItem(*menu, QStringLiteral(":/MenuIcon.png"));
     }
-    notConnectedQueue_ = DispatchQueue::serialQueue(QStringLiteral("PTExample.notConnectedQueue"));
     startListeningForDevices();
     enqueueConnectToLocalIPv4Port();
-    connect(&menuTimer_, &QTimer::timeout, this, [this] { createMenu(); });
-    menuTimer_.setTimerType(Qt::PreciseTimer); // others may be early by a twentieth
-    menuTimer_.start(kMenuInterval);
-    activationDue_ = QDeadlineTimer(kActivationDelay, Qt::PreciseTimer);
-    QTimer::singleShot(kActivationDelay, Qt::PreciseTimer, this, [this] { activate(); });
+    Clock& clock = collaborators_.clock;
+    timers_.push_back(clock.every(kMenuInterval, [this] { createMenu(); }));
+    timers_.push_back(clock.after(kActivationDelay, [this] { activate(); }));
+    activationDue_ = clock.now() + kActivationDelay;
 }
 
-void AppDelegate::activate() {
-    clearToSend_ = true;
+void AppDelegate::setMenu(StatusMenu* menu, MenuItem* versionItem) {
+    shortcutMenu_.setMenu(menu);
+    versionItem_ = versionItem;
+}
+
+void AppDelegate::quit() {
+    collaborators_.userDefaults.setBool(QStringLiteral("automaticProjectSelection"),
+                                        collaborators_.dataManager.automaticProjectSelection());
+    collaborators_.desktop.terminate();
+}
+
+void AppDelegate::about() {
+    collaborators_.desktop.showAboutWindow(aboutPage(
+        {collaborators_.version, collaborators_.dataManager.applicationDocumentsDirectory(),
+         collaborators_.userDefaults.fileName()}));
+}
+
+void AppDelegate::manual() {
+    webServicesOf(collaborators_).showManual();
+}
+
+// The device link.
+
+void AppDelegate::setConnectedChannel(std::shared_ptr<PTChannel> channel) {
+    link_->setConnectedChannel(std::move(channel));
+}
+
+void AppDelegate::didDisconnectFromDevice(const DeviceID& deviceID) {
+    link_->didDisconnectFromDevice(deviceID);
+}
+
+void AppDelegate::ioFrameChannelDidEndWithError(const std::shared_ptr<PTChannel>& channel,
+                                                const std::optional<Error>&) {
+    link_->channelDidEnd(channel);
+}
+
+// The command service.
+
+bool AppDelegate::ioFrameChannelShouldAcceptFrameOfType(const std::shared_ptr<PTChannel>& channel,
+                                                        quint32 type, quint32, quint32) {
+    if (CommandService::accepts(type)) {
+        return true;
+    }
+    log(QStringLiteral("Unexpected frame of type %1").arg(type));
+    channel->close();
+    return false;
+}
+
+void AppDelegate::ioFrameChannelDidReceiveFrameOfType(
+    const std::shared_ptr<PTChannel>&, quint32 type, quint32 tag,
+    const std::shared_ptr<const PTData>& payload) {
+    // A long pass over the project may hold the timer up, and the event loop looks at sockets
+    // first.
+    if (!clearToSend_ && activationDue_ && collaborators_.clock.now() >= *activationDue_) {
+        activate();
+    }
+    if (!clearToSend_) {
+        return;
+    }
+    if (const auto reply =
+            service_.answer(type, payload ? payload->dispatchData() : std::nullopt)) {
+        sendContent(*reply, tag);
+    }
+}
+
+void AppDelegate::sendContent(const QVariantMap& content, quint32 tag) {
+    if (connectedChannel() == nullptr) {
+        return;
+    }
+    connectedChannel()->sendFrameOfType(
+        kFrameReply, tag, createReferencingDispatchData(content),
+        [](const std::optional<Error>& error) {
+            if (error) {
+                // The same words for every reply, deliberately: they are what people search for.
+                log(QStringLiteral("Failed to send fileTree: %1").arg(error->description()));
+            }
+        });
 }
 
 } // namespace navrel

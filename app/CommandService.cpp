@@ -1,7 +1,5 @@
-// Answering the companion app: one table of frame types, one small function each. A function gives
-// the reply, or nothing where none is due; there are no error replies.
+#include "app/CommandService.h"
 
-#include "app/AppDelegate.h"
 #include "app/Desktop.h"
 #include "app/ProgramVersion.h"
 #include "project/KZDataManager.h"
@@ -9,7 +7,6 @@
 #include "support/propertylist/PropertyList.h"
 #include "support/text/FilePath.h"
 #include "transport/CompanionProtocol.h"
-#include "transport/PTData.h"
 #include "transport/PTFrame.h"
 #include "transport/PTPayload.h"
 
@@ -17,10 +14,15 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace navrel {
 
 namespace {
+
+using World = CommandService::World;
+using Request = std::optional<QVariantMap>; ///< nothing for a payload that is no dictionary
+using Reply = std::optional<QVariantMap>;
 
 /// Types that the filter lets through although nothing answers them.
 constexpr quint32 kFirstIgnoredType = 100;
@@ -30,11 +32,8 @@ constexpr quint32 kLastIgnoredType = 103;
 constexpr std::array<QByteArrayView, 6> kSourceExtensions = {"h", "m", "c", "cpp", "mm", "swift"};
 
 /// A payload as a dictionary; nothing when there is none, or it holds something else.
-std::optional<QVariantMap> dictionaryFromPayload(const std::shared_ptr<const PTData>& payload) {
-    if (payload == nullptr) {
-        return std::nullopt;
-    }
-    const auto value = dictionaryWithContentsOfDispatchData(payload->dispatchData());
+Request dictionaryFromPayload(const std::optional<DispatchData>& payload) {
+    const auto value = dictionaryWithContentsOfDispatchData(payload);
     if (!value || value->typeId() != QMetaType::QVariantMap) {
         return std::nullopt;
     }
@@ -42,7 +41,7 @@ std::optional<QVariantMap> dictionaryFromPayload(const std::shared_ptr<const PTD
 }
 
 /// A key's text; a value of another type counts as absent.
-std::optional<QString> textForKey(const std::optional<QVariantMap>& request, const QString& key) {
+std::optional<QString> textForKey(const Request& request, const QString& key) {
     if (!request) {
         return std::nullopt;
     }
@@ -51,7 +50,7 @@ std::optional<QString> textForKey(const std::optional<QVariantMap>& request, con
 }
 
 /// A key's boolean, sent as such or as an integer; anything else counts as NO.
-bool flagForKey(const std::optional<QVariantMap>& request, const QString& key) {
+bool flagForKey(const Request& request, const QString& key) {
     return request && booleanOf(request->value(key)).value_or(false);
 }
 
@@ -61,90 +60,18 @@ bool isSourceFile(const QString& path) {
                      QByteArrayView(extension)) != kSourceExtensions.end();
 }
 
-} // namespace
-
-struct AppDelegate::Command {
-    quint32 type;
-    bool readsPayload;
-    Reply (AppDelegate::*answer)(const std::optional<Request>& request);
-};
-
-const AppDelegate::Command* AppDelegate::commandForType(quint32 type) {
-    static constexpr std::array<Command, 12> kCommands = {{
-        {kFrameNavigator, true, &AppDelegate::navigator},
-        {kFrameOpenFile, true, &AppDelegate::openFileAtLine},
-        {kFrameRootNavigator, false, &AppDelegate::rootNavigator},
-        {kFrameShortcuts, false, &AppDelegate::shortcuts},
-        {kFrameElements, true, &AppDelegate::elements},
-        {kFrameFileTypes, false, &AppDelegate::allowedFileTypes},
-        {kFrameChangeFileType, true, &AppDelegate::changeFileType},
-        {kFrameSuperclasses, false, &AppDelegate::superclasses},
-        {kFrameOpenWithDesktop, true, &AppDelegate::openWithDesktop},
-        {kFrameProject, false, &AppDelegate::projectFolder},
-        {kFramePickProject, true, &AppDelegate::pickProject},
-        {kFrameVersion, false, &AppDelegate::versionHandshake},
-    }};
-    const auto command =
-        std::find_if(kCommands.begin(), kCommands.end(),
-                     [type](const Command& candidate) { return candidate.type == type; });
-    return command == kCommands.end() ? nullptr : &*command;
+Reply rootNavigator(const World& world, const Request&) {
+    return world.dataManager.navigatorDictionaryForID(std::nullopt);
 }
 
-quint8 AppDelegate::optionalOperations() const {
-    return kShouldAcceptFrame | kDidEnd;
-}
-
-bool AppDelegate::ioFrameChannelShouldAcceptFrameOfType(const std::shared_ptr<PTChannel>& channel,
-                                                        quint32 type, quint32, quint32) {
-    const bool isIgnored = type >= kFirstIgnoredType && type <= kLastIgnoredType;
-    if (type == kPTFrameTypeEndOfStream || isIgnored || commandForType(type) != nullptr) {
-        return true;
-    }
-    log(QStringLiteral("Unexpected frame of type %1").arg(type));
-    channel->close();
-    return false;
-}
-
-void AppDelegate::ioFrameChannelDidReceiveFrameOfType(
-    const std::shared_ptr<PTChannel>&, quint32 type, quint32 tag,
-    const std::shared_ptr<const PTData>& payload) {
-    // A long pass over the project may hold the timer up, and the event loop looks at sockets
-    // first.
-    if (!clearToSend_ && activationDue_.hasExpired()) {
-        activate();
-    }
-    const Command* command = commandForType(type);
-    if (!clearToSend_ || command == nullptr) {
-        return;
-    }
-    const auto request = command->readsPayload ? dictionaryFromPayload(payload) : std::nullopt;
-    if (const Reply reply = (this->*command->answer)(request)) {
-        sendContent(*reply, tag);
-    }
-}
-
-void AppDelegate::sendContent(const QVariantMap& content, quint32 tag) {
-    if (connectedChannel_ == nullptr) {
-        return;
-    }
-    connectedChannel_->sendFrameOfType(
-        kFrameReply, tag, createReferencingDispatchData(content),
-        [](const std::optional<Error>& error) {
-            if (error) {
-                // The same words for every reply, deliberately: they are what people search for.
-                log(QStringLiteral("Failed to send fileTree: %1").arg(error->description()));
-            }
-        });
-}
-
-AppDelegate::Reply AppDelegate::navigator(const std::optional<Request>& request) {
-    KZDataManager& manager = collaborators_.dataManager;
+Reply navigator(const World& world, const Request& request) {
+    KZDataManager& manager = world.dataManager;
     if (request && request->contains(QStringLiteral("identifier"))) {
         const auto identifier = textForKey(request, QStringLiteral("identifier"));
         const Reply reply = identifier ? manager.navigatorDictionaryForID(identifier) : Reply();
         // Deliberate: a stale identifier is answered with the whole tree, not with silence; and so
         // is one that is no text, as nothing has it.
-        return reply ? reply : rootNavigator(std::nullopt);
+        return reply ? reply : rootNavigator(world, std::nullopt);
     }
     if (const auto superclass = textForKey(request, QStringLiteral("superclass"))) {
         return manager.navigatorDictionaryForSuperclass(*superclass);
@@ -152,84 +79,127 @@ AppDelegate::Reply AppDelegate::navigator(const std::optional<Request>& request)
     return std::nullopt;
 }
 
-AppDelegate::Reply AppDelegate::openFileAtLine(const std::optional<Request>& request) {
+Reply openFileAtLine(const World& world, const Request& request) {
     const auto path = textForKey(request, QStringLiteral("path"));
     const QVariant line = request ? request->value(QStringLiteral("line")) : QVariant();
-    collaborators_.dataManager.openFile(path, line);
+    world.dataManager.openFile(path, line);
     return std::nullopt;
 }
 
-AppDelegate::Reply AppDelegate::rootNavigator(const std::optional<Request>&) {
-    return collaborators_.dataManager.navigatorDictionaryForID(std::nullopt);
+Reply shortcuts(const World& world, const Request&) {
+    return world.dataManager.shortcutsDictionary();
 }
 
-AppDelegate::Reply AppDelegate::shortcuts(const std::optional<Request>&) {
-    return collaborators_.dataManager.shortcutsDictionary();
-}
-
-AppDelegate::Reply AppDelegate::elements(const std::optional<Request>& request) {
-    if (flagForKey(request, QStringLiteral("autoUpdate"))) {
-        return elementsOfActiveFile();
-    }
-    const auto identifier = textForKey(request, QStringLiteral("identifier"));
-    if (!identifier || identifier->isEmpty()) {
-        return std::nullopt;
-    }
-    return collaborators_.dataManager.elementsDictionaryForObjectID(*identifier);
-}
-
-AppDelegate::Reply AppDelegate::elementsOfActiveFile() {
-    const auto identifier = collaborators_.dataManager.objectIDForActiveFile();
+Reply elementsOfActiveFile(const World& world) {
+    const auto identifier = world.dataManager.objectIDForActiveFile();
     if (!identifier) {
         log(QStringLiteral("ERROR: No active ID"));
         return std::nullopt;
     }
-    const Reply reply = collaborators_.dataManager.elementsDictionaryForObjectID(*identifier);
+    const Reply reply = world.dataManager.elementsDictionaryForObjectID(*identifier);
     if (!reply || !isSourceFile(reply->value(QStringLiteral("path")).toString())) {
         return std::nullopt;
     }
     return reply;
 }
 
-AppDelegate::Reply AppDelegate::allowedFileTypes(const std::optional<Request>&) {
-    return collaborators_.dataManager.allowedFileTypesDictionary();
+Reply elements(const World& world, const Request& request) {
+    if (flagForKey(request, QStringLiteral("autoUpdate"))) {
+        return elementsOfActiveFile(world);
+    }
+    const auto identifier = textForKey(request, QStringLiteral("identifier"));
+    if (!identifier || identifier->isEmpty()) {
+        return std::nullopt;
+    }
+    return world.dataManager.elementsDictionaryForObjectID(*identifier);
 }
 
-AppDelegate::Reply AppDelegate::changeFileType(const std::optional<Request>& request) {
+Reply allowedFileTypes(const World& world, const Request&) {
+    return world.dataManager.allowedFileTypesDictionary();
+}
+
+Reply changeFileType(const World& world, const Request& request) {
     if (!request) {
         return std::nullopt;
     }
-    return collaborators_.dataManager.changeFiletypeAllowanceWithDictionary(*request);
+    return world.dataManager.changeFiletypeAllowanceWithDictionary(*request);
 }
 
-AppDelegate::Reply AppDelegate::superclasses(const std::optional<Request>&) {
-    return collaborators_.dataManager.superclassDictionary();
+Reply superclasses(const World& world, const Request&) {
+    return world.dataManager.superclassDictionary();
 }
 
-AppDelegate::Reply AppDelegate::openWithDesktop(const std::optional<Request>& request) {
+Reply openWithDesktop(const World& world, const Request& request) {
     if (const auto path = textForKey(request, QStringLiteral("path"))) {
-        collaborators_.desktop.openFile(*path);
+        world.desktop.openFile(*path);
     }
     return std::nullopt;
 }
 
-AppDelegate::Reply AppDelegate::projectFolder(const std::optional<Request>&) {
-    const auto& path = collaborators_.dataManager.projectPath();
+Reply projectFolder(const World& world, const Request&) {
+    const auto& path = world.dataManager.projectPath();
     if (!path) {
         return std::nullopt;
     }
     return QVariantMap{{QStringLiteral("project"), *path}};
 }
 
-AppDelegate::Reply AppDelegate::pickProject(const std::optional<Request>& request) {
+Reply pickProject(const World& world, const Request& request) {
     if (request) {
-        collaborators_.dataManager.open();
+        world.dataManager.open();
     }
     return std::nullopt;
 }
 
-AppDelegate::Reply AppDelegate::versionHandshake(const std::optional<Request>&) {
-    return QVariantMap{{QStringLiteral("version"), majorMinorVersion(collaborators_.version)}};
+Reply versionHandshake(const World& world, const Request&) {
+    return QVariantMap{{QStringLiteral("version"), majorMinorVersion(world.version)}};
+}
+
+/// What a frame type asks for.
+struct Command {
+    quint32 type;
+    bool readsPayload;
+    Reply (*answer)(const World& world, const Request& request);
+};
+
+constexpr std::array<Command, 12> kCommands = {{
+    {kFrameNavigator, true, &navigator},
+    {kFrameOpenFile, true, &openFileAtLine},
+    {kFrameRootNavigator, false, &rootNavigator},
+    {kFrameShortcuts, false, &shortcuts},
+    {kFrameElements, true, &elements},
+    {kFrameFileTypes, false, &allowedFileTypes},
+    {kFrameChangeFileType, true, &changeFileType},
+    {kFrameSuperclasses, false, &superclasses},
+    {kFrameOpenWithDesktop, true, &openWithDesktop},
+    {kFrameProject, false, &projectFolder},
+    {kFramePickProject, true, &pickProject},
+    {kFrameVersion, false, &versionHandshake},
+}};
+
+const Command* commandForType(quint32 type) {
+    const auto command =
+        std::find_if(kCommands.begin(), kCommands.end(),
+                     [type](const Command& candidate) { return candidate.type == type; });
+    return command == kCommands.end() ? nullptr : &*command;
+}
+
+} // namespace
+
+CommandService::CommandService(World world) : world_(std::move(world)) {}
+
+bool CommandService::accepts(quint32 type) {
+    const bool isIgnored = type >= kFirstIgnoredType && type <= kLastIgnoredType;
+    return type == kPTFrameTypeEndOfStream || isIgnored || commandForType(type) != nullptr;
+}
+
+Reply CommandService::answer(quint32 type, const std::optional<DispatchData>& payload) const {
+    const Command* command = commandForType(type);
+    if (command == nullptr) {
+        return std::nullopt;
+    }
+    const auto request = command->readsPayload ? dictionaryFromPayload(payload) : std::nullopt;
+    return command->answer(world_, request);
 }
 
 } // namespace navrel

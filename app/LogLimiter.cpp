@@ -7,15 +7,11 @@
 
 namespace navrel {
 
-LogLimiter::LogLimiter(QString kind) : kind_(std::move(kind)) {
-    second_.setSingleShot(true);
-    second_.setInterval(std::chrono::seconds(1));
-    QObject::connect(&second_, &QTimer::timeout, &second_, [this] { secondHasPassed(); });
-}
+LogLimiter::LogLimiter(Clock& clock, QString kind) : clock_(clock), kind_(std::move(kind)) {}
 
 void LogLimiter::log(const QString& line) {
-    if (!second_.isActive()) {
-        second_.start();
+    if (!second_) {
+        second_ = clock_.after(std::chrono::seconds(1), [this] { secondHasPassed(); });
     }
     if (++lines_ <= kMostLinesASecond) {
         navrel::log(line);
@@ -23,6 +19,7 @@ void LogLimiter::log(const QString& line) {
 }
 
 void LogLimiter::secondHasPassed() {
+    second_.reset();
     const int leftOut = std::exchange(lines_, 0) - kMostLinesASecond;
     if (leftOut > 0) {
         navrel::log(QStringLiteral("%1 more lines about %2 were left out").arg(leftOut).arg(kind_));

@@ -1,7 +1,10 @@
 #pragma once
 
+#include "support/core/Clock.h"
+
 #include <QString>
-#include <QTimer>
+
+#include <memory>
 
 namespace navrel {
 
@@ -9,11 +12,12 @@ namespace navrel {
 /// logged, and at the end of the second the number of those that were left out. Main thread.
 class LogLimiter {
 public:
-    /// More than a user causes by plugging devices in; a daemon that makes them up fills no disk.
+    /// More than a user causes by plugging devices in; a daemon that invents devices fills no disk.
     static constexpr int kMostLinesASecond = 20;
 
-    /// `kind` is what the log calls the lines: "devices attached and detached".
-    explicit LogLimiter(QString kind);
+    /// `kind` is what the log calls the lines: "devices attached and detached". The clock must
+    /// outlive this.
+    LogLimiter(Clock& clock, QString kind);
     LogLimiter(const LogLimiter&) = delete;
     LogLimiter& operator=(const LogLimiter&) = delete;
 
@@ -22,9 +26,10 @@ public:
 private:
     void secondHasPassed();
 
+    Clock& clock_;
     const QString kind_;
-    int lines_ = 0; ///< of the present second, logged or not
-    QTimer second_; ///< runs from a second's first line on
+    int lines_ = 0;                         ///< of the present second, logged or not
+    std::unique_ptr<ScheduledCall> second_; ///< runs from a second's first line on
 };
 
 } // namespace navrel

@@ -26,8 +26,7 @@ enum FixedTag {
 
 void layOutStatusMenu(StatusMenu& menu, AppDelegate& delegate, KZDataManager& dataManager,
                       std::function<void()> showDevices) {
-    delegate.setMenu(&menu);
-    delegate.setVersionItem(&menu.addText(kVersionTag, QStringLiteral("Navrel")));
+    delegate.setMenu(&menu, &menu.addText(kVersionTag, QStringLiteral("Navrel")));
     menu.addSeparator();
     dataManager.setCurrentProjectItem(
         &menu.addText(kCurrentProjectTag, QStringLiteral("Current project: none")));

@@ -118,11 +118,11 @@ int runApplication(const std::optional<SessionFiles>& files) {
     BrowserService browsers(
         {*dataManager, *editor, userDefaults, *delegate, QtDesktop::isDisplayThere(), &notifyUser});
     layOutStatusMenu(menu, *delegate, *dataManager, [&browsers] { browsers.showPairingWindow(); });
-    QTimer::singleShot(0, delegate.get(), [&browsers, &delegate] {
+    QTimer::singleShot(0, qApp, [&browsers, &delegate] {
         browsers.start();
         delegate->applicationDidFinishLaunching();
     });
-    QObject::connect(qApp, &QCoreApplication::aboutToQuit, delegate.get(),
+    QObject::connect(qApp, &QCoreApplication::aboutToQuit, qApp,
                      [&delegate] { delegate->applicationWillTerminate(); });
     const int status = QApplication::exec();
     // It would outlive even this: what it holds is closed in order, and nothing is saved.

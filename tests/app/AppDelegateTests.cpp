@@ -15,7 +15,7 @@ TEST_F(AppDelegateTest, theVersionEntryShowsNameAndFullVersion) {
     FakeMenuItem item;
     const auto other =
         AppDelegate::create({*manager_, desktop_, *defaults_, version_, [this] { return hub_; }});
-    other->setVersionItem(&item);
+    other->setMenu(nullptr, &item);
     other->applicationDidFinishLaunching();
     EXPECT_EQ(item.title, QStringLiteral("Navrel (v1.4.2)"));
 }
@@ -62,15 +62,6 @@ TEST_F(AppDelegateTest, terminationByOthersStoresAndClosesNothing) {
     delegate_->applicationWillTerminate();
     EXPECT_EQ(defaults_->boolForKey(QStringLiteral("automaticProjectSelection")), false);
     EXPECT_EQ(desktop_.terminations, 0);
-}
-
-TEST_F(AppDelegateTest, noTimerMayBeEarly) {
-    launchUnconnected();
-    const auto timers = delegate_->findChildren<QTimer*>();
-    EXPECT_FALSE(timers.isEmpty());
-    for (const QTimer* timer : timers) {
-        EXPECT_EQ(timer->timerType(), Qt::PreciseTimer) << timer->interval();
-    }
 }
 
 } // namespace

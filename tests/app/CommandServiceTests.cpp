@@ -1,14 +1,11 @@
 #include "app/ProgramVersion.h"
 #include "project/ManagedObjectContext.h"
-#include "tests/WaitUntil.h"
 #include "tests/app/ServedProject.h"
 
 #include <QDateTime>
-#include <QElapsedTimer>
 #include <QVariantList>
 
 #include <chrono>
-#include <thread>
 
 namespace navrel {
 namespace {
@@ -51,6 +48,14 @@ protected:
         return result;
     }
 
+    /// A frame without a payload arrives, and has been dealt with when this returns.
+    void receive(quint32 type, quint32 tag) {
+        ASSERT_TRUE(waitUntil([this] { return delegate_->connectedChannel() != nullptr; }));
+        delegate_->ioFrameChannelDidReceiveFrameOfType(delegate_->connectedChannel(), type, tag,
+                                                       nullptr);
+    }
+    quint32 tagOfNextReply() { return device_.nextFrame().value_or(TestDevice::Frame()).tag; }
+
     /// Sends a frame with a payload of any kind. The answer, or nothing when only the version
     /// request behind it is answered.
     std::optional<QVariantMap> askWithPayload(quint32 type, const QByteArray& payload) {
@@ -73,33 +78,27 @@ protected:
 
 TEST_F(CommandServiceTest, everyFrameBeforeActivationIsDroppedAlsoAVersionRequest) {
     launch();
-    ASSERT_FALSE(delegate_->clearToSend());
-    ASSERT_TRUE(device_.sendBytes(TestDevice::frame(211, 1) + TestDevice::frame(202, 2)));
-    EXPECT_FALSE(device_.nextFrame(milliseconds(300)).has_value());
-
+    receive(211, 1);
+    receive(202, 2);
     delegate_->activate();
-    ASSERT_TRUE(device_.sendBytes(TestDevice::frame(211, 3)));
-    const auto reply = device_.nextFrame();
-    ASSERT_TRUE(reply.has_value());
-    EXPECT_EQ(reply->tag, 3u);
+    receive(211, 3);
+    EXPECT_EQ(tagOfNextReply(), 3u);
 }
 
 TEST_F(CommandServiceTest, activationComesByItselfOneAndAHalfSecondsAfterStart) {
-    QElapsedTimer sinceLaunch;
-    sinceLaunch.start();
     launch();
-    EXPECT_TRUE(waitUntil([this] { return delegate_->clearToSend(); }));
-    EXPECT_GE(sinceLaunch.elapsed(), 1500);
+    clock_.advance(milliseconds(1499));
+    receive(211, 1);
+    clock_.advance(milliseconds(1));
+    receive(211, 2);
+    EXPECT_EQ(tagOfNextReply(), 2u);
 }
 
 TEST_F(CommandServiceTest, aFrameOfLaterIsAnsweredThoughTheMainThreadWasBusyWhenActivationWasDue) {
     launch();
-    ASSERT_FALSE(delegate_->clearToSend());
-    std::this_thread::sleep_for(milliseconds(1600)); // as a pass over a large project would
-    ASSERT_TRUE(device_.sendBytes(TestDevice::frame(211, 1)));
-    const auto reply = device_.nextFrame();
-    ASSERT_TRUE(reply.has_value());
-    EXPECT_EQ(reply->tag, 1u);
+    clock_.advanceWithoutCalls(milliseconds(1500)); // in a pass over a large project
+    receive(211, 1);
+    EXPECT_EQ(tagOfNextReply(), 1u);
 }
 
 // The filter.
@@ -112,7 +111,7 @@ TEST_F(CommandServiceTest, anUnexpectedTypeIsLoggedAndClosesTheConnection) {
         ASSERT_TRUE(waitUntil([this] { return delegate_->connectedChannel() == nullptr; }));
         EXPECT_EQ(log_.messages().value(0),
                   QStringLiteral("Unexpected frame of type %1").arg(type));
-        ASSERT_TRUE(device_.waitForConnection());
+        ASSERT_TRUE(waitForReconnection(device_));
         log_.take();
     }
 }

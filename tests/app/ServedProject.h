@@ -4,15 +4,18 @@
 #include "project/KZDataManager.h"
 #include "scanning/SourceFileScanner.h"
 #include "support/UserDefaults.h"
+#include "tests/FakeClock.h"
 #include "tests/FakeEditor.h"
 #include "tests/LogRecorder.h"
 #include "tests/SmallProject.h"
 #include "tests/TestDevice.h"
+#include "tests/WaitUntil.h"
 #include "tests/app/FakeDesktop.h"
 
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 
@@ -34,6 +37,31 @@ protected:
     /// One pass over the project.
     void runPass() { manager_->updateInBackground(); }
 
+    /// Lets time pass for the link and the menu. Attempts to connect that become due have been made
+    /// when this returns.
+    void passTime(Clock::Duration duration);
+    /// Waits until the condition holds, while time passes.
+    template <typename Condition>
+    [[nodiscard]] bool waitWhileTimePasses(Condition condition) {
+        return waitUntil([&] {
+            if (condition()) {
+                return true;
+            }
+            clock_.advance(kTick);
+            return false;
+        });
+    }
+    /// Waits until the program has connected to the device again.
+    [[nodiscard]] bool waitForReconnection(TestDevice& device) {
+        return waitWhileTimePasses([&] { return device.isConnectionWaiting(); }) &&
+               device.waitForConnection();
+    }
+    /// Whether the next attempt on 127.0.0.1 has its time: not while one is parked or under way.
+    bool isNextPollScheduled() const;
+
+    static constexpr std::chrono::milliseconds kTick{100};
+
+    FakeClock clock_;
     SmallProject project_;
     QTemporaryDir profile_;
     LogRecorder log_;
@@ -54,6 +82,8 @@ protected:
 private:
     void chooseProject();
     void start();
+
+    Clock::TimePoint launched_;
 };
 
 } // namespace navrel

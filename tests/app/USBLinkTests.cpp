@@ -1,14 +1,12 @@
 #include "support/NotificationCentre.h"
 #include "support/dispatch/DispatchQueue.h"
 #include "tests/FakeUSBDaemon.h"
-#include "tests/WaitUntil.h"
 #include "tests/app/ServedProject.h"
 #include "tests/transport/FullListener.h"
 #include "transport/PTUSBHub.h"
 #include "transport/USBDaemonKeeper.h"
 
 #include <QDir>
-#include <QElapsedTimer>
 
 #include <chrono>
 #include <unistd.h>
@@ -18,29 +16,9 @@ namespace {
 
 using std::chrono::milliseconds;
 using std::chrono::minutes;
+using std::chrono::seconds;
 
 const QString kConnect = QStringLiteral("Connect");
-
-/// Counts the failed attempts that are made again. Those for no device reach no daemon: nothing
-/// else is to be seen of them.
-class RepeatedAttempts {
-public:
-    explicit RepeatedAttempts(AppDelegate& delegate)
-        : timer_(*delegate.findChild<QTimer*>(QStringLiteral("usbRetryTimer"))) {
-        connection_ = QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { ++count_; });
-    }
-    ~RepeatedAttempts() { QObject::disconnect(connection_); }
-    RepeatedAttempts(const RepeatedAttempts&) = delete;
-    RepeatedAttempts& operator=(const RepeatedAttempts&) = delete;
-
-    int count() const { return count_; }
-    bool isOneDue() const { return timer_.isActive(); }
-
-private:
-    const QTimer& timer_;
-    QMetaObject::Connection connection_;
-    int count_ = 0;
-};
 
 /// The link on a daemon that the test has in hand, with or without a simulator.
 class USBLinkTest : public ServedProject {
@@ -58,6 +36,8 @@ protected:
         listen();
         ASSERT_TRUE(waitUntil([&] { return daemon_.listenerCount() == 1; }));
         delegate_->activate();
+        passTime(seconds(2));
+        ASSERT_EQ(clock_.scheduledCalls(), kAtRest);
     }
 
     void listen() { hub_->listenOnQueue(DispatchQueue::mainQueue(), nullptr, nullptr); }
@@ -78,15 +58,25 @@ protected:
 
     bool isConnected() const { return delegate_->connectedChannel() != nullptr; }
 
-    static void runEventLoopFor(milliseconds time) {
-        QElapsedTimer sinceStart;
-        sinceStart.start();
-        ASSERT_TRUE(waitUntil([&] { return sinceStart.elapsed() >= time.count(); }));
+    /// Whether a failed attempt is to be repeated, while the second of the log's lines lasts, too.
+    bool isRetryScheduled() const { return clock_.scheduledCalls() == kAtRest + 2; }
+
+    /// Seconds in which the menu, the attempt on 127.0.0.1 and one more come, each once.
+    void expectOneRetryASecond() {
+        for (int second = 0; second < 3; ++second) {
+            ASSERT_TRUE(waitUntil([&] { return clock_.scheduledCalls() == kAtRest + 1; }));
+            EXPECT_EQ(clock_.advance(milliseconds(999)), 0);
+            EXPECT_EQ(clock_.advance(milliseconds(1)), 3);
+        }
+        ASSERT_TRUE(waitUntil([&] { return clock_.scheduledCalls() == kAtRest + 1; }));
     }
 
     bool waitForLog(const QString& message) {
         return waitUntil([&] { return log_.messages().contains(message); });
     }
+
+    /// What always waits for its time: the menu, and the next attempt on 127.0.0.1.
+    static constexpr std::size_t kAtRest = 2;
 
     FakeUSBDaemon daemon_;
     std::shared_ptr<USBDaemonKeeper> keeper_ =
@@ -132,24 +122,23 @@ TEST_F(USBLinkTest, theSameDeviceAttachedTwiceIsReachedOnce) {
     daemon_.attach(7);
     daemon_.attach(7);
     ASSERT_TRUE(waitUntil([&] { return log_.messages().size() == 2 && connects() == 1; }));
-    runEventLoopFor(milliseconds(300));
+    passTime(seconds(2));
     EXPECT_EQ(connects(), 1);
 }
 
 TEST_F(USBLinkTest, aFailingAttemptIsSilentAndRepeatedEverySecondUntilTheDeviceGoes) {
     launchWithDaemon();
     daemon_.connectAnswer = 3;
-    QElapsedTimer sinceAttached;
-    sinceAttached.start();
+    const auto start = clock_.now();
     daemon_.attach(7);
-    ASSERT_TRUE(waitUntil([&] { return connects() == 3; }));
-    EXPECT_GE(sinceAttached.elapsed(), 1800);
+    ASSERT_TRUE(waitWhileTimePasses([&] { return connects() == 3; }));
+    EXPECT_GE(clock_.now() - start, seconds(2));
     EXPECT_EQ(log_.messages(), QStringList{QStringLiteral("PTUSBDeviceDidAttachNotification: 7")});
 
     daemon_.detach(7);
     ASSERT_TRUE(waitForLog(QStringLiteral("PTUSBDeviceDidDetachNotification: 7")));
     const int attempts = connects();
-    runEventLoopFor(milliseconds(1500));
+    passTime(seconds(2));
     EXPECT_EQ(connects(), attempts);
 }
 
@@ -160,9 +149,9 @@ TEST_F(USBLinkTest, anAttemptThatTheDaemonNeverAnswersFailsInTheEndAndIsRepeated
     launchWithDaemon();
     daemon_.connectAnswer = std::nullopt;
     daemon_.attach(7);
-    ASSERT_TRUE(waitUntil([&] { return connects() == 2; }));
+    ASSERT_TRUE(waitWhileTimePasses([&] { return connects() == 2; }));
     daemon_.connectAnswer = 0;
-    EXPECT_TRUE(waitForDevice());
+    EXPECT_TRUE(waitWhileTimePasses([&] { return isConnected(); }));
 }
 
 TEST_F(USBLinkTest, aDeviceThatIsAttachedAnewWhileAnAttemptFailsIsReachedByItsOwnAttemptAlone) {
@@ -174,62 +163,53 @@ TEST_F(USBLinkTest, aDeviceThatIsAttachedAnewWhileAnAttemptFailsIsReachedByItsOw
     daemon_.attach(7);
     ASSERT_TRUE(waitUntil([&] { return connects() == 2; }));
     daemon_.closeConnecting(); // both fail; only the second one is repeated
-    ASSERT_TRUE(waitUntil([&] { return connects() == 3; }));
-    runEventLoopFor(milliseconds(500));
+    ASSERT_TRUE(waitWhileTimePasses([&] { return connects() == 3; }));
+    passTime(seconds(2));
     EXPECT_EQ(connects(), 3);
 }
 
 TEST_F(USBLinkTest, afterADetachTheAttemptsGoOnForNoDeviceUntilOneIsAttached) {
     launchWithDaemon();
-    const RepeatedAttempts repeated(*delegate_);
     daemon_.connectAnswer = 3;
     daemon_.attach(7);
-    ASSERT_TRUE(waitUntil([&] { return connects() == 1 && repeated.isOneDue(); }));
+    ASSERT_TRUE(waitUntil([&] { return connects() == 1 && isRetryScheduled(); }));
     daemon_.detach(7);
     ASSERT_TRUE(waitForLog(QStringLiteral("PTUSBDeviceDidDetachNotification: 7")));
-    QElapsedTimer sinceDetached;
-    sinceDetached.start();
-    const int before = repeated.count();
-    ASSERT_TRUE(waitUntil([&] { return repeated.count() == before + 3; }));
-    EXPECT_GE(sinceDetached.elapsed(), 1800); // the first was due already
-    ASSERT_TRUE(waitUntil([&] { return repeated.isOneDue(); }));
+    EXPECT_EQ(clock_.advance(seconds(1)), 4); // with the second of the log's lines
+    expectOneRetryASecond();
 
     daemon_.connectAnswer = 0;
     EXPECT_TRUE(connectDevice(8));
     ASSERT_NE(delegate_->connectedDeviceID(), nullptr);
     EXPECT_EQ(delegate_->connectedDeviceID()->value(), 8);
     EXPECT_EQ(connects(), 2); // attempts for no device never reach the daemon
-    EXPECT_FALSE(repeated.isOneDue());
+    EXPECT_FALSE(isRetryScheduled());
 }
 
 TEST_F(USBLinkTest, howeverFastADeviceComesAndGoesTheAttemptsForNoneAreOneASecond) {
     launchWithDaemon();
-    const RepeatedAttempts repeated(*delegate_);
     daemon_.connectAnswer = 3;
     for (int round = 1; round <= 5; ++round) {
         daemon_.attach(7);
-        ASSERT_TRUE(waitUntil([&] { return connects() == round && repeated.isOneDue(); }));
+        ASSERT_TRUE(waitUntil([&] { return connects() == round && isRetryScheduled(); }));
         daemon_.detach(7);
+        ASSERT_TRUE(waitUntil([&] { return log_.messages().size() == 2 * round; }));
     }
-    QElapsedTimer sinceDetached;
-    sinceDetached.start();
-    const int before = repeated.count();
-    ASSERT_TRUE(waitUntil([&] { return repeated.count() == before + 3; }));
-    EXPECT_GE(sinceDetached.elapsed(), 1800);
+    EXPECT_EQ(clock_.advance(seconds(1)), 4); // with the second of the log's lines
+    expectOneRetryASecond();
 }
 
 TEST_F(USBLinkTest, anAttemptThatWaitsForItsTurnIsDroppedOnceTheDeviceIsAttachedAnew) {
     launchWithDaemon();
     daemon_.connectAnswer = 3;
     daemon_.attach(7);
-    ASSERT_TRUE(waitUntil([&] { return connects() == 1; }));
-    runEventLoopFor(milliseconds(200)); // the attempt has failed and is to be repeated
+    ASSERT_TRUE(waitUntil([&] { return connects() == 1 && isRetryScheduled(); }));
     daemon_.detach(7);
     daemon_.connectAnswer = 0;
     ASSERT_TRUE(connectDevice(7));
     device_.disconnect();
     ASSERT_TRUE(waitForDevice());
-    runEventLoopFor(milliseconds(1500));
+    passTime(seconds(2));
     EXPECT_EQ(connects(), 3);
 }
 
@@ -251,18 +231,17 @@ TEST_F(USBLinkTest, howeverOftenTheSimulatorComesAndGoesADeviceIsTriedOnceASecon
     for (int round = 0; round < 3; ++round) {
         TestDevice simulator;
         ASSERT_TRUE(simulator.listen());
-        ASSERT_TRUE(simulator.waitForConnection());
+        ASSERT_TRUE(waitForReconnection(simulator));
         ASSERT_TRUE(waitUntil([&] { return isConnected(); }));
-        runEventLoopFor(milliseconds(1200)); // the next attempt is parked
+        passTime(milliseconds(1200)); // the next attempt is parked
         simulator.stopListening();
         simulator.disconnect();
         ASSERT_TRUE(waitUntil([&] { return !isConnected(); }));
     }
-    QElapsedTimer sinceGone;
-    sinceGone.start();
+    const auto start = clock_.now();
     const int before = connects();
-    ASSERT_TRUE(waitUntil([&] { return connects() == before + 3; }));
-    EXPECT_GE(sinceGone.elapsed(), 1800); // the first comes at once
+    ASSERT_TRUE(waitWhileTimePasses([&] { return connects() == before + 3; }));
+    EXPECT_GE(clock_.now() - start, seconds(2)); // the first comes at once
 }
 
 TEST_F(USBLinkTest, anAttemptUnderWayWhenTheSimulatorGoesIsNotMadeTwice) {
@@ -272,16 +251,16 @@ TEST_F(USBLinkTest, anAttemptUnderWayWhenTheSimulatorGoesIsNotMadeTwice) {
     ASSERT_TRUE(waitUntil([&] { return connects() == 1; }));
     TestDevice simulator;
     ASSERT_TRUE(simulator.listen());
-    ASSERT_TRUE(simulator.waitForConnection());
+    ASSERT_TRUE(waitForReconnection(simulator));
     ASSERT_TRUE(waitUntil([&] { return isConnected(); }));
     simulator.stopListening();
     simulator.disconnect();
     ASSERT_TRUE(waitUntil([&] { return !isConnected(); }));
-    runEventLoopFor(milliseconds(500));
+    passTime(seconds(2));
     EXPECT_EQ(connects(), 1);
     daemon_.connectAnswer = 3;
     daemon_.closeConnecting(); // it fails, and is repeated
-    EXPECT_TRUE(waitUntil([&] { return connects() == 2; }));
+    EXPECT_TRUE(waitWhileTimePasses([&] { return connects() == 2; }));
 }
 
 // Losing a device.
@@ -304,7 +283,7 @@ TEST_F(USBLinkTest, unpluggingTheConnectedDeviceIsLoggedAndLeavesTheLinkIdle) {
 
     // The queue runs: the simulator is found.
     ASSERT_TRUE(device_.listen());
-    EXPECT_TRUE(device_.waitForConnection(milliseconds(2500)));
+    EXPECT_TRUE(waitForReconnection(device_));
     EXPECT_EQ(connects(), 1);
 }
 
@@ -334,12 +313,12 @@ TEST_F(USBLinkTest, theDetachmentOfTheWantedDeviceClosesTheSimulatorToo) {
     ASSERT_TRUE(waitUntil([&] { return connects() == 1; }));
     TestDevice simulator;
     ASSERT_TRUE(simulator.listen());
-    ASSERT_TRUE(simulator.waitForConnection());
+    ASSERT_TRUE(waitForReconnection(simulator));
     ASSERT_TRUE(waitUntil([&] { return isConnected(); }));
     log_.take();
     daemon_.detach(7);
     EXPECT_TRUE(simulator.waitForEnd());
-    ASSERT_TRUE(simulator.waitForConnection(milliseconds(2500)));
+    ASSERT_TRUE(waitForReconnection(simulator));
     ASSERT_TRUE(waitUntil([&] { return log_.messages().size() >= 3; }));
     EXPECT_EQ(log_.messages(), (QStringList{QStringLiteral("PTUSBDeviceDidDetachNotification: 7"),
                                             QStringLiteral("Disconnected from 127.0.0.1:2345"),
@@ -381,7 +360,7 @@ TEST_F(USBLinkTest, aSecondDeviceWaitsUntilTheFirstHasGone) {
     ASSERT_TRUE(connectDevice(7));
     daemon_.attach(8);
     ASSERT_TRUE(waitForLog(QStringLiteral("PTUSBDeviceDidAttachNotification: 8")));
-    runEventLoopFor(milliseconds(300));
+    passTime(seconds(2));
     EXPECT_EQ(connects(), 1);
     EXPECT_TRUE(device_.ask(211).has_value());
 
@@ -402,7 +381,7 @@ TEST_F(USBLinkTest, ofSeveralDevicesThatWaitedTheLastOneIsReachedOnce) {
     ASSERT_TRUE(device_.waitForEnd());
     ASSERT_TRUE(waitForDevice());
     EXPECT_EQ(delegate_->connectedDeviceID()->value(), 9);
-    runEventLoopFor(milliseconds(300));
+    passTime(seconds(2));
     EXPECT_EQ(connects(), 2);
 }
 
@@ -458,7 +437,7 @@ TEST_F(USBLinkTest, aDeviceThatCameAndWentWhileTheSimulatorWasConnectedIsNotTrie
     device_.stopListening();
     device_.disconnect();
     ASSERT_TRUE(waitUntil([&] { return !isConnected(); }));
-    runEventLoopFor(milliseconds(300));
+    passTime(seconds(2));
     EXPECT_EQ(connects(), 0);
     EXPECT_TRUE(connectDevice(8));
 }
@@ -487,8 +466,7 @@ TEST_F(USBLinkTest, aDeviceAttachedMeanwhileIsReachedThoughTheSimulatorIsThereAg
     listen();
     delegate_->activate();
     ASSERT_TRUE(waitUntil([&] { return isConnected() && daemon_.listenerCount() == 1; }));
-    runEventLoopFor(
-        milliseconds(1200)); // the next attempt on 127.0.0.1 is parked before the device
+    passTime(milliseconds(1200)); // the next attempt on 127.0.0.1 is parked before the device
     daemon_.attach(7);
     ASSERT_TRUE(waitForLog(QStringLiteral("PTUSBDeviceDidAttachNotification: 7")));
 
@@ -503,7 +481,7 @@ TEST_F(USBLinkTest, aDeviceWhoseConnectionEndsIsReachedAgainThoughASimulatorIsTh
     ASSERT_TRUE(connectDevice(7));
     TestDevice simulator;
     ASSERT_TRUE(simulator.listen());
-    runEventLoopFor(milliseconds(1200)); // the attempt on 127.0.0.1 is parked
+    passTime(milliseconds(1200)); // the attempt on 127.0.0.1 is parked
     device_.disconnect();
     ASSERT_TRUE(waitForDevice());
     ASSERT_TRUE(waitUntil([&] { return delegate_->connectedDeviceID() != nullptr; }));
@@ -515,11 +493,11 @@ TEST_F(USBLinkTest, whileADeviceIsConnectedTheSimulatorIsParkedAndThenFound) {
     ASSERT_TRUE(connectDevice(7));
     TestDevice simulator;
     ASSERT_TRUE(simulator.listen());
-    runEventLoopFor(milliseconds(1500));
+    passTime(seconds(2));
     EXPECT_FALSE(simulator.isConnectionWaiting());
 
     daemon_.detach(7);
-    ASSERT_TRUE(simulator.waitForConnection(milliseconds(2500)));
+    ASSERT_TRUE(waitForReconnection(simulator));
     ASSERT_TRUE(waitForLog(QStringLiteral("Connected to 127.0.0.1:2345")));
     EXPECT_EQ(delegate_->connectedDeviceID(), nullptr);
     EXPECT_TRUE(simulator.ask(211).has_value());
@@ -532,7 +510,7 @@ TEST_F(USBLinkTest, anAttemptUnderWayReplacesTheSimulatorWhichIsReleasedNotClose
     ASSERT_TRUE(waitUntil([&] { return connects() == 1; }));
     TestDevice simulator;
     ASSERT_TRUE(simulator.listen());
-    ASSERT_TRUE(simulator.waitForConnection());
+    ASSERT_TRUE(waitForReconnection(simulator));
     ASSERT_TRUE(waitUntil([&] { return isConnected(); }));
     const std::weak_ptr<PTChannel> simulatorChannel = delegate_->connectedChannel();
 
@@ -621,7 +599,7 @@ TEST_F(USBLinkTest, aDaemonThatGoesBetweenTwoAttemptsComesBack) {
     launchWithDaemon();
     daemon_.connectAnswer = 3;
     daemon_.attach(7);
-    ASSERT_TRUE(waitUntil([&] { return connects() == 2; }));
+    ASSERT_TRUE(waitWhileTimePasses([&] { return connects() == 2; }));
     daemon_.stop();
     ASSERT_TRUE(waitForLog(QStringLiteral("PTUSBDeviceDidDetachNotification: 7")));
     daemon_.connectAnswer = 0;
@@ -697,7 +675,7 @@ TEST_F(USBLinkTest, aFloodOfBroadcastsLeavesTheConnectedCompanionServed) {
     }
     EXPECT_GT(answersMeanwhile, 2);
     // Nor does it fill the log: so many lines a second, and the number of the others.
-    EXPECT_TRUE(waitUntil([&] {
+    EXPECT_TRUE(waitWhileTimePasses([&] {
         return log_.messages().last().endsWith(
             QStringLiteral("more lines about devices attached and detached were left out"));
     }));

@@ -16,7 +16,7 @@ protected:
     void startWith(const QUrl& server, const QString& version) {
         other_ = AppDelegate::create(
             {*manager_, desktop_, *defaults_, version, [this] { return hub_; }, server});
-        other_->setMenu(&menu_);
+        other_->setMenu(&menu_, nullptr);
         other_->applicationDidFinishLaunching();
     }
     void startWithVersionFile(const QByteArray& text, const QString& version) {
