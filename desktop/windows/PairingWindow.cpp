@@ -212,7 +212,7 @@ QWidget* PairingWindow::readOnlySwitch(const PairingContents::Device& device) {
     return cell;
 }
 
-// Deleted later, since forgetting shows the devices anew while the button is still at work.
+// Deleted later, since forgetting shows the devices again while the button is still at work.
 QWidget* PairingWindow::forgetButton(const PairingContents::Device& device) {
     auto* button = new QPushButton(QStringLiteral("Forget"));
     button->setAccessibleName(QStringLiteral("Forget %1").arg(titleOnOneLine(device.label)));
