@@ -52,9 +52,22 @@ export async function errorOf(response: Response): Promise<WireError> {
   return new WireError(failure, message, said.hint, response.status);
 }
 
-async function get<Answer>(path: string, signal?: AbortSignal): Promise<Answer> {
-  const response = await request(path, signal ? { signal } : {});
-  return (await response.json()) as Answer;
+/** Before a request that only reads is made again: a server at its bounds has room a moment later. */
+const kPauses = [300, 1_000, 3_000] as const;
+const kTooMany = 429;
+
+const mayPass = (error: unknown) => error instanceof WireError && (error.failure === "away" || error.status === kTooMany);
+
+async function get<Answer>(path: string, signal?: AbortSignal, pauses: readonly number[] = kPauses): Promise<Answer> {
+  try {
+    const response = await request(path, signal ? { signal } : {});
+    return (await response.json()) as Answer;
+  } catch (error) {
+    const [pause, ...others] = pauses;
+    if (pause === undefined || signal?.aborted || !mayPass(error)) throw error;
+    await new Promise((done) => setTimeout(done, pause));
+    return get(path, signal, others);
+  }
 }
 
 function post(path: string, body: unknown): Promise<Response> {
