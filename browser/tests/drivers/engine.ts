@@ -2,6 +2,7 @@
 import { after, before } from "node:test";
 import { ChromiumDriver } from "./chromium";
 import type { Colours, Device, Driver, View } from "./driver";
+import { FirefoxDriver } from "./firefox";
 import { WebKitDriver } from "./webkit";
 
 export const engine = process.env["NAVREL_BROWSER_ENGINE"] ?? "chromium";
@@ -12,6 +13,8 @@ function start(): Promise<Driver> {
       return ChromiumDriver.start();
     case "webkit":
       return WebKitDriver.start();
+    case "firefox":
+      return FirefoxDriver.start();
     default:
       throw new Error(`No driver for ${engine}`);
   }
