@@ -85,7 +85,8 @@ function Marked({ text, positions }: { text: string; positions?: readonly number
 
 /** Selectors break behind their colons rather than anywhere. */
 function Breakable({ text }: { text: string }) {
-  const [first, ...others] = text.match(/[^:]*:?/g) ?? [];
+  if (!text.includes(":")) return <>{text}</>;
+  const [first, ...others] = text.match(/[^:]+:?|:/g) ?? [];
   return (
     <>
       {first}

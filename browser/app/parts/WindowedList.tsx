@@ -1,7 +1,7 @@
 // A list of any length, of which only the rows in sight (and some around them) are in the document. Rows are
 // as high as their text makes them: names wrap rather than being cut off, at any text size.
 import type { ComponentChildren } from "preact";
-import { useEffect, useLayoutEffect, useMemo, useReducer, useRef, useState } from "preact/hooks";
+import { useEffect, useLayoutEffect, useMemo, useReducer, useRef } from "preact/hooks";
 import { isLeftAlone, touched } from "../following";
 import { Heights } from "../model/heights";
 
@@ -33,23 +33,28 @@ interface Properties<Row> {
 }
 
 const scrolledTo = new Map<string, number>();
+/** Of the last list that was shown: the next one has much the same. */
+let lastHeight = innerHeight;
 
 export function WindowedList<Row>(properties: Properties<Row>) {
   const { name, memory, rows, keyOf, draw, headings = [], drawHeading, follow, show } = properties;
   const scroller = useRef<HTMLDivElement>(null);
   const list = useRef<HTMLUListElement>(null);
-  const [width, setWidth] = useState(0);
+  const [rewrapped, wrapAgain] = useReducer<number, void>((count) => count + 1, 0);
   const [, drawAgain] = useReducer<number, void>((count) => count + 1, 0);
-  const heights = useMemo(() => new Heights(rows.length, kGuessedHeight), [rows, width]);
+  const heights = useMemo(() => new Heights(rows.length, kGuessedHeight), [rows, rewrapped]);
+  const width = useRef(0);
+  // A tap shows what is in sight; the rows around it come when that has been painted.
+  const around = useRef(0);
   const cursor = useRef(0);
   const focusCursor = useRef(false);
   const wanted = useRef<number | undefined>(undefined);
   const isFirst = useRef(true);
 
   const top = scroller.current?.scrollTop ?? scrolledTo.get(memory) ?? 0;
-  const height = scroller.current?.clientHeight || innerHeight;
-  const first = Math.max(0, heights.rowAt(top) - kRowsAround);
-  const end = Math.min(rows.length, heights.rowAt(top + height) + 1 + kRowsAround);
+  const height = scroller.current?.clientHeight || lastHeight;
+  const first = Math.max(0, heights.rowAt(top) - around.current);
+  const end = Math.min(rows.length, heights.rowAt(top + height) + 1 + around.current);
   const shown = useRef({ first, end });
   shown.current = { first, end };
   const current = Math.min(Math.max(cursor.current, first), Math.max(end - 1, 0));
@@ -69,8 +74,12 @@ export function WindowedList<Row>(properties: Properties<Row>) {
   // Rows that came into sight are measured before they are painted, and what stands above stays in place.
   useLayoutEffect(() => {
     const box = scroller.current!;
-    if (isFirst.current) box.scrollTop = scrolledTo.get(memory) ?? 0;
-    isFirst.current = false;
+    if (isFirst.current) {
+      box.scrollTop = scrolledTo.get(memory) ?? 0;
+      width.current = box.clientWidth;
+      lastHeight = box.clientHeight || lastHeight;
+      isFirst.current = false;
+    }
     const firstInSight = heights.rowAt(box.scrollTop);
     let isOther = false;
     let moved = 0;
@@ -102,7 +111,14 @@ export function WindowedList<Row>(properties: Properties<Row>) {
     }
   }, [show, rows]);
   useEffect(() => {
-    const observer = new ResizeObserver(() => setWidth(scroller.current?.clientWidth ?? 0));
+    around.current = kRowsAround;
+    drawAgain();
+    const observer = new ResizeObserver(() => {
+      const wasAsWide = scroller.current?.clientWidth === width.current;
+      width.current = scroller.current?.clientWidth ?? 0;
+      if (wasAsWide) drawAgain();
+      else wrapAgain();
+    });
     observer.observe(scroller.current!);
     return () => observer.disconnect();
   }, []);
