@@ -41,18 +41,22 @@ export function restoreSettings(): void {
     follow: oneOf<Follow>(kept.follow, ["off", "highlight", "scroll"], "scroll"),
     recents: Array.isArray(kept.recents) ? kept.recents.filter(isTarget).slice(0, kRecents) : [],
   });
-  applyTheme(theme);
+  applyTheme();
+  kDarkSystem.addEventListener("change", applyTheme);
   setNavigatorWidth(typeof kept.navigatorWidth === "number" ? kept.navigatorWidth : now().navigatorWidth);
 }
 
-function applyTheme(theme: Theme): void {
-  if (theme === "auto") delete document.documentElement.dataset["theme"];
-  else document.documentElement.dataset["theme"] = theme;
+const kDarkSystem = matchMedia("(prefers-color-scheme: dark)");
+
+/** The style sheet has each theme once: which one the system has is asked here, rather than there as well. */
+function applyTheme(): void {
+  const { theme } = now();
+  document.documentElement.dataset["theme"] = theme !== "auto" ? theme : kDarkSystem.matches ? "dark" : "light";
 }
 
 export function setTheme(theme: Theme): void {
-  applyTheme(theme);
   update({ theme });
+  applyTheme();
   write();
 }
 
