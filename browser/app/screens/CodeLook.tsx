@@ -5,7 +5,7 @@ import { problemOf } from "../messages";
 import { Empty } from "../parts/Empty";
 import { Header } from "../parts/Header";
 import { type RowPlace, WindowedList } from "../parts/WindowedList";
-import type { Loaded, Look } from "../store";
+import { type Loaded, type Look, now } from "../store";
 import { type Shape, wire } from "../wire/wire";
 
 /** Around the line that is looked at; what is further away comes with a tap. */
@@ -50,7 +50,8 @@ export function CodeLook({ look, onClose }: { look: Look; onClose(): void }) {
 }
 
 function openLine(look: Look, line: number): void {
-  open({ kind: "file", name: look.name, file: { id: look.file, name: look.name, path: "" }, line });
+  const path = now().tree.node(look.file)?.path ?? look.name;
+  open({ kind: "file", name: look.name, file: { id: look.file, name: look.name, path }, line });
 }
 
 type Entry = { key: string; line: number; text: string } | { key: string; from: number; to: number };
