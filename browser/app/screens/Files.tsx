@@ -55,30 +55,18 @@ export function targetOfNode({ id, name, path = "" }: TreeNode): Target {
 }
 
 function NodeRow({ node, place, isLit }: { node: TreeNode; place: RowPlace; isLit: boolean }) {
-  if (node.kind === "file") {
-    return (
-      <Row
-        place={place}
-        look={fileLook(node.language)}
-        name={node.name}
-        below={node.missing ? "is missing on disk" : undefined}
-        isLit={isLit}
-        isDim={node.missing === true}
-        target={targetOfNode(node)}
-        onTap={() => showFile(node.id)}
-      />
-    );
-  }
+  const isFile = node.kind === "file";
   return (
     <Row
       place={place}
-      look={lookOf(node.kind)}
+      look={isFile ? fileLook(node.language) : lookOf(node.kind)}
       name={node.name}
       below={node.missing ? "is missing on disk" : undefined}
-      end={<Count of={node.children.length} />}
+      end={isFile ? undefined : <Count of={node.children.length} />}
       isLit={isLit}
       isDim={node.missing === true}
-      onTap={() => showGroup(node)}
+      target={isFile ? targetOfNode(node) : undefined}
+      onTap={() => (isFile ? showFile(node.id) : showGroup(node))}
     />
   );
 }
