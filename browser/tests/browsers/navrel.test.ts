@@ -5,10 +5,11 @@ import { appendFileSync, readFileSync, writeFileSync } from "node:fs";
 import type * as Shape from "../../app/wire/shapes";
 import { type Device, until, type View } from "../drivers/driver";
 import { useEngine, withView } from "../drivers/engine";
+import { Line } from "../navrel/line";
 import { Navrel, navrelProgram } from "../navrel/navrel";
 import { Neovim } from "../navrel/neovim";
 import { faultsOf } from "../schema";
-import { Hand } from "./hand";
+import { Hand, type World } from "./hand";
 
 const program = navrelProgram();
 if (program === undefined) console.error("There is no Navrel built: the journeys with one are left out");
@@ -16,28 +17,41 @@ if (program === undefined) console.error("There is no Navrel built: the journeys
 const skip = program === undefined;
 let navrel: Navrel;
 let neovim: Neovim;
+/** Why there is nothing to make a journey with. */
+let failure: Error | undefined;
 
 if (!skip) {
   useEngine();
   before(async () => {
-    navrel = await Navrel.prepare(program!);
-    neovim = await Neovim.start(navrel.runtimeFolder, navrel.environment);
-    await navrel.start();
+    try {
+      navrel = await Navrel.prepare(program!);
+      neovim = await Neovim.start(navrel.runtimeFolder, navrel.environment);
+      await navrel.start();
+    } catch (error) {
+      failure = error as Error;
+    }
   });
   after(async () => {
+    await line?.close();
     await neovim?.stop();
     await navrel?.remove();
   });
 }
 
-function journey(name: string, device: Device, body: (hand: Hand, view: View) => Promise<void>): void {
-  test(name, { skip }, () =>
-    withView(device, "light", async (view) => {
+/** Once, and not by each journey. */
+test("Navrel and Neovim start", { skip }, () => {
+  if (failure) throw failure;
+});
+
+function journey(name: string, device: Device, body: (hand: Hand, view: View) => Promise<void>, world: () => World = () => navrel): void {
+  test(name, { skip }, async (context) => {
+    if (failure) return context.skip("Navrel or Neovim did not start");
+    await withView(device, "light", async (view) => {
       const hand = new Hand(view, device);
-      await hand.pair(navrel);
+      await hand.pair(world());
       await body(hand, view);
-    }),
-  );
+    });
+  });
 }
 
 const editorHas = async (hand: Hand, place: string) => {
@@ -130,6 +144,34 @@ journey("Navrel ends and starts again: the page comes back by itself", "phone", 
   await editorHas(hand, "TideTable.swift:14");
 });
 
+let line: Line;
+const throughALine: World = {
+  link: async () => {
+    line = await Line.to(navrel.port);
+    return (await navrel.link()).replace(`:${navrel.port}/`, `:${line.port}/`);
+  },
+};
+
+journey(
+  "a device that slept shows at once what it missed, without a reload",
+  "phone",
+  async (hand, view) => {
+    await neovim.goTo(navrel.path("Tidewatch/Views/TideView.m"), 12);
+    await hand.tab("Outline");
+    await hand.isLit("Outline of TideView.m", "-setTide:animated:");
+    await view.run(() => void (document.body.dataset["slept"] = "yes"));
+    line.cut();
+    await neovim.goTo(navrel.path("Tidewatch/Views/TideView.m"), 21);
+    await until("Navrel to see it", async () => (await navrel.asOwner<Shape.State>("GET", "/api/state")).editor.active?.line === 21);
+    assert.equal(await hand.lit("Outline of TideView.m"), "-setTide:animated:");
+    line.mend();
+    await view.run(() => void document.dispatchEvent(new Event("visibilitychange")));
+    await hand.isLit("Outline of TideView.m", "-drawRect:");
+    assert.equal(await view.run(() => document.body.dataset["slept"]), "yes");
+  },
+  () => throughALine,
+);
+
 journey("a device that is forgotten is shown out at once, and the other stays", "phone", async (hand) => {
   await withView("tablet", "dark", async (other) => {
     const second = new Hand(other, "tablet");
@@ -151,7 +193,8 @@ journey("a device that may only look is told so", "phone", async (hand) => {
   await hand.sees("may look, not open");
 });
 
-test("what Navrel says has the shapes that the page expects", { skip }, async () => {
+test("what Navrel says has the shapes that the page expects", { skip }, async (context) => {
+  if (failure) return context.skip("Navrel or Neovim did not start");
   const checked: string[] = [];
   const check = async (shape: string, path: string) => {
     const answer = await navrel.asOwner("GET", path);

@@ -36,6 +36,9 @@ export interface Driver {
 export const kDeadlineMilliseconds = 30_000;
 const kPauseMilliseconds = 50;
 
+/** Thrown by what is waited for where waiting longer is of no use. */
+export class Hopeless extends Error {}
+
 export async function until<Answer>(what: string, look: () => Promise<Answer | undefined | false>): Promise<Answer> {
   const deadline = Date.now() + kDeadlineMilliseconds;
   let last: unknown;
@@ -45,6 +48,7 @@ export async function until<Answer>(what: string, look: () => Promise<Answer | u
       if (answer !== undefined && answer !== false) return answer;
       last = undefined;
     } catch (error) {
+      if (error instanceof Hopeless) throw error;
       last = error;
     }
     await new Promise((done) => setTimeout(done, kPauseMilliseconds));

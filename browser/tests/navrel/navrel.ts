@@ -4,11 +4,11 @@ import { cpSync, existsSync, mkdirSync, mkdtempSync, openSync, readFileSync, rmS
 import { request as ask } from "node:http";
 import { tmpdir } from "node:os";
 import { join, resolve } from "node:path";
-import { until } from "../drivers/driver";
+import { Hopeless, until } from "../drivers/driver";
 import { freePort } from "../drivers/ports";
 import type * as Shape from "../../app/wire/shapes";
 
-const kBuilds = ["test", "dev", "debug", "release"];
+const kBuilds = ["test", "dev", "debug", "release", "bench"];
 
 /** The program that was built last; NAVREL_PROGRAM names another. */
 export function navrelProgram(): string | undefined {
@@ -24,7 +24,7 @@ export class Navrel {
   private constructor(
     private readonly program: string,
     private readonly root: string,
-    private readonly port: number,
+    readonly port: number,
   ) {}
 
   static async prepare(program: string): Promise<Navrel> {
@@ -67,9 +67,13 @@ export class Navrel {
 
   async start(): Promise<void> {
     const log = openSync(join(this.root, "log"), "a");
-    this.process = spawn(this.program, [], { env: this.environment, stdio: ["ignore", log, log] });
+    const process = spawn(this.program, [], { env: this.environment, stdio: ["ignore", log, log] });
+    this.process = process;
+    let problem = "";
+    process.once("error", (error) => (problem = error.message));
+    process.once("exit", (code, signal) => (problem = `It ended with ${signal ?? code}`));
     await until("Navrel", async () => {
-      if (this.process?.exitCode !== null) throw new Error(`Navrel ended:\n${this.log}`);
+      if (problem !== "") throw new Hopeless(`Navrel does not run. ${problem}`);
       return (await this.asOwner<Shape.State>("GET", "/api/state")).project.state === "loaded";
     }).catch((error: Error) => {
       throw new Error(`${error.message}\n${this.log}`);
@@ -79,7 +83,7 @@ export class Navrel {
   async stop(): Promise<void> {
     const { process } = this;
     this.process = undefined;
-    if (!process || process.exitCode !== null) return;
+    if (!process?.pid || process.exitCode !== null || process.signalCode !== null) return;
     const ended = new Promise((done) => process.once("exit", done));
     process.kill();
     await ended;

@@ -2,7 +2,7 @@
 import { type ChildProcess, execFile, spawn } from "node:child_process";
 import { join } from "node:path";
 import { promisify } from "node:util";
-import { until } from "../drivers/driver";
+import { Hopeless, until } from "../drivers/driver";
 
 const run = promisify(execFile);
 
@@ -17,7 +17,13 @@ export class Neovim {
     const socket = join(folder, "nvim.test.0");
     const process = spawn("nvim", ["--headless", "--clean", "-n", "--listen", socket], { stdio: "ignore", env: environment });
     const neovim = new Neovim(process, socket);
-    await until("Neovim", async () => (await neovim.evaluate("1")) === "1");
+    let problem = "";
+    process.once("error", (error) => (problem = error.message));
+    process.once("exit", (code, signal) => (problem = `It ended with ${signal ?? code}`));
+    await until("Neovim", async () => {
+      if (problem !== "") throw new Hopeless(`Neovim does not run. ${problem}`);
+      return (await neovim.evaluate("1")) === "1";
+    });
     return neovim;
   }
 
