@@ -2,12 +2,14 @@
 // screen with its processor slowed to a quarter; beside each time stands what a page of one line takes in the
 // same run, as the floor.
 import { gzipSync } from "node:zlib";
-import { readdirSync, readFileSync } from "node:fs";
+import { appendFileSync, readdirSync, readFileSync } from "node:fs";
 import { join } from "node:path";
 import { chromium, type Page } from "playwright-core";
 import { kAssets } from "../browsers/screens";
 import { idOf } from "../mock/sample";
 import { kTicket, MockServer } from "../mock/server";
+import { Navrel, navrelProgram } from "../navrel/navrel";
+import { Neovim } from "../navrel/neovim";
 
 const kRounds = 9;
 const kSlowdown = 4;
@@ -40,16 +42,19 @@ function weights(): void {
 
 const many = Array.from({ length: kRows }, (_, index) => ({ id: idOf(`many ${index}`), name: `File ${index + 1}.swift`, kind: "file" as const, path: `Many/File ${index + 1}.swift` }));
 
-async function slowPage(server: MockServer): Promise<{ page: Page; close(): Promise<void> }> {
+/** A paired page; as slow as a phone, unless something else is what is measured. */
+async function slowPage(link: string, slowdown = kSlowdown): Promise<{ page: Page; close(): Promise<void> }> {
   const browser = await chromium.launch({ executablePath: kProgram, args: ["--no-sandbox", "--disable-dev-shm-usage"] });
   const context = await browser.newContext({ viewport: { width: 390, height: 844 }, hasTouch: true, isMobile: true });
   const page = await context.newPage();
-  await page.goto(`${server.url}#p=${kTicket}`);
+  await page.goto(link);
   await page.waitForSelector(".row");
   const session = await context.newCDPSession(page);
-  await session.send("Emulation.setCPUThrottlingRate", { rate: kSlowdown });
+  await session.send("Emulation.setCPUThrottlingRate", { rate: slowdown });
   return { page, close: () => browser.close() };
 }
+
+const linkOf = (server: MockServer) => `${server.url}#p=${kTicket}`;
 
 /** The time from the start of a load to the largest paint. */
 function largestPaint(): Promise<number> {
@@ -83,7 +88,7 @@ async function taps(page: Page, tap: (round: number) => Promise<void>): Promise<
 }
 
 async function measurePage(server: MockServer): Promise<void> {
-  const { page, close } = await slowPage(server);
+  const { page, close } = await slowPage(linkOf(server));
   const bare = `${server.url}manifest.webmanifest`; // one short text
   report("ms to the first sight of the files (LCP)", await paints(page, server.url, ".row"), 1000);
   reportFloor("ms to the first sight of one line of text", await paints(page, bare, "pre"));
@@ -100,7 +105,7 @@ async function measurePage(server: MockServer): Promise<void> {
 }
 
 async function measureRows(server: MockServer): Promise<void> {
-  const { page, close } = await slowPage(server);
+  const { page, close } = await slowPage(linkOf(server));
   const times: number[] = [];
   for (let round = 0; round < kRounds; round++) {
     times.push(
@@ -144,7 +149,7 @@ async function measureRows(server: MockServer): Promise<void> {
 
 /** From the moment that Navrel says so to the moment that it can be read. */
 async function measureChange(server: MockServer): Promise<void> {
-  const { page, close } = await slowPage(server);
+  const { page, close } = await slowPage(linkOf(server));
   await page.locator("#tab-notes").tap();
   await page.waitForSelector('[aria-label="Notes"]');
   const times: number[] = [];
@@ -169,7 +174,7 @@ async function measureChange(server: MockServer): Promise<void> {
 
 /** A phone that was asleep: its stream is dead, and it does not know. */
 async function measureWake(server: MockServer): Promise<void> {
-  const { page, close } = await slowPage(server);
+  const { page, close } = await slowPage(linkOf(server));
   const times: number[] = [];
   for (let round = 0; round < kRounds; round++) {
     await server.stop();
@@ -191,6 +196,69 @@ async function measureWake(server: MockServer): Promise<void> {
   await close();
 }
 
+/** The whole way from a saved file to its symbol on the page. */
+async function measureSave(navrel: Navrel, page: Page): Promise<void> {
+  const path = navrel.path("Tidewatch/Model/Station.swift");
+  const times: number[] = [];
+  for (let round = 0; round < kRounds; round++) {
+    const name = `writtenInRound${round}`;
+    const seen = page.evaluate(
+      (wanted) =>
+        new Promise<number>((done) => {
+          const look = () => (document.body.textContent!.includes(wanted) ? done(Date.now()) : requestAnimationFrame(look));
+          look();
+        }),
+      name,
+    );
+    const start = Date.now();
+    appendFileSync(path, `\nfunc ${name}() {}\n`);
+    times.push((await seen) - start);
+  }
+  report("ms from a saved file to the sight of it", medianOf(times), 300);
+}
+
+/** From a tap to Neovim, and back to the page, which says so: more than the request takes to get there. */
+async function measureTap(page: Page): Promise<void> {
+  const times: number[] = [];
+  for (let round = 0; round < kRounds; round++) {
+    times.push(
+      await page.evaluate(
+        (wanted) =>
+          new Promise<number>((done) => {
+            const row = [...document.querySelectorAll<HTMLElement>(".row-main")].find((each) => each.textContent!.includes(wanted))!;
+            const place = document.querySelector(".message-place")!;
+            const start = performance.now();
+            new MutationObserver((_, observer) => {
+              if (!place.textContent!.includes("is open in Neovim")) return;
+              observer.disconnect();
+              done(performance.now() - start);
+            }).observe(place, { childList: true, subtree: true, characterData: true });
+            row.click();
+          }),
+        round % 2 === 0 ? "distance(to:)" : "Station",
+      ),
+    );
+  }
+  report("ms from a tap to Neovim and back", medianOf(times), 20);
+}
+
+async function measureNavrel(): Promise<void> {
+  const program = navrelProgram();
+  if (program === undefined) return console.error("There is no Navrel built: what it takes to save and to tap is left out");
+  const navrel = await Navrel.prepare(program);
+  const neovim = await Neovim.start(navrel.runtimeFolder, navrel.environment);
+  await navrel.start();
+  for (const [slowdown, measure] of [[kSlowdown, (page: Page) => measureSave(navrel, page)], [1, measureTap]] as const) {
+    const { page, close } = await slowPage(await navrel.link(), slowdown);
+    for (const row of ["Tidewatch", "Model", "Station.swift"]) await page.locator(".row-main", { hasText: row }).first().tap();
+    await page.waitForSelector('[aria-label="Outline of Station.swift"]');
+    await measure(page);
+    await close();
+  }
+  await neovim.stop();
+  await navrel.remove();
+}
+
 weights();
 const server = new MockServer(kAssets);
 server.active = { file: null };
@@ -198,3 +266,4 @@ server.root = { ...server.root!, children: [{ id: idOf("many"), name: "Many", ki
 await server.start();
 for (const measure of [measurePage, measureRows, measureChange, measureWake]) await measure(server);
 await server.stop();
+await measureNavrel();
