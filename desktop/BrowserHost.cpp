@@ -44,11 +44,15 @@ void BrowserHost::goBack(Reply reply) {
     });
 }
 
-void BrowserHost::switchFileType(const std::string& extension, bool allowed) {
-    onMainThread([this, extension = QString::fromStdString(extension), allowed] {
-        dataManager_.changeFiletypeAllowanceWithDictionary(
-            {{QStringLiteral("extension"), extension}, {QStringLiteral("allowed"), allowed}});
+void BrowserHost::switchFileTypes(std::vector<FileTypeSwitch> switches, Reply reply) {
+    onMainThread([this, switches = std::move(switches), reply = std::move(reply)] {
+        for (const auto& [extension, allowed] : switches) {
+            dataManager_.changeFiletypeAllowanceWithDictionary(
+                {{QStringLiteral("extension"), QString::fromStdString(extension)},
+                 {QStringLiteral("allowed"), allowed}});
+        }
         events_.fileTypesDidChange();
+        reply({true, {}, {}});
     });
 }
 

@@ -28,7 +28,7 @@ public:
 
     void openFile(const std::string& absolutePath, std::uint32_t line, Reply reply) override;
     void goBack(Reply reply) override;
-    void switchFileType(const std::string& extension, bool allowed) override;
+    void switchFileTypes(std::vector<FileTypeSwitch> switches, Reply reply) override;
     void devicePaired(const std::string& label) override;
     void accessChanged() override;
 

@@ -1,13 +1,15 @@
 #pragma once
 
+#include "web/ProgramState.h"
+
 #include <cstdint>
 #include <functional>
-#include <optional>
 #include <string>
+#include <vector>
 
 namespace navrel {
 
-/// How a request to the editor ended.
+/// How a request to the program ended.
 struct OpenOutcome {
     bool opened = false;
     std::string editor; ///< its name for users, "Neovim"; empty where there is none
@@ -32,9 +34,10 @@ public:
     /// Takes the editor back to where it was before the last file that a browser had opened.
     virtual void goBack(Reply reply) = 0;
 
-    /// Shows or hides the files of a type: one of those that were published. The program publishes
-    /// the types again when it is done.
-    virtual void switchFileType(const std::string& extension, bool allowed) = 0;
+    /// Shows or hides the files of some types, which are among those that were published. The
+    /// program publishes the types again when it is done, and then replies: "opened", without an
+    /// editor.
+    virtual void switchFileTypes(std::vector<FileTypeSwitch> switches, Reply reply) = 0;
 
     /// A device was paired: a word to the user is due.
     virtual void devicePaired(const std::string& label) = 0;

@@ -299,7 +299,8 @@ Site::Refusal Site::chooseRoute(const HTTPRequest& head, const Caller& caller, V
         const bool isThere =
             part && (route.right != Route::Right::owner || caller.way == Caller::Way::owner);
         isKnown = isKnown || isThere;
-        if (isThere && route.method == method) {
+        const bool isHeadOfStream = head.method == Method::head && route.runs == Runs::stream;
+        if (isThere && route.method == method && !isHeadOfStream) {
             visit.route = &route;
             visit.identifier = *part;
             break;
@@ -509,7 +510,7 @@ bool Site::hasFileType(std::string_view extension) const {
                        [extension](const auto& type) { return type.extension == extension; });
 }
 
-HTTPResponse Site::answerSwitches(const Visit&, const HTTPRequest& request) {
+HTTPResponse Site::answerSwitches(const Visit& visit, const HTTPRequest& request) {
     const auto body = objectOf(request.body);
     const json::value* const items = body ? body->if_contains("items") : nullptr;
     if (items == nullptr || !items->is_array()) {
@@ -528,10 +529,9 @@ HTTPResponse Site::answerSwitches(const Visit&, const HTTPRequest& request) {
         }
         switches.push_back({std::string(*extension), *allowed});
     }
-    for (const FileTypeSwitch& each : switches) {
-        parts_.host.switchFileType(each.extension, each.allowed);
-    }
-    return accepted(++lastRequest_);
+    const std::uint64_t number = ++lastRequest_;
+    parts_.host.switchFileTypes(std::move(switches), replyTo(visit.device, number));
+    return accepted(number);
 }
 
 HTTPResponse Site::answerOffer(const Visit&, const HTTPRequest&) {
@@ -650,6 +650,17 @@ void Site::tellState() {
 
 void Site::tell(std::string_view event, const json::object& data) {
     streams_.deliverToAll(eventText(event, json::serialize(data)));
+}
+
+/// No shape is about the switches alone: a revision in which no file changed has lists read again.
+void Site::setFileTypes(std::vector<FileTypeSwitch> types) {
+    if (types == fileTypes_) {
+        return;
+    }
+    fileTypes_ = std::move(types);
+    tell("revision", {{"revision", parts_.map.snapshot()->revision()},
+                      {"files", json::array()},
+                      {"tree", false}});
 }
 
 void Site::setActive(ActivePlace active) {

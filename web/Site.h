@@ -94,7 +94,7 @@ public:
     void setHostNames(HostNames names) { names_ = std::move(names); }
     void setAccess(AccessStatus access);
     void setState(ProgramState state);
-    void setFileTypes(std::vector<FileTypeSwitch> types) { fileTypes_ = std::move(types); }
+    void setFileTypes(std::vector<FileTypeSwitch> types);
     void setActive(ActivePlace active);
     void mapChanged(const CodeMap::Change& change);
     /// Ends what a device has open, and has the others told.

@@ -141,6 +141,7 @@ export function step(direction: 1 | -1, kind: StopKind = now().stop): void {
   open({ kind: rowKind, name, file: { id, name: outline.name, path }, line: row.line });
 }
 
+/** Shown at once; Navrel tells all pages when it is done. */
 export async function switchFileType(extension: string, allowed: boolean): Promise<void> {
   if (now().connection !== "open") return say("Navrel is not connected, so nothing was switched.", "bad");
   const { fileTypes } = now();
@@ -151,6 +152,6 @@ export async function switchFileType(extension: string, allowed: boolean): Promi
     say(`.${extension} files are ${allowed ? "shown" : "left out"}`, "good");
   } catch (error) {
     sayProblem(error);
+    await loadList("fileTypes");
   }
-  await loadList("fileTypes");
 }

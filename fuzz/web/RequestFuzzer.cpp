@@ -30,8 +30,11 @@ public:
         reply({true, "Editor", ""});
     }
     void goBack(Reply reply) override { reply({false, "", "Nowhere."}); }
-    void switchFileType(const std::string& extension, bool) override {
-        NAVREL_ASSERT(extension == "swift");
+    void switchFileTypes(std::vector<FileTypeSwitch> switches, Reply reply) override {
+        for (const FileTypeSwitch& each : switches) {
+            NAVREL_ASSERT(each.extension == "swift");
+        }
+        reply({true, "", ""});
     }
     void devicePaired(const std::string&) override {}
     void accessChanged() override {}

@@ -231,6 +231,8 @@ TEST_F(RefusalTests, routesTakeIdentifiersAndNoPaths) {
          "DELETE /api/state HTTP/1.1\r\nHost: {host}\r\nOrigin: {origin}\r\nX-Navrel: 1\r\n"
          "Cookie: {cookie}\r\n\r\n",
          405},
+        {"the head of a stream, which has no end",
+         "HEAD /api/events HTTP/1.1\r\nHost: {host}\r\nCookie: {cookie}\r\n\r\n", 405},
         {"changing the page", "POST / HTTP/1.1\r\nHost: {host}\r\nContent-Length: 0\r\n\r\n", 405},
     });
 }
@@ -238,36 +240,35 @@ TEST_F(RefusalTests, routesTakeIdentifiersAndNoPaths) {
 TEST_F(RefusalTests, everyRouteIsClosedToStrangers) {
     const std::string forgotten = pair("old phone");
     service_->forget(service_->devices().back().number);
-    const std::vector<std::string> targets = {"GET /api/state",
-                                              "GET /api/tree",
-                                              "GET /api/files/0000000000000002/outline",
-                                              "GET /api/files/0000000000000002/source",
-                                              "GET /api/search?q=tide",
-                                              "GET /api/types",
-                                              "GET /api/notes",
-                                              "GET /api/changes",
-                                              "GET /api/filetypes",
-                                              "GET /api/events",
-                                              "POST /api/open",
-                                              "POST /api/back",
-                                              "POST /api/filetypes",
-                                              "POST /api/pairing",
-                                              "GET /api/devices",
-                                              "DELETE /api/devices/1",
-                                              "PATCH /api/devices/1",
-                                              "GET /api/nothing"};
-    for (const std::string& target : targets) {
-        const std::string line = target + " HTTP/1.1\r\n";
-        const std::string ours = "Host: {host}\r\n";
-        const std::string page = "Origin: {origin}\r\nX-Navrel: 1\r\n";
+    const std::string anothers = "navrel-00000000=" + cookie_.substr(cookie_.find('=') + 1);
+    for (const std::string& route : everyRoute()) {
+        const std::string line = route + " HTTP/1.1\r\n";
+        const std::string start = line + "Host: {host}\r\nOrigin: {origin}\r\nX-Navrel: 1\r\n";
         expectAll({
-            {target.c_str(), line + ours + page + "\r\n", 401},
-            {target.c_str(), line + ours + page + "Cookie: " + forgotten + "\r\n\r\n", 401},
-            {target.c_str(), line + ours + page + "Cookie: navrel-0123abcd=x\r\n\r\n", 401},
-            {target.c_str(), line + "Host: attacker.example\r\nCookie: {cookie}\r\n\r\n", 421},
+            {route.c_str(), start + "\r\n", 401},
+            {route.c_str(), start + "Cookie: " + forgotten + "\r\n\r\n", 401},
+            {route.c_str(), start + "Cookie: " + anothers + "\r\n\r\n", 401},
+            {route.c_str(), line + "Host: attacker.example\r\nCookie: {cookie}\r\n\r\n", 421},
         });
     }
     EXPECT_EQ(host.asked(), (std::vector<std::string>{"paired iPad, Safari", "paired old phone"}));
+}
+
+TEST_F(RefusalTests, noRouteAnswersAPageOfAnotherOrigin) {
+    for (const std::string& route : everyRoute()) {
+        const bool isChange = !route.starts_with("GET");
+        WebClient client(port());
+        client.send(bytesOf({"",
+                             route + " HTTP/1.1\r\nHost: {host}\r\nCookie: {cookie}\r\n"
+                                     "Origin: http://attacker.example\r\nX-Navrel: 1\r\n\r\n",
+                             0}));
+        // What is asked for may be sent, but the browser gives it to no page of another origin.
+        const std::string head = client.readUntil("\r\n\r\n");
+        EXPECT_EQ(head.starts_with("HTTP/1.1 403 "), isChange) << route << '\n' << head;
+        EXPECT_THAT(head, ::testing::HasSubstr("Cross-Origin-Resource-Policy: same-origin\r\n"));
+        EXPECT_THAT(head, ::testing::Not(::testing::HasSubstr("Access-Control-"))) << route;
+    }
+    EXPECT_EQ(host.asked(), std::vector<std::string>{"paired iPad, Safari"});
 }
 
 TEST_F(RefusalTests, answersSayWhatAPageMayDo) {

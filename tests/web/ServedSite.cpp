@@ -30,8 +30,11 @@ void RecordingHost::goBack(Reply reply) {
     }
 }
 
-void RecordingHost::switchFileType(const std::string& extension, bool allowed) {
-    record("switch " + extension + (allowed ? " on" : " off"));
+void RecordingHost::switchFileTypes(std::vector<FileTypeSwitch> switches, Reply reply) {
+    for (const FileTypeSwitch& each : switches) {
+        record("switch " + each.extension + (each.allowed ? " on" : " off"));
+    }
+    reply({true, "", ""});
 }
 
 void RecordingHost::devicePaired(const std::string& label) {
@@ -169,6 +172,28 @@ WebClient ServedSite::events(const std::string& cookie) const {
     client.readUntil("event: hello\n");
     client.readUntil("\n\n");
     return client;
+}
+
+const std::vector<std::string>& everyRoute() {
+    static const std::vector<std::string> kRoutes = {"GET /api/state",
+                                                     "GET /api/tree",
+                                                     "GET /api/files/0000000000000002/outline",
+                                                     "GET /api/files/0000000000000002/source",
+                                                     "GET /api/search?q=tide",
+                                                     "GET /api/types",
+                                                     "GET /api/notes",
+                                                     "GET /api/changes",
+                                                     "GET /api/filetypes",
+                                                     "GET /api/events",
+                                                     "POST /api/open",
+                                                     "POST /api/back",
+                                                     "POST /api/filetypes",
+                                                     "POST /api/pairing",
+                                                     "GET /api/devices",
+                                                     "DELETE /api/devices/1",
+                                                     "PATCH /api/devices/1",
+                                                     "GET /api/nothing"};
+    return kRoutes;
 }
 
 std::string valueAt(const std::string& json, const std::string& key) {

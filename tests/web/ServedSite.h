@@ -40,7 +40,7 @@ class RecordingHost final : public CompanionHost {
 public:
     void openFile(const std::string& absolutePath, std::uint32_t line, Reply reply) override;
     void goBack(Reply reply) override;
-    void switchFileType(const std::string& extension, bool allowed) override;
+    void switchFileTypes(std::vector<FileTypeSwitch> switches, Reply reply) override;
     void devicePaired(const std::string& label) override;
     void accessChanged() override { ++changes; }
 
@@ -123,6 +123,9 @@ protected:
     WebWorld world;
     std::unique_ptr<WebService> service_;
 };
+
+/// Every route but pairing, as the beginning of a request: "GET /api/state".
+const std::vector<std::string>& everyRoute();
 
 /// The value of a JSON text's key, as text, by a plain search: enough to look at one.
 std::string valueAt(const std::string& json, const std::string& key);

@@ -129,6 +129,19 @@ TEST_F(ShapeTests, opensGoByIdentifierAndTellTheirDeviceAlone) {
     EXPECT_THAT(other.readUntil("\n\n"), ::testing::Not(HasSubstr("opened")));
 }
 
+TEST_F(ShapeTests, switchesTellTheirOutcomeAndTheOthersThatListsAreOld) {
+    WebClient mine = events(cookie);
+    WebClient other = events(pair("phone"));
+    const std::string body = R"({"items":[{"extension":"m","allowed":true}]})";
+    EXPECT_EQ(post("/api/filetypes", body, cookie).body, R"({"request":1})");
+    EXPECT_THAT(host.asked(), ::testing::Contains("switch m on"));
+    EXPECT_EQ(dataOf(mine, "opened"), R"({"request":1,"outcome":"opened"})");
+    service_->publishFileTypes({{"swift", true}, {"m", true}});
+    EXPECT_EQ(dataOf(other, "revision"), R"({"revision":1,"files":[],"tree":false})");
+    EXPECT_THAT(get("/api/filetypes", cookie).body,
+                HasSubstr(R"({"extension":"m","allowed":true})"));
+}
+
 TEST_F(ShapeTests, filesThatLeftTheProjectAreGone) {
     ASSERT_EQ(get("/api/files/0000000000000003/source", cookie).status, 200);
     map.publish(SnapshotBuilder().build(2), {});

@@ -111,6 +111,21 @@ TEST_F(TransportTests, plainTextOnAPortOfTLSIsSentThere) {
     EXPECT_EQ(garbage.ask("SSH-2.0-x\r\n\r\n").status, 400);
 }
 
+TEST_F(TransportTests, noRouteAnswersInPlainTextOnAPortOfTLS) {
+    start();
+    const std::string cookie = pair();
+    for (const std::string& route : everyRoute()) {
+        WebClient client(port(), WebClient::Kind::plain, kPrivate);
+        const WebAnswer answer =
+            client.ask(route + " HTTP/1.1\r\nHost: " + privateHost() + "\r\nCookie: " + cookie +
+                       "\r\nOrigin: https://" + privateHost() + "\r\nX-Navrel: 1\r\n\r\n");
+        EXPECT_EQ(answer.status, 308) << route;
+        EXPECT_EQ(answer.fields.at("location"), "https://" + privateHost() + "/") << route;
+        EXPECT_EQ(answer.body, R"({"error":"This port speaks HTTPS."})") << route;
+    }
+    EXPECT_EQ(host.asked(), std::vector<std::string>{"paired iPad, Safari"});
+}
+
 TEST_F(TransportTests, aTLSHandshakeOnAPlainPortIsClosed) {
     start();
     WebClient client(port());

@@ -163,6 +163,10 @@ export class MockServer {
     if (path === "/api/filetypes") {
       const changed = new Map((body.items ?? []).map(({ extension, allowed }) => [extension, allowed]));
       this.fileTypes = { items: this.fileTypes.items.map((item) => ({ ...item, allowed: changed.get(item.extension) ?? item.allowed })) };
+      setImmediate(() => {
+        this.emit("revision", { revision: this.revision, files: [], tree: false });
+        this.emit("opened", { request, outcome: "opened" });
+      });
       return { request };
     }
     if (path === "/api/back") this.backs += 1;
