@@ -48,8 +48,8 @@ void readPreferences(const UserDefaults& defaults, AccessSettings& settings) {
     settings.certificateFile =
         defaults.stringForKey(kCertificateKey).value_or(QString()).toStdString();
     settings.keyFile = defaults.stringForKey(kKeyKey).value_or(QString()).toStdString();
-    const QString hosts = defaults.stringForKey(kHostsKey).value_or(QString());
-    for (const QString& host : hosts.split(u' ', Qt::SkipEmptyParts)) {
+    const QStringList hosts = defaults.wordsForKey(kHostsKey);
+    for (const QString& host : hosts) {
         settings.hosts.push_back(host.toStdString());
     }
 }

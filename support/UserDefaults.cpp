@@ -108,6 +108,11 @@ std::optional<QString> UserDefaults::stringForKey(const QString& key) const {
     return text.isNull() ? QStringLiteral("") : text;
 }
 
+QStringList UserDefaults::wordsForKey(const QString& key) const {
+    QString text = values_.value(key).toStringList().join(u' ');
+    return text.replace(u',', u' ').split(u' ', Qt::SkipEmptyParts);
+}
+
 void UserDefaults::setBool(const QString& key, bool value) {
     set(key, value);
 }

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 #include <QVariantMap>
 
 #include <optional>
@@ -28,6 +29,10 @@ public:
 
     /// Nothing when the key is absent or holds a list. The empty string is a value.
     std::optional<QString> stringForKey(const QString& key) const;
+
+    /// The words of a value, which blanks or commas separate; a list's are its entries. None when
+    /// the key is absent.
+    QStringList wordsForKey(const QString& key) const;
 
     void setBool(const QString& key, bool value);
 

@@ -52,6 +52,14 @@ TEST_F(BrowserSettingsTest, everyPreferenceIsRead) {
     EXPECT_EQ(log_.messages(), QStringList());
 }
 
+TEST_F(BrowserSettingsTest, namesAreSeparatedByBlanksOrCommas) {
+    const std::vector<std::string> names = {"mac.example", "mac"};
+    EXPECT_EQ(read("browserHosts=mac.example mac\n").hosts, names);
+    EXPECT_EQ(read("browserHosts=mac.example, mac\n").hosts, names);
+    EXPECT_EQ(read("browserHosts=\"mac.example,mac\"\n").hosts, names);
+    EXPECT_EQ(read("browserHosts=\n").hosts, std::vector<std::string>());
+}
+
 TEST_F(BrowserSettingsTest, whatCannotBeReadIsLoggedAndIgnored) {
     const AccessSettings settings = read("browserAccess=everybody\nbrowserPort=70000\n");
     EXPECT_EQ(settings, AccessSettings());
