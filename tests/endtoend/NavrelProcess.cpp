@@ -34,6 +34,10 @@ NavrelProcess::~NavrelProcess() {
     kill();
 }
 
+QString NavrelProcess::runtimeFolder() const {
+    return profile_.filePath(QStringLiteral("run"));
+}
+
 QString NavrelProcess::storeFile() const {
     return profile_.filePath(QStringLiteral("data/nl.kelvane.Navrel/OSXCoreDataObjC.storedata"));
 }
@@ -59,7 +63,7 @@ void NavrelProcess::prepare(QProcess& process, const QStringList& arguments) con
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"),
                        profile_.filePath(QStringLiteral("config")));
     environment.insert(QStringLiteral("XDG_DATA_HOME"), profile_.filePath(QStringLiteral("data")));
-    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), profile_.filePath(QStringLiteral("run")));
+    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtimeFolder());
     environment.insert(QStringLiteral("USBMUXD_SOCKET_ADDRESS"), usbDaemonAddress_);
     // Without a display the program chooses its platform by itself.
     environment.remove(QStringLiteral("QT_QPA_PLATFORM"));

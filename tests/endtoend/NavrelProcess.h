@@ -55,6 +55,8 @@ public:
     };
     Outcome runSecondInstance(const QStringList& arguments = {});
 
+    /// XDG_RUNTIME_DIR of the program.
+    QString runtimeFolder() const;
     QString storeFile() const;
     QString defaultsFile() const;
 
