@@ -15,6 +15,7 @@ install(FILES "${linux}/nl.kelvane.Navrel.metainfo.xml"
     DESTINATION "${CMAKE_INSTALL_DATADIR}/metainfo")
 install(FILES
         "${PROJECT_SOURCE_DIR}/docs/manual.md"
+        "${PROJECT_SOURCE_DIR}/docs/api.md"
         "${PROJECT_SOURCE_DIR}/docs/protocol.md"
         "${debian}/copyright"
     DESTINATION "${doc}")
@@ -26,7 +27,7 @@ endif()
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/editors/vim"
     DESTINATION "${CMAKE_INSTALL_DATADIR}/navrel")
 # The manual's pictures.
-foreach(picture IN ITEMS companion open-panel-light panel-light window-light)
+foreach(picture IN ITEMS browser-phone browser-tablet-light companion open-panel-light panel-light window-light)
     install(FILES "${PROJECT_SOURCE_DIR}/docs/images/${picture}.png" DESTINATION "${doc}/images")
 endforeach()
 
