@@ -1,7 +1,7 @@
 // Runs the tests: `unit` by themselves, the others in the browser of that name.
-// usage: node test.mjs [--name PATTERN] [--file PART] [unit] [chromium] [webkit]
+// usage: node test.mjs [--name PATTERN] [--file PART] [unit] [chromium] [webkit] [firefox]
 import { spawnSync } from "node:child_process";
-import { readdirSync, rmSync } from "node:fs";
+import { readdirSync } from "node:fs";
 import { join } from "node:path";
 import { parseArgs } from "node:util";
 import { makeApp, makePrograms } from "./programs.mjs";
@@ -9,9 +9,11 @@ import { makeApp, makePrograms } from "./programs.mjs";
 const { positionals: suites, values: options } = parseArgs({ allowPositionals: true, options: { name: { type: "string" }, file: { type: "string" } } });
 const patterns = options.name ? [`--test-name-pattern=${options.name}`] : [];
 
+/** All of them: journeys mostly wait, for the page or for the server. */
+const kFilesAtATime = 4;
+
 const testsOf = (folder) => readdirSync(folder).filter((name) => name.endsWith(".test.ts")).map((name) => join(folder, name));
 
-rmSync("build/tests", { recursive: true, force: true });
 makeApp();
 const programs = { unit: makePrograms(testsOf("tests/unit")), browsers: makePrograms(testsOf("tests/browsers")) };
 
@@ -19,7 +21,7 @@ let status = 0;
 for (const suite of suites) {
   console.error(`== ${suite}`);
   const files = (suite === "unit" ? programs.unit : programs.browsers).filter((path) => path.includes(options.file ?? ""));
-  const run = spawnSync(process.execPath, ["--test", ...patterns, ...files], { stdio: "inherit", env: { ...process.env, NAVREL_BROWSER_ENGINE: suite } });
+  const run = spawnSync(process.execPath, ["--test", `--test-concurrency=${kFilesAtATime}`, ...patterns, ...files], { stdio: "inherit", env: { ...process.env, NAVREL_BROWSER_ENGINE: suite } });
   if (run.status !== 0) status = 1;
 }
 process.exit(status);
