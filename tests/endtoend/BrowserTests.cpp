@@ -94,7 +94,6 @@ protected:
 };
 
 TEST_F(BrowserTest, aDeviceAndABrowserAreServedSideBySide) {
-    browser_ = WebClient(kPort);
     EXPECT_TRUE(waitUntil(
         [this] { return get("/api/tree").body.find("\"name\":\"Tide.h\"") != std::string::npos; }));
     for (int round = 0; round < 20; ++round) {
@@ -107,7 +106,6 @@ TEST_F(BrowserTest, aDeviceAndABrowserAreServedSideBySide) {
 }
 
 TEST_F(BrowserTest, aSwitchInTheBrowserIsTheDevicesToo) {
-    browser_ = WebClient(kPort);
     ASSERT_TRUE(ownerSees("/api/filetypes", R"({"extension":"h","allowed":true})"));
     ASSERT_TRUE(isHeaderAllowedOnTheDevice());
     const WebAnswer answer =
