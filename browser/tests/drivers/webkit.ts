@@ -76,15 +76,20 @@ class WebKitView implements View {
 
   async tap(selector: string, text?: string): Promise<void> {
     const find = (wanted: string, held: string | null) => {
+      const page = window as unknown as { isTapped?: boolean };
       const found = [...document.querySelectorAll(wanted)].find((each) => held === null || each.textContent!.includes(held));
       found?.scrollIntoView({ block: "nearest" });
+      page.isTapped = false;
+      found?.addEventListener("click", () => (page.isTapped = true), { capture: true, once: true });
       return found;
     };
+    // On a busy machine the element may move between the driver's look at it and its click, which then meets nothing.
+    const hasMissed = () => (window as unknown as { isTapped?: boolean }).isTapped === false;
     await until(`${selector} ${text ?? ""}`, async () => {
       const element = (await this.run(find as never, selector as never, (text ?? null) as never)) as Record<string, string> | null;
       if (!element) return false;
       await this.post(`element/${element[kElement]}/click`, {});
-      return true;
+      return !(await this.run(hasMissed));
     });
   }
 
