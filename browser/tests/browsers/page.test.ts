@@ -226,7 +226,11 @@ journey("the theme stays where the user put it", "phone", async ({ hand, view })
   await hand.tab("More");
   await hand.button("Dark");
   await until("the dark theme", () => view.run(() => document.documentElement.dataset["theme"] === "dark"));
-  await view.run(() => location.reload());
+  await view.run(() => {
+    document.documentElement.dataset["before"] = "reload";
+    location.reload();
+  });
+  await until("the page again", () => view.run(() => document.readyState === "complete" && document.documentElement.dataset["before"] === undefined));
   await until("the dark theme again", () => view.run(() => document.documentElement.dataset["theme"] === "dark" && getComputedStyle(document.body).backgroundColor === "rgb(22, 24, 29)"));
 });
 
