@@ -1,6 +1,6 @@
 #include "desktop/InstanceLock.h"
 
-#include "project/StoreFolder.h"
+#include "project/store/StoreFolder.h"
 
 #include <QFile>
 

@@ -2,7 +2,7 @@
 
 #include "project/Editor.h"
 #include "project/KZDataManager.h"
-#include "project/ManagedObjectContext.h"
+#include "project/store/ManagedObjectContext.h"
 #include "support/text/UTF8.h"
 
 #include <algorithm>

@@ -2,10 +2,10 @@
 
 #include "project/FileSurvey.h"
 #include "project/FolderListings.h"
-#include "project/ManagedObjectContext.h"
-#include "project/PersistentStoreCoordinator.h"
 #include "project/ProjectFile.h"
 #include "project/StoreErrorWindow.h"
+#include "project/store/ManagedObjectContext.h"
+#include "project/store/PersistentStoreCoordinator.h"
 #include "support/Log.h"
 #include "support/UserDefaults.h"
 #include "support/text/UTF8.h"

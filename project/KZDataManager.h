@@ -1,6 +1,6 @@
 #pragma once
 
-#include "project/ManagedObjectModel.h"
+#include "project/store/ManagedObjectModel.h"
 #include "support/Error.h"
 #include "support/core/Clock.h"
 

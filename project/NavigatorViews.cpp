@@ -1,8 +1,8 @@
 // The data manager's views: the store as property-list values for the device.
 
 #include "project/KZDataManager.h"
-#include "project/ManagedObjectContext.h"
 #include "project/ProjectFile.h"
+#include "project/store/ManagedObjectContext.h"
 #include "support/propertylist/PropertyList.h"
 #include "support/text/Collation.h"
 #include "support/text/UTF8.h"

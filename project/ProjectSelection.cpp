@@ -3,9 +3,9 @@
 
 #include "project/Editor.h"
 #include "project/KZDataManager.h"
-#include "project/ManagedObjectContext.h"
 #include "project/MenuItem.h"
 #include "project/ProjectDialogs.h"
+#include "project/store/ManagedObjectContext.h"
 #include "support/UserDefaults.h"
 
 #include <QScopedValueRollback>

@@ -3,8 +3,8 @@
 #include "project/FileDates.h"
 #include "project/FileSurvey.h"
 #include "project/FolderListings.h"
-#include "project/ManagedObjectContext.h"
 #include "project/SourceScanner.h"
+#include "project/store/ManagedObjectContext.h"
 #include "support/propertylist/PropertyListIndex.h"
 #include "support/text/FilePath.h"
 

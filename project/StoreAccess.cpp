@@ -1,11 +1,11 @@
 // The data manager's store: opening it on first use, and saving it at quit.
 
 #include "project/KZDataManager.h"
-#include "project/ManagedObjectContext.h"
-#include "project/PersistentStoreCoordinator.h"
 #include "project/ProjectDialogs.h"
 #include "project/StoreErrorWindow.h"
-#include "project/StoreFolder.h"
+#include "project/store/ManagedObjectContext.h"
+#include "project/store/PersistentStoreCoordinator.h"
+#include "project/store/StoreFolder.h"
 #include "support/Error.h"
 #include "support/Log.h"
 

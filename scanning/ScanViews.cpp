@@ -2,7 +2,7 @@
 // a file, as property-list values for the device.
 
 #include "project/KZDataManager.h"
-#include "project/ManagedObjectContext.h"
+#include "project/store/ManagedObjectContext.h"
 #include "support/text/Collation.h"
 #include "support/text/FilePath.h"
 #include "support/text/UTF8.h"

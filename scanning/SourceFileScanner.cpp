@@ -1,6 +1,6 @@
 #include "scanning/SourceFileScanner.h"
 
-#include "project/ManagedObjectContext.h"
+#include "project/store/ManagedObjectContext.h"
 #include "scanning/SourceScan.h"
 
 namespace navrel {

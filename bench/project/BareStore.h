@@ -1,6 +1,6 @@
 #pragma once
 
-#include "project/SQLiteDatabase.h"
+#include "project/store/SQLiteDatabase.h"
 
 #include <QByteArray>
 #include <QString>

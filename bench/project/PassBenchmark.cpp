@@ -2,10 +2,10 @@
 
 #include "bench/Ratio.h"
 #include "bench/project/QuietWorld.h"
-#include "project/CDObject.h"
 #include "project/KZDataManager.h"
-#include "project/ManagedObjectContext.h"
 #include "project/SourceScanner.h"
+#include "project/store/CDObject.h"
+#include "project/store/ManagedObjectContext.h"
 #include "support/UserDefaults.h"
 
 #include <QCoreApplication>

@@ -3,9 +3,9 @@
 
 #include "bench/Ratio.h"
 #include "bench/project/BareStore.h"
-#include "project/ManagedObjectContext.h"
-#include "project/ManagedObjectModel.h"
-#include "project/PersistentStoreCoordinator.h"
+#include "project/store/ManagedObjectContext.h"
+#include "project/store/ManagedObjectModel.h"
+#include "project/store/PersistentStoreCoordinator.h"
 
 #include <QTemporaryDir>
 #include <benchmark/benchmark.h>

@@ -6,7 +6,7 @@
 #include "bench/scanning/PlainLoad.h"
 #include "bench/scanning/SourceTree.h"
 #include "project/KZDataManager.h"
-#include "project/ManagedObjectContext.h"
+#include "project/store/ManagedObjectContext.h"
 #include "scanning/SourceFileScanner.h"
 #include "support/UserDefaults.h"
 

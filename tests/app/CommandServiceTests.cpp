@@ -1,5 +1,5 @@
 #include "app/ProgramVersion.h"
-#include "project/ManagedObjectContext.h"
+#include "project/store/ManagedObjectContext.h"
 #include "tests/app/ServedProject.h"
 
 #include <QDateTime>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "project/KZDataManager.h"
-#include "project/ManagedObjectContext.h"
+#include "project/store/ManagedObjectContext.h"
 #include "support/Log.h"
 #include "support/UserDefaults.h"
 #include "support/text/UTF8.h"

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "project/CDObject.h"
-#include "project/ManagedObjectContext.h"
 #include "project/ProjectDialogs.h"
 #include "project/SourceScanner.h"
+#include "project/store/CDObject.h"
+#include "project/store/ManagedObjectContext.h"
 #include "support/Error.h"
 
 #include <QString>

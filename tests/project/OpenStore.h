@@ -1,8 +1,8 @@
 #pragma once
 
-#include "project/ManagedObjectContext.h"
-#include "project/ManagedObjectModel.h"
-#include "project/PersistentStoreCoordinator.h"
+#include "project/store/ManagedObjectContext.h"
+#include "project/store/ManagedObjectModel.h"
+#include "project/store/PersistentStoreCoordinator.h"
 #include "support/Assertion.h"
 
 #include <QString>

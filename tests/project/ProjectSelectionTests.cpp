@@ -1,4 +1,4 @@
-#include "project/SQLiteDatabase.h"
+#include "project/store/SQLiteDatabase.h"
 #include "tests/FakeMenuItem.h"
 #include "tests/project/DataManagerFixture.h"
 

@@ -1,5 +1,5 @@
-#include "project/CDObject.h"
-#include "project/RecordTable.h"
+#include "project/store/CDObject.h"
+#include "project/store/RecordTable.h"
 
 #include <gtest/gtest.h>
 

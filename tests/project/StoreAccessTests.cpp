@@ -1,7 +1,7 @@
-#include "project/PersistentStoreCoordinator.h"
-#include "project/SQLiteDatabase.h"
 #include "project/StoreErrorWindow.h"
-#include "project/StoreFile.h"
+#include "project/store/PersistentStoreCoordinator.h"
+#include "project/store/SQLiteDatabase.h"
+#include "project/store/StoreFile.h"
 #include "tests/project/DataManagerFixture.h"
 #include "tests/project/OpenStore.h"
 

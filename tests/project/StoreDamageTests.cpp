@@ -1,5 +1,5 @@
-#include "project/SQLiteDatabase.h"
-#include "project/StoreFile.h"
+#include "project/store/SQLiteDatabase.h"
+#include "project/store/StoreFile.h"
 #include "tests/OrdinaryUser.h"
 #include "tests/project/OpenStore.h"
 

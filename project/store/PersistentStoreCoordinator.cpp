@@ -1,8 +1,8 @@
-#include "project/PersistentStoreCoordinator.h"
+#include "project/store/PersistentStoreCoordinator.h"
 
-#include "project/StoreFile.h"
-#include "project/StoreFolder.h"
-#include "project/StoreTables.h"
+#include "project/store/StoreFile.h"
+#include "project/store/StoreFolder.h"
+#include "project/store/StoreTables.h"
 #include "support/Log.h"
 #include "support/text/FilePath.h"
 #include "support/text/UTF8.h"

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "project/SQLiteDatabase.h"
-#include "project/StoreLimits.h"
-#include "project/StoreTables.h"
+#include "project/store/SQLiteDatabase.h"
+#include "project/store/StoreLimits.h"
+#include "project/store/StoreTables.h"
 #include "support/Error.h"
 
 #include <QByteArray>

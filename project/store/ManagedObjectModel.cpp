@@ -1,6 +1,6 @@
-#include "project/ManagedObjectModel.h"
+#include "project/store/ManagedObjectModel.h"
 
-#include "project/StoreTables.h"
+#include "project/store/StoreTables.h"
 
 #include <optional>
 #include <tuple>

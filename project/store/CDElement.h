@@ -1,6 +1,6 @@
 #pragma once
 
-#include "project/ManagedObject.h"
+#include "project/store/ManagedObject.h"
 
 #include <QByteArray>
 
@@ -9,10 +9,10 @@
 
 namespace navrel {
 
-/// One shortcut comment of a source file. Text is UTF-8.
-class CDShortcut final : public ManagedObject<CDShortcut, 1> {
+/// One code element of a source file. Text is UTF-8.
+class CDElement final : public ManagedObject<CDElement, 1> {
 public:
-    static constexpr const char* kEntityName = "CDShortcut";
+    static constexpr const char* kEntityName = "CDElement";
     static constexpr std::size_t kIdentifierKey = 0;
 
     /// Identifier of the file's CDObject.
@@ -25,7 +25,6 @@ public:
     std::optional<qint64> line() const { return line_; }
     void setLine(std::optional<qint64> value) { setAttribute(line_, value); }
 
-    /// The file's name.
     const std::optional<QByteArray>& name() const { return name_; }
     void setName(std::optional<QByteArray> value) { setAttribute(name_, std::move(value)); }
 
@@ -33,17 +32,17 @@ public:
     const std::optional<QByteArray>& path() const { return path_; }
     void setPath(std::optional<QByteArray> value) { setAttribute(path_, std::move(value)); }
 
-    /// The comment's text.
-    const std::optional<QByteArray>& shortcut() const { return shortcut_; }
-    void setShortcut(std::optional<QByteArray> value) { setAttribute(shortcut_, std::move(value)); }
+    /// "class", "method", "mark", "warning", "shortcut" or "property".
+    const std::optional<QByteArray>& type() const { return type_; }
+    void setType(std::optional<QByteArray> value) { setAttribute(type_, std::move(value)); }
 
     const std::optional<QByteArray>& key(std::size_t) const { return identifier_; }
 
     static constexpr auto attributes() {
         return std::tuple(
-            Attribute{"identifier", &CDShortcut::identifier_},
-            Attribute{"line", &CDShortcut::line_}, Attribute{"name", &CDShortcut::name_},
-            Attribute{"path", &CDShortcut::path_}, Attribute{"shortcut", &CDShortcut::shortcut_});
+            Attribute{"identifier", &CDElement::identifier_}, Attribute{"line", &CDElement::line_},
+            Attribute{"name", &CDElement::name_}, Attribute{"path", &CDElement::path_},
+            Attribute{"type", &CDElement::type_});
     }
 
 private:
@@ -51,7 +50,7 @@ private:
     std::optional<qint64> line_;
     std::optional<QByteArray> name_;
     std::optional<QByteArray> path_;
-    std::optional<QByteArray> shortcut_;
+    std::optional<QByteArray> type_;
 };
 
 } // namespace navrel

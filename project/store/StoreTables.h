@@ -1,10 +1,10 @@
 #pragma once
 
-#include "project/CDElement.h"
-#include "project/CDFiletype.h"
-#include "project/CDObject.h"
-#include "project/CDShortcut.h"
-#include "project/RecordTable.h"
+#include "project/store/CDElement.h"
+#include "project/store/CDFiletype.h"
+#include "project/store/CDObject.h"
+#include "project/store/CDShortcut.h"
+#include "project/store/RecordTable.h"
 
 namespace navrel {
 

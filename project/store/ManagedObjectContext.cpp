@@ -1,6 +1,6 @@
-#include "project/ManagedObjectContext.h"
+#include "project/store/ManagedObjectContext.h"
 
-#include "project/PersistentStoreCoordinator.h"
+#include "project/store/PersistentStoreCoordinator.h"
 
 #include <utility>
 

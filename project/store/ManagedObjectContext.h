@@ -1,7 +1,7 @@
 #pragma once
 
-#include "project/StoreLimits.h"
-#include "project/StoreTables.h"
+#include "project/store/StoreLimits.h"
+#include "project/store/StoreTables.h"
 #include "support/Error.h"
 
 #include <QByteArrayView>

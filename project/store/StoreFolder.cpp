@@ -1,4 +1,4 @@
-#include "project/StoreFolder.h"
+#include "project/store/StoreFolder.h"
 
 #include "support/text/FilePath.h"
 

@@ -1,7 +1,7 @@
-#include "project/StoreFile.h"
+#include "project/store/StoreFile.h"
 
-#include "project/ManagedObjectModel.h"
-#include "project/StoreFolder.h"
+#include "project/store/ManagedObjectModel.h"
+#include "project/store/StoreFolder.h"
 #include "support/Assertion.h"
 
 #include <QByteArrayList>

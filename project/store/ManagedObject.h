@@ -1,6 +1,6 @@
 #pragma once
 
-#include "project/RecordTable.h"
+#include "project/store/RecordTable.h"
 
 #include <QByteArray>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "project/RecordIndex.h"
+#include "project/store/RecordIndex.h"
 #include "support/Assertion.h"
 
 #include <QByteArray>

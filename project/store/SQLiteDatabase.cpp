@@ -1,4 +1,4 @@
-#include "project/SQLiteDatabase.h"
+#include "project/store/SQLiteDatabase.h"
 
 namespace navrel {
 

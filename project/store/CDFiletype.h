@@ -1,6 +1,6 @@
 #pragma once
 
-#include "project/ManagedObject.h"
+#include "project/store/ManagedObject.h"
 
 #include <QByteArray>
 
