@@ -1,7 +1,7 @@
 #include "editors/NeovimServers.h"
 
 #include "editors/FolderEntries.h"
-#include "project/FileDates.h"
+#include "support/files/FileDates.h"
 
 #include <QtGlobal>
 

@@ -1,6 +1,6 @@
 #include "project/FileSurvey.h"
 
-#include "project/FileDates.h"
+#include "support/files/FileDates.h"
 
 #include <QHashFunctions>
 

@@ -1,6 +1,6 @@
 #include "project/FolderListings.h"
 
-#include "project/FileDates.h"
+#include "support/files/FileDates.h"
 #include "support/text/FilePath.h"
 #include "support/text/UTF8.h"
 

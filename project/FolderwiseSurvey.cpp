@@ -1,6 +1,6 @@
 #include "project/FolderwiseSurvey.h"
 
-#include "project/FileDates.h"
+#include "support/files/FileDates.h"
 
 #include <algorithm>
 #include <fcntl.h>

@@ -1,7 +1,7 @@
 #include "project/ProjectFile.h"
 
-#include "project/FileDates.h"
 #include "support/Error.h"
+#include "support/files/FileDates.h"
 
 #include <cerrno>
 #include <ctime>

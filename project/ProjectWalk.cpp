@@ -1,10 +1,10 @@
 #include "project/ProjectWalk.h"
 
-#include "project/FileDates.h"
 #include "project/FileSurvey.h"
 #include "project/FolderListings.h"
 #include "project/SourceScanner.h"
 #include "project/store/ManagedObjectContext.h"
+#include "support/files/FileDates.h"
 #include "support/propertylist/PropertyListIndex.h"
 #include "support/text/FilePath.h"
 

@@ -1,6 +1,6 @@
 #include "codemap/tree/DiskStatus.h"
 
-#include "project/FileDates.h"
+#include "support/files/FileDates.h"
 #include "support/files/RegularFile.h"
 
 #include <sys/stat.h>

@@ -1,5 +1,5 @@
-#include "project/FileDates.h"
 #include "project/FileSurvey.h"
+#include "support/files/FileDates.h"
 
 #include <QDir>
 #include <QFile>

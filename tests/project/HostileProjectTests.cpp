@@ -1,6 +1,6 @@
-#include "project/FileDates.h"
 #include "project/FileSurvey.h"
 #include "project/ProjectWalk.h"
+#include "support/files/FileDates.h"
 #include "support/propertylist/PropertyListIndex.h"
 #include "tests/project/DataManagerFixture.h"
 #include "tests/project/OpenStore.h"
