@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <array>
-#include <ctime>
 #include <dirent.h>
 #include <memory>
 #include <utility>
@@ -22,18 +21,6 @@ constexpr std::array<QByteArrayView, 27> kBundleExtensions{
     "playground", "plugin",     "prefPane",    "rcproject",    "rtfd",        "scnassets",
     "xcarchive",  "xcassets",   "xcdatamodel", "xcdatamodeld", "xcframework", "xcmappingmodel",
     "xcodeproj",  "xcstickers", "xcworkspace"};
-
-qint64 now() {
-    struct timespec time {};
-    ::clock_gettime(CLOCK_REALTIME, &time);
-    return nanosecondsOf(time);
-}
-
-/// Whether a folder cannot change any more without getting another date. By the status change: the
-/// modification date may be set to any time.
-bool isSettled(qint64 statusChanged, qint64 readingBegan) {
-    return statusChanged < readingBegan - 2 * longestStepOfDate(statusChanged);
-}
 
 struct FolderCloser {
     void operator()(DIR* folder) const { ::closedir(folder); }
@@ -132,7 +119,7 @@ bool FolderListings::isCurrent(const QByteArray& folder, const Listing& listing)
 }
 
 void FolderListings::read(const QByteArray& folder, Listing& listing) {
-    const qint64 start = now();
+    const qint64 start = currentFileDate();
     const auto identity = identityOf(folder);
     listing.entries = readEntries(folder);
     const bool isProven =

@@ -2,87 +2,20 @@
 
 #include "support/Error.h"
 #include "support/files/FileDates.h"
+#include "support/files/RegularFile.h"
 
 #include <cerrno>
-#include <ctime>
-#include <fcntl.h>
 #include <string_view>
 #include <sys/stat.h>
-#include <unistd.h>
 #include <utility>
 
 namespace navrel {
 
 namespace {
 
-/// Whether a file cannot change any more without getting another date: its last change is older
-/// than two steps of its date. That is the status change alone: the modification date may be set to
-/// any time, in the future too.
-bool isSettled(qint64 statusChanged, qint64 readingBegan) {
-    return statusChanged < readingBegan - 2 * longestStepOfDate(statusChanged);
-}
-
-// The bytes read at a time beyond the announced size, to notice a file that is growing.
-constexpr qsizetype kReadAhead = 4096;
-
-qint64 now() {
-    struct timespec time {};
-    ::clock_gettime(CLOCK_REALTIME, &time);
-    return nanosecondsOf(time);
-}
-
-class Descriptor {
-public:
-    explicit Descriptor(int descriptor) : descriptor_(descriptor) {}
-    ~Descriptor() {
-        if (descriptor_ >= 0) {
-            ::close(descriptor_);
-        }
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    int get() const { return descriptor_; }
-
-private:
-    int descriptor_;
-};
-
-bool isReadable(const struct stat& status) {
-    return S_ISREG(status.st_mode) && status.st_size <= kMaximumProjectFileSize;
-}
-
 QByteArray bytesOf(std::string_view text) {
     return {text.data(), static_cast<qsizetype>(text.size())};
 }
-
-/// Everything from a descriptor to its end; nil on failure and beyond the largest size.
-std::optional<QByteArray> readToEnd(int descriptor, off_t announcedSize) {
-    QByteArray bytes(static_cast<qsizetype>(announcedSize) + kReadAhead, Qt::Uninitialized);
-    qsizetype size = 0;
-    for (;;) {
-        if (size == bytes.size()) {
-            bytes.resize(2 * size);
-        }
-        const ssize_t count =
-            ::read(descriptor, bytes.data() + size, static_cast<std::size_t>(bytes.size() - size));
-        if (count < 0 && errno == EINTR) {
-            continue;
-        }
-        if (count < 0 || size + count > kMaximumProjectFileSize) {
-            return std::nullopt;
-        }
-        if (count == 0) {
-            bytes.truncate(size);
-            return bytes;
-        }
-        size += count;
-    }
-}
-
-} // namespace
-
-namespace {
 
 /// Why a file cannot be a project file, as far as its status says; nil where it can.
 std::optional<QString> obstacleTo(const QByteArray& path, struct stat& status) {
@@ -95,8 +28,9 @@ std::optional<QString> obstacleTo(const QByteArray& path, struct stat& status) {
     if (!S_ISREG(status.st_mode)) {
         return QStringLiteral("it is not a regular file");
     }
-    return isReadable(status) ? std::nullopt
-                              : std::optional(QStringLiteral("it is larger than 64 MiB"));
+    return status.st_size <= kMaximumProjectFileSize
+               ? std::nullopt
+               : std::optional(QStringLiteral("it is larger than 64 MiB"));
 }
 
 } // namespace
@@ -125,18 +59,18 @@ void ProjectFile::read(const QByteArray& path) {
 
 std::optional<QByteArray> ProjectFile::readContent() {
     identity_.reset();
-    const qint64 start = now();
-    // Not blocking: a pipe may have come in its place meanwhile.
-    const Descriptor file(::open(path_.constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    struct stat before {};
-    struct stat after {};
-    if (file.get() < 0 || ::fstat(file.get(), &before) != 0 || !isReadable(before)) {
+    const qint64 start = currentFileDate();
+    // Anything may have come in its place meanwhile.
+    const std::optional<RegularFile> file = RegularFile::open(path_);
+    const std::optional<struct stat> before = file ? file->status() : std::nullopt;
+    if (!before) {
         return std::nullopt;
     }
-    std::optional<QByteArray> bytes = readToEnd(file.get(), before.st_size);
-    const Identity identity(before);
-    if (bytes && isSettled(identity.statusChanged, start) && ::fstat(file.get(), &after) == 0 &&
-        identity == Identity(after)) {
+    std::optional<QByteArray> bytes = file->readAll(kMaximumProjectFileSize);
+    const std::optional<struct stat> after = file->status();
+    const Identity identity(*before);
+    if (bytes && isSettled(identity.statusChanged, start) && after &&
+        identity == Identity(*after)) {
         identity_ = identity;
     }
     return bytes;

@@ -46,6 +46,20 @@ constexpr qint64 longestStepOfDate(qint64 nanoseconds) {
     return nanoseconds % kSecond == 0 ? 2 * kSecond : kLongestClockTick;
 }
 
+/// The time of day in nanoseconds since 1970, as file systems give it to what changes now.
+inline qint64 currentFileDate() {
+    struct timespec time {};
+    ::clock_gettime(CLOCK_REALTIME, &time);
+    return nanosecondsOf(time);
+}
+
+/// Whether a file or folder that was read from `readingBegan` on cannot have changed since without
+/// getting another date: its last change is older than two steps of its date. That is the status
+/// change alone: the modification date may be set to any time, in the future too.
+constexpr bool isSettled(qint64 statusChanged, qint64 readingBegan) {
+    return statusChanged < readingBegan - 2 * longestStepOfDate(statusChanged);
+}
+
 /// Modification date of a file by its path from an open folder, symbolic links followed; nil when
 /// nothing is there.
 inline std::optional<qint64> modificationDateAt(int folder, const char* path) {

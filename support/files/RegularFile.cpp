@@ -12,6 +12,9 @@ namespace {
 
 constexpr int kNoDescriptor = -1;
 
+// The bytes read beyond the size at opening, to notice that the file has grown.
+constexpr qsizetype kReadAhead = 4096;
+
 ssize_t readOnce(int descriptor, quint64 offset, char* buffer, qsizetype length) {
     ssize_t count = 0;
     do {
@@ -43,12 +46,7 @@ std::optional<RegularFile> RegularFile::open(const QByteArray& path) {
 
 std::optional<QByteArray> RegularFile::content(const QByteArray& path, qsizetype atMost) {
     const std::optional<RegularFile> file = open(path);
-    if (!file || file->size() > static_cast<quint64>(atMost)) {
-        return std::nullopt;
-    }
-    QByteArray bytes(static_cast<qsizetype>(file->size()), Qt::Uninitialized);
-    bytes.truncate(file->readAt(0, bytes.data(), bytes.size()));
-    return bytes;
+    return file ? file->readAll(atMost) : std::nullopt;
 }
 
 RegularFile::RegularFile(RegularFile&& other) noexcept
@@ -58,6 +56,28 @@ RegularFile::~RegularFile() {
     if (descriptor_ != kNoDescriptor) {
         ::close(descriptor_);
     }
+}
+
+std::optional<struct stat> RegularFile::status() const {
+    struct stat status {};
+    return ::fstat(descriptor_, &status) == 0 ? std::optional(status) : std::nullopt;
+}
+
+std::optional<QByteArray> RegularFile::readAll(qsizetype atMost) const {
+    if (size_ > static_cast<quint64>(atMost)) {
+        return std::nullopt;
+    }
+    QByteArray bytes(static_cast<qsizetype>(size_) + kReadAhead, Qt::Uninitialized);
+    qsizetype size = readAt(0, bytes.data(), bytes.size());
+    while (size == bytes.size() && size <= atMost) {
+        bytes.resize(2 * size);
+        size += readAt(static_cast<quint64>(size), bytes.data() + size, bytes.size() - size);
+    }
+    if (size > atMost || static_cast<quint64>(size) < size_) {
+        return std::nullopt;
+    }
+    bytes.truncate(size);
+    return bytes;
 }
 
 qsizetype RegularFile::readAt(quint64 offset, char* buffer, qsizetype length) const {

@@ -3,6 +3,7 @@
 #include <QByteArray>
 
 #include <optional>
+#include <sys/stat.h>
 
 namespace navrel {
 
@@ -18,11 +19,18 @@ public:
     RegularFile& operator=(RegularFile&&) = delete;
     ~RegularFile();
 
-    /// The bytes of a file that has no more than `atMost`; nil where `open` gives none.
+    /// `readAll` of the file at a path; nil where `open` gives none.
     static std::optional<QByteArray> content(const QByteArray& path, qsizetype atMost);
 
     /// The length in bytes at the time of opening.
     quint64 size() const { return size_; }
+
+    /// What the file system says of the file now; nil where it cannot.
+    std::optional<struct stat> status() const;
+
+    /// The bytes up to the end of the file, wherever that is by now. Nil where there are more than
+    /// `atMost`, or fewer than at the time of opening: it was cut, or cannot be read to its end.
+    std::optional<QByteArray> readAll(qsizetype atMost) const;
 
     /// Reads up to `length` bytes from an offset; fewer only at the end of the file. 0 also where
     /// the file cannot be read.
