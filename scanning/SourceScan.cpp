@@ -1,8 +1,8 @@
 #include "scanning/SourceScan.h"
 
-#include "scanning/ByteScan.h"
 #include "scanning/RuleMatchers.h"
 #include "scanning/SuperclassSearch.h"
+#include "scanning/search/ByteScan.h"
 #include "support/text/UTF8.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "scanning/CandidateSearch.h"
 #include "scanning/SourceFindings.h"
 #include "scanning/SuperclassBudget.h"
+#include "scanning/search/CandidateSearch.h"
 
 #include <QByteArrayView>
 

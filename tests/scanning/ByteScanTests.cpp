@@ -1,4 +1,4 @@
-#include "scanning/ByteScan.h"
+#include "scanning/search/ByteScan.h"
 
 #include <QByteArray>
 #include <QRandomGenerator>

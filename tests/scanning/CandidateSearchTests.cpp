@@ -1,4 +1,4 @@
-#include "scanning/CandidateSearch.h"
+#include "scanning/search/CandidateSearch.h"
 
 #include <QByteArray>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
-#include "scanning/CandidateSearch.h"
 #include "scanning/PlainScan.h"
 #include "scanning/SourceScan.h"
+#include "scanning/search/CandidateSearch.h"
 #include "tests/scanning/FindingsText.h"
 #include "tests/scanning/IdealScan.h"
 #include "tests/scanning/TellingTexts.h"

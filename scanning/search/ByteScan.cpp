@@ -1,6 +1,6 @@
-#include "scanning/ByteScan.h"
+#include "scanning/search/ByteScan.h"
 
-#include "scanning/Processor.h"
+#include "scanning/search/Processor.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
-#include "scanning/CandidateSearch.h"
+#include "scanning/search/CandidateSearch.h"
 
-#include "scanning/CandidateTables.h"
-#include "scanning/Processor.h"
+#include "scanning/search/CandidateTables.h"
+#include "scanning/search/Processor.h"
 
 #include <array>
 #include <string_view>

@@ -1,7 +1,7 @@
 // Compiled for processors with SSSE3, unlike the rest of the program: see CMakeLists.txt.
 
-#include "scanning/CandidateSearch.h"
-#include "scanning/CandidateTables.h"
+#include "scanning/search/CandidateSearch.h"
+#include "scanning/search/CandidateTables.h"
 
 #include <tmmintrin.h>
 

@@ -1,6 +1,6 @@
 // Compiled for processors with AVX2, unlike the rest of the program: see CMakeLists.txt.
 
-#include "scanning/ByteScan.h"
+#include "scanning/search/ByteScan.h"
 
 #include <immintrin.h>
 

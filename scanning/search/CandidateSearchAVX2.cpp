@@ -1,7 +1,7 @@
 // Compiled for processors with AVX2, unlike the rest of the program: see CMakeLists.txt.
 
-#include "scanning/CandidateSearch.h"
-#include "scanning/CandidateTables.h"
+#include "scanning/search/CandidateSearch.h"
+#include "scanning/search/CandidateTables.h"
 
 #include <immintrin.h>
 

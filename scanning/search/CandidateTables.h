@@ -1,6 +1,6 @@
 #pragma once
 
-#include "scanning/CandidateSearch.h"
+#include "scanning/search/CandidateSearch.h"
 
 #include <QtGlobal>
 
