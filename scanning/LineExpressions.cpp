@@ -1,8 +1,10 @@
 #include "scanning/LineExpressions.h"
 
+#include "support/Assertion.h"
 #include "support/text/UTF8.h"
 
 #include <utility>
+#include <variant>
 
 namespace navrel {
 
@@ -15,6 +17,13 @@ QByteArray textOfGroup(const QString& text, const RegularExpression::Match& matc
 }
 
 } // namespace
+
+RegularExpression compiled(const ScanPattern& pattern) {
+    auto outcome = RegularExpression::compile(pattern.text, pattern.options);
+    auto* expression = std::get_if<RegularExpression>(&outcome);
+    NAVREL_ASSERT(expression != nullptr);
+    return std::move(*expression);
+}
 
 std::optional<SuperclassExpression> SuperclassExpression::forBaseName(QByteArrayView baseName,
                                                                       const ScanPattern& pattern) {

@@ -1,23 +1,44 @@
 #pragma once
 
-#include "scanning/ScanPatterns.h"
 #include "support/Error.h"
 #include "support/text/RegularExpression.h"
 
 #include <QByteArray>
 #include <QByteArrayView>
+#include <QString>
 
 #include <optional>
 #include <utility>
 
 namespace navrel {
 
+/// A pattern and its options, a combination of RegularExpression::Option.
+struct ScanPattern {
+    QString text;
+    quint32 options;
+};
+
+/// The expression of a pattern, which must be one.
+RegularExpression compiled(const ScanPattern& pattern);
+
+/// What is looked for line by line.
+struct LinePatterns {
+    static constexpr quint32 kWholeText =
+        RegularExpression::kCaseInsensitive | RegularExpression::kDotMatchesLineSeparators;
+    static constexpr quint32 kWithinLine = RegularExpression::kCaseInsensitive;
+
+    /// The base name of the header takes the place of "%@", as it is.
+    ScanPattern superclass = {QStringLiteral("@interface %@ *: *([a-z0-9]*) *(<([a-z, ]*)>)*"),
+                              kWholeText};
+    ScanPattern shortcutLine = {QStringLiteral("// *navrel: *(.*)"), kWithinLine};
+};
+
 /// The superclass pattern of one header, by ICU. One thread at a time.
 class SuperclassExpression {
 public:
     /// The expression for a header of that base name; nil where it makes no pattern.
     static std::optional<SuperclassExpression>
-    forBaseName(QByteArrayView baseName, const ScanPattern& pattern = ScanPatterns().superclass);
+    forBaseName(QByteArrayView baseName, const ScanPattern& pattern = LinePatterns().superclass);
 
     /// The superclass that a line names: that of its last match. Nil where it holds no match, is
     /// not UTF-8, or could not be searched, as in `atMost` steps: `error` then says why.
@@ -42,7 +63,7 @@ private:
 /// The shortcut pattern, by ICU. One thread at a time.
 class ShortcutExpression {
 public:
-    explicit ShortcutExpression(const ScanPattern& pattern = ScanPatterns().shortcutLine);
+    explicit ShortcutExpression(const ScanPattern& pattern = LinePatterns().shortcutLine);
 
     /// The text of a line's shortcut comment: that of its last match that has any. Nil where there
     /// is none, or the line is not UTF-8.

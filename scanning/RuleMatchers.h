@@ -11,9 +11,10 @@
 #include <span>
 #include <string_view>
 
-/// The patterns of ScanPatterns matched by hand at one place of a valid UTF-8 text. Each gives what
-/// ICU gives for a match that begins there, and reads on no further than a search for the next
-/// match may skip, so that a search over a text is linear in its length.
+/// The patterns of the scan (tests/scanning/plain/ScanPatterns.h) matched by hand at one place of a
+/// valid UTF-8 text. Each gives what ICU gives for a match that begins there, and reads on no
+/// further than a search for the next match may skip, so that a search over a text is linear in its
+/// length.
 namespace navrel {
 
 /// The keyword of a declaration: up to eight letters, in lower case, which mostly take one

@@ -9,8 +9,9 @@
 namespace navrel {
 
 /// Finds the superclass, the shortcut comments and the code elements of a source file in one pass
-/// over its text: what `PlainScan` finds wherever ICU comes to an end, and elsewhere what its
-/// patterns mean. Takes time in proportion to the length of the text, whatever it holds.
+/// over its text: what a search by ICU for each pattern (tests/scanning/plain/ScanPatterns.h) finds
+/// wherever ICU comes to an end, and elsewhere what the patterns mean. Takes time in proportion to
+/// the length of the text, whatever it holds.
 ///
 /// A text that is not UTF-8 has no elements; superclass and shortcuts are those of the lines before
 /// the first one that is not. A header has no superclass where its base name is a pattern that the

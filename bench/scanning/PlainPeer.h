@@ -1,8 +1,8 @@
 #pragma once
 
-#include "scanning/PlainScan.h"
 #include "scanning/SourceFileBuffer.h"
 #include "scanning/SourceFindings.h"
+#include "tests/scanning/plain/PlainScan.h"
 
 #include <QByteArray>
 

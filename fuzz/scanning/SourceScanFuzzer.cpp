@@ -1,7 +1,7 @@
-#include "scanning/PlainScan.h"
 #include "scanning/SourceScan.h"
 #include "scanning/SuperclassBudget.h"
 #include "support/Assertion.h"
+#include "tests/scanning/plain/PlainScan.h"
 
 #include <array>
 #include <cstddef>

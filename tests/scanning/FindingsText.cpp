@@ -1,7 +1,7 @@
 #include "tests/scanning/FindingsText.h"
 
-#include "scanning/PlainScan.h"
 #include "scanning/SourceScan.h"
+#include "tests/scanning/plain/PlainScan.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
-#include "scanning/PlainScan.h"
 #include "scanning/SourceFileScanner.h"
 #include "scanning/SourceScan.h"
 #include "tests/project/OpenStore.h"
 #include "tests/scanning/FindingsText.h"
 #include "tests/scanning/IdealScan.h"
 #include "tests/scanning/ScratchFolder.h"
+#include "tests/scanning/plain/PlainScan.h"
 
 #include <gmock/gmock.h>
 

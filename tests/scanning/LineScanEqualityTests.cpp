@@ -1,8 +1,8 @@
-#include "scanning/PlainScan.h"
 #include "scanning/QWFileReader.h"
 #include "tests/scanning/FindingsText.h"
 #include "tests/scanning/ScratchFolder.h"
 #include "tests/scanning/TellingTexts.h"
+#include "tests/scanning/plain/PlainScan.h"
 
 #include <QFile>
 #include <QRandomGenerator>

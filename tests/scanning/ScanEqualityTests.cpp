@@ -1,9 +1,9 @@
-#include "scanning/PlainScan.h"
 #include "scanning/SourceScan.h"
 #include "scanning/search/CandidateSearch.h"
 #include "tests/scanning/FindingsText.h"
 #include "tests/scanning/IdealScan.h"
 #include "tests/scanning/TellingTexts.h"
+#include "tests/scanning/plain/PlainScan.h"
 
 #include <QDirIterator>
 #include <QFile>

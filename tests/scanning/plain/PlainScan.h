@@ -1,8 +1,8 @@
 #pragma once
 
 #include "scanning/LineExpressions.h"
-#include "scanning/ScanPatterns.h"
 #include "scanning/SourceFindings.h"
+#include "tests/scanning/plain/ScanPatterns.h"
 
 #include <optional>
 

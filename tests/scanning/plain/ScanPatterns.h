@@ -1,32 +1,12 @@
 #pragma once
 
-#include "support/text/RegularExpression.h"
-
-#include <QString>
+#include "scanning/LineExpressions.h"
 
 namespace navrel {
 
-/// A pattern and its options, a combination of RegularExpression::Option.
-struct ScanPattern {
-    QString text;
-    quint32 options;
-};
-
-/// The expression of a pattern, which must be one.
-RegularExpression compiled(const ScanPattern& pattern);
-
-/// What is looked for in source files. These patterns define the results, quirks included; the fast
-/// scan gives the same without them.
-struct ScanPatterns {
-    static constexpr quint32 kWholeText =
-        RegularExpression::kCaseInsensitive | RegularExpression::kDotMatchesLineSeparators;
-    static constexpr quint32 kWithinLine = RegularExpression::kCaseInsensitive;
-
-    // Line by line. The base name of the header stands in place of "%@", as it is.
-    ScanPattern superclass = {QStringLiteral("@interface %@ *: *([a-z0-9]*) *(<([a-z, ]*)>)*"),
-                              kWholeText};
-    ScanPattern shortcutLine = {QStringLiteral("// *navrel: *(.*)"), kWithinLine};
-
+/// What is looked for in source files. These patterns define the results, quirks included; the
+/// program's scan gives the same without them.
+struct ScanPatterns : LinePatterns {
     // Swift.
     ScanPattern swiftClass = {QStringLiteral("class *([a-z0-9]*)"), kWholeText};
     ScanPattern swiftFunction = {QStringLiteral("func *([a-z0-9]*)"), kWholeText};

@@ -1,4 +1,4 @@
-#include "scanning/PlainScan.h"
+#include "tests/scanning/plain/PlainScan.h"
 
 #include "support/text/UTF8.h"
 
