@@ -14,7 +14,6 @@
 #include "desktop/UserNotification.h"
 #include "editors/EditorChoice.h"
 #include "project/KZDataManager.h"
-#include "scanning/SourceFileScanner.h"
 #include "support/Application.h"
 #include "support/Log.h"
 #include "support/StartConditions.h"
@@ -108,9 +107,8 @@ int runApplication(const std::optional<SessionFiles>& files) {
                                          files->secondStart, [&desktop] { desktop.bringToFront(); })
                                    : nullptr;
     const auto editor = chooseEditor();
-    SourceFileScanner scanner;
-    const auto dataManager = KZDataManager::init(
-        {userDefaults, *editor, desktop, scanner, applicationSupportDirectory()});
+    const auto dataManager =
+        KZDataManager::init({userDefaults, *editor, desktop, applicationSupportDirectory()});
     AppDelegate::Collaborators world = {*dataManager, desktop, userDefaults, programVersion()};
     world.webServer = webServer();
     world.installedManual = installedManual();

@@ -6,6 +6,7 @@
 #include "project/StoreErrorWindow.h"
 #include "project/store/ManagedObjectContext.h"
 #include "project/store/PersistentStoreCoordinator.h"
+#include "scanning/SourceFileScanner.h"
 #include "support/Log.h"
 #include "support/UserDefaults.h"
 #include "support/text/UTF8.h"
@@ -33,7 +34,8 @@ std::shared_ptr<KZDataManager> KZDataManager::init(Collaborators collaborators) 
 
 KZDataManager::KZDataManager(Collaborators collaborators)
     : collaborators_(std::move(collaborators)), projectFile_(std::make_unique<ProjectFile>()),
-      survey_(std::make_unique<FileSurvey>()), listings_(std::make_unique<FolderListings>()),
+      scanner_(std::make_unique<SourceFileScanner>()), survey_(std::make_unique<FileSurvey>()),
+      listings_(std::make_unique<FolderListings>()),
       showsSynchronizedFolders_(
           collaborators_.userDefaults.boolForKey(kSynchronizedFoldersKey).value_or(true)),
       storeErrorWindow_(

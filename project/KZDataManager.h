@@ -23,7 +23,7 @@ class PersistentStoreCoordinator;
 class ProjectDialogs;
 class ProjectFile;
 class PropertyListIndex;
-class SourceScanner;
+class SourceFileScanner;
 class StoreErrorWindow;
 class UserDefaults;
 
@@ -36,7 +36,6 @@ public:
         UserDefaults& userDefaults;
         Editor& editor;
         ProjectDialogs& dialogs;
-        SourceScanner& scanner;
         /// The user's application-support folder: `$XDG_DATA_HOME`, in which the store's own folder
         /// is made.
         QString applicationSupportDirectory;
@@ -138,7 +137,7 @@ public:
     /// the next pass.
     QVariantMap changeFiletypeAllowanceWithDictionary(const QVariantMap& request);
 
-    // Views of what scanning found; their bodies live in scanning/.
+    // Views of what scanning found.
 
     /// "items": "shortcut", "line" and "path" of every shortcut of the project, ordered by shortcut
     /// as the person's language does, without letter case.
@@ -189,6 +188,7 @@ private:
     MenuItem* currentProjectItem_ = nullptr;
     MenuItem* automaticProjectSelectionItem_ = nullptr;
     std::unique_ptr<ProjectFile> projectFile_;
+    std::unique_ptr<SourceFileScanner> scanner_;
     std::optional<QString> loggedProblem_;
     std::unique_ptr<FileSurvey> survey_;
     std::unique_ptr<FolderListings> listings_;

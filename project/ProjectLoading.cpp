@@ -60,7 +60,7 @@ void KZDataManager::generateObjectForID(const QByteArray& identifier,
     if (ManagedObjectContext* context = managedObjectContext()) {
         survey_->clear();
         quietPass_.reset();
-        ProjectWalk(*context, projectFile_->objects(), collaborators_.scanner, *survey_, listings())
+        ProjectWalk(*context, projectFile_->objects(), *scanner_, *survey_, listings())
             .generateObjectForID(identifier, referencePath, parentID, index);
     }
 }
@@ -85,7 +85,7 @@ void KZDataManager::runPass(ManagedObjectContext& context) {
     listings_->beginPass();
     quietPass_.reset();
     if (const std::optional<QByteArray>& root = projectFile_->rootID()) {
-        ProjectWalk(context, projectFile_->objects(), collaborators_.scanner, *survey_, listings())
+        ProjectWalk(context, projectFile_->objects(), *scanner_, *survey_, listings())
             .generateObjectForID(*root, projectPath_->toUtf8(), std::nullopt, 0);
     }
     if (!context.hasRoom()) {

@@ -2,8 +2,9 @@
 
 #include "project/FileSurvey.h"
 #include "project/FolderListings.h"
-#include "project/SourceScanner.h"
 #include "project/store/ManagedObjectContext.h"
+#include "scanning/ScanningOperations.h"
+#include "scanning/SourceFileScanner.h"
 #include "support/files/FileDates.h"
 #include "support/propertylist/PropertyListIndex.h"
 #include "support/text/FilePath.h"
@@ -64,7 +65,7 @@ std::optional<QByteArray> resolvedPath(const std::optional<QByteArray>& referenc
 } // namespace
 
 ProjectWalk::ProjectWalk(ManagedObjectContext& context, const PropertyListIndex* objects,
-                         SourceScanner& scanner, FileSurvey& survey, FolderListings* listings)
+                         SourceFileScanner& scanner, FileSurvey& survey, FolderListings* listings)
     : context_(context), objects_(objects), scanner_(scanner), survey_(survey),
       listings_(listings) {}
 
@@ -240,24 +241,24 @@ void ProjectWalk::addFiletype(const QByteArray& extension) {
     }
 }
 
-/// Has a source file scanned. The order of the scans and deletions is part of the contract with the
-/// scanner.
+/// Has a source file scanned, and puts what was found in the place of what was found before.
 void ProjectWalk::scan(CDObject& object, const QByteArray& extension) {
-    if (extension == "h") {
-        scanner_.setSuperclassForManagedObject(object);
-    }
     if (std::find(kScannedExtensions.begin(), kScannedExtensions.end(), extension) ==
         kScannedExtensions.end()) {
         return;
     }
+    const SourceFindings& findings = scanner_.scan(object.path());
+    if (extension == "h") {
+        setSuperclassForManagedObject(object, findings);
+    }
     for (CDShortcut* shortcut : context_.shortcutsWithIdentifier(*object.identifier())) {
         context_.deleteShortcut(*shortcut);
     }
-    scanner_.generateShortcutsForManagedObject(object, context_);
+    generateShortcutsForManagedObject(object, findings, context_);
     for (CDElement* element : context_.elementsWithIdentifier(*object.identifier())) {
         context_.deleteElement(*element);
     }
-    scanner_.generateElementsForManagedObject(object, context_);
+    generateElementsForManagedObject(object, findings, context_);
 }
 
 void ProjectWalk::enterChildren(const CDObject& object, std::string_view identifier, Value entry) {

@@ -18,7 +18,7 @@ class FileSurvey;
 class FolderListings;
 class ManagedObjectContext;
 class PropertyListIndex;
-class SourceScanner;
+class SourceFileScanner;
 
 /// In one pass, the children of an object are walked under no more paths than this. An object whose
 /// file is there has one path; one whose file is missing takes a new one with each group that lists
@@ -34,7 +34,7 @@ public:
     /// `objects` is null where there is no project file. `listings` are those of synchronized
     /// folders; without them such a folder is a leaf, as every kind that is not known.
     ProjectWalk(ManagedObjectContext& context, const PropertyListIndex* objects,
-                SourceScanner& scanner, FileSurvey& survey, FolderListings* listings);
+                SourceFileScanner& scanner, FileSurvey& survey, FolderListings* listings);
 
     /// Walks from one object on. `referencePath` is the parent's resolved path.
     void generateObjectForID(const QByteArray& identifier,
@@ -94,7 +94,7 @@ private:
 
     ManagedObjectContext& context_;
     const PropertyListIndex* objects_;
-    SourceScanner& scanner_;
+    SourceFileScanner& scanner_;
     FileSurvey& survey_;
     FolderListings* listings_;
     std::vector<Level> levels_;

@@ -3,7 +3,6 @@
 #include "bench/Ratio.h"
 #include "bench/project/QuietWorld.h"
 #include "project/KZDataManager.h"
-#include "project/SourceScanner.h"
 #include "project/store/CDObject.h"
 #include "project/store/ManagedObjectContext.h"
 #include "support/UserDefaults.h"
@@ -28,13 +27,6 @@ namespace {
 constexpr int kFilesInFolder = 20;
 constexpr int kFoldersInFolder = 25;
 constexpr double kGoal = 0.85;
-
-class NoScanner final : public SourceScanner {
-public:
-    void setSuperclassForManagedObject(CDObject&) override {}
-    void generateShortcutsForManagedObject(const CDObject&, ManagedObjectContext&) override {}
-    void generateElementsForManagedObject(const CDObject&, ManagedObjectContext&) override {}
-};
 
 /// A project on disk, of files in folders in folders, and its bundle.
 class ProjectOnDisk {
@@ -113,7 +105,7 @@ public:
     explicit LoadedProject(int files)
         : project_(files), defaults_(project_.scratchPath("defaults")),
           manager_(KZDataManager::init(
-              {defaults_, editor_, dialogs_, scanner_, project_.scratchPath("support")})) {
+              {defaults_, editor_, dialogs_, project_.scratchPath("support")})) {
         manager_->changeProjectToPath(project_.bundle());
         // The first pass loads, the second finds nothing changed.
         pass();
@@ -143,7 +135,6 @@ private:
     UserDefaults defaults_;
     NoEditor editor_;
     NoDialogs dialogs_;
-    NoScanner scanner_;
     std::shared_ptr<KZDataManager> manager_;
 };
 

@@ -7,7 +7,6 @@
 #include "bench/scanning/SourceTree.h"
 #include "project/KZDataManager.h"
 #include "project/store/ManagedObjectContext.h"
-#include "scanning/SourceFileScanner.h"
 #include "support/UserDefaults.h"
 
 #include <QCoreApplication>
@@ -83,7 +82,7 @@ class OwnLoad {
 public:
     OwnLoad(const ProjectOfTree& project, const QString& storeFolder)
         : defaults_(storeFolder + QStringLiteral("/defaults")),
-          manager_(KZDataManager::init({defaults_, editor_, dialogs_, scanner_, storeFolder})) {
+          manager_(KZDataManager::init({defaults_, editor_, dialogs_, storeFolder})) {
         manager_->changeProjectToPath(project.bundle());
         manager_->updateInBackground();
         const ManagedObjectContext* const context = manager_->managedObjectContext();
@@ -99,7 +98,6 @@ public:
 private:
     NoEditor editor_;
     NoDialogs dialogs_;
-    SourceFileScanner scanner_;
     UserDefaults defaults_;
     std::shared_ptr<KZDataManager> manager_;
     std::size_t elements_ = 0;

@@ -49,8 +49,8 @@ TEST_F(AppDelegateTest, quittingLeavesTheStoreInOneFileThatTheNextStartReads) {
     ASSERT_TRUE(QDir().mkpath(next.path() + folder));
     ASSERT_TRUE(QFile::copy(profile_.path() + folder + QLatin1Char('/') + name,
                             next.path() + folder + QLatin1Char('/') + name));
-    const auto manager = KZDataManager::init(
-        {*defaults_, editor_, desktop_, scanner_, next.filePath(QStringLiteral("data"))});
+    const auto manager =
+        KZDataManager::init({*defaults_, editor_, desktop_, next.filePath(QStringLiteral("data"))});
     EXPECT_EQ(manager->allowedFileTypesDictionary(), manager_->allowedFileTypesDictionary());
     EXPECT_EQ(manager->allowedFileTypes(), QStringList());
     manager->setWeakSelf(nullptr);

@@ -63,7 +63,7 @@ void ServedProject::launchWithoutProject() {
 
 void ServedProject::start() {
     manager_ = KZDataManager::init(
-        {*defaults_, editor_, desktop_, scanner_, profile_.filePath(QStringLiteral("data"))});
+        {*defaults_, editor_, desktop_, profile_.filePath(QStringLiteral("data"))});
     delegate_ = AppDelegate::create(
         {*manager_, desktop_, *defaults_, version_, [this] { return hub_; }, QUrl(),
          [this](int socket) { return loopbackPeer_(socket); }, QString(), clock_});

@@ -2,7 +2,6 @@
 
 #include "app/AppDelegate.h"
 #include "project/KZDataManager.h"
-#include "scanning/SourceFileScanner.h"
 #include "support/UserDefaults.h"
 #include "tests/FakeClock.h"
 #include "tests/FakeEditor.h"
@@ -67,7 +66,6 @@ protected:
     LogRecorder log_;
     FakeDesktop desktop_;
     FakeEditor editor_;
-    SourceFileScanner scanner_;
     QString version_ = QStringLiteral("1.4.2");
     /// A hub that never hears of a device, unless the test puts another one here.
     std::shared_ptr<PTUSBHub> hub_ = PTUSBHub::create(nullptr);

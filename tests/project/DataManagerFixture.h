@@ -4,6 +4,7 @@
 #include "project/store/ManagedObjectContext.h"
 #include "support/Log.h"
 #include "support/UserDefaults.h"
+#include "support/text/FilePath.h"
 #include "support/text/UTF8.h"
 #include "tests/FakeClock.h"
 #include "tests/FakeEditor.h"
@@ -29,6 +30,9 @@ namespace navrel {
 /// around it. The manager is made when it is first asked for, so that a test can prepare its start.
 class DataManagerTest : public ::testing::Test {
 protected:
+    /// A source that holds one shortcut and one element, whatever its extension.
+    static constexpr const char* kSource = "// navrel: here\n";
+
     DataManagerTest() {
         previousLog_ =
             setLogReceiver([this](const QString& m) { logged.push_back(m.toStdString()); });
@@ -40,8 +44,7 @@ protected:
 
     KZDataManager& manager() {
         if (manager_ == nullptr) {
-            manager_ =
-                KZDataManager::init({defaults, editor, dialogs, scanner, supportFolder(), clock});
+            manager_ = KZDataManager::init({defaults, editor, dialogs, supportFolder(), clock});
         }
         return *manager_;
     }
@@ -77,7 +80,9 @@ protected:
         ASSERT_EQ(file.write(bytes), bytes.size());
     }
     /// Writes a file of the project, with the folders above it.
-    void writeFile(const char* name, const QByteArray& bytes = "x") { write(pathOf(name), bytes); }
+    void writeFile(const char* name, const QByteArray& bytes = kSource) {
+        write(pathOf(name), bytes);
+    }
     void writeFolder(const char* name) { ASSERT_TRUE(QDir().mkpath(pathOf(name))); }
     void writeProject(const QByteArray& text) {
         write(bundle() + QStringLiteral("/project.pbxproj"), text);
@@ -114,19 +119,32 @@ protected:
         return result;
     }
 
+    /// The names of the sources scanned since the last call, in order: of those that hold a
+    /// shortcut, as `kSource` does.
+    std::vector<std::string> takeScans() {
+        std::vector<std::string> scans;
+        for (const CDShortcut* shortcut : context().shortcuts()) {
+            if (shortcut->rowID() > lastScan_) {
+                scans.push_back(lastPathComponent(shortcut->path().value_or("")).toStdString());
+                lastScan_ = shortcut->rowID();
+            }
+        }
+        return scans;
+    }
+
     std::vector<std::string> takeLog() { return std::exchange(logged, {}); }
 
     QTemporaryDir scratch_;
     UserDefaults defaults{scratch_.filePath(QStringLiteral("Navrel.conf"))};
     FakeEditor editor;
     FakeDialogs dialogs;
-    RecordingScanner scanner;
     FakeClock clock;
     std::vector<std::string> logged;
 
 private:
     LogReceiver previousLog_;
     std::shared_ptr<KZDataManager> manager_;
+    qint64 lastScan_ = 0; ///< the row of the shortcut inserted last
 };
 
 } // namespace navrel

@@ -1,5 +1,6 @@
 #include "project/FileSurvey.h"
 #include "project/ProjectWalk.h"
+#include "scanning/SourceFileScanner.h"
 #include "support/files/FileDates.h"
 #include "support/propertylist/PropertyListIndex.h"
 #include "tests/project/DataManagerFixture.h"
@@ -117,7 +118,7 @@ std::size_t pathsAskedAbout(ManagedObjectContext& context, const QByteArray& fol
     EXPECT_TRUE(document.read(text.text()));
     PropertyListIndex objects;
     objects.build(document.root()["objects"]);
-    RecordingScanner scanner;
+    SourceFileScanner scanner;
     FileSurvey survey;
     ProjectWalk(context, &objects, scanner, survey, nullptr)
         .generateObjectForID("MAIN", folder, std::nullopt, 0);

@@ -183,9 +183,12 @@ TEST_F(NavigatorViews, aByteOrderMarkIsPartOfTheNameThatBeginsWithIt) {
 
 TEST_F(NavigatorViews, superclassesAreListedInOrderWithoutRepeats) {
     ProjectText text;
-    scanner.superclasses = {{"a.h", "Widget"}, {"b.h", "Base"}, {"c.h", "Base"}, {"e.h", "apple"}};
+    writeFile("a.h", "@interface a : Widget\n");
+    writeFile("b.h", "@interface b : Base\n");
+    writeFile("c.h", "@interface c : Base\n");
+    writeFile("d.h");
+    writeFile("e.h", "@interface e : apple\n");
     for (const char* name : {"a.h", "b.h", "c.h", "d.h", "e.h"}) {
-        writeFile(name);
         text.file(name, name);
     }
     load(text.group("MAIN", {"a.h", "b.h", "c.h", "d.h", "e.h"}));
@@ -198,8 +201,7 @@ TEST_F(NavigatorViews, superclassesAreListedInOrderWithoutRepeats) {
 }
 
 TEST_F(NavigatorViews, anEmptySuperclassIsListedToo) {
-    writeFile("a.h");
-    scanner.superclasses["a.h"] = "";
+    writeFile("a.h", "@interface a : _Base\n");
     load(ProjectText().group("MAIN", {"A"}).file("A", "a.h"));
     EXPECT_EQ(manager().superclassDictionary().value(QStringLiteral("items")),
               QVariant(QVariantList{QStringLiteral("")}));
@@ -213,9 +215,10 @@ TEST_F(NavigatorViews, withoutSuperclassesTheListIsEmpty) {
 
 TEST_F(NavigatorViews, aSuperclassListsItsFilesByName) {
     ProjectText text;
-    scanner.superclasses = {{"b.h", "Base"}, {"A.h", "Base"}, {"c.h", "base"}};
+    writeFile("b.h", "@interface b : Base\n");
+    writeFile("A.h", "@interface A : Base\n");
+    writeFile("c.h", "@interface c : base\n");
     for (const char* name : {"b.h", "A.h", "c.h"}) {
-        writeFile(name);
         text.file(name, name);
     }
     load(text.group("MAIN", {"b.h", "A.h", "c.h"}));

@@ -134,7 +134,7 @@ TEST_F(ProjectLoading, otherKindsAreGroupsOnlyWhereTheirPathEndsInXib) {
     EXPECT_EQ(object("XIB")->extension(), std::nullopt);
     EXPECT_EQ(object("XIB")->type(), std::nullopt);
     EXPECT_THAT(context().filetypes(), IsEmpty());
-    EXPECT_THAT(scanner.takeScans(), IsEmpty());
+    EXPECT_THAT(takeScans(), IsEmpty());
 }
 
 TEST_F(ProjectLoading, aGroupNamedLikeAnInterfaceFileIsAGroupWithoutExtension) {
@@ -219,17 +219,17 @@ TEST_F(ProjectLoading, symbolicLinksAreFollowed) {
     EXPECT_EQ(object("A")->modified(), 1'600'000'000'000'000'001);
 
     pass();
-    scanner.takeScans();
+    takeScans();
     touch("real.m", 1'600'000'001);
     pass();
-    EXPECT_THAT(scanner.takeScans(), ElementsAre("shortcuts link.m", "elements link.m"));
+    EXPECT_THAT(takeScans(), ElementsAre("link.m"));
 }
 
 TEST_F(ProjectLoading, twoReferencesToOneFileAreTwoRecordsEachScanned) {
     writeFile("a.m");
     load(ProjectText().group("MAIN", {"A", "B"}).file("A", "a.m").file("B", "a.m"));
     EXPECT_THAT(identifiers(), ElementsAre("MAIN", "A", "B"));
-    EXPECT_EQ(scanner.takeScans().size(), 4U);
+    EXPECT_THAT(takeScans(), ElementsAre("a.m", "a.m"));
 }
 
 TEST_F(ProjectLoading, aChildListedTwiceHasOneRecord) {
@@ -238,7 +238,7 @@ TEST_F(ProjectLoading, aChildListedTwiceHasOneRecord) {
     EXPECT_THAT(identifiers(), ElementsAre("MAIN", "A", "G"));
     EXPECT_EQ(object("A")->index(), 0);
     EXPECT_EQ(object("A")->parentID(), "MAIN");
-    EXPECT_EQ(scanner.takeScans().size(), 2U);
+    EXPECT_THAT(takeScans(), ElementsAre("a.m"));
 }
 
 // File types.
@@ -275,13 +275,42 @@ TEST_F(ProjectLoading, aFileTypeThatWasSwitchedOffStaysOff) {
 
 // Scanning.
 
-TEST_F(ProjectLoading, aHeaderIsScannedForSuperclassShortcutsAndElementsInThisOrder) {
-    writeFile("a.h");
-    scanner.superclasses["a.h"] = "NSObject";
+TEST_F(ProjectLoading, aHeaderIsScannedForSuperclassShortcutsAndElements) {
+    writeFile("a.h", "@interface a : NSObject\n- (void)run; // navrel: Run\n");
     load(ProjectText().group("MAIN", {"A"}).file("A", "a.h"));
-    EXPECT_THAT(scanner.takeScans(),
-                ElementsAre("superclass a.h", "shortcuts a.h", "elements a.h"));
     EXPECT_EQ(object("A")->subclassOf(), "NSObject");
+    ASSERT_EQ(context().shortcutsWithIdentifier("A").size(), 1U);
+    EXPECT_EQ(context().shortcutsWithIdentifier("A").front()->shortcut(), "Run");
+    ASSERT_EQ(context().elementsWithIdentifier("A").size(), 2U);
+    EXPECT_EQ(context().elementsWithIdentifier("A").front()->name(), "-run");
+}
+
+TEST_F(ProjectLoading, aHeaderThatNamesNoSuperclassAnyMoreKeepsTheFormerOne) {
+    writeFile("a.h", "@interface a : NSObject\n");
+    load(ProjectText().group("MAIN", {"A"}).file("A", "a.h"));
+    writeFile("a.h", kSource);
+    touch("a.h", 1'600'000'000);
+    pass();
+    EXPECT_THAT(takeScans(), ElementsAre("a.h"));
+    EXPECT_EQ(object("A")->subclassOf(), "NSObject");
+}
+
+TEST_F(ProjectLoading, onlyHeadersAreScannedForASuperclass) {
+    writeFile("a.m", "@interface a : NSObject\n");
+    load(ProjectText().group("MAIN", {"A"}).file("A", "a.m"));
+    EXPECT_EQ(object("A")->subclassOf(), std::nullopt);
+}
+
+TEST_F(ProjectLoading, aSourceThatCannotBeReadAnyMoreHoldsNothing) {
+    writeFile("a.m");
+    load(ProjectText().group("MAIN", {"A"}).file("A", "a.m"));
+    ASSERT_TRUE(QFile::remove(pathOf("a.m")));
+    ASSERT_TRUE(QDir().mkpath(pathOf("a.m")));
+    touch("a.m", 1'600'000'000);
+    pass();
+    EXPECT_THAT(identifiers(), ElementsAre("MAIN", "A"));
+    EXPECT_THAT(context().shortcutsWithIdentifier("A"), IsEmpty());
+    EXPECT_THAT(context().elementsWithIdentifier("A"), IsEmpty());
 }
 
 TEST_F(ProjectLoading, otherSourcesAreScannedForShortcutsAndElements) {
@@ -293,10 +322,8 @@ TEST_F(ProjectLoading, otherSourcesAreScannedForShortcutsAndElements) {
         text.file(extension, name);
     }
     load(text);
-    EXPECT_THAT(scanner.takeScans(),
-                ElementsAre("shortcuts a.m", "elements a.m", "shortcuts a.swift",
-                            "elements a.swift", "shortcuts a.c", "elements a.c", "shortcuts a.mm",
-                            "elements a.mm", "shortcuts a.cpp", "elements a.cpp"));
+    EXPECT_THAT(takeScans(), ElementsAre("a.m", "a.swift", "a.c", "a.mm", "a.cpp"));
+    EXPECT_EQ(context().elements().size(), 5U);
 }
 
 TEST_F(ProjectLoading, nothingElseIsScanned) {
@@ -310,18 +337,18 @@ TEST_F(ProjectLoading, nothingElseIsScanned) {
     text.group("MAIN", identifiers);
     load(text);
     EXPECT_EQ(context().objects().size(), 9U);
-    EXPECT_THAT(scanner.takeScans(), IsEmpty());
+    EXPECT_THAT(takeScans(), IsEmpty());
 }
 
 TEST_F(ProjectLoading, anUnchangedProjectIsNotScannedAgain) {
     writeFile("a.m");
     writeFile("b.h");
     load(ProjectText().group("MAIN", {"A", "B"}).file("A", "a.m").file("B", "b.h"));
-    scanner.takeScans();
+    takeScans();
     for (int round = 0; round < 5; ++round) {
         pass();
     }
-    EXPECT_THAT(scanner.takeScans(), IsEmpty());
+    EXPECT_THAT(takeScans(), IsEmpty());
     EXPECT_EQ(context().elements().size(), 2U);
 }
 
@@ -334,26 +361,15 @@ TEST_F(ProjectLoading, aTouchedFileIsScannedAnewAndOthersKeepTheirRecords) {
         for (int quiet = 0; quiet < quietPasses; ++quiet) {
             pass();
         }
-        scanner.takeScans();
+        takeScans();
         const CDElement* kept = context().elementsWithIdentifier("B").front();
         touch("a.m", 1'600'000'000 + quietPasses);
         pass();
-        EXPECT_THAT(scanner.takeScans(), ElementsAre("shortcuts a.m", "elements a.m"));
+        EXPECT_THAT(takeScans(), ElementsAre("a.m"));
         EXPECT_EQ(context().elementsWithIdentifier("B").front(), kept);
         EXPECT_EQ(context().elementsWithIdentifier("A").size(), 1U);
         EXPECT_EQ(context().shortcutsWithIdentifier("A").size(), 1U);
     }
-    EXPECT_EQ(scanner.shortcutsLeft, 0U);
-    EXPECT_EQ(scanner.elementsLeft, 0U);
-}
-
-TEST_F(ProjectLoading, elementsAreDeletedOnlyAfterTheScanForShortcuts) {
-    writeFile("a.m");
-    load(ProjectText().group("MAIN", {"A"}).file("A", "a.m"));
-    EXPECT_EQ(scanner.elementsKept, 0U);
-    touch("a.m", 1'600'000'000);
-    pass();
-    EXPECT_EQ(scanner.elementsKept, 1U);
 }
 
 TEST_F(ProjectLoading, anyDifferenceOfDatesCountsAlsoABackwardOne) {
@@ -361,16 +377,16 @@ TEST_F(ProjectLoading, anyDifferenceOfDatesCountsAlsoABackwardOne) {
     touch("a.m", 1'600'000'000);
     load(ProjectText().group("MAIN", {"A"}).file("A", "a.m"));
     pass();
-    scanner.takeScans();
+    takeScans();
 
     touch("a.m", 1'500'000'000);
     pass();
-    EXPECT_EQ(scanner.takeScans().size(), 2U);
+    EXPECT_THAT(takeScans(), ElementsAre("a.m"));
 
     const struct timespec oneNanosecondLater[2]{{1'500'000'000, 2}, {1'500'000'000, 2}};
     ASSERT_EQ(::utimensat(AT_FDCWD, pathText("a.m").c_str(), oneNanosecondLater, 0), 0);
     pass();
-    EXPECT_EQ(scanner.takeScans().size(), 2U);
+    EXPECT_THAT(takeScans(), ElementsAre("a.m"));
     EXPECT_EQ(object("A")->modified(), 1'500'000'000'000'000'002);
 }
 
@@ -411,11 +427,11 @@ TEST_F(ProjectLoading, theChildrenOfAnUnchangedGroupAreStillVisited) {
     writeFile("G/a.m");
     touch("G", 1'600'000'000);
     load(ProjectText().group("MAIN", {"G"}).group("G", {"A"}, "G").file("A", "a.m"));
-    scanner.takeScans();
+    takeScans();
     touch("G/a.m", 1'600'000'000);
     touch("G", 1'600'000'000);
     pass();
-    EXPECT_EQ(scanner.takeScans().size(), 2U);
+    EXPECT_THAT(takeScans(), ElementsAre("a.m"));
 }
 
 // Deletion.
@@ -440,10 +456,10 @@ TEST_F(ProjectLoading, aFileThatComesBackIsScannedAnew) {
     load(ProjectText().group("MAIN", {"A"}).file("A", "a.m"));
     QFile::remove(pathOf("a.m"));
     pass();
-    scanner.takeScans();
+    takeScans();
     writeFile("a.m");
     pass();
-    EXPECT_THAT(scanner.takeScans(), ElementsAre("shortcuts a.m", "elements a.m"));
+    EXPECT_THAT(takeScans(), ElementsAre("a.m"));
     EXPECT_EQ(context().elementsWithIdentifier("A").size(), 1U);
 }
 

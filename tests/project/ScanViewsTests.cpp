@@ -1,4 +1,3 @@
-#include "scanning/SourceFileScanner.h"
 #include "tests/project/DataManagerFixture.h"
 
 #include <QVariantList>
@@ -189,32 +188,25 @@ TEST_F(ScanViews, aSwiftFileHasACounterpartOnlyInAnotherLanguage) {
 // From the files to the views.
 
 TEST_F(ScanViews, aLoadedProjectShowsWhatItsSourcesHold) {
-    SourceFileScanner realScanner;
     writeFile("Foo.h", "@interface Foo : Base\n- (void)run;\n@end\n");
     writeFile("Foo.m", "// navrel: Start\n- (void)run {\n}\n");
-    writeProject(ProjectText().group("MAIN", {"H", "M"}).file("H", "Foo.h").file("M", "Foo.m"));
-    defaults.setBool(QStringLiteral("automaticProjectSelection"), false);
-    const auto manager =
-        KZDataManager::init({defaults, editor, dialogs, realScanner, supportFolder()});
-    manager->changeProjectToPath(bundle());
-    manager->updateInBackground();
+    load(ProjectText().group("MAIN", {"H", "M"}).file("H", "Foo.h").file("M", "Foo.m"));
 
-    EXPECT_EQ(manager->managedObjectContext()->lastObjectWithIdentifier("H")->subclassOf(), "Base");
-    EXPECT_THAT(valuesOf(manager->shortcutsDictionary(), QStringLiteral("shortcut")),
+    EXPECT_EQ(object("H")->subclassOf(), "Base");
+    EXPECT_THAT(valuesOf(manager().shortcutsDictionary(), QStringLiteral("shortcut")),
                 ElementsAre("Start"));
-    const auto elements = manager->elementsDictionaryForObjectID(QStringLiteral("M"));
+    const auto elements = manager().elementsDictionaryForObjectID(QStringLiteral("M"));
     ASSERT_TRUE(elements.has_value());
     EXPECT_THAT(valuesOf(*elements, QStringLiteral("name")), ElementsAre("Start", "-run"));
     EXPECT_EQ(elements->value(QStringLiteral("counterpart")), QStringLiteral("H"));
 
     writeFile("Foo.m", "\n- (void)stop {\n}\n");
     touch("Foo.m", 1000);
-    manager->updateInBackground();
-    EXPECT_THAT(itemsOf(manager->shortcutsDictionary()), IsEmpty());
-    EXPECT_THAT(valuesOf(*manager->elementsDictionaryForObjectID(QStringLiteral("M")),
+    pass();
+    EXPECT_THAT(itemsOf(manager().shortcutsDictionary()), IsEmpty());
+    EXPECT_THAT(valuesOf(*manager().elementsDictionaryForObjectID(QStringLiteral("M")),
                          QStringLiteral("name")),
                 ElementsAre("-stop"));
-    manager->setWeakSelf(nullptr);
 }
 
 } // namespace

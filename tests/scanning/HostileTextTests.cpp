@@ -1,6 +1,5 @@
 #include "scanning/SourceFileScanner.h"
 #include "scanning/SourceScan.h"
-#include "tests/project/OpenStore.h"
 #include "tests/scanning/FindingsText.h"
 #include "tests/scanning/IdealScan.h"
 #include "tests/scanning/ScratchFolder.h"
@@ -134,13 +133,10 @@ TEST(HostileText, aLongLineIsNotSearchedForANameThatRepeats) {
 
 TEST(HostileText, allHeadersShareWhatMayBeSpentOnNamesThatArePatterns) {
     const ScratchFolder folder;
-    OpenStore store(QString::fromUtf8(folder.path("store")));
     SourceFileScanner scanner;
-    const auto superclassIn = [&](const QByteArray& path) {
-        CDObject& object = store->insertObject();
-        object.setPath(path);
-        scanner.setSuperclassForManagedObject(object);
-        return object.subclassOf();
+    const auto superclassIn = [&](const QByteArray& path) -> std::optional<QByteArray> {
+        const auto found = scanner.scan(path).superclass();
+        return found ? std::optional(found->toByteArray()) : std::nullopt;
     };
     const QByteArray costly = folder.write("[\\p{L}]+.h", "@interface Foo : A\n");
     const QByteArray honest = folder.write("Foo+Bar.h", "@interface FooBar : A\n");

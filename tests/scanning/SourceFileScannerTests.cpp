@@ -1,3 +1,4 @@
+#include "scanning/ScanningOperations.h"
 #include "scanning/SourceFileBuffer.h"
 #include "scanning/SourceFileScanner.h"
 #include "tests/project/OpenStore.h"
@@ -27,9 +28,10 @@ protected:
     }
 
     void scan(CDObject& object) {
-        scanner_.setSuperclassForManagedObject(object);
-        scanner_.generateShortcutsForManagedObject(object, *store_);
-        scanner_.generateElementsForManagedObject(object, *store_);
+        const SourceFindings& findings = scanner_.scan(object.path());
+        setSuperclassForManagedObject(object, findings);
+        generateShortcutsForManagedObject(object, findings, *store_);
+        generateElementsForManagedObject(object, findings, *store_);
     }
 
     std::vector<QByteArray> elementNames() const {
@@ -47,13 +49,13 @@ protected:
 
 TEST_F(SourceFileScannerTest, theSuperclassOfAHeaderIsSet) {
     CDObject& object = objectWith("Foo.h", "@interface Foo : NSObject\n");
-    scanner_.setSuperclassForManagedObject(object);
+    scan(object);
     EXPECT_EQ(object.subclassOf(), "NSObject");
 }
 
 TEST_F(SourceFileScannerTest, anEmptySuperclassIsStoredAsItIs) {
     CDObject& object = objectWith("Foo.h", "@interface Foo : _Base\n");
-    scanner_.setSuperclassForManagedObject(object);
+    scan(object);
     ASSERT_TRUE(object.subclassOf().has_value());
     EXPECT_FALSE(object.subclassOf()->isNull());
     EXPECT_EQ(object.subclassOf(), "");
@@ -62,14 +64,14 @@ TEST_F(SourceFileScannerTest, anEmptySuperclassIsStoredAsItIs) {
 TEST_F(SourceFileScannerTest, withoutASuperclassTheFormerOneStays) {
     CDObject& object = objectWith("Foo.h", "int a;\n");
     object.setSubclassOf("Old");
-    scanner_.setSuperclassForManagedObject(object);
+    scan(object);
     EXPECT_EQ(object.subclassOf(), "Old");
 }
 
 TEST_F(SourceFileScannerTest, aRecordIsInsertedForEachShortcut) {
     CDObject& object = objectWith("a.c", "//navrel:One\n\n// navrel: Two\n");
     object.setName("a.c");
-    scanner_.generateShortcutsForManagedObject(object, *store_);
+    scan(object);
     const auto shortcuts = store_->shortcuts();
     ASSERT_EQ(shortcuts.size(), 2U);
     EXPECT_EQ(shortcuts[0]->identifier(), "F1");
@@ -82,8 +84,7 @@ TEST_F(SourceFileScannerTest, aRecordIsInsertedForEachShortcut) {
 }
 
 TEST_F(SourceFileScannerTest, aRecordIsInsertedForEachElement) {
-    scanner_.generateElementsForManagedObject(objectWith("a.m", "\n- (void)b {\n#warning c\n"),
-                                              *store_);
+    scan(objectWith("a.m", "\n- (void)b {\n#warning c\n"));
     const auto elements = store_->elements();
     ASSERT_EQ(elements.size(), 2U);
     EXPECT_EQ(elements[0]->identifier(), "F1");
@@ -96,9 +97,7 @@ TEST_F(SourceFileScannerTest, aRecordIsInsertedForEachElement) {
 }
 
 TEST_F(SourceFileScannerTest, everyTypeHasItsName) {
-    scanner_.generateElementsForManagedObject(
-        objectWith("a.swift", "class A\nfunc b\n// MARK: c\n#warning d\n// navrel: e\nvar f"),
-        *store_);
+    scan(objectWith("a.swift", "class A\nfunc b\n// MARK: c\n#warning d\n// navrel: e\nvar f"));
     std::vector<QByteArray> types;
     for (const CDElement* element : store_->elements()) {
         types.push_back(element->type().value());
@@ -114,35 +113,12 @@ TEST_F(SourceFileScannerTest, olderRecordsAreTheCallersToDelete) {
     EXPECT_EQ(store_->shortcuts().size(), 2U);
 }
 
-TEST_F(SourceFileScannerTest, theThreeOperationsOfOneRescanTellOfOneState) {
-    CDObject& object = objectWith("Foo.h", "@interface Foo : A\n//navrel:s\n- (void)a;\n");
-    scanner_.setSuperclassForManagedObject(object);
-    folder_.write("Foo.h", "");
-    scanner_.generateShortcutsForManagedObject(object, *store_);
-    scanner_.generateElementsForManagedObject(object, *store_);
-    EXPECT_EQ(object.subclassOf(), "A");
-    EXPECT_EQ(store_->shortcuts().size(), 1U);
-    EXPECT_THAT(elementNames(), ElementsAre("-a"));
-}
-
-TEST_F(SourceFileScannerTest, theNextRescanReadsTheFileAnew) {
+TEST_F(SourceFileScannerTest, everyScanReadsTheFileAgain) {
     CDObject& object = objectWith("a.swift", "var a");
-    scanner_.generateShortcutsForManagedObject(object, *store_);
-    scanner_.generateElementsForManagedObject(object, *store_);
+    scan(object);
     folder_.write("a.swift", "var b");
-    scanner_.generateElementsForManagedObject(object, *store_);
-    folder_.write("a.swift", "var c");
-    scanner_.generateShortcutsForManagedObject(object, *store_);
-    scanner_.generateElementsForManagedObject(object, *store_);
-    EXPECT_THAT(elementNames(), ElementsAre("a", "b", "c"));
-}
-
-TEST_F(SourceFileScannerTest, anotherFileIsNotTakenForTheOneBefore) {
-    CDObject& first = objectWith("a.swift", "var a");
-    CDObject& second = objectWith("b.swift", "var b");
-    scanner_.generateShortcutsForManagedObject(first, *store_);
-    scanner_.generateElementsForManagedObject(second, *store_);
-    EXPECT_THAT(elementNames(), ElementsAre("b"));
+    scan(object);
+    EXPECT_THAT(elementNames(), ElementsAre("a", "b"));
 }
 
 TEST_F(SourceFileScannerTest, whatTheStoreHasNoRoomForIsLeftOut) {
@@ -176,9 +152,9 @@ TEST_F(SourceFileScannerTest, whatCannotBeReadHoldsNothing) {
 
 TEST_F(SourceFileScannerTest, anUnreadableFileDoesNotShowTheOneBefore) {
     CDObject& object = objectWith("a.swift", "var a\n//navrel:s");
-    scanner_.generateShortcutsForManagedObject(object, *store_);
+    scan(object);
     scan(objectFor(folder_.path("missing.swift")));
-    EXPECT_THAT(elementNames(), IsEmpty());
+    EXPECT_THAT(elementNames(), ElementsAre("a"));
     EXPECT_EQ(store_->shortcuts().size(), 1U);
 }
 
