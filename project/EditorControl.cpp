@@ -2,8 +2,7 @@
 
 #include "project/Editor.h"
 #include "project/KZDataManager.h"
-#include "project/store/ManagedObjectContext.h"
-#include "support/text/UTF8.h"
+#include "project/views/NavigatorViews.h"
 
 #include <algorithm>
 #include <cmath>
@@ -68,17 +67,9 @@ std::optional<int> lineNumber(const QVariant& line) {
 
 std::optional<QString> KZDataManager::objectIDForActiveFile() {
     const auto fileName = collaborators_.editor.activeFileName();
-    ManagedObjectContext* context = managedObjectContext();
-    if (!fileName || context == nullptr) {
-        return std::nullopt;
-    }
-    // By name only, deliberately: that is all that an editor's window title tells. Of several files
-    // of one name none can be told to be the active one.
-    const auto objects = context->objectsWithName(fileName->toUtf8());
-    if (objects.size() != 1 || !objects.front()->identifier()) {
-        return std::nullopt;
-    }
-    return shownUTF8(*objects.front()->identifier());
+    const ManagedObjectContext* context = managedObjectContext();
+    // By name only, deliberately: that is all that an editor's window title tells.
+    return fileName ? views::objectIDForFileName(context, *fileName) : std::nullopt;
 }
 
 void KZDataManager::openFile(const std::optional<QString>& path, const QVariant& line) {

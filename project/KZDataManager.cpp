@@ -6,6 +6,9 @@
 #include "project/StoreErrorWindow.h"
 #include "project/store/ManagedObjectContext.h"
 #include "project/store/PersistentStoreCoordinator.h"
+#include "project/views/FiletypeViews.h"
+#include "project/views/NavigatorViews.h"
+#include "project/views/ScanViews.h"
 #include "scanning/SourceFileScanner.h"
 #include "support/Log.h"
 #include "support/UserDefaults.h"
@@ -58,6 +61,41 @@ const PropertyListIndex* KZDataManager::pbxObjects() const {
 std::optional<QString> KZDataManager::rootID() const {
     const std::optional<QByteArray>& identifier = projectFile_->rootID();
     return identifier ? std::optional(shownUTF8(*identifier)) : std::nullopt;
+}
+
+std::optional<QVariantMap>
+KZDataManager::navigatorDictionaryForID(const std::optional<QString>& identifier) {
+    const std::optional<QByteArray>& root = projectFile_->rootID();
+    return root ? views::navigatorDictionaryForID(managedObjectContext(), *root, identifier)
+                : std::nullopt;
+}
+
+QVariantMap KZDataManager::superclassDictionary() {
+    return views::superclassDictionary(managedObjectContext());
+}
+
+QVariantMap KZDataManager::navigatorDictionaryForSuperclass(const QString& superclass) {
+    return views::navigatorDictionaryForSuperclass(managedObjectContext(), superclass);
+}
+
+QVariantMap KZDataManager::allowedFileTypesDictionary() {
+    return views::allowedFileTypesDictionary(managedObjectContext());
+}
+
+QStringList KZDataManager::allowedFileTypes() {
+    return views::allowedFileTypes(managedObjectContext());
+}
+
+QVariantMap KZDataManager::changeFiletypeAllowanceWithDictionary(const QVariantMap& request) {
+    return views::changeFiletypeAllowanceWithDictionary(managedObjectContext(), request);
+}
+
+QVariantMap KZDataManager::shortcutsDictionary() {
+    return views::shortcutsDictionary(managedObjectContext());
+}
+
+std::optional<QVariantMap> KZDataManager::elementsDictionaryForObjectID(const QString& identifier) {
+    return views::elementsDictionaryForObjectID(managedObjectContext(), identifier);
 }
 
 void KZDataManager::saveChanges(ManagedObjectContext& context) {

@@ -1,9 +1,8 @@
-// The data manager's views: the store as property-list values for the device.
+#include "project/views/NavigatorViews.h"
 
-#include "project/KZDataManager.h"
-#include "project/ProjectFile.h"
 #include "project/store/ManagedObjectContext.h"
-#include "support/propertylist/PropertyList.h"
+#include "project/views/FiletypeViews.h"
+#include "project/views/Shown.h"
 #include "support/text/Collation.h"
 #include "support/text/UTF8.h"
 
@@ -16,15 +15,6 @@
 namespace navrel {
 
 namespace {
-
-/// Only a store made by hand holds records without these; they show as empty.
-QString shown(const std::optional<QByteArray>& text) {
-    return shownUTF8(text.value_or(""));
-}
-
-int shown(std::optional<bool> flag) {
-    return flag.value_or(false) ? 1 : 0;
-}
 
 QVariantMap navigatorItem(const CDObject& object) {
     return {{QStringLiteral("name"), shown(object.name())},
@@ -47,20 +37,10 @@ QVariantList navigatorItems(std::vector<CDObject*> objects) {
     return items;
 }
 
-std::vector<QByteArray> extensionsAllowedIn(const ManagedObjectContext& context) {
-    std::vector<QByteArray> extensions;
-    for (const CDFiletype* filetype : context.filetypes()) {
-        if (filetype->allowed().value_or(false) && filetype->extension()) {
-            extensions.push_back(*filetype->extension());
-        }
-    }
-    return extensions;
-}
-
 std::vector<CDObject*> visibleChildren(const ManagedObjectContext& context,
                                        QByteArrayView identifier) {
     std::vector<CDObject*> children = context.objectsWithParentID(identifier);
-    std::vector<QByteArray> allowed = extensionsAllowedIn(context);
+    std::vector<QByteArray> allowed = views::allowedExtensions(&context);
     std::sort(allowed.begin(), allowed.end());
     // Deliberate: with every file type switched off nothing is filtered and all children show.
     if (!allowed.empty()) {
@@ -77,29 +57,28 @@ std::vector<CDObject*> visibleChildren(const ManagedObjectContext& context,
 } // namespace
 
 std::optional<QVariantMap>
-KZDataManager::navigatorDictionaryForID(const std::optional<QString>& identifier) {
-    const std::optional<QByteArray>& root = projectFile_->rootID();
-    ManagedObjectContext* context = root ? managedObjectContext() : nullptr;
-    if (context == nullptr) {
+views::navigatorDictionaryForID(const ManagedObjectContext* records, const QByteArray& root,
+                                const std::optional<QString>& identifier) {
+    if (records == nullptr) {
         return std::nullopt;
     }
-    const QByteArray wanted = identifier ? identifier->toUtf8() : *root;
-    const CDObject* object = context->lastObjectWithIdentifier(wanted);
+    const QByteArray wanted = identifier ? identifier->toUtf8() : root;
+    const CDObject* object = records->lastObjectWithIdentifier(wanted);
     if (object == nullptr) {
         return std::nullopt;
     }
     return QVariantMap{
         {QStringLiteral("identifier"), shownUTF8(wanted)},
         {QStringLiteral("label"), shown(object->name())},
-        {QStringLiteral("items"), navigatorItems(visibleChildren(*context, wanted))},
+        {QStringLiteral("items"), navigatorItems(visibleChildren(*records, wanted))},
         {QStringLiteral("path"), shown(object->path())},
     };
 }
 
-QVariantMap KZDataManager::superclassDictionary() {
+QVariantMap views::superclassDictionary(const ManagedObjectContext* records) {
     std::vector<QByteArray> superclasses;
-    if (const ManagedObjectContext* context = managedObjectContext()) {
-        for (const CDObject* object : context->objects()) {
+    if (records != nullptr) {
+        for (const CDObject* object : records->objects()) {
             if (object->subclassOf()) {
                 superclasses.push_back(*object->subclassOf());
             }
@@ -116,54 +95,27 @@ QVariantMap KZDataManager::superclassDictionary() {
             {QStringLiteral("items"), items}};
 }
 
-QVariantMap KZDataManager::navigatorDictionaryForSuperclass(const QString& superclass) {
+QVariantMap views::navigatorDictionaryForSuperclass(const ManagedObjectContext* records,
+                                                    const QString& superclass) {
     std::vector<CDObject*> subclasses;
-    if (const ManagedObjectContext* context = managedObjectContext()) {
-        subclasses = context->objectsWithSubclassOf(superclass.toUtf8());
+    if (records != nullptr) {
+        subclasses = records->objectsWithSubclassOf(superclass.toUtf8());
     }
     return {{QStringLiteral("superclass"), superclass},
             {QStringLiteral("label"), superclass},
             {QStringLiteral("items"), navigatorItems(std::move(subclasses))}};
 }
 
-QVariantMap KZDataManager::allowedFileTypesDictionary() {
-    std::vector<CDFiletype*> filetypes;
-    if (const ManagedObjectContext* context = managedObjectContext()) {
-        filetypes = context->filetypes();
+std::optional<QString> views::objectIDForFileName(const ManagedObjectContext* records,
+                                                  const QString& fileName) {
+    if (records == nullptr) {
+        return std::nullopt;
     }
-    std::stable_sort(filetypes.begin(), filetypes.end(),
-                     [](const CDFiletype* left, const CDFiletype* right) {
-                         return left->extension() < right->extension();
-                     });
-    QVariantList items;
-    for (const CDFiletype* filetype : filetypes) {
-        items.append(QVariantMap{{QStringLiteral("extension"), shown(filetype->extension())},
-                                 {QStringLiteral("allowed"), shown(filetype->allowed())}});
+    const auto objects = records->objectsWithName(fileName.toUtf8());
+    if (objects.size() != 1 || !objects.front()->identifier()) {
+        return std::nullopt;
     }
-    return {{QStringLiteral("items"), items}};
-}
-
-QStringList KZDataManager::allowedFileTypes() {
-    QStringList extensions;
-    if (const ManagedObjectContext* context = managedObjectContext()) {
-        for (const QByteArray& extension : extensionsAllowedIn(*context)) {
-            extensions.append(shownUTF8(extension));
-        }
-    }
-    return extensions;
-}
-
-QVariantMap KZDataManager::changeFiletypeAllowanceWithDictionary(const QVariantMap& request) {
-    const QVariant extension = request.value(QStringLiteral("extension"));
-    const std::optional<bool> allowed = booleanOf(request.value(QStringLiteral("allowed")));
-    const ManagedObjectContext* context = managedObjectContext();
-    if (context != nullptr && extension.typeId() == QMetaType::QString && allowed) {
-        for (CDFiletype* filetype :
-             context->filetypesWithExtension(extension.toString().toUtf8())) {
-            filetype->setAllowed(allowed);
-        }
-    }
-    return allowedFileTypesDictionary();
+    return shownUTF8(*objects.front()->identifier());
 }
 
 } // namespace navrel

@@ -1,8 +1,7 @@
-// The data manager's views of what scanning found: the shortcuts of the project and the elements of
-// a file, as property-list values for the device.
+#include "project/views/ScanViews.h"
 
-#include "project/KZDataManager.h"
 #include "project/store/ManagedObjectContext.h"
+#include "project/views/Shown.h"
 #include "support/text/Collation.h"
 #include "support/text/FilePath.h"
 #include "support/text/UTF8.h"
@@ -19,11 +18,6 @@ namespace {
 
 /// In the order in which they are asked: a later one that has a counterpart replaces an earlier.
 constexpr std::array kCounterpartExtensions = {"h", "m", "mm", "cpp", "c"};
-
-/// Only a store made by hand holds records without these; they show as empty.
-QString shown(const std::optional<QByteArray>& text) {
-    return shownUTF8(text.value_or(""));
-}
 
 QVariantMap shortcutItem(const CDShortcut& shortcut) {
     return {{QStringLiteral("shortcut"), shown(shortcut.shortcut())},
@@ -78,13 +72,10 @@ const CDObject* counterpartOf(const ManagedObjectContext& context, const CDObjec
 
 } // namespace
 
-// Without a store there is no failed fetch that could be logged: the failure to open the store has
-// been presented, and is at every attempt.
-
-QVariantMap KZDataManager::shortcutsDictionary() {
+QVariantMap views::shortcutsDictionary(const ManagedObjectContext* records) {
     std::vector<CDShortcut*> shortcuts;
-    if (const ManagedObjectContext* context = managedObjectContext()) {
-        shortcuts = context->shortcuts();
+    if (records != nullptr) {
+        shortcuts = records->shortcuts();
     }
     std::stable_sort(shortcuts.begin(), shortcuts.end(),
                      [](const CDShortcut* left, const CDShortcut* right) {
@@ -98,19 +89,19 @@ QVariantMap KZDataManager::shortcutsDictionary() {
     return {{QStringLiteral("items"), items}};
 }
 
-std::optional<QVariantMap> KZDataManager::elementsDictionaryForObjectID(const QString& identifier) {
-    const ManagedObjectContext* context = managedObjectContext();
+std::optional<QVariantMap> views::elementsDictionaryForObjectID(const ManagedObjectContext* records,
+                                                                const QString& identifier) {
     const QByteArray wanted = identifier.toUtf8();
     const CDObject* object =
-        context != nullptr ? context->lastObjectWithIdentifier(wanted) : nullptr;
+        records != nullptr ? records->lastObjectWithIdentifier(wanted) : nullptr;
     if (object == nullptr) {
         return std::nullopt;
     }
     QVariantMap dictionary{{QStringLiteral("title"), shown(object->name())},
                            {QStringLiteral("identifier"), identifier},
-                           {QStringLiteral("items"), elementItems(*context, wanted)},
+                           {QStringLiteral("items"), elementItems(*records, wanted)},
                            {QStringLiteral("path"), shown(object->path())}};
-    if (const CDObject* counterpart = counterpartOf(*context, *object)) {
+    if (const CDObject* counterpart = counterpartOf(*records, *object)) {
         dictionary.insert(QStringLiteral("counterpart"), shown(counterpart->identifier()));
     }
     return dictionary;

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "support/text/UTF8.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <optional>
+
+namespace navrel {
+
+/// An attribute of a record as replies show it. Only a store made by hand holds records without the
+/// attributes that are shown; they show as empty.
+inline QString shown(const std::optional<QByteArray>& text) {
+    return shownUTF8(text.value_or(""));
+}
+
+/// Booleans are the integers 0 and 1.
+inline int shown(std::optional<bool> flag) {
+    return flag.value_or(false) ? 1 : 0;
+}
+
+} // namespace navrel
