@@ -1,7 +1,7 @@
-// The data manager's dealings with the editor: which file is active, and opening one at a line.
+#include "project/EditorControl.h"
 
 #include "project/Editor.h"
-#include "project/KZDataManager.h"
+#include "project/ProjectStore.h"
 #include "project/views/NavigatorViews.h"
 
 #include <algorithm>
@@ -65,19 +65,19 @@ std::optional<int> lineNumber(const QVariant& line) {
 
 } // namespace
 
-std::optional<QString> KZDataManager::objectIDForActiveFile() {
-    const auto fileName = collaborators_.editor.activeFileName();
-    const ManagedObjectContext* context = managedObjectContext();
+std::optional<QString> EditorControl::objectIDForActiveFile() {
+    const auto fileName = editor_.activeFileName();
+    const ManagedObjectContext* context = store_.context();
     // By name only, deliberately: that is all that an editor's window title tells.
     return fileName ? views::objectIDForFileName(context, *fileName) : std::nullopt;
 }
 
-void KZDataManager::openFile(const std::optional<QString>& path, const QVariant& line) {
+void EditorControl::openFile(const std::optional<QString>& path, const QVariant& line) {
     const auto number = lineNumber(line);
     if (path) {
-        collaborators_.editor.openFile(*path, number);
+        editor_.openFile(*path, number);
     } else if (number) {
-        collaborators_.editor.selectLine(*number);
+        editor_.selectLine(*number);
     }
 }
 

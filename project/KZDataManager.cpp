@@ -1,21 +1,17 @@
 #include "project/KZDataManager.h"
 
-#include "project/FileSurvey.h"
-#include "project/FolderListings.h"
-#include "project/ProjectFile.h"
-#include "project/StoreErrorWindow.h"
-#include "project/store/ManagedObjectContext.h"
-#include "project/store/PersistentStoreCoordinator.h"
+#include "project/EditorControl.h"
+#include "project/ProjectPass.h"
+#include "project/ProjectSelection.h"
+#include "project/ProjectStore.h"
 #include "project/views/FiletypeViews.h"
 #include "project/views/NavigatorViews.h"
 #include "project/views/ScanViews.h"
-#include "scanning/SourceFileScanner.h"
-#include "support/Log.h"
+#include "scanning/ScanningOperations.h"
 #include "support/UserDefaults.h"
 #include "support/text/UTF8.h"
 
 #include <chrono>
-#include <utility>
 
 namespace navrel {
 
@@ -27,45 +23,138 @@ const QString kSynchronizedFoldersKey = QStringLiteral("synchronizedFolders");
 
 } // namespace
 
-std::shared_ptr<KZDataManager> KZDataManager::init(Collaborators collaborators) {
-    const std::shared_ptr<KZDataManager> manager(new KZDataManager(std::move(collaborators)));
+std::shared_ptr<KZDataManager> KZDataManager::init(const Collaborators& collaborators) {
+    const std::shared_ptr<KZDataManager> manager(new KZDataManager(collaborators));
     manager->weakSelf_ = manager;
-    manager->restoreSelection();
-    manager->scheduleUpdates();
+    manager->selection_->restore();
+    manager->scheduleUpdates(collaborators.clock);
     return manager;
 }
 
-KZDataManager::KZDataManager(Collaborators collaborators)
-    : collaborators_(std::move(collaborators)), projectFile_(std::make_unique<ProjectFile>()),
-      scanner_(std::make_unique<SourceFileScanner>()), survey_(std::make_unique<FileSurvey>()),
-      listings_(std::make_unique<FolderListings>()),
-      showsSynchronizedFolders_(
-          collaborators_.userDefaults.boolForKey(kSynchronizedFoldersKey).value_or(true)),
-      storeErrorWindow_(
-          std::make_unique<StoreErrorWindow>(collaborators_.dialogs, collaborators_.clock)) {}
+KZDataManager::KZDataManager(const Collaborators& world)
+    : store_(std::make_unique<ProjectStore>(world.applicationSupportDirectory, world.dialogs,
+                                            world.clock)),
+      selection_(std::make_unique<ProjectSelection>(world.userDefaults, world.editor, world.dialogs,
+                                                    *store_)),
+      pass_(std::make_unique<ProjectPass>(
+          *store_, world.userDefaults.boolForKey(kSynchronizedFoldersKey).value_or(true))),
+      editor_(std::make_unique<EditorControl>(world.editor, *store_)) {}
 
 KZDataManager::~KZDataManager() = default;
 
-void KZDataManager::scheduleUpdates() {
-    updates_ = collaborators_.clock.every(kUpdateInterval, [this] {
-        if (modalDialogs_ == 0) {
+/// The event loop of a modal dialog runs the timer too: no update happens behind an open dialog.
+void KZDataManager::scheduleUpdates(Clock& clock) {
+    updates_ = clock.every(kUpdateInterval, [this] {
+        if (!selection_->isPanelShown() && !store_->isDialogShown()) {
             update();
         }
     });
 }
 
+const std::optional<QString>& KZDataManager::projectPath() const {
+    return selection_->projectPath();
+}
+
+const std::optional<QString>& KZDataManager::pbxProjPath() const {
+    return selection_->pbxProjPath();
+}
+
 const PropertyListIndex* KZDataManager::pbxObjects() const {
-    return projectFile_->objects();
+    return pass_->projectFile().objects();
 }
 
 std::optional<QString> KZDataManager::rootID() const {
-    const std::optional<QByteArray>& identifier = projectFile_->rootID();
+    const std::optional<QByteArray>& identifier = pass_->projectFile().rootID();
     return identifier ? std::optional(shownUTF8(*identifier)) : std::nullopt;
+}
+
+bool KZDataManager::automaticProjectSelection() const {
+    return selection_->automaticProjectSelection();
+}
+
+void KZDataManager::setAutomaticProjectSelection(bool follow) {
+    selection_->setAutomaticProjectSelection(follow);
+}
+
+void KZDataManager::setAutomaticProjectSelectionItem(MenuItem* item) {
+    selection_->setAutomaticProjectSelectionItem(item);
+}
+
+void KZDataManager::setCurrentProjectItem(MenuItem* item) {
+    selection_->setCurrentProjectItem(item);
+}
+
+QString KZDataManager::applicationDocumentsDirectory() const {
+    return store_->folder();
+}
+
+QString KZDataManager::applicationDocumentsDirectoryIn(const QString& applicationSupportDirectory) {
+    return ProjectStore::folderIn(applicationSupportDirectory);
+}
+
+const ManagedObjectModel& KZDataManager::managedObjectModel() const {
+    return store_->model();
+}
+
+PersistentStoreCoordinator* KZDataManager::persistentStoreCoordinator() {
+    return store_->coordinator();
+}
+
+ManagedObjectContext* KZDataManager::managedObjectContext() {
+    return store_->context();
+}
+
+bool KZDataManager::applicationShouldTerminate() {
+    return store_->saveToTerminate();
+}
+
+void KZDataManager::open() {
+    selection_->open();
+}
+
+std::optional<QString> KZDataManager::activeProject() {
+    return selection_->activeProject();
+}
+
+void KZDataManager::changeProjectToPath(const std::optional<QString>& path) {
+    selection_->changeProjectToPath(path);
+}
+
+void KZDataManager::update() {
+    selection_->follow();
+    updateInBackground();
+}
+
+void KZDataManager::updateInBackground() {
+    if (pbxProjPath()) {
+        selection_->beginPass();
+        // A copy: during a dialog of the pass, a request may select another project.
+        const QString bundle = *pbxProjPath();
+        pass_->run(bundle);
+    }
+}
+
+void KZDataManager::generateObjectForID(const QByteArray& identifier,
+                                        const std::optional<QByteArray>& referencePath,
+                                        const std::optional<QByteArray>& parentID, qint32 index) {
+    pass_->generateObjectForID(identifier, referencePath, parentID, index);
+}
+
+void KZDataManager::setSuperclassForManagedObject(CDObject& object) {
+    navrel::setSuperclassForManagedObject(object, pass_->scan(object));
+}
+
+void KZDataManager::generateShortcutsForManagedObject(const CDObject& object) {
+    navrel::generateShortcutsForManagedObject(object, pass_->scan(object), *managedObjectContext());
+}
+
+void KZDataManager::generateElementsForManagedObject(const CDObject& object) {
+    navrel::generateElementsForManagedObject(object, pass_->scan(object), *managedObjectContext());
 }
 
 std::optional<QVariantMap>
 KZDataManager::navigatorDictionaryForID(const std::optional<QString>& identifier) {
-    const std::optional<QByteArray>& root = projectFile_->rootID();
+    const std::optional<QByteArray>& root = pass_->projectFile().rootID();
     return root ? views::navigatorDictionaryForID(managedObjectContext(), *root, identifier)
                 : std::nullopt;
 }
@@ -98,11 +187,12 @@ std::optional<QVariantMap> KZDataManager::elementsDictionaryForObjectID(const QS
     return views::elementsDictionaryForObjectID(managedObjectContext(), identifier);
 }
 
-void KZDataManager::saveChanges(ManagedObjectContext& context) {
-    context.commitEditing();
-    if (const std::optional<Error> error = context.save()) {
-        log(error->description());
-    }
+std::optional<QString> KZDataManager::objectIDForActiveFile() {
+    return editor_->objectIDForActiveFile();
+}
+
+void KZDataManager::openFile(const std::optional<QString>& path, const QVariant& line) {
+    editor_->openFile(path, line);
 }
 
 } // namespace navrel

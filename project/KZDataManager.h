@@ -1,7 +1,5 @@
 #pragma once
 
-#include "project/store/ManagedObjectModel.h"
-#include "support/Error.h"
 #include "support/core/Clock.h"
 
 #include <QByteArray>
@@ -14,21 +12,23 @@
 
 namespace navrel {
 
+class CDObject;
 class Editor;
-class FileSurvey;
-class FolderListings;
+class EditorControl;
 class ManagedObjectContext;
+class ManagedObjectModel;
 class MenuItem;
 class PersistentStoreCoordinator;
 class ProjectDialogs;
-class ProjectFile;
+class ProjectPass;
+class ProjectSelection;
+class ProjectStore;
 class PropertyListIndex;
-class SourceFileScanner;
-class StoreErrorWindow;
 class UserDefaults;
 
 /// The project data manager: selects the project, mirrors it into the store once a second, owns the
-/// store, and answers the device's view requests. There is one in the program. Main thread only.
+/// store, and answers the device's view requests. Each operation is one of a class of project/, of
+/// its views, or of the scanning operations. There is one manager in the program. Main thread only.
 class KZDataManager {
 public:
     /// The world as the manager sees it. Nothing is owned, and everything outlives the manager.
@@ -42,9 +42,9 @@ public:
         Clock& clock = systemClock();
     };
 
-    /// Makes the manager, selects the last known project or lets the person pick one (modal), and
+    /// Makes the manager, selects the last known project or lets the user pick one (modal), and
     /// schedules `update` every 1.0 s, the first time one second from now.
-    static std::shared_ptr<KZDataManager> init(Collaborators collaborators);
+    static std::shared_ptr<KZDataManager> init(const Collaborators& collaborators);
 
     ~KZDataManager();
     KZDataManager(const KZDataManager&) = delete;
@@ -53,24 +53,24 @@ public:
     // Properties.
 
     /// Folder that holds the .xcodeproj bundle; nil until the first pass over a project.
-    const std::optional<QString>& projectPath() const { return projectPath_; }
+    const std::optional<QString>& projectPath() const;
     /// Path of the selected .xcodeproj bundle; nil when no project is selected. The empty string is
     /// a selected project too: the one that automatic selection finds when nothing is active.
-    const std::optional<QString>& pbxProjPath() const { return pbxProjPath_; }
+    const std::optional<QString>& pbxProjPath() const;
     /// The "objects" of the last project file read; null when it could not be read. Valid until the
     /// next pass.
     const PropertyListIndex* pbxObjects() const;
     /// Identifier of the project's main group; nil when nothing is loaded.
     std::optional<QString> rootID() const;
     /// Whether the project that is active in the editor is followed.
-    bool automaticProjectSelection() const { return automaticProjectSelection_; }
+    bool automaticProjectSelection() const;
     /// Plain setter: the user defaults stay as they are.
     void setAutomaticProjectSelection(bool follow);
     /// The menu entry that shows whether automatic selection is on, from now on. Not owned; null,
     /// as at first, is allowed.
     void setAutomaticProjectSelectionItem(MenuItem* item);
     /// The menu entry that shows the current project. Not owned; null, as at first, is allowed.
-    void setCurrentProjectItem(MenuItem* item) { currentProjectItem_ = item; }
+    void setCurrentProjectItem(MenuItem* item);
     /// The manager itself, held strongly despite the name, so that it is never released:
     /// deliberate, it lives as long as the process. Tests set it to null to let a manager go.
     const std::shared_ptr<KZDataManager>& weakSelf() const { return weakSelf_; }
@@ -81,10 +81,8 @@ public:
     /// The folder of the store: "nl.kelvane.Navrel" in the application-support folder.
     QString applicationDocumentsDirectory() const;
     /// The same before there is a manager.
-    static QString applicationDocumentsDirectoryIn(const QString& applicationSupportDirectory) {
-        return applicationSupportDirectory + QStringLiteral("/nl.kelvane.Navrel");
-    }
-    const ManagedObjectModel& managedObjectModel() const { return managedObjectModel_; }
+    static QString applicationDocumentsDirectoryIn(const QString& applicationSupportDirectory);
+    const ManagedObjectModel& managedObjectModel() const;
     /// Opens the store on first use. Null when that failed: the error has been presented (modal, as
     /// `StoreErrorWindow` does), and the next call tries, and presents, again.
     PersistentStoreCoordinator* persistentStoreCoordinator();
@@ -95,7 +93,7 @@ public:
 
     // Selection.
 
-    /// Turns automatic selection off and lets the person pick a project (modal). There is one panel
+    /// Turns automatic selection off and lets the user pick a project (modal). There is one panel
     /// at a time: while it is shown, a further call turns automatic selection off, and that is all.
     void open();
     /// Path of the project that is active in the editor: the empty string when none is, nil when
@@ -119,6 +117,16 @@ public:
                              const std::optional<QByteArray>& referencePath,
                              const std::optional<QByteArray>& parentID, qint32 index);
 
+    // Scanning: what the record's file holds goes into the store, from one reading each. The caller
+    // must have deleted what was found before.
+
+    /// Sets the record's `subclassOf` to the superclass that its header declares, if any.
+    void setSuperclassForManagedObject(CDObject& object);
+    /// Inserts a CDShortcut for each shortcut comment.
+    void generateShortcutsForManagedObject(const CDObject& object);
+    /// Inserts a CDElement for each code element.
+    void generateElementsForManagedObject(const CDObject& object);
+
     // Views: property-list values for the device, booleans as the integers 0 and 1.
 
     /// "identifier", "label", "items" and "path" of one group, or of the main group where nil is
@@ -140,7 +148,7 @@ public:
     // Views of what scanning found.
 
     /// "items": "shortcut", "line" and "path" of every shortcut of the project, ordered by shortcut
-    /// as the person's language does, without letter case.
+    /// as the user's language does, without letter case.
     QVariantMap shortcutsDictionary();
     /// "title", "identifier", "items" and "path" of one file, and "counterpart" where it has one:
     /// the identifier of the header of an implementation file, or the reverse. The items hold
@@ -157,52 +165,15 @@ public:
     void openFile(const std::optional<QString>& path, const QVariant& line);
 
 private:
-    /// What a pass that changed no record was based on, beside its survey of the files.
-    struct QuietPass {
-        quint64 projectFileGeneration;
-        quint64 objectsGeneration;
-    };
+    explicit KZDataManager(const Collaborators& collaborators);
+    void scheduleUpdates(Clock& clock);
 
-    explicit KZDataManager(Collaborators collaborators);
-    void restoreSelection();
-    void scheduleUpdates();
-
-    bool openStore(QString& failureReason, std::optional<Error>& cause);
-    void presentStoreError(const QString& failureReason, std::optional<Error> cause);
-    QString storePath() const;
-    std::optional<QString> obstacle() const;
-    bool shouldTerminateDespite(const Error& saveError);
-    void saveChanges(ManagedObjectContext& context);
-
-    void logProblem();
-    void runPass(ManagedObjectContext& context);
-    void deleteVanishedObjects(ManagedObjectContext& context);
-    bool wouldChangeNothing(const ManagedObjectContext& context);
-    FolderListings* listings();
-
-    Collaborators collaborators_;
     std::shared_ptr<KZDataManager> weakSelf_;
-    std::optional<QString> pbxProjPath_;
-    std::optional<QString> projectPath_;
-    bool automaticProjectSelection_ = true;
-    MenuItem* currentProjectItem_ = nullptr;
-    MenuItem* automaticProjectSelectionItem_ = nullptr;
-    std::unique_ptr<ProjectFile> projectFile_;
-    std::unique_ptr<SourceFileScanner> scanner_;
-    std::optional<QString> loggedProblem_;
-    std::unique_ptr<FileSurvey> survey_;
-    std::unique_ptr<FolderListings> listings_;
-    bool showsSynchronizedFolders_;
-    std::optional<QuietPass> quietPass_;
-    ManagedObjectModel managedObjectModel_;
-    std::unique_ptr<PersistentStoreCoordinator> persistentStoreCoordinator_;
-    std::unique_ptr<ManagedObjectContext> managedObjectContext_;
-    std::unique_ptr<StoreErrorWindow> storeErrorWindow_;
+    std::unique_ptr<ProjectStore> store_;
+    std::unique_ptr<ProjectSelection> selection_;
+    std::unique_ptr<ProjectPass> pass_;
+    std::unique_ptr<EditorControl> editor_;
     std::unique_ptr<ScheduledCall> updates_;
-    // How many modal dialogs are open. Their event loops run the timer too; no update happens
-    // behind an open dialog.
-    int modalDialogs_ = 0;
-    bool isOpenPanelShown_ = false;
 };
 
 } // namespace navrel

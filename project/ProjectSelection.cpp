@@ -1,12 +1,13 @@
-// The data manager's choice of project: the last one, the person's, or the one active in the
-// editor.
+#include "project/ProjectSelection.h"
 
 #include "project/Editor.h"
-#include "project/KZDataManager.h"
 #include "project/MenuItem.h"
 #include "project/ProjectDialogs.h"
+#include "project/ProjectStore.h"
 #include "project/store/ManagedObjectContext.h"
 #include "support/UserDefaults.h"
+#include "support/text/FilePath.h"
+#include "support/text/UTF8.h"
 
 #include <QScopedValueRollback>
 
@@ -19,65 +20,82 @@ const QString kLastKnownProjectKey = QStringLiteral("lastKnownProject");
 
 } // namespace
 
-void KZDataManager::restoreSelection() {
-    const UserDefaults& defaults = collaborators_.userDefaults;
-    setAutomaticProjectSelection(defaults.boolForKey(kAutomaticProjectSelectionKey).value_or(true));
-    if (const auto lastKnownProject = defaults.stringForKey(kLastKnownProjectKey)) {
+ProjectSelection::ProjectSelection(UserDefaults& userDefaults, Editor& editor,
+                                   ProjectDialogs& dialogs, ProjectStore& store)
+    : userDefaults_(userDefaults), editor_(editor), dialogs_(dialogs), store_(store) {}
+
+void ProjectSelection::restore() {
+    setAutomaticProjectSelection(
+        userDefaults_.boolForKey(kAutomaticProjectSelectionKey).value_or(true));
+    if (const auto lastKnownProject = userDefaults_.stringForKey(kLastKnownProjectKey)) {
         changeProjectToPath(lastKnownProject);
     } else {
         open();
     }
 }
 
-void KZDataManager::setAutomaticProjectSelection(bool follow) {
+void ProjectSelection::setAutomaticProjectSelection(bool follow) {
     automaticProjectSelection_ = follow;
     if (automaticProjectSelectionItem_ != nullptr) {
         automaticProjectSelectionItem_->setChecked(follow);
     }
 }
 
-void KZDataManager::setAutomaticProjectSelectionItem(MenuItem* item) {
+void ProjectSelection::setAutomaticProjectSelectionItem(MenuItem* item) {
     automaticProjectSelectionItem_ = item;
     setAutomaticProjectSelection(automaticProjectSelection_);
 }
 
-void KZDataManager::open() {
-    // Deliberate: off even when the person cancels, and nothing turns it on again.
+void ProjectSelection::open() {
+    // Deliberate: off even when the user cancels, and nothing turns it on again.
     setAutomaticProjectSelection(false);
-    if (isOpenPanelShown_) {
-        return; // the person is being asked
+    if (isPanelShown_) {
+        return; // the user is being asked
     }
     std::optional<QString> path;
     {
-        const QScopedValueRollback shown(isOpenPanelShown_, true);
-        const QScopedValueRollback modal(modalDialogs_, modalDialogs_ + 1);
-        path = collaborators_.dialogs.runOpenPanel(
-            QStringLiteral("Select *.xcodeproj file to use with Navrel"),
-            {QStringLiteral("xcodeproj")});
+        const QScopedValueRollback shown(isPanelShown_, true);
+        path = dialogs_.runOpenPanel(QStringLiteral("Select *.xcodeproj file to use with Navrel"),
+                                     {QStringLiteral("xcodeproj")});
     }
     if (path) {
         setAutomaticProjectSelection(false);
-        collaborators_.userDefaults.setBool(kAutomaticProjectSelectionKey, false);
+        userDefaults_.setBool(kAutomaticProjectSelectionKey, false);
         changeProjectToPath(path);
     }
 }
 
-std::optional<QString> KZDataManager::activeProject() {
-    return collaborators_.editor.activeProjectPath();
+std::optional<QString> ProjectSelection::activeProject() {
+    return editor_.activeProjectPath();
 }
 
-void KZDataManager::changeProjectToPath(const std::optional<QString>& path) {
+void ProjectSelection::changeProjectToPath(const std::optional<QString>& path) {
     if (path && path == pbxProjPath_) {
         return;
     }
-    if (ManagedObjectContext* context = managedObjectContext()) {
+    if (ManagedObjectContext* context = store_.context()) {
         context->deleteAllObjects();
         context->deleteAllShortcuts();
         context->deleteAllElements();
-        saveChanges(*context);
+        store_.save();
     }
     pbxProjPath_ = path;
-    collaborators_.userDefaults.setString(kLastKnownProjectKey, path);
+    userDefaults_.setString(kLastKnownProjectKey, path);
+}
+
+void ProjectSelection::follow() {
+    if (automaticProjectSelection_) {
+        changeProjectToPath(activeProject());
+    }
+}
+
+void ProjectSelection::beginPass() {
+    const QByteArray bundle = pbxProjPath_->toUtf8();
+    projectPath_ = shownUTF8(deletingLastPathComponent(bundle));
+    if (currentProjectItem_ != nullptr) {
+        currentProjectItem_->setTitle(
+            QStringLiteral("Current project: %1").arg(shownUTF8(lastPathComponent(bundle))));
+    }
 }
 
 } // namespace navrel

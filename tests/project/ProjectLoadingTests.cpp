@@ -295,6 +295,21 @@ TEST_F(ProjectLoading, aHeaderThatNamesNoSuperclassAnyMoreKeepsTheFormerOne) {
     EXPECT_EQ(object("A")->subclassOf(), "NSObject");
 }
 
+TEST_F(ProjectLoading, aRecordIsScannedForOneThingAtATimeToo) {
+    writeFile("a.h", "@interface a : NSObject\n- (void)run;\n// navrel: Run\n");
+    CDObject& record = context().insertObject();
+    record.setIdentifier("A");
+    record.setPath(pathOf("a.h").toUtf8());
+    manager().setSuperclassForManagedObject(record);
+    EXPECT_EQ(record.subclassOf(), "NSObject");
+    EXPECT_THAT(context().shortcuts(), IsEmpty());
+    manager().generateShortcutsForManagedObject(record);
+    EXPECT_EQ(context().shortcutsWithIdentifier("A").size(), 1U);
+    EXPECT_THAT(context().elements(), IsEmpty());
+    manager().generateElementsForManagedObject(record);
+    EXPECT_EQ(context().elementsWithIdentifier("A").size(), 2U);
+}
+
 TEST_F(ProjectLoading, onlyHeadersAreScannedForASuperclass) {
     writeFile("a.m", "@interface a : NSObject\n");
     load(ProjectText().group("MAIN", {"A"}).file("A", "a.m"));
