@@ -18,15 +18,63 @@ expect_fault() {
     }
 }
 
-mkdir -p "$tree/support" "$tree/project" "$tree/tests/support/text"
-echo '#include "support/Error.h"' >"$tree/project/Good.cpp"
+mkdir -p "$tree"/{support,project/store,scanning,desktop,tests/support/text}
+cat >"$tree/project/Good.cpp" <<'END'
+#include "project/store/Table.h"
+#include "scanning/Scanner.h"
+#include "support/Error.h"
+namespace navrel {
+namespace {
+struct Hidden {};
+} // namespace
+Scanner::Result scan() { return Scanner::Result(1'000); }
+} // namespace navrel
+END
+cat >"$tree/scanning/Scanner.h" <<'END'
+#include "project/store/Table.h"
+namespace navrel {
+class Table;
+class Scanner final : public Base {
+    struct Hidden {};
+    void scan();
+};
+} // namespace navrel
+END
+echo 'navrel_add_library(navrel_project_store SOURCES Table.cpp LINK navrel_support)' >"$tree/project/store/CMakeLists.txt"
+printf 'navrel_add_library(navrel_project\n    SOURCES\n        Good.cpp\n    LINK navrel_project_store Qt6::Core)\n' \
+    >"$tree/project/CMakeLists.txt"
+echo 'navrel_add_library(navrel_scanning SOURCES Scanner.cpp LINK navrel_project_store)' >"$tree/scanning/CMakeLists.txt"
 printf 'add_tests(\n    SOURCES\n        text/GoodTests.cpp)\n' >"$tree/tests/support/CMakeLists.txt"
-touch "$tree/tests/support/text/GoodTests.cpp"
+echo 'struct Scanner {}; // of no namespace' >"$tree/tests/support/text/GoodTests.cpp"
 "$scripts/check-layers" "$tree"
 "$scripts/check-tests-registered" "$tree"
 
-echo '#include "project/Good.h"' >"$tree/support/Bad.h"
+# plant_file FILE LINE...
+plant_file() {
+    printf '%s\n' "${@:2}" >"$tree/$1"
+}
+plant_file support/Bad.h '#include "project/Good.h"'
 expect_fault check-layers "support/Bad.h:1: support must not include project/Good.h"
+rm "$tree/support/Bad.h"
+plant_file scanning/Bad.cpp '' '#include "project/Editor.h"'
+expect_fault check-layers "scanning/Bad.cpp:2: scanning must not include project/Editor.h"
+plant_file scanning/Bad.cpp 'namespace navrel {' 'void Table::scan() {}' 'void Scanner::scan() {}' '}'
+plant_file project/store/Table.h 'namespace navrel {' 'template <typename Record>' 'class Table {};' '}'
+expect_fault check-layers "scanning/Bad.cpp:2: a body of Table of project/store"
+rm "$tree/scanning/Bad.cpp"
+cp "$tree/project/store/CMakeLists.txt" "$tree/kept"
+plant_file project/store/CMakeLists.txt 'navrel_add_library(navrel_project_store' '    SOURCES Table.cpp' '    LINK' \
+    '        navrel_support # the errors' '        navrel_scanning)'
+expect_fault check-layers "project/store/CMakeLists.txt:5: project/store must not link navrel_scanning of scanning"
+plant_file project/store/CMakeLists.txt 'navrel_add_library(navrel_project_store SOURCES Table.cpp)' \
+    'target_link_libraries(navrel_project_store PRIVATE navrel_project)'
+expect_fault check-layers "project/store/CMakeLists.txt:2: project/store must not link navrel_project of project"
+mv "$tree/kept" "$tree/project/store/CMakeLists.txt"
+plant_file desktop/Tray.cpp 'namespace navrel {' 'int scans() { return 1; }' 'struct Scanner : Base<int> {' '};' '}'
+expect_fault check-layers "navrel::Scanner is defined in "
+rm "$tree/desktop/Tray.cpp"
+plant_file tests/support/text/GoodTests.cpp 'namespace navrel {' 'enum class Scanner : int {' '};' '}'
+expect_fault check-layers "tests/support/text/GoodTests.cpp:2: navrel::Scanner is defined in scanning/Scanner.h too"
 
 touch "$tree/tests/support/text/ForgottenTests.cpp"
 expect_fault check-tests-registered "tests/support/text/ForgottenTests.cpp: in no CMakeLists.txt"
