@@ -3,6 +3,7 @@
 #include "project/Editor.h"
 #include "project/ProjectStore.h"
 #include "project/views/NavigatorViews.h"
+#include "support/core/MainThread.h"
 
 #include <algorithm>
 #include <cmath>
@@ -66,6 +67,7 @@ std::optional<int> lineNumber(const QVariant& line) {
 } // namespace
 
 std::optional<QString> EditorControl::objectIDForActiveFile() {
+    NAVREL_ASSERT_MAIN_THREAD();
     const auto fileName = editor_.activeFileName();
     const ManagedObjectContext* context = store_.context();
     // By name only, deliberately: that is all that an editor's window title tells.
@@ -73,6 +75,7 @@ std::optional<QString> EditorControl::objectIDForActiveFile() {
 }
 
 void EditorControl::openFile(const std::optional<QString>& path, const QVariant& line) {
+    NAVREL_ASSERT_MAIN_THREAD();
     const auto number = lineNumber(line);
     if (path) {
         editor_.openFile(*path, number);

@@ -12,7 +12,7 @@ namespace navrel {
 
 /// What the file system said about the files of a project during one pass. Each path is asked about
 /// once: one answer serves the date and the existence check. Later all questions can be put again
-/// to see whether the answers still hold. Main thread only.
+/// to see whether the answers still hold. One thread at a time.
 class FileSurvey {
 public:
     /// As `modificationDateOfFile`, or the answer that was given before. What can name no file is

@@ -34,7 +34,7 @@ struct FolderNumber {
 std::optional<FolderNumber> folderNumberAt(const QByteArray& path);
 
 /// The entries of folders, read again only where a folder has changed: the folders of a large
-/// project are asked for once a second. Main thread only.
+/// project are asked for once a second. One thread at a time.
 class FolderListings {
 public:
     /// No more entries of a folder are read: so many files no project has.

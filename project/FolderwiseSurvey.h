@@ -12,7 +12,7 @@ namespace navrel {
 /// The answers of a survey of files, arranged so that all questions can be put again at the lowest
 /// cost: a folder is opened once, from the folder above it where that is open, and its files are
 /// asked about by their names. The answers are those of `stat` by absolute path, since the same
-/// components are resolved, once instead of once a file. Main thread only.
+/// components are resolved, once instead of once a file. One thread at a time.
 class FolderwiseSurvey {
 public:
     using Date = std::optional<qint64>;

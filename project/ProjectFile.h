@@ -16,7 +16,7 @@ namespace navrel {
 inline constexpr qsizetype kMaximumProjectFileSize = qsizetype{64} * 1024 * 1024;
 
 /// A project.pbxproj as last read: its objects and the identifier of its main group. It is
-/// untrusted: a value of another kind than expected counts as absent. Main thread only.
+/// untrusted: a value of another kind than expected counts as absent. One thread at a time.
 class ProjectFile {
 public:
     /// Reads the file in place of the one before. What was read stands where the file is provably

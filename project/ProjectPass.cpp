@@ -4,12 +4,14 @@
 #include "project/ProjectWalk.h"
 #include "project/store/ManagedObjectContext.h"
 #include "support/Log.h"
+#include "support/core/MainThread.h"
 #include "support/text/FilePath.h"
 #include "support/text/UTF8.h"
 
 namespace navrel {
 
 void ProjectPass::run(const QString& bundlePath) {
+    NAVREL_ASSERT_MAIN_THREAD();
     projectFile_.read(bundlePath.toUtf8() + "/project.pbxproj");
     logProblem(bundlePath);
     if (ManagedObjectContext* context = store_.context()) {
@@ -37,6 +39,7 @@ void ProjectPass::logProblem(const QString& bundlePath) {
 void ProjectPass::generateObjectForID(const QByteArray& identifier,
                                       const std::optional<QByteArray>& referencePath,
                                       const std::optional<QByteArray>& parentID, qint32 index) {
+    NAVREL_ASSERT_MAIN_THREAD();
     if (ManagedObjectContext* context = store_.context()) {
         survey_.clear();
         quietPass_.reset();
@@ -45,6 +48,7 @@ void ProjectPass::generateObjectForID(const QByteArray& identifier,
 }
 
 const SourceFindings& ProjectPass::scan(const CDObject& object) {
+    NAVREL_ASSERT_MAIN_THREAD();
     return scanner_.scan(object.path());
 }
 

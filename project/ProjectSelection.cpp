@@ -6,6 +6,7 @@
 #include "project/ProjectStore.h"
 #include "project/store/ManagedObjectContext.h"
 #include "support/UserDefaults.h"
+#include "support/core/MainThread.h"
 #include "support/text/FilePath.h"
 #include "support/text/UTF8.h"
 
@@ -35,6 +36,7 @@ void ProjectSelection::restore() {
 }
 
 void ProjectSelection::setAutomaticProjectSelection(bool follow) {
+    NAVREL_ASSERT_MAIN_THREAD();
     automaticProjectSelection_ = follow;
     if (automaticProjectSelectionItem_ != nullptr) {
         automaticProjectSelectionItem_->setChecked(follow);
@@ -47,6 +49,7 @@ void ProjectSelection::setAutomaticProjectSelectionItem(MenuItem* item) {
 }
 
 void ProjectSelection::open() {
+    NAVREL_ASSERT_MAIN_THREAD();
     // Deliberate: off even when the user cancels, and nothing turns it on again.
     setAutomaticProjectSelection(false);
     if (isPanelShown_) {
@@ -70,6 +73,7 @@ std::optional<QString> ProjectSelection::activeProject() {
 }
 
 void ProjectSelection::changeProjectToPath(const std::optional<QString>& path) {
+    NAVREL_ASSERT_MAIN_THREAD();
     if (path && path == pbxProjPath_) {
         return;
     }
@@ -90,6 +94,7 @@ void ProjectSelection::follow() {
 }
 
 void ProjectSelection::beginPass() {
+    NAVREL_ASSERT_MAIN_THREAD();
     const QByteArray bundle = pbxProjPath_->toUtf8();
     projectPath_ = shownUTF8(deletingLastPathComponent(bundle));
     if (currentProjectItem_ != nullptr) {

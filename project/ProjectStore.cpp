@@ -5,6 +5,7 @@
 #include "project/store/PersistentStoreCoordinator.h"
 #include "project/store/StoreFolder.h"
 #include "support/Log.h"
+#include "support/core/MainThread.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -43,6 +44,7 @@ QString ProjectStore::path() const {
 }
 
 PersistentStoreCoordinator* ProjectStore::coordinator() {
+    NAVREL_ASSERT_MAIN_THREAD();
     if (coordinator_ == nullptr) {
         QString failureReason =
             QStringLiteral("There was an error creating or loading the application's saved data.");
@@ -109,6 +111,7 @@ std::optional<QString> ProjectStore::obstacle() const {
 }
 
 ManagedObjectContext* ProjectStore::context() {
+    NAVREL_ASSERT_MAIN_THREAD();
     if (context_ == nullptr) {
         if (PersistentStoreCoordinator* opened = coordinator()) {
             context_ = std::make_unique<ManagedObjectContext>(*opened);
@@ -118,6 +121,7 @@ ManagedObjectContext* ProjectStore::context() {
 }
 
 void ProjectStore::save() {
+    NAVREL_ASSERT_MAIN_THREAD();
     context_->commitEditing();
     if (const std::optional<Error> error = context_->save()) {
         log(error->description());
@@ -125,6 +129,7 @@ void ProjectStore::save() {
 }
 
 bool ProjectStore::saveToTerminate() {
+    NAVREL_ASSERT_MAIN_THREAD();
     if (context_ == nullptr) {
         return true;
     }

@@ -3,6 +3,7 @@
 #include "project/ProjectDialogs.h"
 #include "support/Error.h"
 #include "support/Log.h"
+#include "support/core/MainThread.h"
 
 #include <QScopedValueRollback>
 
@@ -12,6 +13,7 @@ StoreErrorWindow::StoreErrorWindow(ProjectDialogs& dialogs, const Clock& clock)
     : dialogs_(dialogs), clock_(clock) {}
 
 void StoreErrorWindow::present(const Error& error) {
+    NAVREL_ASSERT_MAIN_THREAD();
     const QString cause = error.description();
     if (isQuietAbout(cause)) {
         ++counted_;

@@ -11,7 +11,7 @@
 namespace navrel {
 
 /// A folder on disk that a group of the project mirrors (PBXFileSystemSynchronizedRootGroup),
-/// during one walk: what lies below it is not in the project file. Main thread only.
+/// during one walk: what lies below it is not in the project file. One thread at a time.
 class SynchronizedFolder {
 public:
     /// The identifier and the path of the group.

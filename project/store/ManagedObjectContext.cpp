@@ -1,6 +1,7 @@
 #include "project/store/ManagedObjectContext.h"
 
 #include "project/store/PersistentStoreCoordinator.h"
+#include "support/core/MainThread.h"
 
 #include <utility>
 
@@ -53,6 +54,7 @@ void ManagedObjectContext::addPendingEdit(std::function<bool()> commit) {
 }
 
 bool ManagedObjectContext::commitEditing() {
+    NAVREL_ASSERT_MAIN_THREAD();
     while (!pendingEdits_.empty()) {
         if (!pendingEdits_.front()()) {
             return false;
@@ -67,6 +69,7 @@ bool ManagedObjectContext::hasChanges() const {
 }
 
 std::optional<Error> ManagedObjectContext::save() {
+    NAVREL_ASSERT_MAIN_THREAD();
     if (!hasChanges()) {
         return std::nullopt;
     }

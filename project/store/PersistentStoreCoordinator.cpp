@@ -4,6 +4,7 @@
 #include "project/store/StoreFolder.h"
 #include "project/store/StoreTables.h"
 #include "support/Log.h"
+#include "support/core/MainThread.h"
 #include "support/text/FilePath.h"
 #include "support/text/UTF8.h"
 
@@ -21,6 +22,7 @@ PersistentStoreCoordinator::PersistentStoreCoordinator(const ManagedObjectModel&
 PersistentStoreCoordinator::~PersistentStoreCoordinator() = default;
 
 std::optional<Error> PersistentStoreCoordinator::addPersistentStoreAtPath(const QString& path) {
+    NAVREL_ASSERT_MAIN_THREAD();
     path_ = QFile::encodeName(path);
     auto file = std::make_unique<StoreFile>();
     auto records = std::make_unique<StoreTables>();
@@ -40,6 +42,7 @@ std::unique_ptr<StoreTables> PersistentStoreCoordinator::takeRecords() {
 }
 
 std::optional<Error> PersistentStoreCoordinator::save(StoreTables& tables) {
+    NAVREL_ASSERT_MAIN_THREAD();
     std::optional<Error> error = file_->save(tables);
     if (error == Error(kSQLiteErrorDomain, SQLITE_READONLY_DBMOVED)) {
         error = makeStoreAgain(tables);

@@ -24,7 +24,7 @@ struct RecordLinks {
 
 /// The records of one entity in memory: a list in the order of insertion, an index for each key
 /// attribute, and what the next save has to write. A record's address is stable until it is
-/// removed. Main thread only.
+/// removed. One thread at a time.
 ///
 /// A row number is given at insertion and only ever grows, so that one number tells the records
 /// that the store file holds from those that it has not seen yet.

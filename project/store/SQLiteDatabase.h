@@ -61,7 +61,7 @@ private:
     std::optional<Error> error_;
 };
 
-/// A connection to a database file. Main thread only.
+/// A connection to a database file. One thread at a time.
 class SQLiteDatabase {
 public:
     /// Opens a file for reading and writing, and makes it where there is none. SQLite looks at its

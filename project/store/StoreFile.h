@@ -34,7 +34,7 @@ enum class StoreFileError {
 };
 
 /// The store as a file: one SQLite 3 database with a table an entity, whose columns are the
-/// attributes by name. Nothing of it is trusted. Main thread only.
+/// attributes by name. Nothing of it is trusted. One thread at a time.
 class StoreFile {
 public:
     /// `maximumSize` is that of the file in bytes: a larger one is not opened, and none is made.

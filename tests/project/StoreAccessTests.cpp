@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <chrono>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 namespace navrel {
@@ -41,6 +42,12 @@ protected:
         }
     }
 };
+
+TEST_F(StoreAccess, theStoreIsForTheMainThreadAlone) {
+    manager();
+    EXPECT_DEATH(std::thread([this] { manager().managedObjectContext(); }).join(),
+                 "on the main thread");
+}
 
 TEST_F(StoreAccess, theStoresFolderIsNamedAfterTheApplication) {
     EXPECT_EQ(manager().applicationDocumentsDirectory(), storeFolder());
