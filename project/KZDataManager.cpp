@@ -4,6 +4,7 @@
 #include "project/ProjectPass.h"
 #include "project/ProjectSelection.h"
 #include "project/ProjectStore.h"
+#include "project/store/ManagedObjectModel.h"
 #include "project/views/FiletypeViews.h"
 #include "project/views/NavigatorViews.h"
 #include "project/views/ScanViews.h"
@@ -93,7 +94,7 @@ QString KZDataManager::applicationDocumentsDirectoryIn(const QString& applicatio
 }
 
 const ManagedObjectModel& KZDataManager::managedObjectModel() const {
-    return store_->model();
+    return navrel::managedObjectModel();
 }
 
 PersistentStoreCoordinator* KZDataManager::persistentStoreCoordinator() {

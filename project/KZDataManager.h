@@ -16,7 +16,6 @@ class CDObject;
 class Editor;
 class EditorControl;
 class ManagedObjectContext;
-class ManagedObjectModel;
 class MenuItem;
 class PersistentStoreCoordinator;
 class ProjectDialogs;
@@ -25,6 +24,7 @@ class ProjectSelection;
 class ProjectStore;
 class PropertyListIndex;
 class UserDefaults;
+struct ManagedObjectModel;
 
 /// The project data manager: selects the project, mirrors it into the store once a second, owns the
 /// store, and answers the device's view requests. Each operation is one of a class of project/, of

@@ -73,7 +73,7 @@ bool ProjectStore::open(QString& failureReason, std::optional<Error>& cause) {
         cause = makeStoreFolder(QFile::encodeName(folder_));
     }
     if (!cause) {
-        auto coordinator = std::make_unique<PersistentStoreCoordinator>(model_);
+        auto coordinator = std::make_unique<PersistentStoreCoordinator>();
         cause = coordinator->addPersistentStoreAtPath(path());
         if (!cause) {
             coordinator_ = std::move(coordinator);

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "project/StoreErrorWindow.h"
-#include "project/store/ManagedObjectModel.h"
 #include "support/Error.h"
 
 #include <QString>
@@ -27,7 +26,6 @@ public:
     const QString& folder() const { return folder_; }
     static QString folderIn(const QString& applicationSupportDirectory);
 
-    const ManagedObjectModel& model() const { return model_; }
     /// Opens the store on first use. Null when that failed: the error has been presented (modal, as
     /// `StoreErrorWindow` does), and the next call tries, and presents, again.
     PersistentStoreCoordinator* coordinator();
@@ -54,7 +52,6 @@ private:
     QString folder_;
     ProjectDialogs& dialogs_;
     StoreErrorWindow errorWindow_;
-    ManagedObjectModel model_;
     std::unique_ptr<PersistentStoreCoordinator> coordinator_;
     std::unique_ptr<ManagedObjectContext> context_;
     bool isDialogShown_ = false;

@@ -4,7 +4,6 @@
 #include "bench/Ratio.h"
 #include "bench/project/BareStore.h"
 #include "project/store/ManagedObjectContext.h"
-#include "project/store/ManagedObjectModel.h"
 #include "project/store/PersistentStoreCoordinator.h"
 
 #include <QTemporaryDir>
@@ -48,7 +47,7 @@ std::vector<ElementRow> rowsOfAllFiles() {
 /// A store of the program's own, with the record of one file in it.
 class OwnStore {
 public:
-    explicit OwnStore(const QString& path) : coordinator_(model_) {
+    explicit OwnStore(const QString& path) {
         require(coordinator_.addPersistentStoreAtPath(path));
         context_ = std::make_unique<ManagedObjectContext>(coordinator_);
         object_ = &context_->insertObject();
@@ -95,7 +94,6 @@ private:
         }
     }
 
-    ManagedObjectModel model_;
     PersistentStoreCoordinator coordinator_;
     std::unique_ptr<ManagedObjectContext> context_;
     CDObject* object_ = nullptr;

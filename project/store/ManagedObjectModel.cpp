@@ -2,46 +2,34 @@
 
 #include "project/store/StoreTables.h"
 
-#include <optional>
 #include <tuple>
+#include <type_traits>
 
 namespace navrel {
 
 namespace {
 
-template <typename Record>
-constexpr AttributeType typeOf(Attribute<Record, QByteArray>) {
-    return AttributeType::kText;
-}
-
-template <typename Record>
-constexpr AttributeType typeOf(Attribute<Record, bool>) {
-    return AttributeType::kBoolean;
-}
-
-template <typename Record>
-constexpr AttributeType typeOf(Attribute<Record, qint32>) {
-    return AttributeType::kInteger32;
-}
-
-template <typename Record>
-constexpr AttributeType typeOf(Attribute<Record, qint64>) {
-    return AttributeType::kInteger64;
+template <typename Record, typename Value>
+AttributeDescription descriptionOf(Attribute<Record, Value> attribute) {
+    return {attribute.name, std::is_same_v<Value, QByteArray>};
 }
 
 template <typename Record>
 EntityDescription descriptionOf() {
     return std::apply(
         [](auto... attribute) {
-            return EntityDescription{Record::kEntityName, {{attribute.name, typeOf(attribute)}...}};
+            return EntityDescription{Record::kEntityName, {descriptionOf(attribute)...}};
         },
         Record::attributes());
 }
 
 } // namespace
 
-ManagedObjectModel::ManagedObjectModel()
-    : entities_{descriptionOf<CDObject>(), descriptionOf<CDFiletype>(), descriptionOf<CDShortcut>(),
-                descriptionOf<CDElement>()} {}
+const ManagedObjectModel& managedObjectModel() {
+    static const ManagedObjectModel model{{descriptionOf<CDObject>(), descriptionOf<CDFiletype>(),
+                                           descriptionOf<CDShortcut>(),
+                                           descriptionOf<CDElement>()}};
+    return model;
+}
 
 } // namespace navrel

@@ -4,18 +4,11 @@
 
 namespace navrel {
 
-/// The kinds of values that attributes have. Every attribute may also be nil.
-enum class AttributeType {
-    kText,
-    kBoolean,
-    kInteger32,
-    /// Also dates, as nanoseconds since 1970.
-    kInteger64,
-};
-
 struct AttributeDescription {
     const char* name;
-    AttributeType type;
+    /// Else an integer: booleans are 0 and 1, dates nanoseconds since 1970. Every attribute may be
+    /// nil.
+    bool isText;
 };
 
 struct EntityDescription {
@@ -24,16 +17,12 @@ struct EntityDescription {
     std::vector<AttributeDescription> attributes;
 };
 
-/// What the store holds: the entities CDObject, CDFiletype, CDShortcut and CDElement with their
-/// attributes, as the record classes declare them.
-class ManagedObjectModel {
-public:
-    ManagedObjectModel();
-
-    const std::vector<EntityDescription>& entities() const { return entities_; }
-
-private:
-    std::vector<EntityDescription> entities_;
+struct ManagedObjectModel {
+    std::vector<EntityDescription> entities;
 };
+
+/// What the store holds: the entities CDObject, CDFiletype, CDShortcut and CDElement with their
+/// attributes, as the record classes declare them. The same object in every call.
+const ManagedObjectModel& managedObjectModel();
 
 } // namespace navrel

@@ -16,8 +16,7 @@
 
 namespace navrel {
 
-PersistentStoreCoordinator::PersistentStoreCoordinator(const ManagedObjectModel& model)
-    : model_(model) {}
+PersistentStoreCoordinator::PersistentStoreCoordinator() = default;
 
 PersistentStoreCoordinator::~PersistentStoreCoordinator() = default;
 
@@ -26,7 +25,7 @@ std::optional<Error> PersistentStoreCoordinator::addPersistentStoreAtPath(const 
     path_ = QFile::encodeName(path);
     auto file = std::make_unique<StoreFile>();
     auto records = std::make_unique<StoreTables>();
-    std::optional<Error> error = file->open(path_, model_);
+    std::optional<Error> error = file->open(path_);
     if (!error) {
         error = file->load(*records);
     }
@@ -63,7 +62,7 @@ std::optional<Error> PersistentStoreCoordinator::makeStoreAgain(StoreTables& tab
     std::optional<Error> error = makeStoreFolder(deletingLastPathComponent(path_));
     auto file = std::make_unique<StoreFile>();
     if (!error) {
-        error = file->open(path_, model_);
+        error = file->open(path_);
     }
     if (error) {
         return error;

@@ -10,14 +10,13 @@
 
 namespace navrel {
 
-class ManagedObjectModel;
 class StoreFile;
 struct StoreTables;
 
 /// Stands between a context and the store file. Main thread only.
 class PersistentStoreCoordinator {
 public:
-    explicit PersistentStoreCoordinator(const ManagedObjectModel& model);
+    PersistentStoreCoordinator();
     ~PersistentStoreCoordinator();
     PersistentStoreCoordinator(const PersistentStoreCoordinator&) = delete;
     PersistentStoreCoordinator& operator=(const PersistentStoreCoordinator&) = delete;
@@ -38,7 +37,6 @@ public:
 private:
     std::optional<Error> makeStoreAgain(StoreTables& tables);
 
-    const ManagedObjectModel& model_;
     QByteArray path_;
     std::unique_ptr<StoreTables> records_;
     std::unique_ptr<StoreFile> file_;

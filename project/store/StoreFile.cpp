@@ -57,8 +57,8 @@ QByteArray quoted(const char* name) {
     return '"' + QByteArray(name) + '"';
 }
 
-const char* columnTypeOf(AttributeType type) {
-    return type == AttributeType::kText ? "TEXT" : "INTEGER";
+const char* columnTypeOf(const AttributeDescription& attribute) {
+    return attribute.isText ? "TEXT" : "INTEGER";
 }
 
 template <typename Record>
@@ -156,7 +156,7 @@ int bindRecord(SQLiteStatement& statement, int last, const Record& record) {
 
 } // namespace
 
-std::optional<Error> StoreFile::open(const QByteArray& path, const ManagedObjectModel& model) {
+std::optional<Error> StoreFile::open(const QByteArray& path) {
     std::optional<Error> error = checkFileKind(path, maximumSize_);
     if (!error) {
         makeForUserAlone(path);
@@ -166,7 +166,7 @@ std::optional<Error> StoreFile::open(const QByteArray& path, const ManagedObject
         error = configure();
     }
     if (!error) {
-        error = inTransaction([&] { return makeOrCheckTables(model); });
+        error = inTransaction([this] { return makeOrCheckTables(); });
     }
     if (!error) {
         error = leaveWriteAheadLog();
@@ -218,7 +218,7 @@ std::optional<Error> StoreFile::limitSize() {
                              QByteArray::number(maximumSize_ / pageSize));
 }
 
-std::optional<Error> StoreFile::makeOrCheckTables(const ManagedObjectModel& model) {
+std::optional<Error> StoreFile::makeOrCheckTables() {
     bool isEmpty = true;
     std::optional<Error> error =
         forEachRow("SELECT 1 FROM sqlite_schema LIMIT 1", [&](const auto&) {
@@ -230,17 +230,17 @@ std::optional<Error> StoreFile::makeOrCheckTables(const ManagedObjectModel& mode
     }
     error = checkOwner();
     if (!error) {
-        error = isEmpty ? makeTables(model) : checkTables(model);
+        error = isEmpty ? makeTables() : checkTables();
     }
     return error ? error : checkPages();
 }
 
-std::optional<Error> StoreFile::makeTables(const ManagedObjectModel& model) {
+std::optional<Error> StoreFile::makeTables() {
     QByteArray sql;
-    for (const EntityDescription& entity : model.entities()) {
+    for (const EntityDescription& entity : managedObjectModel().entities) {
         QByteArrayList columns;
         for (const AttributeDescription& attribute : entity.attributes) {
-            columns.append(quoted(attribute.name) + ' ' + columnTypeOf(attribute.type));
+            columns.append(quoted(attribute.name) + ' ' + columnTypeOf(attribute));
         }
         sql += "CREATE TABLE " + quoted(entity.name) + " (" + columns.join(", ") + ");";
     }
@@ -267,7 +267,7 @@ std::optional<Error> StoreFile::checkOwner() {
                       check);
 }
 
-std::optional<Error> StoreFile::checkTables(const ManagedObjectModel& model) {
+std::optional<Error> StoreFile::checkTables() {
     // Views, triggers and indexes count as tables too many.
     std::vector<QByteArray> names;
     const auto collect = [&](const SQLiteStatement& row) {
@@ -278,7 +278,7 @@ std::optional<Error> StoreFile::checkTables(const ManagedObjectModel& model) {
         return error;
     }
     std::vector<QByteArray> expected;
-    for (const EntityDescription& entity : model.entities()) {
+    for (const EntityDescription& entity : managedObjectModel().entities) {
         expected.emplace_back(entity.name);
     }
     std::sort(names.begin(), names.end());
@@ -287,7 +287,7 @@ std::optional<Error> StoreFile::checkTables(const ManagedObjectModel& model) {
         return storeError(StoreFileError::kForeignSchema,
                           "The database holds other tables than a store");
     }
-    for (const EntityDescription& entity : model.entities()) {
+    for (const EntityDescription& entity : managedObjectModel().entities) {
         if (auto error = checkColumns(entity)) {
             return error;
         }
@@ -310,7 +310,7 @@ std::optional<Error> StoreFile::checkColumns(const EntityDescription& entity) {
     }
     std::vector<QByteArray> expected;
     for (const AttributeDescription& attribute : entity.attributes) {
-        expected.push_back(QByteArray(attribute.name) + ' ' + columnTypeOf(attribute.type) + " 0");
+        expected.push_back(QByteArray(attribute.name) + ' ' + columnTypeOf(attribute) + " 0");
     }
     std::sort(columns.begin(), columns.end());
     std::sort(expected.begin(), expected.end());

@@ -15,7 +15,6 @@
 
 namespace navrel {
 
-class ManagedObjectModel;
 struct EntityDescription;
 
 /// Domain of the errors of files that are no store of this program.
@@ -42,7 +41,7 @@ public:
 
     /// Opens the file, or makes it, for the user alone. On an error the file is left as it was and
     /// this object is of no further use.
-    std::optional<Error> open(const QByteArray& path, const ManagedObjectModel& model);
+    std::optional<Error> open(const QByteArray& path);
 
     /// Appends the file's records to empty tables, in the order of their insertion.
     std::optional<Error> load(StoreTables& tables);
@@ -65,10 +64,10 @@ private:
 
     std::optional<Error> configure();
     std::optional<Error> limitSize();
-    std::optional<Error> makeOrCheckTables(const ManagedObjectModel& model);
-    std::optional<Error> makeTables(const ManagedObjectModel& model);
+    std::optional<Error> makeOrCheckTables();
+    std::optional<Error> makeTables();
     std::optional<Error> checkOwner();
-    std::optional<Error> checkTables(const ManagedObjectModel& model);
+    std::optional<Error> checkTables();
     std::optional<Error> checkColumns(const EntityDescription& entity);
     std::optional<Error> checkPages();
     std::optional<Error> leaveWriteAheadLog();

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "project/store/ManagedObjectContext.h"
-#include "project/store/ManagedObjectModel.h"
 #include "project/store/PersistentStoreCoordinator.h"
 #include "support/Assertion.h"
 
@@ -15,7 +14,7 @@ namespace navrel {
 /// A store file opened as the program opens it, with a context on it.
 class OpenStore {
 public:
-    explicit OpenStore(const QString& path) : coordinator_(model_) {
+    explicit OpenStore(const QString& path) {
         error_ = coordinator_.addPersistentStoreAtPath(path);
         if (!error_) {
             context_ = std::make_unique<ManagedObjectContext>(coordinator_);
@@ -31,7 +30,6 @@ public:
     ManagedObjectContext* operator->() const { return &**this; }
 
 private:
-    ManagedObjectModel model_;
     PersistentStoreCoordinator coordinator_;
     std::optional<Error> error_;
     std::unique_ptr<ManagedObjectContext> context_;

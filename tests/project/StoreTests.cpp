@@ -1,3 +1,4 @@
+#include "project/store/ManagedObjectModel.h"
 #include "project/store/SQLiteDatabase.h"
 #include "project/store/StoreFile.h"
 #include "tests/project/OpenStore.h"
@@ -79,8 +80,7 @@ std::vector<std::string> namesOf(const std::vector<CDObject*>& objects) {
 
 TEST(ManagedObjectModel, namesTheFourEntitiesAndTheirAttributes) {
     std::map<std::string, std::vector<std::string>> attributes;
-    const ManagedObjectModel model;
-    for (const EntityDescription& entity : model.entities()) {
+    for (const EntityDescription& entity : managedObjectModel().entities) {
         for (const AttributeDescription& attribute : entity.attributes) {
             attributes[entity.name].emplace_back(attribute.name);
         }
@@ -461,11 +461,10 @@ TEST_F(Store, aHundredThousandRecordsComeBack) {
 
 TEST_F(Store, noSaveMakesTheFileLargerThanOneThatIsOpened) {
     constexpr qint64 kMaximumSize = 100'000;
-    const ManagedObjectModel model;
     {
         StoreFile file(kMaximumSize);
         StoreTables tables;
-        ASSERT_FALSE(file.open(path().toUtf8(), model).has_value());
+        ASSERT_FALSE(file.open(path().toUtf8()).has_value());
         insertElementsNamed(tables.elements, "small", 10);
         ASSERT_FALSE(file.save(tables).has_value());
         tables.elements.markSaved();
@@ -476,7 +475,7 @@ TEST_F(Store, noSaveMakesTheFileLargerThanOneThatIsOpened) {
 
     StoreFile file(kMaximumSize);
     StoreTables tables;
-    ASSERT_FALSE(file.open(path().toUtf8(), model).has_value());
+    ASSERT_FALSE(file.open(path().toUtf8()).has_value());
     ASSERT_FALSE(file.load(tables).has_value());
     EXPECT_EQ(tables.elements.size(), 10U);
 }
