@@ -10,7 +10,7 @@ namespace navrel {
 class Editor;
 class ProjectStore;
 
-/// The project model's dealings with the editor. Main thread.
+/// The project model's dealings with the editor: the operations of KZDataManager's. Main thread.
 class EditorControl {
 public:
     /// Both must outlive this.

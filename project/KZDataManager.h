@@ -127,32 +127,16 @@ public:
     /// Inserts a CDElement for each code element.
     void generateElementsForManagedObject(const CDObject& object);
 
-    // Views: property-list values for the device, booleans as the integers 0 and 1.
+    // Views: the functions of the same names in project/views/, over the store.
 
-    /// "identifier", "label", "items" and "path" of one group, or of the main group where nil is
-    /// asked for; nil when no project is loaded or the identifier is unknown.
     std::optional<QVariantMap> navigatorDictionaryForID(const std::optional<QString>& identifier);
-    /// "title" and "items": the distinct superclass names, in order.
     QVariantMap superclassDictionary();
-    /// "superclass", "label" and "items": the files whose superclass is the given one.
     QVariantMap navigatorDictionaryForSuperclass(const QString& superclass);
-    /// "items": "extension" and "allowed" of every file type, ordered by extension.
     QVariantMap allowedFileTypesDictionary();
-    /// The extensions that are switched on.
     QStringList allowedFileTypes();
-    /// Switches the file type "extension" to "allowed" (a boolean or an integer) and returns the
-    /// new list. A request without either, or with another type of value, changes nothing. Saved by
-    /// the next pass.
+    /// Saved by the next pass.
     QVariantMap changeFiletypeAllowanceWithDictionary(const QVariantMap& request);
-
-    // Views of what scanning found.
-
-    /// "items": "shortcut", "line" and "path" of every shortcut of the project, ordered by shortcut
-    /// as the user's language does, without letter case.
     QVariantMap shortcutsDictionary();
-    /// "title", "identifier", "items" and "path" of one file, and "counterpart" where it has one:
-    /// the identifier of the header of an implementation file, or the reverse. The items hold
-    /// "name", "line", "path" and "type", ordered by line. Nil when the identifier is unknown.
     std::optional<QVariantMap> elementsDictionaryForObjectID(const QString& identifier);
 
     // The editor.

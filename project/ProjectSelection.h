@@ -13,7 +13,7 @@ class ProjectStore;
 class UserDefaults;
 
 /// Which project is shown: the last one, one that the user picks, or the one that is active in the
-/// editor. Main thread.
+/// editor. What is not described here is an operation of KZDataManager's. Main thread.
 class ProjectSelection {
 public:
     /// All of them must outlive the selection.
