@@ -451,7 +451,7 @@ TEST_F(ProjectLoading, theChildrenOfAnUnchangedGroupAreStillVisited) {
 
 // Deletion.
 
-TEST_F(ProjectLoading, aDeletedFileLosesItsRecordButNotItsShortcutsAndElements) {
+TEST_F(ProjectLoading, aDeletedFileLosesItsRecord) {
     writeFile("a.m");
     load(ProjectText().group("MAIN", {"A"}).file("A", "a.m", "", "Shown\nname"));
     pass();
@@ -459,11 +459,20 @@ TEST_F(ProjectLoading, aDeletedFileLosesItsRecordButNotItsShortcutsAndElements) 
     pass();
     EXPECT_THAT(takeLog(), ElementsAre("Deleted Shown\nname"));
     EXPECT_THAT(identifiers(), ElementsAre("MAIN"));
-    EXPECT_EQ(context().shortcutsWithIdentifier("A").size(), 1U);
-    EXPECT_EQ(context().elementsWithIdentifier("A").size(), 1U);
 
     pass();
     EXPECT_THAT(takeLog(), IsEmpty());
+}
+
+TEST_F(ProjectLoading, aDeletedRecordLeavesItsShortcutsAndElementsOnPurpose) {
+    writeFile("a.m");
+    load(ProjectText().group("MAIN", {"A"}).file("A", "a.m"));
+    writeProject(ProjectText().group("MAIN", {}));
+    QFile::remove(pathOf("a.m"));
+    pass();
+    EXPECT_THAT(identifiers(), ElementsAre("MAIN"));
+    EXPECT_EQ(context().shortcutsWithIdentifier("A").size(), 1U);
+    EXPECT_EQ(context().elementsWithIdentifier("A").size(), 1U);
 }
 
 TEST_F(ProjectLoading, aFileThatComesBackIsScannedAnew) {
