@@ -149,7 +149,8 @@ export async function switchFileType(extension: string, allowed: boolean): Promi
   if (items) update({ fileTypes: { value: { items } } });
   try {
     await wire.switchFileTypes({ items: [{ extension, allowed }] });
-    say(`.${extension} files are ${allowed ? "shown" : "left out"}`, "good");
+    const files = extension === "" ? "Files without an extension" : `.${extension} files`;
+    say(`${files} are ${allowed ? "shown" : "left out"}`, "good");
   } catch (error) {
     sayProblem(error);
     await loadList("fileTypes");

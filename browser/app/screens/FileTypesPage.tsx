@@ -25,7 +25,7 @@ export function FileTypesPage() {
             {value.items.map(({ extension, allowed }) => (
               <li class="row" key={extension}>
                 <button type="button" role="switch" aria-checked={allowed} class="row-main plain" onClick={() => void switchFileType(extension, !allowed)}>
-                  <span class="row-text row-name">.{extension}</span>
+                  <span class="row-text row-name">{extension === "" ? "without an extension" : `.${extension}`}</span>
                   <span class="switch" aria-hidden="true">
                     {allowed ? "On" : "Off"}
                   </span>
