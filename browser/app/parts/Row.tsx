@@ -83,17 +83,19 @@ function Marked({ text, positions }: { text: string; positions?: readonly number
   return <>{pieces.map((piece) => (piece.isHit ? <b>{piece.text}</b> : piece.text))}</>;
 }
 
-/** Selectors break behind their colons rather than anywhere. */
+/** A name that is longer than this may not fit into a line. */
+const kLongName = 24;
+
+/** Selectors break behind their colons, and long names before their capitals, rather than anywhere. */
 function Breakable({ text }: { text: string }) {
-  if (!text.includes(":")) return <>{text}</>;
-  const [first, ...others] = text.match(/[^:]+:?|:/g) ?? [];
+  const pieces = text.match(text.length > kLongName ? /[A-Z]+[^A-Z:]*:?|[^A-Z:]+:?|:/g : /[^:]+:?|:/g) ?? [];
+  if (pieces.length < 2) return <>{text}</>;
   return (
     <>
-      {first}
-      {others.map((part) => (
+      {pieces.map((piece, index) => (
         <>
-          <wbr />
-          {part}
+          {index > 0 && <wbr />}
+          {piece}
         </>
       ))}
     </>

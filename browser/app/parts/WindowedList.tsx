@@ -48,27 +48,31 @@ export function WindowedList<Row>(properties: Properties<Row>) {
   const around = useRef(0);
   const cursor = useRef(0);
   const focusCursor = useRef(false);
-  const wanted = useRef<number | undefined>(undefined);
+  const wanted = useRef<{ row: number; isFar: boolean } | undefined>(undefined);
+  /** The row at the top while the heights were others. */
+  const anchor = useRef<number | undefined>(undefined);
   const isFirst = useRef(true);
 
   const top = scroller.current?.scrollTop ?? scrolledTo.get(memory) ?? 0;
   const height = scroller.current?.clientHeight || lastHeight;
   const first = Math.max(0, heights.rowAt(top) - around.current);
   const end = Math.min(rows.length, heights.rowAt(top + height) + 1 + around.current);
-  const shown = useRef({ first, end });
-  shown.current = { first, end };
+  const known = useRef(heights);
+  known.current = heights;
   const current = Math.min(Math.max(cursor.current, first), Math.max(end - 1, 0));
 
-  const scrollToRow = (row: number) => {
-    wanted.current = row;
+  /** Just into sight; or, where it is far away, with what stands around it. */
+  const scrollToRow = (row: number, isFar: boolean) => {
+    wanted.current = { row, isFar };
     const box = scroller.current!;
     const above = headings.length > 0 ? kGuessedHeight : 0;
     const rowTop = heights.top(row);
     const rowEnd = heights.top(row + 1);
-    if (rowTop < box.scrollTop + above) box.scrollTop = rowTop - above - (follow === row ? box.clientHeight / 3 : 0);
-    else if (rowEnd > box.scrollTop + box.clientHeight) {
-      box.scrollTop = follow === row ? rowTop - box.clientHeight / 3 : rowEnd - box.clientHeight;
-    }
+    const isAbove = rowTop < box.scrollTop + above;
+    const gap = isAbove ? box.scrollTop + above - rowTop : rowEnd - box.scrollTop - box.clientHeight;
+    if (gap <= 0) return;
+    if (isFar || gap > box.clientHeight / 4) box.scrollTop = rowTop - box.clientHeight / 3;
+    else box.scrollTop = isAbove ? rowTop - above : rowEnd - box.clientHeight;
   };
 
   // Rows that came into sight are measured before they are painted, and what stands above stays in place.
@@ -80,6 +84,9 @@ export function WindowedList<Row>(properties: Properties<Row>) {
       lastHeight = box.clientHeight || lastHeight;
       isFirst.current = false;
     }
+    const wasAnchored = anchor.current !== undefined;
+    if (anchor.current !== undefined) box.scrollTop = heights.top(anchor.current);
+    anchor.current = undefined;
     const firstInSight = heights.rowAt(box.scrollTop);
     let isOther = false;
     let moved = 0;
@@ -90,8 +97,8 @@ export function WindowedList<Row>(properties: Properties<Row>) {
       if (row < firstInSight) moved += difference;
     });
     if (isOther && moved !== 0) box.scrollTop += moved;
-    if (isOther && wanted.current !== undefined) scrollToRow(wanted.current);
-    if (isOther) drawAgain();
+    if (isOther && wanted.current) scrollToRow(wanted.current.row, wanted.current.isFar);
+    if (isOther || wasAnchored) drawAgain();
     else wanted.current = undefined;
     if (focusCursor.current) {
       focusCursor.current = false;
@@ -101,12 +108,12 @@ export function WindowedList<Row>(properties: Properties<Row>) {
   });
 
   useEffect(() => {
-    if (follow !== undefined && follow >= 0 && !isLeftAlone()) scrollToRow(follow);
+    if (follow !== undefined && follow >= 0 && !isLeftAlone()) scrollToRow(follow, true);
   }, [follow, rows]);
   useEffect(() => {
     if (show !== undefined && show >= 0) {
       cursor.current = show;
-      scrollToRow(show);
+      scrollToRow(show, false);
       drawAgain();
     }
   }, [show, rows]);
@@ -116,8 +123,9 @@ export function WindowedList<Row>(properties: Properties<Row>) {
     const observer = new ResizeObserver(() => {
       const wasAsWide = scroller.current?.clientWidth === width.current;
       width.current = scroller.current?.clientWidth ?? 0;
-      if (wasAsWide) drawAgain();
-      else wrapAgain();
+      if (wasAsWide) return drawAgain();
+      anchor.current = known.current.rowAt(scroller.current?.scrollTop ?? 0);
+      wrapAgain();
     });
     observer.observe(scroller.current!);
     return () => observer.disconnect();
@@ -138,7 +146,7 @@ export function WindowedList<Row>(properties: Properties<Row>) {
     touched();
     cursor.current = Math.min(Math.max(current + by, 0), rows.length - 1);
     focusCursor.current = true;
-    scrollToRow(cursor.current);
+    scrollToRow(cursor.current, false);
     drawAgain();
   };
   const onFocus = (event: FocusEvent) => {
