@@ -1,5 +1,5 @@
 // `npm run pictures`: every screen and state as a picture, on a phone and a tablet, light and dark; and of these the ones in
-// docs/images, reduced to 256 colours. Look at each before it is committed.
+// docs/images. Look at each before it is committed.
 import { execFileSync } from "node:child_process";
 import { copyFileSync, mkdirSync } from "node:fs";
 import { ChromiumDriver } from "../drivers/chromium";
@@ -7,7 +7,6 @@ import type { Colours, Device } from "../drivers/driver";
 import { Hand } from "../browsers/hand";
 import { kScreens, withScreen } from "../browsers/screens";
 
-const kColours = 256;
 /** How many screens are side by side in the overview, and how wide each is there. */
 const kOverview: Record<Device, { columns: number; width: number }> = { phone: { columns: 8, width: 224 }, tablet: { columns: 5, width: 400 } };
 
@@ -22,7 +21,7 @@ function fileOf(device: Device, colours: Colours, name: string): string {
 
 /** ImageMagick's montage: pictures side by side. */
 function join(pictures: readonly string[], columns: number, width: number, into: string): void {
-  execFileSync("montage", [...pictures, "-resize", `${width}x`, "-tile", `${columns}x`, "-geometry", "+3+3", "-background", "#8b909c", "-strip", "+dither", "-colors", String(kColours), `PNG8:${into}`]);
+  execFileSync("montage", [...pictures, "-resize", `${width}x`, "-tile", `${columns}x`, "-geometry", "+3+3", "-background", "#8b909c", "-strip", `PNG24:${into}`]);
 }
 
 const driver = await ChromiumDriver.start();
