@@ -1,5 +1,7 @@
 #include "editors/NeovimConnection.h"
 
+#include "support/sockets/UnixPeer.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -49,20 +51,6 @@ int makeSocket() {
     return descriptor;
 }
 
-/// Whether who listens at the other end is this user.
-bool peerIsThisUser(int socket) {
-#ifdef SO_PEERCRED
-    ucred peer = {};
-    socklen_t length = sizeof peer;
-    return ::getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &length) == 0 &&
-           peer.uid == ::geteuid();
-#else
-    uid_t user = 0;
-    gid_t group = 0;
-    return ::getpeereid(socket, &user, &group) == 0 && user == ::geteuid();
-#endif
-}
-
 } // namespace
 
 std::unique_ptr<NeovimConnection> NeovimConnection::open(const QByteArray& socketPath,
@@ -85,7 +73,7 @@ std::unique_ptr<NeovimConnection> NeovimConnection::open(const QByteArray& socke
         isOverdue = errno == EAGAIN;
         return nullptr;
     }
-    return peerIsThisUser(descriptor) ? std::move(connection) : nullptr;
+    return isPeerThisUser(descriptor) ? std::move(connection) : nullptr;
 }
 
 NeovimConnection::~NeovimConnection() {

@@ -1,9 +1,9 @@
 #include "web/Server.h"
 
 #include "support/Log.h"
+#include "support/sockets/UnixPeer.h"
 #include "web/NetworkAddresses.h"
 #include "web/TLSContexts.h"
-#include "web/UnixPeer.h"
 
 #include <QString>
 

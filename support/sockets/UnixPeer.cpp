@@ -1,4 +1,4 @@
-#include "web/UnixPeer.h"
+#include "support/sockets/UnixPeer.h"
 
 #include <sys/socket.h>
 #include <sys/types.h>
