@@ -1,5 +1,6 @@
 #include "editors/EmacsEditor.h"
 
+#include "editors/Deadlines.h"
 #include "editors/EmacsClient.h"
 #include "editors/EmacsExpressions.h"
 #include "editors/EmacsFollower.h"
@@ -36,8 +37,10 @@ std::optional<QByteArray> valueOf(const QByteArray& expression, const QDeadlineT
 
 } // namespace
 
-EmacsEditor::EmacsEditor(std::chrono::milliseconds leftAloneFor)
-    : activeFileQuestion_(leftAloneFor), answers_(answerStandsFor(leftAloneFor)) {}
+EmacsEditor::EmacsEditor(std::chrono::milliseconds leftAloneFor,
+                         std::chrono::milliseconds jumpAtMost)
+    : jumpAtMost_(jumpAtMost), activeFileQuestion_(leftAloneFor),
+      answers_(answerStandsFor(leftAloneFor)) {}
 
 std::optional<ActiveFile> EmacsEditor::activeFile(const QDeadlineTimer& deadline) {
     using Kind = ToolQuestion::Answer::Kind;
@@ -81,13 +84,17 @@ bool EmacsEditor::open(const QByteArray& path, std::optional<int> line,
 
 JumpResult EmacsEditor::jump(const EditorPlace& place, const QDeadlineTimer& deadline) {
     const auto line = place.line > 0 ? std::optional(place.line) : std::nullopt;
-    const auto before = valueOf(emacsPlaceExpression(), deadline);
+    const QDeadlineTimer end = earlierOf(deadline, jumpAtMost_);
+    const JumpResult late = {
+        EditorOutcome::Kind::asksUser, QStringLiteral("Emacs did not answer in time."), {}};
+    const auto before = valueOf(emacsPlaceExpression(), end);
     if (!before) {
-        return {};
+        // Without an Emacs its client fails at once.
+        return end.hasExpired() && !deadline.hasExpired() ? late : JumpResult();
     }
-    const auto value = valueOf(emacsJumpExpression(place.path, line, place.column), deadline);
+    const auto value = valueOf(emacsJumpExpression(place.path, line, place.column), end);
     if (!value) {
-        return {EditorOutcome::Kind::asksUser, QStringLiteral("Emacs did not answer in time."), {}};
+        return late;
     }
     if (*value != "opened") {
         return {

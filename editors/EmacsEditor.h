@@ -17,7 +17,12 @@ class EmacsFollower;
 /// is ever started.
 class EmacsEditor final : public RunningEditor {
 public:
-    explicit EmacsEditor(std::chrono::milliseconds leftAloneFor = kSilentEditorLeftAlone);
+    /// An Emacs that runs carries out a jump in some fifty milliseconds, two runs of its client;
+    /// the user hears by then that it did not.
+    static constexpr std::chrono::milliseconds kJumpAtMost{450};
+
+    explicit EmacsEditor(std::chrono::milliseconds leftAloneFor = kSilentEditorLeftAlone,
+                         std::chrono::milliseconds jumpAtMost = kJumpAtMost);
 
     ~EmacsEditor() override;
 
@@ -30,6 +35,7 @@ public:
     void follow(PlaceObserver observer) override;
 
 private:
+    const std::chrono::milliseconds jumpAtMost_;
     // Main thread.
     ToolQuestion activeFileQuestion_;
     bool wasLate_ = false; ///< whether the answer that comes next was not in time

@@ -29,8 +29,6 @@ constexpr std::chrono::milliseconds kFirstAnswerAtMost{1000};
 /// While a newer one keeps silent, a file waits this long before it is opened in the next that
 /// answers: the user looks at the screen meanwhile.
 constexpr std::chrono::milliseconds kOpeningGrace{200};
-/// So long a jump tries to get the editor out of what it is in the middle of.
-constexpr std::chrono::milliseconds kLeaveModeAtMost{400};
 
 Reply runScript(NeovimConnection& editor, const char* script, const QVariantList& arguments,
                 const QDeadlineTimer& deadline) {
@@ -106,9 +104,9 @@ std::optional<QString> openIn(NeovimConnection& editor, const QByteArray& path,
 }
 
 JumpResult jumpIn(NeovimConnection& editor, const EditorPlace& place,
-                  const QDeadlineTimer& deadline) {
+                  std::chrono::milliseconds leaveModeAtMost, const QDeadlineTimer& deadline) {
     JumpResult result;
-    if (const auto obstacle = leaveMode(editor, earlierOf(deadline, kLeaveModeAtMost))) {
+    if (const auto obstacle = leaveMode(editor, earlierOf(deadline, leaveModeAtMost))) {
         return {EditorOutcome::Kind::asksUser, QStringLiteral("Neovim: %1.").arg(*obstacle), {}};
     }
     result.before = placeIn(editor, deadline);
@@ -125,8 +123,10 @@ JumpResult jumpIn(NeovimConnection& editor, const EditorPlace& place,
 
 } // namespace
 
-NeovimEditor::NeovimEditor(std::chrono::milliseconds leftAloneFor)
-    : silent_(leftAloneFor), answers_(answerStandsFor(leftAloneFor)) {}
+NeovimEditor::NeovimEditor(std::chrono::milliseconds leftAloneFor,
+                           std::chrono::milliseconds leaveModeAtMost)
+    : leaveModeAtMost_(leaveModeAtMost), silent_(leftAloneFor),
+      answers_(answerStandsFor(leftAloneFor)) {}
 
 NeovimEditor::~NeovimEditor() = default;
 
@@ -193,7 +193,8 @@ void NeovimEditor::learnFrom(ProbedNeovim& server, const QDeadlineTimer& deadlin
 }
 
 void NeovimEditor::askForFile(ProbedNeovim& server, const QDeadlineTimer& deadline) {
-    const Reply file = runScript(*server.connection, kNeovimActiveFileScript, {}, deadline);
+    static const QByteArray script = QByteArray(kNeovimPlaceFunction) + kNeovimActiveFileScript;
+    const Reply file = runScript(*server.connection, script.constData(), {}, deadline);
     if (file.kind == Reply::Kind::Result && file.value.typeId() == QMetaType::QByteArray) {
         answers_.add(server.socket, file.value.toByteArray());
         return;
@@ -265,7 +266,7 @@ JumpResult NeovimEditor::jump(const EditorPlace& place, const QDeadlineTimer& de
             result.reason = QStringLiteral("Neovim waits for a key.");
             return false;
         }
-        result = jumpIn(*server.connection, place, deadline);
+        result = jumpIn(*server.connection, place, leaveModeAtMost_, deadline);
         return true;
     });
     return result;

@@ -16,7 +16,12 @@ class NeovimFollower;
 /// does not: no file is opened in it, and it is taken to show what it showed when it last answered.
 class NeovimEditor final : public RunningEditor {
 public:
-    explicit NeovimEditor(std::chrono::milliseconds leftAloneFor = kSilentEditorLeftAlone);
+    /// So long a jump tries to get the editor out of what it is in the middle of; the user hears by
+    /// then that it stays there.
+    static constexpr std::chrono::milliseconds kLeaveModeAtMost{400};
+
+    explicit NeovimEditor(std::chrono::milliseconds leftAloneFor = kSilentEditorLeftAlone,
+                          std::chrono::milliseconds leaveModeAtMost = kLeaveModeAtMost);
     ~NeovimEditor() override;
 
     std::optional<ActiveFile> activeFile(const QDeadlineTimer& deadline) override;
@@ -37,6 +42,7 @@ private:
     template <typename Use>
     bool useFirstOf(const QByteArrayList& sockets, const QDeadlineTimer& search, Use use);
 
+    const std::chrono::milliseconds leaveModeAtMost_;
     SilentEditors silent_; ///< any thread: opening learns from queries, and the reverse
     LastAnswers answers_;  ///< main thread
     /// Servers that are left alone, as long as they may still answer. Main thread.

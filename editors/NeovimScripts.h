@@ -4,18 +4,32 @@
 /// part of the text.
 namespace navrel {
 
-/// Name of the file in the window that the person looks at; empty for a terminal, a list, a help
-/// page. Seen through what floats above it, or a command-line window.
-inline constexpr char kNeovimActiveFileScript[] = R"lua(
-local api, fn = vim.api, vim.fn
-local window = api.nvim_get_current_win()
-if fn.getcmdwintype() ~= '' or api.nvim_win_get_config(window).relative ~= '' then
-    local previous = fn.win_getid(fn.winnr('#'))
-    if previous ~= 0 then window = previous end
+/// Where the user is: path, line, column (both from 1), whether there are unsaved changes. The path
+/// is empty for a terminal, a list, a help page. Seen through what floats above the window, or a
+/// command-line window.
+inline constexpr char kNeovimPlaceFunction[] = R"lua(
+local function navrel_place()
+    local api, fn = vim.api, vim.fn
+    local window = api.nvim_get_current_win()
+    if fn.getcmdwintype() ~= '' or api.nvim_win_get_config(window).relative ~= '' then
+        local previous = fn.win_getid(fn.winnr('#'))
+        if previous ~= 0 then window = previous end
+    end
+    local buffer = api.nvim_win_get_buf(window)
+    if vim.bo[buffer].buftype ~= '' then return '', 0, 0, false end
+    local cursor = api.nvim_win_get_cursor(window)
+    return api.nvim_buf_get_name(buffer), cursor[1], cursor[2] + 1, vim.bo[buffer].modified
 end
-local buffer = api.nvim_win_get_buf(window)
-if vim.bo[buffer].buftype ~= '' then return '' end
-return api.nvim_buf_get_name(buffer)
+)lua";
+
+/// To be put behind `kNeovimPlaceFunction`. Its value is the path alone.
+inline constexpr char kNeovimActiveFileScript[] = R"lua(
+return (navrel_place())
+)lua";
+
+/// To be put behind `kNeovimPlaceFunction`. Its value is a list of the four.
+inline constexpr char kNeovimPlaceScript[] = R"lua(
+return { navrel_place() }
 )lua";
 
 /// Leaves whatever mode the editor is in by its own keys, which no mapping changes. They take
@@ -95,28 +109,6 @@ if line then
     api.nvim_win_set_cursor(0, { math.max(1, math.min(line, last)), 0 })
     cmd('normal! zvzzV')
 end
-)lua";
-
-/// Where the user is: path, line, column (both from 1), whether there are unsaved changes. The path
-/// is empty for what `kNeovimActiveFileScript` takes for no file.
-inline constexpr char kNeovimPlaceFunction[] = R"lua(
-local function navrel_place()
-    local api, fn = vim.api, vim.fn
-    local window = api.nvim_get_current_win()
-    if fn.getcmdwintype() ~= '' or api.nvim_win_get_config(window).relative ~= '' then
-        local previous = fn.win_getid(fn.winnr('#'))
-        if previous ~= 0 then window = previous end
-    end
-    local buffer = api.nvim_win_get_buf(window)
-    if vim.bo[buffer].buftype ~= '' then return '', 0, 0, false end
-    local cursor = api.nvim_win_get_cursor(window)
-    return api.nvim_buf_get_name(buffer), cursor[1], cursor[2] + 1, vim.bo[buffer].modified
-end
-)lua";
-
-/// To be put behind `kNeovimPlaceFunction`. Its value is a list of the four.
-inline constexpr char kNeovimPlaceScript[] = R"lua(
-return { navrel_place() }
 )lua";
 
 /// Puts the cursor at a line and a column of the current buffer, with nothing selected.
