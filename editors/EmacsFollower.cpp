@@ -56,15 +56,20 @@ void EmacsFollower::ask() {
     }
     if (const auto client = emacsClientFor(emacsPlaceExpression())) {
         client_.start(client->tool, client->arguments, QIODevice::ReadOnly);
+    } else {
+        isFirstAnswer_ = false;
     }
 }
 
 void EmacsFollower::hear() {
     const QByteArray printed = client_.read(kMaximumToolOutput);
     const auto place = emacsPlaceFrom(printed);
+    // An Emacs that answers for the first time later was just started, and its user is in it.
+    const auto news = std::exchange(isFirstAnswer_, false) ? RunningEditor::PlaceNews::isThere
+                                                           : RunningEditor::PlaceNews::cameThere;
     if (place && place != last_) {
         last_ = place;
-        observer_(*place);
+        observer_(*place, news);
     }
 }
 

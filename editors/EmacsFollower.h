@@ -29,6 +29,7 @@ private:
 
     const RunningEditor::PlaceObserver observer_;
     std::optional<EditorPlace> last_;
+    bool isFirstAnswer_ = true;
     QProcess client_;
     QTimer timer_;
 };

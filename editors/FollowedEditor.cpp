@@ -22,22 +22,35 @@ FollowedEditor::~FollowedEditor() {
     onMove(nullptr);
 }
 
+/// The editors, the one that the user moved in last before all others. It may have been closed
+/// since: then the next one answers.
+FollowedEditor::Editors FollowedEditor::inOrder() const {
+    Editors ordered = editors_;
+    if (focused_) {
+        const auto focused = ordered.begin() + static_cast<std::ptrdiff_t>(*focused_);
+        std::rotate(ordered.begin(), focused, focused + 1);
+    }
+    return ordered;
+}
+
 /// The bytes of the active file's path: empty where there is none, nil where no editor answers and
 /// none that did is still there.
-std::optional<QByteArray> FollowedEditor::activeFile() const {
+std::optional<QByteArray> FollowedEditor::activeFile() {
     const QDeadlineTimer deadline(kAnswerAtMost);
     std::optional<ActiveFile> followed;
     std::size_t left = editors_.size();
-    for (const auto& editor : editors_) {
+    for (const auto& editor : inOrder()) {
         const auto file = editor->activeFile(shareOf(deadline, left--));
         if (file && (!followed || file->isCurrent)) {
             followed = file;
+            name_ = editor->name();
         }
         if (followed && followed->isCurrent) {
             break;
         }
     }
     if (!followed) {
+        name_.clear();
         return std::nullopt;
     }
     // A buffer may bear any name; one that is no path is no file.
@@ -106,7 +119,7 @@ void FollowedEditor::openFile(const QString& path, std::optional<int> line) {
     if (!absolutePath) {
         return;
     }
-    const Request request{editors_, lastResort_, *absolutePath, line};
+    const Request request{inOrder(), lastResort_, *absolutePath, line};
     if (!enqueue([request] { request.carryOut(); })) {
         log(QStringLiteral("Too many files wait to be opened: %1 was not").arg(path));
     }
@@ -142,11 +155,23 @@ struct FollowedEditor::Jump {
     void back(const OutcomeObserver& done) const {
         const auto place = trail->takeLast();
         if (!place) {
-            done({EditorOutcome::Kind::refused, {}, QStringLiteral("There is no way back yet.")});
+            backByItself(done);
             return;
         }
         // A step back is no jump to go back from.
         Jump(*this).withoutTrail().to(*place, done);
+    }
+    /// Navrel led nowhere yet, but an editor has a list of its own.
+    void backByItself(const OutcomeObserver& done) const {
+        const QDeadlineTimer deadline(kJumpAtMost);
+        for (const auto& editor : editors) {
+            const JumpResult result = editor->goBack(deadline);
+            if (result.kind != EditorOutcome::Kind::notRunning) {
+                done({result.kind, editor->name(), result.reason});
+                return;
+            }
+        }
+        done({EditorOutcome::Kind::refused, {}, QStringLiteral("There is no way back yet.")});
     }
     Jump& withoutTrail() {
         trail = std::make_shared<EditorTrail>();
@@ -160,7 +185,7 @@ void FollowedEditor::open(const QString& path, int line, OutcomeObserver done) {
         done({EditorOutcome::Kind::refused, {}, QStringLiteral("That names no file.")});
         return;
     }
-    const Jump jump{editors_, lastResort_, trail_};
+    const Jump jump{inOrder(), lastResort_, trail_};
     const EditorPlace place{absolutePath->toUtf8(), line, 0, false};
     if (!enqueue([jump, place, done] { jump.to(place, done); })) {
         done({EditorOutcome::Kind::refused, {}, QStringLiteral("Too many files wait.")});
@@ -168,7 +193,7 @@ void FollowedEditor::open(const QString& path, int line, OutcomeObserver done) {
 }
 
 void FollowedEditor::back(OutcomeObserver done) {
-    const Jump jump{editors_, lastResort_, trail_};
+    const Jump jump{inOrder(), lastResort_, trail_};
     if (!enqueue([jump, done] { jump.back(done); })) {
         done({EditorOutcome::Kind::refused, {}, QStringLiteral("Too many files wait.")});
     }
@@ -182,15 +207,30 @@ void FollowedEditor::onMove(MoveObserver observer) {
         return;
     }
     position_.reset();
-    for (const auto& editor : editors_) {
-        editor->follow(isFollowing ? RunningEditor::PlaceObserver(
-                                         [this](const EditorPlace& place) { hasMoved(place); })
-                                   : nullptr);
+    focused_.reset();
+    for (std::size_t editor = 0; editor < editors_.size(); ++editor) {
+        if (isFollowing) {
+            editors_[editor]->follow(
+                [this, editor](const EditorPlace& place, RunningEditor::PlaceNews news) {
+                    hear(editor, place, news);
+                });
+        } else {
+            editors_[editor]->follow(nullptr);
+        }
     }
 }
 
-/// The editor that says something is the one that the user is in.
-void FollowedEditor::hasMoved(const EditorPlace& place) {
+/// The editor that reports a move is the one that the user is in. Until there is one, the first in
+/// the order counts, however late its answer comes.
+void FollowedEditor::hear(std::size_t editor, const EditorPlace& place,
+                          RunningEditor::PlaceNews news) {
+    if (news == RunningEditor::PlaceNews::cameThere) {
+        focused_ = editor;
+    } else if (position_ && (focused_ || editor > shown_)) {
+        return;
+    }
+    shown_ = editor;
+    name_ = editors_[editor]->name();
     const auto path = place.path.startsWith('/') ? decodeUTF8(place.path) : std::nullopt;
     const EditorPosition position =
         path ? EditorPosition{*path, place.line, place.column, place.isModified} : EditorPosition();

@@ -13,8 +13,9 @@ namespace navrel {
 
 class DispatchQueue;
 
-/// The editor that the person has open just now: of several kinds the first that answers when
-/// asked. The active project is told from the active file's place.
+/// The editor that the user has open just now: of several kinds, the one that the user moved in
+/// last as far as editors report that, otherwise the first that answers when asked. The active
+/// project follows from the active file's place.
 ///
 /// An editor that answered before and is only busy (half a command, a prompt) or stopped counts as
 /// showing what it showed. For about ten seconds no other one is asked in its place; from then on,
@@ -48,6 +49,7 @@ public:
     /// folder of this process.
     void openFile(const QString& path, std::optional<int> line) override;
 
+    QString name() override { return name_; }
     std::optional<EditorPosition> position() override { return position_; }
     void onMove(MoveObserver observer) override;
     /// In the order of these and of `openFile`.
@@ -58,17 +60,23 @@ private:
     struct Request;
     struct Jump;
 
-    std::optional<QByteArray> activeFile() const;
-    bool enqueue(std::function<void()> job);
-    void hasMoved(const EditorPlace& place);
+    using Editors = std::vector<std::shared_ptr<RunningEditor>>;
 
-    const std::vector<std::shared_ptr<RunningEditor>> editors_;
+    Editors inOrder() const;
+    std::optional<QByteArray> activeFile();
+    bool enqueue(std::function<void()> job);
+    void hear(std::size_t editor, const EditorPlace& place, RunningEditor::PlaceNews news);
+
+    const Editors editors_; ///< in the order in which they are asked
     const std::shared_ptr<Editor> lastResort_;
     const std::shared_ptr<DispatchQueue> requests_;
     /// What was told last: it stands while folders are too slow to tell. Main thread.
     QString activeProject_ = QStringLiteral("");
-    MoveObserver observer_;                  ///< main thread
+    QString name_;          ///< of the editor that answered or moved last; main thread
+    MoveObserver observer_; ///< main thread
     std::optional<EditorPosition> position_; ///< main thread
+    std::size_t shown_ = 0;                  ///< the editor that `position_` is of; main thread
+    std::optional<std::size_t> focused_;     ///< the editor that was moved in last; main thread
     /// Where jumps came from. Touched by the jobs of `requests_` alone.
     const std::shared_ptr<EditorTrail> trail_ = std::make_shared<EditorTrail>();
     /// Requests that have not ended. Any thread.

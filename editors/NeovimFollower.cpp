@@ -43,18 +43,21 @@ std::optional<EditorPlace> neovimPlaceFrom(const QVariantList& values) {
 struct NeovimFollower::Followed {
     std::unique_ptr<NeovimConnection> connection;
     std::unique_ptr<QSocketNotifier> notifier; // after the connection: it watches its descriptor
+    RunningEditor::PlaceNews next = RunningEditor::PlaceNews::cameThere;
 };
 
 NeovimFollower::NeovimFollower(RunningEditor::PlaceObserver observer)
     : observer_(std::move(observer)) {
-    QObject::connect(&search_, &QTimer::timeout, &search_, [this] { lookForServers(); });
+    // An editor that is found later was just started, and its user is in it.
+    QObject::connect(&search_, &QTimer::timeout, &search_,
+                     [this] { lookForServers(RunningEditor::PlaceNews::cameThere); });
     search_.start(kSearchInterval);
-    lookForServers();
+    lookForServers(RunningEditor::PlaceNews::isThere);
 }
 
 NeovimFollower::~NeovimFollower() = default;
 
-void NeovimFollower::lookForServers() {
+void NeovimFollower::lookForServers(RunningEditor::PlaceNews firstNews) {
     for (const QByteArray& socket : neovimServerSockets(QDeadlineTimer(kSearchAtMost))) {
         if (servers_.size() >= kMaximumNeovims) {
             return;
@@ -63,6 +66,7 @@ void NeovimFollower::lookForServers() {
             continue;
         }
         if (auto server = begun(socket)) {
+            server->next = firstNews;
             servers_.emplace(socket, std::move(server));
         }
     }
@@ -97,11 +101,16 @@ void NeovimFollower::hear(const QByteArray& socket) {
     }
     bool isBroken = false;
     std::optional<EditorPlace> latest;
+    auto news = found->second->next;
     while (const auto message = found->second->connection->nextMessage(isBroken)) {
         constexpr qsizetype kFields = 3;
         const bool isMove = message->size() == kFields && message->at(0) == kNotification &&
                             message->at(1) == QByteArray("navrel_moved");
-        latest = isMove ? neovimPlaceFrom(message->at(2).toList()) : latest;
+        if (isMove) {
+            news = latest ? RunningEditor::PlaceNews::cameThere : news;
+            latest = neovimPlaceFrom(message->at(2).toList());
+            found->second->next = RunningEditor::PlaceNews::cameThere;
+        }
     }
     if (isBroken) {
         // Not at once: this is called by the notifier itself.
@@ -110,8 +119,11 @@ void NeovimFollower::hear(const QByteArray& socket) {
         gone->notifier->setEnabled(false);
         gone->notifier.release()->deleteLater();
     }
-    if (latest) {
-        observer_(*latest);
+    // Where several run from the beginning, one of them is shown until the user moves.
+    const bool isSecondary = news == RunningEditor::PlaceNews::isThere && hasReported_;
+    if (latest && !isSecondary) {
+        hasReported_ = true;
+        observer_(*latest, news);
     }
 }
 

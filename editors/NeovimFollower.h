@@ -30,11 +30,12 @@ public:
 private:
     struct Followed;
 
-    void lookForServers();
+    void lookForServers(RunningEditor::PlaceNews firstNews);
     std::unique_ptr<Followed> begun(const QByteArray& socket);
     void hear(const QByteArray& socket);
 
     const RunningEditor::PlaceObserver observer_;
+    bool hasReported_ = false;
     QTimer search_;
     std::map<QByteArray, std::unique_ptr<Followed>> servers_; // by socket
 };

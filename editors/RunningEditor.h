@@ -63,10 +63,22 @@ public:
         return {};
     }
 
+    /// What a reported place says about the user.
+    enum class PlaceNews {
+        isThere,  ///< the place was found when following began: the user may be elsewhere
+        cameThere ///< the user just went there, so this is the editor that has the focus
+    };
+    using PlaceObserver = std::function<void(const EditorPlace& place, PlaceNews news)>;
     /// Has `observer` called on the main thread when the user gets to another place; null ends
     /// that. Nothing is asked of the editor while there is none. Main thread; never blocks.
-    using PlaceObserver = std::function<void(const EditorPlace& place)>;
     virtual void follow(PlaceObserver observer) { static_cast<void>(observer); }
+
+    /// Takes one step back in the editor's own list of places, if it can be asked to. Not on the
+    /// main thread.
+    virtual JumpResult goBack(const QDeadlineTimer& deadline) {
+        static_cast<void>(deadline);
+        return {};
+    }
 
 protected:
     RunningEditor() = default;

@@ -55,6 +55,9 @@ public:
     // Leading and following, for clients that show the code beside the editor. An editor that can
     // do none of it keeps these bodies.
 
+    /// The editor's name for users, "Neovim"; empty where none has answered. Never blocks.
+    virtual QString name() { return {}; }
+
     using MoveObserver = std::function<void(const EditorPosition& position)>;
     using OutcomeObserver = std::function<void(const EditorOutcome& outcome)>;
 

@@ -79,4 +79,9 @@ QByteArray hookOpenLine(const EditorPlace& place, qint64 request) {
     return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
 }
 
+QByteArray hookBackLine(qint64 request) {
+    const QJsonObject object = {{QStringLiteral("back"), true}, {QStringLiteral("id"), request}};
+    return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
+}
+
 } // namespace navrel

@@ -37,5 +37,7 @@ std::optional<HookMessage> hookMessageFrom(const QByteArray& line);
 
 /// Asks a plug-in to go to a place. It answers with the number of the request.
 QByteArray hookOpenLine(const EditorPlace& place, qint64 request);
+/// Asks a plug-in to go one step back in its editor's own list of places. It answers likewise.
+QByteArray hookBackLine(qint64 request);
 
 } // namespace navrel

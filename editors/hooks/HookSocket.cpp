@@ -1,15 +1,14 @@
 #include "editors/hooks/HookSocket.h"
 
 #include "support/Log.h"
+#include "support/sockets/UnixPeer.h"
 
 #include <QLocalSocket>
 #include <QTimer>
 
 #include <algorithm>
 #include <map>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <unistd.h>
 #include <utility>
 
 namespace navrel {
@@ -20,20 +19,6 @@ namespace {
 constexpr int kLinesAtATime = 32;
 /// A plug-in that does not read what it is sent is of no use.
 constexpr qint64 kMaximumUnsent = 256 * 1024;
-
-bool isThisUser(const QLocalSocket& socket) {
-    const auto descriptor = static_cast<int>(socket.socketDescriptor());
-#ifdef SO_PEERCRED
-    ucred peer = {};
-    socklen_t length = sizeof peer;
-    return ::getsockopt(descriptor, SOL_SOCKET, SO_PEERCRED, &peer, &length) == 0 &&
-           peer.uid == ::geteuid();
-#else
-    uid_t user = 0;
-    gid_t group = 0;
-    return ::getpeereid(descriptor, &user, &group) == 0 && user == ::geteuid();
-#endif
-}
 
 /// Whether a file lies in a folder, by its path.
 bool holds(const QString& folder, const QString& file) {
@@ -49,6 +34,10 @@ struct HookSocket::Connection {
     QString editor;
     QStringList folders;
     std::map<qint64, Reply> requests; // that it has not answered
+    bool isSilent = false;            // since a request that waited for too long
+
+    /// What has not said hello yet may be no editor.
+    bool takesRequests() const { return !editor.isEmpty() && !isSilent; }
 };
 
 std::optional<QString> HookSocket::standardPath() {
@@ -87,7 +76,8 @@ void HookSocket::accept() {
         socket->setParent(nullptr);
         auto connection = std::make_unique<Connection>();
         connection->socket.reset(socket);
-        if (connections_.size() >= kMaximumEditors || !isThisUser(*socket)) {
+        if (connections_.size() >= kMaximumEditors ||
+            !isPeerThisUser(static_cast<int>(socket->socketDescriptor()))) {
             continue; // which closes it
         }
         socket->setReadBufferSize(kMaximumHookLine + 1);
@@ -120,6 +110,7 @@ void HookSocket::read(Connection& connection) {
 }
 
 void HookSocket::hear(Connection& connection, const HookMessage& message) {
+    connection.isSilent = false;
     switch (message.kind) {
     case HookMessage::Kind::Hello:
         connection.editor = message.editor;
@@ -176,35 +167,60 @@ void HookSocket::disconnect(Connection& connection) {
     }
 }
 
+QString HookSocket::latestEditor() const {
+    return connections_.empty() ? QString() : connections_.front()->editor;
+}
+
+/// The window that spoke last, of those that take requests.
+HookSocket::Connection* HookSocket::latestWindow() const {
+    const auto found =
+        std::find_if(connections_.begin(), connections_.end(),
+                     [](const auto& connection) { return connection->takesRequests(); });
+    return found == connections_.end() ? nullptr : found->get();
+}
+
 HookSocket::Connection* HookSocket::windowFor(const QByteArray& path) const {
     const QString file = QString::fromUtf8(path);
     const auto holdsFile = [&file](const auto& connection) {
         const QStringList& folders = connection->folders;
-        return std::any_of(folders.begin(), folders.end(),
+        return connection->takesRequests() &&
+               std::any_of(folders.begin(), folders.end(),
                            [&file](const QString& folder) { return holds(folder, file); });
     };
-    const auto saidHello = [](const auto& connection) { return !connection->editor.isEmpty(); };
-    auto found = std::find_if(connections_.begin(), connections_.end(), holdsFile);
-    if (found == connections_.end()) {
-        found = std::find_if(connections_.begin(), connections_.end(), saidHello);
-    }
-    return found == connections_.end() ? nullptr : found->get();
+    const auto found = std::find_if(connections_.begin(), connections_.end(), holdsFile);
+    return found == connections_.end() ? latestWindow() : found->get();
 }
 
-bool HookSocket::open(const EditorPlace& place, Reply reply) {
-    Connection* const window = windowFor(place.path);
+qint64 HookSocket::open(const EditorPlace& place, Reply reply) {
+    return send(
+        windowFor(place.path), [&](qint64 request) { return hookOpenLine(place, request); },
+        std::move(reply));
+}
+
+qint64 HookSocket::goBack(Reply reply) {
+    return send(latestWindow(), hookBackLine, std::move(reply));
+}
+
+qint64 HookSocket::send(Connection* window, const std::function<QByteArray(qint64)>& line,
+                        Reply reply) {
     if (window == nullptr) {
-        return false;
+        return 0;
     }
     if (window->socket->bytesToWrite() > kMaximumUnsent) {
         disconnect(*window);
-        return false;
+        return 0;
     }
     const qint64 request = ++lastRequest_;
     window->requests.emplace(request, std::move(reply));
-    window->socket->write(hookOpenLine(place, request));
+    window->socket->write(line(request));
     window->socket->flush();
-    return true;
+    return request;
+}
+
+void HookSocket::giveUpOn(qint64 request) {
+    for (const auto& connection : connections_) {
+        connection->isSilent = connection->isSilent || connection->requests.count(request) > 0;
+    }
 }
 
 } // namespace navrel

@@ -37,8 +37,12 @@ public:
     /// Where the user of the editor that spoke last is; nil while none has.
     const std::optional<EditorPlace>& latest() const { return latest_; }
 
+    /// The name of that editor; empty where it has not said hello.
+    QString latestEditor() const;
+
     /// Called when a plug-in says that its user has moved; null for nobody.
-    void setObserver(RunningEditor::PlaceObserver observer) { observer_ = std::move(observer); }
+    using Observer = std::function<void(const EditorPlace& place)>;
+    void setObserver(Observer observer) { observer_ = std::move(observer); }
 
     struct Outcome {
         bool opened = false;
@@ -48,9 +52,14 @@ public:
     using Reply = std::function<void(const Outcome& outcome)>;
 
     /// Sends a place to the window whose folders hold the file, or else to the one that spoke last.
-    /// False where there is none; otherwise `reply` is called once, at the latest when the window
-    /// is gone.
-    bool open(const EditorPlace& place, Reply reply);
+    /// The number of the request, or 0 where there is no window; otherwise `reply` is called once,
+    /// at the latest when the window is gone.
+    qint64 open(const EditorPlace& place, Reply reply);
+    /// The same for one step back, in the window that spoke last.
+    qint64 goBack(Reply reply);
+    /// Says that a request has waited for too long: its window gets no other one until it says
+    /// something again. `reply` is still called.
+    void giveUpOn(qint64 request);
 
 private:
     struct Connection;
@@ -62,11 +71,14 @@ private:
     void answer(Connection& connection, qint64 request, const Outcome& outcome);
     void disconnect(Connection& connection);
     Connection* windowFor(const QByteArray& path) const;
+    Connection* latestWindow() const;
+    qint64 send(Connection* window, const std::function<QByteArray(qint64 request)>& line,
+                Reply reply);
 
     QLocalServer server_;
     Connections connections_; // the one that spoke last comes first
     std::optional<EditorPlace> latest_;
-    RunningEditor::PlaceObserver observer_;
+    Observer observer_;
     qint64 lastRequest_ = 0;
 };
 

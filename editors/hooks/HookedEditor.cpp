@@ -1,29 +1,15 @@
 #include "editors/hooks/HookedEditor.h"
 
-#include "editors/hooks/HookSocket.h"
 #include "support/Log.h"
 #include "support/dispatch/DispatchQueue.h"
 
-#include <chrono>
+#include <algorithm>
+#include <atomic>
 #include <future>
 #include <mutex>
 #include <utility>
 
 namespace navrel {
-
-namespace {
-
-/// A plug-in answers in a few milliseconds; another kind of editor is worth trying after this.
-constexpr std::chrono::milliseconds kAnswerAtMost{2000};
-
-/// What a request to the socket came to.
-struct Sent {
-    bool isSent = false;
-    HookSocket::Outcome outcome;
-    std::optional<EditorPlace> before;
-};
-
-} // namespace
 
 struct HookedEditor::State {
     std::unique_ptr<HookSocket> socket; ///< main thread; null once the editor is gone
@@ -32,7 +18,30 @@ struct HookedEditor::State {
     QString name;
 };
 
-HookedEditor::HookedEditor(const QString& socketPath) : state_(std::make_shared<State>()) {
+/// A request and how it ended. The main thread may answer it after nobody waits any more.
+struct HookedEditor::Exchange {
+    struct Ending {
+        std::optional<HookSocket::Outcome> outcome; ///< nothing where no window took the request
+        std::optional<EditorPlace> before;          ///< where the user was
+    };
+    std::promise<Ending> ending;
+    qint64 request = 0; ///< main thread
+
+    static void begin(const std::shared_ptr<Exchange>& exchange, HookSocket* socket,
+                      const Send& send) {
+        const auto before = socket != nullptr ? socket->latest() : std::nullopt;
+        const auto reply = [exchange, before](const HookSocket::Outcome& outcome) {
+            exchange->ending.set_value({outcome, before});
+        };
+        exchange->request = socket != nullptr ? send(*socket, reply) : 0;
+        if (exchange->request == 0) {
+            exchange->ending.set_value({});
+        }
+    }
+};
+
+HookedEditor::HookedEditor(const QString& socketPath, std::chrono::milliseconds answerAtMost)
+    : state_(std::make_shared<State>()), answerAtMost_(answerAtMost) {
     state_->socket = std::make_unique<HookSocket>(socketPath);
 }
 
@@ -49,7 +58,13 @@ HookedEditor::~HookedEditor() {
 
 std::optional<ActiveFile> HookedEditor::activeFile(const QDeadlineTimer&) {
     const auto& place = state_->socket->latest();
+    learnName(state_->socket->latestEditor());
     return place ? std::optional(ActiveFile{place->path}) : std::nullopt;
+}
+
+void HookedEditor::learnName(const QString& name) {
+    const std::lock_guard lock(state_->mutex);
+    state_->name = name;
 }
 
 QString HookedEditor::name() const {
@@ -58,34 +73,44 @@ QString HookedEditor::name() const {
 }
 
 JumpResult HookedEditor::jump(const EditorPlace& place, const QDeadlineTimer& deadline) {
-    const auto promise = std::make_shared<std::promise<Sent>>();
-    auto sent = promise->get_future();
-    DispatchQueue::mainQueue()->async([state = state_, promise, place] {
-        const auto before = state->socket ? state->socket->latest() : std::nullopt;
-        const bool isSent = state->socket != nullptr &&
-                            state->socket->open(place, [promise, before](const auto& outcome) {
-                                promise->set_value({true, outcome, before});
-                            });
-        if (!isSent) {
-            promise->set_value({});
-        }
+    return resultOf(
+        [place](HookSocket& socket, HookSocket::Reply reply) {
+            return socket.open(place, std::move(reply));
+        },
+        deadline);
+}
+
+JumpResult HookedEditor::goBack(const QDeadlineTimer& deadline) {
+    return resultOf(
+        [](HookSocket& socket, HookSocket::Reply reply) { return socket.goBack(std::move(reply)); },
+        deadline);
+}
+
+JumpResult HookedEditor::resultOf(Send send, const QDeadlineTimer& deadline) {
+    const auto exchange = std::make_shared<Exchange>();
+    auto ending = exchange->ending.get_future();
+    const auto& main = DispatchQueue::mainQueue();
+    main->async([state = state_, exchange, send = std::move(send)] {
+        Exchange::begin(exchange, state->socket.get(), send);
     });
     const auto left = std::min<std::chrono::milliseconds>(
-        kAnswerAtMost, std::chrono::milliseconds(deadline.remainingTime()));
-    if (sent.wait_for(left) != std::future_status::ready) {
+        answerAtMost_, std::chrono::milliseconds(deadline.remainingTime()));
+    if (ending.wait_for(left) != std::future_status::ready) {
+        main->async([state = state_, exchange] {
+            if (state->socket != nullptr) {
+                state->socket->giveUpOn(exchange->request);
+            }
+        });
         return {EditorOutcome::Kind::asksUser, QStringLiteral("The editor did not answer."), {}};
     }
-    const Sent result = sent.get();
-    if (!result.isSent) {
+    const Exchange::Ending result = ending.get();
+    if (!result.outcome) {
         return {};
     }
-    {
-        const std::lock_guard lock(state_->mutex);
-        state_->name = result.outcome.editor;
-    }
+    learnName(result.outcome->editor);
     const auto kind =
-        result.outcome.opened ? EditorOutcome::Kind::opened : EditorOutcome::Kind::refused;
-    return {kind, result.outcome.reason, result.before};
+        result.outcome->opened ? EditorOutcome::Kind::opened : EditorOutcome::Kind::refused;
+    return {kind, result.outcome->reason, result.before};
 }
 
 bool HookedEditor::open(const QByteArray& path, std::optional<int> line,
@@ -100,10 +125,17 @@ bool HookedEditor::open(const QByteArray& path, std::optional<int> line,
 }
 
 void HookedEditor::follow(PlaceObserver observer) {
-    if (observer != nullptr && state_->socket->latest()) {
-        observer(*state_->socket->latest());
+    if (observer == nullptr) {
+        return state_->socket->setObserver(nullptr);
     }
-    state_->socket->setObserver(std::move(observer));
+    learnName(state_->socket->latestEditor());
+    if (const auto& latest = state_->socket->latest()) {
+        observer(*latest, PlaceNews::isThere);
+    }
+    state_->socket->setObserver([this, observer = std::move(observer)](const EditorPlace& place) {
+        learnName(state_->socket->latestEditor());
+        observer(place, PlaceNews::cameThere);
+    });
 }
 
 } // namespace navrel

@@ -45,6 +45,19 @@ public:
         return answersOpen;
     }
 
+    JumpResult jump(const EditorPlace& place, const QDeadlineTimer& deadline) override {
+        JumpResult result;
+        if (open(place.path, place.line, deadline)) {
+            result.kind = EditorOutcome::Kind::opened;
+        }
+        return result;
+    }
+    JumpResult goBack(const QDeadlineTimer&) override {
+        ++stepsBack;
+        return {goesBack ? EditorOutcome::Kind::opened : EditorOutcome::Kind::notRunning, {}, {}};
+    }
+    void follow(PlaceObserver toTell) override { observer = std::move(toTell); }
+
     std::vector<Opened> opened() const {
         const std::lock_guard lock(mutex_);
         return opened_;
@@ -64,6 +77,9 @@ public:
     std::chrono::milliseconds timeTaken{};
     std::atomic<bool> answersOpen = true;
     std::atomic<bool> isHeld = false;
+    std::atomic<bool> goesBack = false;
+    std::atomic<int> stepsBack = 0;
+    PlaceObserver observer; ///< null while nobody follows
 
 private:
     mutable std::mutex mutex_; ///< guards what follows; any thread
@@ -259,6 +275,78 @@ TEST_F(FollowedEditorTest, whatNamesNoFileOpensNothing) {
     followed.openFile(QStringLiteral("/a.m"), 1);
     ASSERT_TRUE(waitUntil([&] { return !first->opened().empty(); }));
     EXPECT_EQ(first->opened().front().path, "/a.m");
+}
+
+/// Editors that report where their users are.
+class FocusedEditor : public FollowedEditorTest {
+protected:
+    using News = RunningEditor::PlaceNews;
+
+    FocusedEditor() {
+        first->file = "/a/one.m";
+        second->file = "/a/two.m";
+        followed.onMove([this](const EditorPosition& position) { shown.append(position.path); });
+    }
+
+    QStringList shown;
+};
+
+TEST_F(FocusedEditor, theOneThatWasMovedInLastComesFirst) {
+    EXPECT_EQ(followed.activeFileName(), QStringLiteral("one.m"));
+    second->observer({"/a/two.m", 3, 1, false}, News::cameThere);
+    EXPECT_EQ(followed.activeFileName(), QStringLiteral("two.m"));
+    followed.openFile(QStringLiteral("/b.m"), 7);
+    EXPECT_TRUE(waitUntil([&] { return second->opened().size() == 1; }));
+    EXPECT_TRUE(first->opened().empty());
+
+    first->observer({"/a/one.m", 9, 1, false}, News::cameThere);
+    EXPECT_EQ(followed.activeFileName(), QStringLiteral("one.m"));
+    EXPECT_EQ(shown, QStringList({QStringLiteral("/a/two.m"), QStringLiteral("/a/one.m")}));
+}
+
+TEST_F(FocusedEditor, oneThatWasClosedLeavesItsPlaceToTheOthers) {
+    second->observer({"/a/two.m", 3, 1, false}, News::cameThere);
+    second->file = std::nullopt;
+    second->answersOpen = false;
+    EXPECT_EQ(followed.activeFileName(), QStringLiteral("one.m"));
+    followed.openFile(QStringLiteral("/b.m"), 7);
+    EXPECT_TRUE(waitUntil([&] { return first->opened().size() == 1; }));
+}
+
+TEST_F(FocusedEditor, whatStoodThereBeforeIsNoMove) {
+    second->observer({"/a/two.m", 3, 1, false}, News::isThere);
+    EXPECT_EQ(followed.position()->path, QStringLiteral("/a/two.m"));
+    first->observer({"/a/one.m", 9, 1, false}, News::isThere);
+    EXPECT_EQ(followed.position()->path, QStringLiteral("/a/one.m")) << "it comes first";
+    second->observer({"/a/two.m", 3, 1, false}, News::isThere);
+    EXPECT_EQ(followed.position()->path, QStringLiteral("/a/one.m")) << "nobody moved there";
+    second->observer({"/a/two.m", 4, 1, false}, News::cameThere);
+    EXPECT_EQ(followed.position()->path, QStringLiteral("/a/two.m"));
+    first->observer({"/a/one.m", 9, 1, false}, News::isThere);
+    EXPECT_EQ(followed.position()->path, QStringLiteral("/a/two.m"));
+}
+
+TEST_F(FocusedEditor, noEditorIsAskedOnceNobodyFollows) {
+    followed.onMove(nullptr);
+    EXPECT_EQ(first->observer, nullptr);
+    EXPECT_EQ(second->observer, nullptr);
+    EXPECT_EQ(followed.position(), std::nullopt);
+}
+
+TEST_F(FocusedEditor, withoutAJumpToGoBackFromTheEditorsOwnListServes) {
+    const auto kind = std::make_shared<std::atomic<int>>(-1);
+    const auto back = [&] {
+        *kind = -1;
+        followed.back(
+            [kind](const EditorOutcome& outcome) { *kind = static_cast<int>(outcome.kind); });
+        EXPECT_TRUE(waitUntil([&] { return *kind >= 0; }));
+        return static_cast<EditorOutcome::Kind>(kind->load());
+    };
+    EXPECT_EQ(back(), EditorOutcome::Kind::refused);
+    EXPECT_EQ(second->stepsBack, 1);
+    first->goesBack = true;
+    EXPECT_EQ(back(), EditorOutcome::Kind::opened);
+    EXPECT_EQ(second->stepsBack, 1);
 }
 
 /// A Neovim and an Emacs, each with a file; what they open is nobody's here.

@@ -67,6 +67,7 @@ TEST(HookMessage, aRequestIsOneLine) {
     EXPECT_EQ(hookOpenLine({"/a.m", 0, 0, false}, 1), "{\"id\":1,\"open\":\"/a.m\"}\n");
     EXPECT_EQ(hookOpenLine({"/a.m", 2, 5, false}, 1),
               "{\"column\":5,\"id\":1,\"line\":2,\"open\":\"/a.m\"}\n");
+    EXPECT_EQ(hookBackLine(9), "{\"back\":true,\"id\":9}\n");
 }
 
 /// A plug-in, as far as lines go.
@@ -181,15 +182,15 @@ TEST_F(Hooks, aRequestGoesToTheWindowThatShowsTheFolder) {
     ASSERT_TRUE(waitUntil([&] { return shows("/home/two/y.m", 1); }));
 
     HookSocket::Outcome outcome;
-    ASSERT_TRUE(
-        socket.open({"/home/one/z.m", 9, 0, false}, [&](const auto& got) { outcome = got; }));
+    ASSERT_GT(socket.open({"/home/one/z.m", 9, 0, false}, [&](const auto& got) { outcome = got; }),
+              0);
     EXPECT_EQ(first.hear(), "{\"id\":1,\"line\":9,\"open\":\"/home/one/z.m\"}\n");
     first.say(R"({"opened":1})");
     EXPECT_TRUE(waitUntil([&] { return outcome.opened; }));
     EXPECT_EQ(outcome.editor, QStringLiteral("First"));
 
-    ASSERT_TRUE(
-        socket.open({"/elsewhere/z.m", 1, 0, false}, [&](const auto& got) { outcome = got; }));
+    ASSERT_GT(socket.open({"/elsewhere/z.m", 1, 0, false}, [&](const auto& got) { outcome = got; }),
+              0);
     EXPECT_EQ(second.hear(), "{\"id\":2,\"line\":1,\"open\":\"/elsewhere/z.m\"}\n");
     second.say(R"({"refused":2,"reason":"no such file"})");
     EXPECT_TRUE(waitUntil([&] { return outcome.reason == QStringLiteral("no such file"); }));
@@ -201,14 +202,42 @@ TEST_F(Hooks, anEditorThatDiesInTheMiddleRefuses) {
     editor->say(R"({"active":"/a.m","line":1})");
     ASSERT_TRUE(waitUntil([&] { return shows("/a.m", 1); }));
     int replies = 0;
-    ASSERT_TRUE(socket.open({"/b.m", 1, 0, false}, [&](const auto& outcome) {
-        EXPECT_FALSE(outcome.opened);
-        ++replies;
-    }));
+    ASSERT_GT(socket.open({"/b.m", 1, 0, false},
+                          [&](const auto& outcome) {
+                              EXPECT_FALSE(outcome.opened);
+                              ++replies;
+                          }),
+              0);
     editor = nullptr;
     EXPECT_TRUE(waitUntil([&] { return replies == 1; }));
     EXPECT_EQ(socket.latest(), std::nullopt);
-    EXPECT_FALSE(socket.open({"/b.m", 1, 0, false}, nullptr));
+    EXPECT_EQ(socket.open({"/b.m", 1, 0, false}, nullptr), 0);
+}
+
+TEST_F(Hooks, aWindowThatDoesNotAnswerGetsNoMoreRequestsUntilItSpeaks) {
+    PlugIn editor(path());
+    editor.say(R"({"hello":"A"})");
+    editor.say(R"({"active":"/a.m","line":1})");
+    ASSERT_TRUE(waitUntil([&] { return shows("/a.m", 1); }));
+    bool isOpen = false;
+    const qint64 request =
+        socket.open({"/b.m", 1, 0, false}, [&](const auto& outcome) { isOpen = outcome.opened; });
+    ASSERT_EQ(request, 1);
+    socket.giveUpOn(request);
+    EXPECT_EQ(socket.open({"/b.m", 1, 0, false}, nullptr), 0);
+    EXPECT_EQ(socket.goBack(nullptr), 0);
+    editor.say(R"({"opened":1})");
+    EXPECT_TRUE(waitUntil([&] { return isOpen; })) << "late, but true";
+    EXPECT_EQ(socket.goBack([](const auto&) {}), 2);
+    EXPECT_EQ(editor.hear(), "{\"id\":1,\"line\":1,\"open\":\"/b.m\"}\n");
+    EXPECT_EQ(editor.hear(), "{\"back\":true,\"id\":2}\n");
+}
+
+TEST_F(Hooks, whatHasNotSaidHelloGetsNoRequests) {
+    PlugIn stranger(path());
+    stranger.say(R"({"active":"/a.m","line":1})");
+    ASSERT_TRUE(waitUntil([&] { return shows("/a.m", 1); }));
+    EXPECT_EQ(socket.open({"/b.m", 1, 0, false}, nullptr), 0);
 }
 
 TEST_F(Hooks, theSocketOfARunningProgramIsLeftToIt) {
@@ -266,7 +295,7 @@ TEST(HookExample, thePlugInOfTheManualWorks) {
     ASSERT_TRUE(waitUntil([&] { return socket.latest().has_value(); }));
     EXPECT_EQ(socket.latest()->path, "/tmp/example.m");
     HookSocket::Outcome outcome;
-    ASSERT_TRUE(socket.open({"/tmp/b.m", 7, 0, false}, [&](const auto& got) { outcome = got; }));
+    ASSERT_GT(socket.open({"/tmp/b.m", 7, 0, false}, [&](const auto& got) { outcome = got; }), 0);
     EXPECT_TRUE(waitUntil([&] { return outcome.opened; }));
     EXPECT_EQ(outcome.editor, QStringLiteral("Example"));
     EXPECT_EQ(socket.latest()->line, 7);
@@ -284,8 +313,8 @@ protected:
         ScratchEnvironment::write(fileA().toUtf8(), ScratchEnvironment::lines(200));
         ScratchEnvironment::write(fileB().toUtf8(), ScratchEnvironment::lines(200));
         editor = std::make_unique<FollowedEditor>(
-            std::vector<std::shared_ptr<RunningEditor>>{
-                std::make_shared<HookedEditor>(*HookSocket::standardPath())},
+            std::vector<std::shared_ptr<RunningEditor>>{std::make_shared<HookedEditor>(
+                *HookSocket::standardPath(), std::chrono::seconds(60))},
             nullptr);
         editor->onMove([this](const EditorPosition& position) { last = position; });
         ASSERT_TRUE(terminal.start(

@@ -24,6 +24,9 @@ namespace {
 
 using Kind = EditorOutcome::Kind;
 
+/// No limit of a jump is tested here.
+constexpr std::chrono::milliseconds kPatience{60'000};
+
 class LeadAndFollow : public ::testing::TestWithParam<const char*> {
 protected:
     void SetUp() override {
@@ -100,10 +103,11 @@ protected:
 
     ScratchEnvironment environment;
     Terminal terminal{environment.pathOf(QStringLiteral("tmux"))};
-    FollowedEditor editor{{isNeovim()
-                               ? std::shared_ptr<RunningEditor>(std::make_shared<NeovimEditor>())
-                               : std::make_shared<EmacsEditor>()},
-                          nullptr};
+    FollowedEditor editor{
+        {isNeovim() ? std::shared_ptr<RunningEditor>(
+                          std::make_shared<NeovimEditor>(kSilentEditorLeftAlone, kPatience))
+                    : std::make_shared<EmacsEditor>(kSilentEditorLeftAlone, kPatience)},
+        nullptr};
     std::optional<EditorPosition> last;
 };
 
@@ -175,6 +179,19 @@ TEST_P(LeadAndFollow, anEditorThatIsGoneDoesNotRun) {
                                            QStringLiteral("Enter")}
                              : QStringList{QStringLiteral("C-x"), QStringLiteral("C-c")});
     EXPECT_TRUE(waitUntil([&] { return open(fileB(), 3).kind == Kind::notRunning; }));
+}
+
+TEST(LeadAndFollowEmacs, oneThatIsStoppedIsSaidNotToAnswer) {
+    ScratchEnvironment environment;
+    environment.set("EMACS_SOCKET_NAME", "server");
+    ScratchEnvironment::write(environment.bytesOf("bin/emacsclient"), "#!/bin/sh\nsleep 600\n");
+    QFile(environment.pathOf(QStringLiteral("bin/emacsclient")))
+        .setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    environment.set("PATH", environment.bytesOf("bin") + ':' + qgetenv("PATH"));
+    EmacsEditor stopped;
+    const JumpResult result = stopped.jump({"/b.m", 3, 0, false}, QDeadlineTimer(60'000));
+    EXPECT_EQ(result.kind, Kind::asksUser);
+    EXPECT_EQ(result.reason, QStringLiteral("Emacs did not answer in time."));
 }
 
 TEST(LeadAndFollowNeovim, halfACommandIsNotAnsweredForTheUser) {
