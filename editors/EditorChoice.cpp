@@ -1,14 +1,17 @@
 #include "editors/EditorChoice.h"
 
+#include "editors/CodeCommandEditor.h"
 #include "editors/DesktopEditor.h"
 #include "editors/EmacsEditor.h"
 #include "editors/FollowedEditor.h"
+#include "editors/KateEditor.h"
 #include "editors/NeovimEditor.h"
 #include "editors/XcodeEditor.h"
 #include "editors/hooks/HookSocket.h"
 #include "editors/hooks/HookedEditor.h"
 #include "support/Log.h"
 
+#include <QDBusConnection>
 #include <QFileInfo>
 
 #include <utility>
@@ -32,6 +35,10 @@ std::vector<std::shared_ptr<RunningEditor>> hookedEditors() {
     return {std::make_shared<HookedEditor>(*path)};
 }
 
+std::shared_ptr<KateEditor> kate() {
+    return std::make_shared<KateEditor>(QDBusConnection::sessionBus());
+}
+
 std::shared_ptr<Editor> detectedEditor() {
     if (QFileInfo(XcodeEditor::Tools().osascript).isExecutable()) {
         return std::make_shared<XcodeEditor>();
@@ -39,6 +46,8 @@ std::shared_ptr<Editor> detectedEditor() {
     std::vector<std::shared_ptr<RunningEditor>> editors = hookedEditors();
     editors.push_back(std::make_shared<NeovimEditor>());
     editors.push_back(std::make_shared<EmacsEditor>());
+    editors.push_back(kate());
+    editors.push_back(std::make_shared<CodeCommandEditor>());
     return following(std::move(editors), std::make_shared<DesktopEditor>());
 }
 
@@ -55,9 +64,16 @@ std::shared_ptr<Editor> chooseEditor() {
     if (name == QStringLiteral("emacs")) {
         return following({std::make_shared<EmacsEditor>()});
     }
-    if (name == QStringLiteral("plugin") || name == QStringLiteral("vscode") ||
-        name == QStringLiteral("vim")) {
+    if (name == QStringLiteral("kate")) {
+        return following({kate()});
+    }
+    if (name == QStringLiteral("plugin") || name == QStringLiteral("vim")) {
         return following(hookedEditors());
+    }
+    if (name == QStringLiteral("vscode")) {
+        auto editors = hookedEditors();
+        editors.push_back(std::make_shared<CodeCommandEditor>());
+        return following(std::move(editors));
     }
     if (name == QStringLiteral("desktop")) {
         return std::make_shared<DesktopEditor>();

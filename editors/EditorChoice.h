@@ -7,9 +7,10 @@
 namespace navrel {
 
 /// The editor that the environment names in `NAVREL_EDITOR` ("xcode", "neovim", "emacs", "vscode",
-/// "vim", "plugin" for any editor with a plug-in, "desktop"). Where it names none: Xcode where its
-/// tools are installed, else the first that answers of the editors with plug-ins, Neovim, Emacs and
-/// the desktop's opener, asked again every time. Needs a QCoreApplication. Main thread.
+/// "vim", "kate", "plugin" for any editor with a plug-in, "desktop"). Where it names none: Xcode
+/// where its tools are installed, else the one that the user moved in last, else the first that
+/// answers of the editors with plug-ins, Neovim, Emacs, Kate, VS Code by its command and the
+/// desktop's opener, asked again every time. Needs a QCoreApplication. Main thread.
 std::shared_ptr<Editor> chooseEditor();
 
 } // namespace navrel

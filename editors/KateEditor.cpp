@@ -1,0 +1,146 @@
+#include "editors/KateEditor.h"
+
+#include "editors/Deadlines.h"
+#include "editors/KateBus.h"
+#include "support/Log.h"
+#include "support/dispatch/DispatchQueue.h"
+
+#include <chrono>
+#include <utility>
+
+namespace navrel {
+
+namespace {
+
+using Outcome = KateReading::Outcome;
+
+const QByteArray kKate = "Kate";
+constexpr std::chrono::milliseconds kInterval{500};
+
+EditorPlace placeOf(const KateWindow& window) {
+    return {window.file, 0, 0, window.isModified};
+}
+
+} // namespace
+
+/// Asks on a thread of its own, one question at a time. The main thread lets go of it to end that.
+struct KateEditor::Following {
+    Following(QDBusConnection sessionBus, PlaceObserver toTell)
+        : bus(std::move(sessionBus)), observer(std::move(toTell)),
+          questions(DispatchQueue::serialQueue(QStringLiteral("Kate"))) {}
+
+    static void ask(const std::shared_ptr<Following>& self) {
+        if (std::exchange(self->isAsking, true)) {
+            return;
+        }
+        // Only the main thread destroys it, with the timer in it.
+        self->questions->async([bus = self->bus, weak = std::weak_ptr(self)] {
+            const KateReading reading = readKateWindow(bus, QDeadlineTimer(kInterval));
+            DispatchQueue::mainQueue()->async([weak, reading] {
+                if (const auto following = weak.lock()) {
+                    following->hear(reading);
+                }
+            });
+        });
+    }
+    void hear(const KateReading& reading) {
+        isAsking = false;
+        const auto news = std::exchange(isFirst, false) ? PlaceNews::isThere : PlaceNews::cameThere;
+        if (reading.outcome == Outcome::Window && last != placeOf(reading.window)) {
+            last = placeOf(reading.window);
+            observer(*last, news);
+        }
+    }
+
+    // Main thread.
+    const QDBusConnection bus;
+    const PlaceObserver observer;
+    const std::shared_ptr<DispatchQueue> questions;
+    std::optional<EditorPlace> last;
+    bool isAsking = false;
+    bool isFirst = true;
+    QTimer timer;
+};
+
+KateEditor::KateEditor(const QDBusConnection& bus, std::chrono::milliseconds answerAtMost)
+    : bus_(bus), answerAtMost_(answerAtMost) {}
+
+KateEditor::~KateEditor() = default;
+
+std::optional<ActiveFile> KateEditor::activeFile(const QDeadlineTimer& deadline) {
+    if (silent_.contains(kKate)) {
+        return answers_.of(kKate);
+    }
+    const KateReading reading = readKateWindow(bus_, deadline);
+    switch (reading.outcome) {
+    case Outcome::Window:
+        answers_.add(kKate, reading.window.file);
+        break;
+    case Outcome::None:
+        answers_.forget(kKate);
+        break;
+    case Outcome::Silent:
+        silent_.add(kKate);
+        break;
+    }
+    return answers_.of(kKate);
+}
+
+bool KateEditor::open(const QByteArray& path, std::optional<int> line,
+                      const QDeadlineTimer& deadline) {
+    const JumpResult result = jump({path, line.value_or(0), 0, false}, deadline);
+    const bool isThere = result.kind != EditorOutcome::Kind::notRunning;
+    if (isThere && result.kind != EditorOutcome::Kind::opened) {
+        log(QStringLiteral("Kate did not open %1: %2").arg(QString::fromUtf8(path), result.reason));
+    }
+    return isThere;
+}
+
+JumpResult KateEditor::jump(const EditorPlace& place, const QDeadlineTimer& deadline) {
+    const QDeadlineTimer end = earlierOf(deadline, answerAtMost_);
+    if (silent_.contains(kKate)) {
+        return {};
+    }
+    const KateReading reading = readKateWindow(bus_, end);
+    if (reading.outcome == Outcome::None) {
+        return {};
+    }
+    if (reading.outcome == Outcome::Silent) {
+        // It is not asked to open anything: it would do that whenever it goes on.
+        silent_.add(kKate);
+        return {EditorOutcome::Kind::asksUser, QStringLiteral("Kate does not answer."), {}};
+    }
+    const auto isOpen =
+        openInKate(bus_, reading.window.service, place.path, place.line, place.column, end);
+    if (!isOpen) {
+        return {EditorOutcome::Kind::asksUser, QStringLiteral("Kate did not answer in time."), {}};
+    }
+    if (!*isOpen) {
+        return {EditorOutcome::Kind::refused, QStringLiteral("Kate cannot open it."), {}};
+    }
+    EditorPlace before = placeOf(reading.window);
+    if (ledTo_ && ledTo_->path == before.path) {
+        before.line = ledTo_->line;
+        before.column = ledTo_->column;
+    }
+    ledTo_ = place;
+    return {EditorOutcome::Kind::opened, {}, before};
+}
+
+void KateEditor::follow(PlaceObserver observer) {
+    following_ = nullptr;
+    if (observer == nullptr) {
+        return;
+    }
+    following_ = std::make_shared<Following>(bus_, std::move(observer));
+    QObject::connect(&following_->timer, &QTimer::timeout, &following_->timer,
+                     [weak = std::weak_ptr(following_)] {
+                         if (const auto following = weak.lock()) {
+                             Following::ask(following);
+                         }
+                     });
+    following_->timer.start(kInterval);
+    Following::ask(following_);
+}
+
+} // namespace navrel

@@ -1,0 +1,141 @@
+// The real Kate, without a display, on a session bus of its own.
+
+#include "editors/FollowedEditor.h"
+#include "editors/KateEditor.h"
+#include "support/ToolRunner.h"
+#include "tests/SessionBus.h"
+#include "tests/WaitUntil.h"
+#include "tests/editors/ScratchEnvironment.h"
+
+#include <QDBusMessage>
+#include <QDir>
+#include <QProcess>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <csignal>
+#include <memory>
+#include <optional>
+#include <sys/types.h>
+
+namespace navrel {
+namespace {
+
+using Kind = EditorOutcome::Kind;
+
+/// Far beyond what a busy machine needs: these tests are not about time.
+constexpr std::chrono::milliseconds kPatience{60'000};
+
+TEST(KateEditor, withoutABusOrAKateNoneRuns) {
+    KateEditor nowhere(QDBusConnection(QStringLiteral("no such connection")));
+    EXPECT_EQ(nowhere.activeFile(QDeadlineTimer(1000)), std::nullopt);
+    EXPECT_FALSE(nowhere.open("/a.m", 1, QDeadlineTimer(1000)));
+    if (!SessionBus::isAvailable()) {
+        GTEST_SKIP() << "needs dbus-daemon";
+    }
+    SessionBus bus;
+    KateEditor nobody(bus.connect(), kPatience);
+    EXPECT_EQ(nobody.activeFile(QDeadlineTimer(kPatience)), std::nullopt);
+    EXPECT_EQ(nobody.jump({"/a.m", 1, 0, false}, QDeadlineTimer(kPatience)).kind, Kind::notRunning);
+}
+
+class Kate : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (!findTool(QStringLiteral("kate")) || !SessionBus::isAvailable()) {
+            GTEST_SKIP() << "needs kate and dbus-daemon";
+        }
+        ScratchEnvironment::write(fileA().toUtf8(), ScratchEnvironment::lines(200));
+        ScratchEnvironment::write(fileB().toUtf8(), ScratchEnvironment::lines(200));
+        bus = std::make_unique<SessionBus>();
+        environment.set("DBUS_SESSION_BUS_ADDRESS", bus->address().toUtf8());
+        environment.set("QT_QPA_PLATFORM", "offscreen");
+        kate.setStandardErrorFile(QProcess::nullDevice());
+        kate.start(QStringLiteral("kate"), {QStringLiteral("-n"), fileA()});
+        editor = std::make_unique<FollowedEditor>(
+            std::vector<std::shared_ptr<RunningEditor>>{
+                std::make_shared<KateEditor>(bus->connect(), kPatience)},
+            nullptr);
+        editor->onMove([this](const EditorPosition& position) { last = position; });
+        ASSERT_TRUE(waitUntil([&] { return last && last->path == fileA(); }));
+    }
+    ~Kate() override {
+        editor = nullptr;
+        ::kill(static_cast<pid_t>(kate.processId()), SIGCONT);
+        kate.kill();
+        kate.waitForFinished();
+    }
+
+    QString fileA() const { return environment.pathOf(QStringLiteral("work/a.m")); }
+    QString fileB() const { return environment.pathOf(QStringLiteral("work/b: 100%.m")); }
+
+    template <typename Request>
+    static Kind outcomeOf(Request request) {
+        const auto kind = std::make_shared<std::atomic<int>>(-1);
+        request([kind](const EditorOutcome& outcome) {
+            EXPECT_TRUE(outcome.editor.isEmpty() || outcome.editor == QStringLiteral("Kate"));
+            *kind = static_cast<int>(outcome.kind);
+        });
+        EXPECT_TRUE(waitUntil([&] { return *kind >= 0; }));
+        return static_cast<Kind>(kind->load());
+    }
+    Kind open(const QString& file, int line) {
+        return outcomeOf([&](const auto& done) { editor->open(file, line, done); });
+    }
+    Kind back() {
+        return outcomeOf([&](const auto& done) { editor->back(done); });
+    }
+    bool shows(const QString& file) {
+        return waitUntil([&] { return last && last->path == file; });
+    }
+
+    /// What Kate writes when it quits: the cursors of its documents, and the lines around them.
+    QByteArray sessionAfterQuitting() {
+        const auto connection = bus->connect();
+        const QString service = QStringLiteral("org.kde.kate-%1").arg(kate.processId());
+        callOverBus(connection, service, QStringLiteral("/kate/MainWindow_1"),
+                    QStringLiteral("org.kde.kate.KateMainWindow"), QStringLiteral("slotFileQuit"));
+        EXPECT_TRUE(waitUntil([&] { return kate.state() == QProcess::NotRunning; }));
+        return ScratchEnvironment::read(
+            environment.bytesOf("home/.local/share/kate/anonymous.katesession"));
+    }
+
+    ScratchEnvironment environment;
+    std::unique_ptr<SessionBus> bus;
+    QProcess kate;
+    std::unique_ptr<FollowedEditor> editor;
+    std::optional<EditorPosition> last;
+};
+
+TEST_F(Kate, aJumpLeadsToTheLineAndIsFollowed) {
+    EXPECT_EQ(open(fileB(), 42), Kind::opened);
+    EXPECT_TRUE(shows(fileB()));
+    EXPECT_EQ(editor->activeFileName(), QStringLiteral("b: 100%.m"));
+    EXPECT_TRUE(sessionAfterQuitting().contains("CursorLine=41")) << "it counts from 0";
+    EXPECT_EQ(open(fileB(), 42), Kind::notRunning);
+}
+
+TEST_F(Kate, theWayBackLeadsThroughWhereItWasLedTo) {
+    EXPECT_EQ(open(fileB(), 42), Kind::opened);
+    ASSERT_TRUE(shows(fileB()));
+    EXPECT_EQ(open(fileB(), 90), Kind::opened);
+    EXPECT_EQ(back(), Kind::opened);
+    EXPECT_EQ(back(), Kind::opened);
+    EXPECT_TRUE(shows(fileA()));
+    EXPECT_EQ(back(), Kind::refused);
+    EXPECT_TRUE(sessionAfterQuitting().contains("CursorLine=41"));
+}
+
+TEST_F(Kate, oneThatIsStoppedShowsWhatItShowedAndIsNotAskedToOpen) {
+    ASSERT_EQ(editor->activeFileName(), QStringLiteral("a.m"));
+    ::kill(static_cast<pid_t>(kate.processId()), SIGSTOP);
+    EXPECT_EQ(editor->activeFileName(), QStringLiteral("a.m"));
+    EXPECT_EQ(editor->activeFileName(), QStringLiteral("a.m"));
+    FollowedEditor hasty({std::make_shared<KateEditor>(bus->connect())}, nullptr);
+    EXPECT_EQ(outcomeOf([&](const auto& done) { hasty.open(fileB(), 3, done); }), Kind::asksUser);
+    ::kill(static_cast<pid_t>(kate.processId()), SIGCONT);
+    EXPECT_FALSE(sessionAfterQuitting().contains("b:")) << "it opened the file all the same";
+}
+
+} // namespace
+} // namespace navrel
