@@ -23,8 +23,22 @@ def Send(message: dict<any>)
     endif
 enddef
 
-# Where the user is; only when that has changed.
+# Where the user is; only when that has changed, and at most ten times a second.
+var is_pausing = false
+var is_due = false
+
+def EndPause(_: number)
+    is_pausing = false
+    if is_due
+        Tell()
+    endif
+enddef
+
 def Tell()
+    is_due = is_pausing
+    if is_pausing
+        return
+    endif
     const is_file = empty(&buftype) && !empty(expand('%'))
     const place = {
         active: is_file ? expand('%:p') : v:null,
@@ -35,6 +49,8 @@ def Tell()
     if place != told
         told = place
         Send(place)
+        is_pausing = true
+        timer_start(100, EndPause)
     endif
 enddef
 
@@ -63,10 +79,29 @@ def Show(path: string, line: number, column: number)
     redraw
 enddef
 
-def Open(request: dict<any>, tries: number)
-    if mode(1) ==# 'n' && empty(getcmdwintype())
+def Perform(request: dict<any>)
+    if has_key(request, 'open')
+        Show(request.open, get(request, 'line', 0), get(request, 'column', 0))
+    else
+        execute "normal! \<C-o>"
+        redraw
+    endif
+enddef
+
+# Whether Vim waits for the user's next key: half a command, or a prompt. No key of ours must
+# answer that.
+def WaitsForAKey(): bool
+    return mode(1) =~# '^\%(no\|r\|!\)' || (mode(1) =~# '^n' && !empty(state('mS')))
+enddef
+
+def Serve(request: dict<any>, tries: number)
+    if WaitsForAKey()
+        Send({refused: request.id, reason: 'Vim waits for a key.'})
+        return
+    endif
+    if mode(1) =~# '^nt\?$' && empty(getcmdwintype())
         try
-            Show(request.open, get(request, 'line', 0), get(request, 'column', 0))
+            Perform(request)
             Send({opened: request.id})
         catch
             Send({refused: request.id, reason: v:exception})
@@ -78,16 +113,16 @@ def Open(request: dict<any>, tries: number)
         Send({refused: request.id, reason: 'Vim is in the middle of something.'})
         return
     endif
-    # These keys leave every mode, and no mapping changes them.
-    feedkeys("\<C-\>\<C-n>", 'n')
-    timer_start(20, (_) => Open(request, tries - 1))
+    # These keys leave every mode, and no mapping changes them. A command-line window needs more.
+    feedkeys("\<C-\>\<C-n>" .. (empty(getcmdwintype()) ? '' : "\<C-c>\<C-\>\<C-n>"), 'n')
+    timer_start(20, (_) => Serve(request, tries - 1))
 enddef
 
 def Hear(_: channel, line: string)
     try
         const message = json_decode(line)
-        if type(message) == v:t_dict && has_key(message, 'open')
-            Open(message, 10)
+        if type(message) == v:t_dict && (has_key(message, 'open') || has_key(message, 'back'))
+            Serve(message, 10)
         endif
     catch
         # Not for this plug-in.
@@ -105,6 +140,7 @@ def Connect()
     endtry
     if IsConnected()
         told = {}
+        is_pausing = false
         Send({hello: 'Vim', version: 1, pid: getpid(), folders: [getcwd()]})
         Tell()
     endif
