@@ -64,4 +64,8 @@ void BrowserHost::accessChanged() {
     onMainThread([this] { events_.accessDidChange(); });
 }
 
+void BrowserHost::followingChanged(bool anyClientFollows) {
+    onMainThread([this, anyClientFollows] { events_.followingDidChange(anyClientFollows); });
+}
+
 } // namespace navrel

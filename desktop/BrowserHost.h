@@ -22,6 +22,7 @@ public:
         std::function<void()> fileTypesDidChange;
         std::function<void(const QString& label)> deviceDidPair;
         std::function<void()> accessDidChange;
+        std::function<void(bool anyClientFollows)> followingDidChange;
     };
 
     BrowserHost(KZDataManager& dataManager, Editor& editor, Events events);
@@ -31,6 +32,7 @@ public:
     void switchFileTypes(std::vector<FileTypeSwitch> switches, Reply reply) override;
     void devicePaired(const std::string& label) override;
     void accessChanged() override;
+    void followingChanged(bool anyClientFollows) override;
 
 private:
     void onMainThread(std::function<void()> job);

@@ -46,7 +46,8 @@ BrowserService::BrowserService(Collaborators collaborators)
              [this] {
                  logAccess();
                  fillWindow();
-             }}),
+             },
+             [this](bool anyClientFollows) { followEditor(anyClientFollows); }}),
       access_(settingsOf(collaborators_), mapSourceOf(map_), host_) {
     lookTimer_.setInterval(kLookInterval);
     connect(&lookTimer_, &QTimer::timeout, this, [this] { tellWhatChanged(); });
@@ -58,7 +59,6 @@ BrowserService::~BrowserService() {
 }
 
 void BrowserService::start() {
-    followEditor();
     tellWhatChanged();
     lookTimer_.start();
     access_.start();
@@ -113,7 +113,8 @@ ProgramState BrowserService::programState() const {
     ProgramState state;
     state.device = collaborators_.delegate.connectedChannel() ? ProgramState::Device::connected
                                                               : ProgramState::Device::absent;
-    if (collaborators_.editor.position()) {
+    state.editorName = collaborators_.editor.name().toStdString();
+    if (collaborators_.editor.position() || !state.editorName.empty()) {
         state.editor = ProgramState::Editor::follows;
     }
     if (project_.isEmpty()) {
@@ -124,10 +125,11 @@ ProgramState BrowserService::programState() const {
     return state;
 }
 
-// Nothing is asked of an editor while nobody could see the answer.
-void BrowserService::followEditor() {
-    if (access_.settings().mode == AccessSettings::Mode::off) {
-        return collaborators_.editor.onMove(nullptr);
+// Nothing is asked of an editor while no client could see the answer.
+void BrowserService::followEditor(bool anyClientFollows) {
+    if (!anyClientFollows) {
+        collaborators_.editor.onMove(nullptr);
+        return access_.publishActive({}, 0);
     }
     collaborators_.editor.onMove([this](const EditorPosition& position) {
         access_.publishActive(position.path.toStdString(),
@@ -140,7 +142,6 @@ void BrowserService::changeMode(AccessSettings::Mode mode) {
     AccessSettings settings = access_.settings();
     settings.mode = mode;
     access_.change(std::move(settings));
-    followEditor();
     if (mode != AccessSettings::Mode::off) {
         access_.offerPairing();
     }

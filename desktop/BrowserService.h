@@ -53,7 +53,7 @@ private:
     void tellWhatChanged();
     void publishFileTypes();
     ProgramState programState() const;
-    void followEditor();
+    void followEditor(bool anyClientFollows);
     void logAccess();
     void changeMode(AccessSettings::Mode mode);
     void deviceDidPair(const QString& label);

@@ -42,6 +42,10 @@ public:
     /// A device was paired: a word to the user is due.
     virtual void devicePaired(const std::string& label) = 0;
 
+    /// Whether any client listens to events from now on: where none does, no client could see where
+    /// the editor is. Called on every change of that.
+    virtual void followingChanged(bool anyClientFollows) { static_cast<void>(anyClientFollows); }
+
     /// What `BrowserAccess` answers about its status, its devices or its pairing is another now.
     virtual void accessChanged() = 0;
 };

@@ -607,6 +607,9 @@ HTTPResponse Site::answerReadOnly(const Visit& visit, const HTTPRequest& request
 void Site::openStream(EventStream& stream) {
     streams_.add(stream, parts_.limits.streamsPerDevice);
     parts_.devices.streamsChanged(stream.device(), 1);
+    if (streams_.all().size() == 1) {
+        parts_.host.followingChanged(true);
+    }
     stream.deliver(eventText("hello", json::serialize(helloView(*parts_.map.snapshot(), active_))));
     parts_.host.accessChanged();
 }
@@ -614,6 +617,9 @@ void Site::openStream(EventStream& stream) {
 void Site::closeStream(EventStream& stream) {
     streams_.remove(stream);
     parts_.devices.streamsChanged(stream.device(), -1);
+    if (streams_.all().empty()) {
+        parts_.host.followingChanged(false);
+    }
     parts_.host.accessChanged();
 }
 
