@@ -34,7 +34,9 @@ struct HookSocket::Connection {
     QString editor;
     QStringList folders;
     std::map<qint64, Reply> requests; // that it has not answered
-    bool isSilent = false;            // since a request that waited for too long
+    /// What is due for this connection ends with it. The socket lives a little longer.
+    std::unique_ptr<QObject> lifetime = std::make_unique<QObject>();
+    bool isSilent = false; // since a request that waited for too long
 
     /// What has not said hello yet may be no editor.
     bool takesRequests() const { return !editor.isEmpty() && !isSilent; }
@@ -94,7 +96,8 @@ void HookSocket::read(Connection& connection) {
     QLocalSocket& socket = *connection.socket;
     for (int lines = 0; socket.canReadLine(); ++lines) {
         if (lines == kLinesAtATime) {
-            QTimer::singleShot(0, &socket, [this, &connection] { read(connection); });
+            QTimer::singleShot(0, connection.lifetime.get(),
+                               [this, &connection] { read(connection); });
             return;
         }
         const auto message = hookMessageFrom(socket.readLine());

@@ -171,6 +171,21 @@ TEST_F(Hooks, aFloodLeavesTheOthersTheirTurn) {
     EXPECT_LT(heard.indexOf("/other.m"), kLines / 2) << "it had to wait for the flood's end";
 }
 
+TEST_F(Hooks, anEditorThatDiesInTheMiddleOfAFloodIsForgotten) {
+    for (int round = 1; round <= 20; ++round) {
+        auto flood = std::make_unique<PlugIn>(path());
+        const QByteArray line =
+            R"({"active":"/flood.m","line":)" + QByteArray::number(round) + "}\n";
+        flood->socket.write(line.repeated(2000));
+        ASSERT_TRUE(waitUntil([&] { return shows("/flood.m", round); }));
+        flood->socket.abort();
+        flood = nullptr;
+        PlugIn other(path());
+        other.say(R"({"active":"/other.m","line":5})");
+        ASSERT_TRUE(waitUntil([&] { return shows("/other.m", 5); }));
+    }
+}
+
 TEST_F(Hooks, aRequestGoesToTheWindowThatShowsTheFolder) {
     PlugIn first(path());
     PlugIn second(path());
