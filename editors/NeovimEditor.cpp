@@ -45,6 +45,13 @@ std::optional<bool> waitsForAKey(NeovimConnection& editor, const QDeadlineTimer&
     return mode.value.toMap().value(QStringLiteral("blocking")) != false;
 }
 
+/// Whether an operator waits for its motion: to leave that mode would end what the user began.
+bool isHalfACommand(NeovimConnection& editor, const QDeadlineTimer& deadline) {
+    const Reply mode = editor.call("nvim_get_mode", {}, deadline);
+    return mode.kind == Reply::Kind::Result &&
+           mode.value.toMap().value(QStringLiteral("mode")).toByteArray().startsWith("no");
+}
+
 /// Why a call did not succeed.
 QString failureText(const Reply& reply) {
     if (reply.kind == Reply::Kind::None) {
@@ -106,6 +113,9 @@ std::optional<QString> openIn(NeovimConnection& editor, const QByteArray& path,
 JumpResult jumpIn(NeovimConnection& editor, const EditorPlace& place,
                   std::chrono::milliseconds leaveModeAtMost, const QDeadlineTimer& deadline) {
     JumpResult result;
+    if (isHalfACommand(editor, deadline)) {
+        return {EditorOutcome::Kind::asksUser, QStringLiteral("Neovim waits for a key."), {}};
+    }
     if (const auto obstacle = leaveMode(editor, earlierOf(deadline, leaveModeAtMost))) {
         return {EditorOutcome::Kind::asksUser, QStringLiteral("Neovim: %1.").arg(*obstacle), {}};
     }
