@@ -49,6 +49,10 @@ std::ostream& operator<<(std::ostream& stream, const State& state) {
 
 constexpr char kBackToA[] = "Escape :b!_a.m Enter";
 
+/// What has been typed of a command stands at the end of the last line, or before the ruler.
+constexpr char kPendingD[] = " d( +1,1| *$)";
+constexpr char kPendingQuote[] = " \"( +1,1| *$)";
+
 // clang-format off
 const std::vector<State> kViStates = {
     {"normal", "", "line 2"},
@@ -67,8 +71,8 @@ const std::vector<State> kViStates = {
     {"morePrompt", ":help|set_all Enter", "-- More --", Ends::inAReason, "", "-- More --"},
     {"question", ":call_confirm('Sure?','&Yes\\n&No') Enter", "Sure\\?", Ends::inAReason, "", "Sure\\?"},
     {"substitution", ":%s/line/LINE/gc Enter", "replace with", Ends::inAReason, "", "replace with"},
-    {"halfACommand", "d", " d +1,1", Ends::inAReason, "", " d +1,1"},
-    {"register", "\"", " \" +1,1", Ends::inAReason, "", " \" +1,1"},
+    {"halfACommand", "d", kPendingD, Ends::inAReason, "", kPendingD},
+    {"register", "\"", kPendingQuote, Ends::inAReason, "", kPendingQuote},
     {"recording", "qa", "recording", Ends::atTheLine},
     {"help", ":help Enter", "help.txt", Ends::atTheLine},
     {"unsaved", "ihello Escape", "hello", Ends::atTheLine, kBackToA, "hello"},
@@ -88,8 +92,8 @@ const std::vector<State> kEmacsStates = {
     {"search", "C-s line", "I-search"},
     {"queryReplace", "M-% line Enter LINE Enter", "Query replacing", Ends::atTheLine},
     {"question", "M-: (y-or-n-p_\"Sure?\") Enter", "Sure\\?", Ends::atTheLine, "", "Sure\\?"},
-    {"halfACommand", "C-x", "C-x-", Ends::atTheLine},
-    {"count", "C-u", "C-u-", Ends::atTheLine},
+    {"halfACommand", "C-x", "line 2"},
+    {"count", "C-u", "line 2"},
     {"recording", "C-x (", "Def", Ends::atTheLine},
     {"narrowed", "C-n C-Space C-n C-n C-x n n", "Narrow|disabled", Ends::atTheLine},
     {"help", "C-h t", "Emacs tutorial", Ends::atTheLine},

@@ -5,6 +5,7 @@
 #include "editors/FollowedEditor.h"
 #include "editors/NeovimEditor.h"
 #include "support/ToolRunner.h"
+#include "tests/RecordingTool.h"
 #include "tests/WaitUntil.h"
 #include "tests/editors/FakeServer.h"
 #include "tests/editors/ScratchEnvironment.h"
@@ -179,6 +180,44 @@ TEST_P(LeadAndFollow, anEditorThatIsGoneDoesNotRun) {
                                            QStringLiteral("Enter")}
                              : QStringList{QStringLiteral("C-x"), QStringLiteral("C-c")});
     EXPECT_TRUE(waitUntil([&] { return open(fileB(), 3).kind == Kind::notRunning; }));
+}
+
+TEST(LeadAndFollowNeovim, nothingIsAskedTwice) {
+    ScratchEnvironment environment;
+    const FakeNeovim neovim(environment.bytesOf("xdg_runtime_dir/nvim.1.0"), "/a.m");
+    FollowedEditor editor({std::make_shared<NeovimEditor>()}, nullptr);
+    const auto staysAt = [&](int connections) {
+        const QDeadlineTimer severalRounds(std::chrono::seconds(3));
+        return waitUntil([&] {
+                   return severalRounds.hasExpired() || neovim.connections() != connections;
+               }) &&
+               neovim.connections() == connections;
+    };
+    EXPECT_TRUE(staysAt(0)) << "nobody follows";
+    editor.onMove([](const EditorPosition&) {});
+    ASSERT_TRUE(waitUntil([&] { return neovim.connections() == 1; }));
+    EXPECT_TRUE(staysAt(1)) << "it tells by itself";
+    editor.onMove(nullptr);
+    EXPECT_TRUE(staysAt(1));
+}
+
+TEST(LeadAndFollowEmacs, itIsAskedOnlyWhileSomebodyFollows) {
+    ScratchEnvironment environment;
+    environment.set("EMACS_SOCKET_NAME", "server");
+    const RecordingTool client(QStringLiteral("emacsclient"));
+    FollowedEditor editor({std::make_shared<EmacsEditor>()}, nullptr);
+    const auto staysAt = [&](qsizetype calls) {
+        const QDeadlineTimer severalRounds(std::chrono::seconds(2));
+        return waitUntil([&] {
+                   return severalRounds.hasExpired() || client.arguments().size() != calls;
+               }) &&
+               client.arguments().size() == calls;
+    };
+    EXPECT_TRUE(staysAt(0)) << "nobody follows";
+    editor.onMove([](const EditorPosition&) {});
+    EXPECT_TRUE(waitUntil([&] { return client.arguments().count("--eval") >= 3; }));
+    editor.onMove(nullptr);
+    EXPECT_TRUE(staysAt(client.arguments().size()));
 }
 
 TEST(LeadAndFollowEmacs, oneThatIsStoppedIsSaidNotToAnswer) {
