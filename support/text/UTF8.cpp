@@ -16,14 +16,21 @@ constexpr char kByteOrderMark[] = "\xEF\xBB\xBF";
 /// occasional foreign character is still mostly skipped in blocks.
 constexpr qsizetype kBlockSize = 256;
 
+constexpr qsizetype kWordSize = sizeof(quint64);
+constexpr quint64 kHighBits = 0x8080808080808080U;
+
+quint64 wordAt(const char* bytes) {
+    quint64 word = 0;
+    std::memcpy(&word, bytes, sizeof word);
+    return word;
+}
+
 bool isASCIIBlock(const char* block) {
     quint64 bits = 0;
-    for (qsizetype offset = 0; offset < kBlockSize; offset += qsizetype(sizeof bits)) {
-        quint64 word = 0;
-        std::memcpy(&word, block + offset, sizeof word);
-        bits |= word;
+    for (qsizetype offset = 0; offset < kBlockSize; offset += kWordSize) {
+        bits |= wordAt(block + offset);
     }
-    return (bits & 0x8080808080808080U) == 0;
+    return (bits & kHighBits) == 0;
 }
 
 bool isContinuation(uchar byte) {
@@ -89,6 +96,10 @@ qsizetype validUTF8Length(QByteArrayView bytes) {
         }
         const qsizetype blockEnd = std::min(size, position + kBlockSize);
         while (position < blockEnd) {
+            if (size - position >= kWordSize && (wordAt(text + position) & kHighBits) == 0) {
+                position += kWordSize;
+                continue;
+            }
             const qsizetype length = sequenceLength(text + position, size - position);
             if (length == 0) {
                 return position;
