@@ -11,18 +11,18 @@ namespace {
 
 using Kind = Directive::Kind;
 
-struct Entry {
+struct DirectiveWord {
     std::string_view word;
     Kind kind;
 };
 
-constexpr std::array kEntries = {
-    Entry{"if", Kind::condition},        Entry{"ifdef", Kind::condition},
-    Entry{"ifndef", Kind::condition},    Entry{"elif", Kind::alternative},
-    Entry{"elifdef", Kind::alternative}, Entry{"elifndef", Kind::alternative},
-    Entry{"else", Kind::alternative},    Entry{"endif", Kind::endOfCondition},
-    Entry{"define", Kind::definition},   Entry{"pragma", Kind::mark},
-    Entry{"warning", Kind::warning},     Entry{"error", Kind::error},
+constexpr std::array kDirectiveWords = {
+    DirectiveWord{"if", Kind::condition},        DirectiveWord{"ifdef", Kind::condition},
+    DirectiveWord{"ifndef", Kind::condition},    DirectiveWord{"elif", Kind::alternative},
+    DirectiveWord{"elifdef", Kind::alternative}, DirectiveWord{"elifndef", Kind::alternative},
+    DirectiveWord{"else", Kind::alternative},    DirectiveWord{"endif", Kind::endOfCondition},
+    DirectiveWord{"define", Kind::definition},   DirectiveWord{"pragma", Kind::mark},
+    DirectiveWord{"warning", Kind::warning},     DirectiveWord{"error", Kind::error},
 };
 
 bool isBlankOrContinuation(char byte) {
@@ -73,9 +73,9 @@ Directive readDirective(std::string_view line) {
     line.remove_prefix(line.starts_with("%:") ? 2 : 1);
     std::string_view rest = trimmed(line);
     const std::string_view word = takeWord(rest);
-    const auto entry = std::find_if(kEntries.begin(), kEntries.end(),
-                                    [word](const Entry& one) { return one.word == word; });
-    if (entry == kEntries.end()) {
+    const auto entry = std::find_if(kDirectiveWords.begin(), kDirectiveWords.end(),
+                                    [word](const DirectiveWord& one) { return one.word == word; });
+    if (entry == kDirectiveWords.end()) {
         return directive;
     }
     directive.kind = entry->kind;
