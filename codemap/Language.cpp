@@ -1,5 +1,7 @@
 #include "codemap/Language.h"
 
+#include "codemap/Characters.h"
+
 #include <algorithm>
 #include <array>
 
@@ -23,11 +25,6 @@ constexpr std::array kExtensions = {
     Extension{"tpp", Language::cpp},         Extension{"inl", Language::cpp},
     Extension{"h", Language::header},        Extension{"pch", Language::header},
 };
-
-char lowerCase(char character) {
-    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a')
-                                                : character;
-}
 
 } // namespace
 

@@ -12,6 +12,11 @@ using LetterSet = std::uint64_t;
 
 LetterSet letterSetOf(std::string_view utf8);
 
+/// Whether a text with this set holds ASCII alone.
+constexpr bool isASCII(LetterSet set) {
+    return (set >> 63) == 0;
+}
+
 /// Whether a text with the set `text` may hold all characters of one with the set `wanted`.
 constexpr bool mayHold(LetterSet text, LetterSet wanted) {
     return (wanted & ~text) == 0;

@@ -1,14 +1,21 @@
 #include "codemap/OutlineBuilder.h"
 
+#include "codemap/Characters.h"
+#include "codemap/TextForm.h"
 #include "support/Assertion.h"
 #include "support/text/UTF8.h"
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 namespace navrel {
 
 namespace {
+
+// What is guessed is given back in the end, and what does not do is made larger.
+constexpr std::size_t kBytesOfSymbol = 128;
+constexpr std::size_t kPartOfTexts = 4;
 
 /// The beginning of a text, at most `size` bytes of it and no part of a character.
 std::string_view beginningOf(std::string_view text, std::size_t size) {
@@ -22,7 +29,7 @@ std::string_view beginningOf(std::string_view text, std::size_t size) {
 }
 
 bool isBlank(char character) {
-    return character == ' ' || (character >= '\t' && character <= '\r') || character == '\0';
+    return isWhiteSpace(character) || character == '\0';
 }
 
 /// How much of a text can be kept as it is: words with one blank between two.
@@ -39,8 +46,10 @@ std::size_t lengthInOneLine(std::string_view text) {
 
 } // namespace
 
-OutlineBuilder::OutlineBuilder(Language language) {
+OutlineBuilder::OutlineBuilder(Language language, std::size_t sourceSize) {
     outline_.language_ = language;
+    outline_.symbols_.reserve(std::min(sourceSize / kBytesOfSymbol, kMaximumSymbolsOfSource));
+    outline_.texts_.reserve(sourceSize / kPartOfTexts);
 }
 
 void OutlineBuilder::open(const Declaration& declaration) {
@@ -114,23 +123,50 @@ std::uint32_t OutlineBuilder::append(const Declaration& declaration) {
     symbol.access = declaration.access;
     symbol.depth = static_cast<std::uint16_t>(open_.size());
     symbol.line = declaration.line;
-    symbol.name = keep(declaration.name);
-    symbol.signature = keepInOneLine(beginningOf(declaration.signature, kMaximumSignatureLength));
-    symbol.inherits = keep(declaration.inherits);
     symbol.letters = letterSetOf(declaration.name);
+    symbol.signature = keepInOneLine(beginningOf(declaration.signature, kMaximumSignatureLength));
+    symbol.name = keepName(declaration, symbol);
+    if (!declaration.inherits.empty()) {
+        symbol.inherits = keep(declaration.inherits, false);
+    }
     outline_.symbols_.push_back(symbol);
     return index;
 }
 
-TextRange OutlineBuilder::keep(std::string_view text) {
+/// A name that is part of a signature kept as it was is that part.
+TextRange OutlineBuilder::keepName(const Declaration& declaration, const Symbol& symbol) {
+    const std::string_view name = declaration.name;
+    const std::string_view signature = declaration.signature;
+    const bool isPart =
+        std::less_equal<>()(signature.data(), name.data()) &&
+        std::less_equal<>()(name.data() + name.size(), signature.data() + symbol.signature.length);
+    if (isPart) {
+        const auto offset = static_cast<std::size_t>(name.data() - signature.data());
+        const TextRange range{symbol.signature.offset + static_cast<std::uint32_t>(offset),
+                              static_cast<std::uint32_t>(name.size())};
+        if (outline_.text(range) == name) {
+            return range;
+        }
+    }
+    return keep(name, isASCII(symbol.letters));
+}
+
+TextRange OutlineBuilder::keep(std::string_view text, bool isASCII) {
     const TextRange range{static_cast<std::uint32_t>(outline_.texts_.size()),
                           static_cast<std::uint32_t>(text.size())};
     outline_.texts_ += text;
-    makeValid(range.offset);
+    if (!isASCII) {
+        makeValid(range.offset);
+    }
     return range;
 }
 
 TextRange OutlineBuilder::keepInOneLine(std::string_view text) {
+    const TextForm form = formOf(text);
+    return form.isOneLine ? keep(text, form.isASCII) : keepChanged(text);
+}
+
+TextRange OutlineBuilder::keepChanged(std::string_view text) {
     std::string& texts = outline_.texts_;
     const std::size_t begin = texts.size();
     while (true) {

@@ -20,13 +20,14 @@ inline constexpr std::size_t kMaximumSignatureLength = 1000;
 /// copied. One outline a builder.
 class OutlineBuilder {
 public:
-    explicit OutlineBuilder(Language language);
+    /// Room is made beforehand for what a source of so many bytes usually declares.
+    explicit OutlineBuilder(Language language, std::size_t sourceSize = 0);
 
     struct Declaration {
         SymbolKind kind{};
         Access access = Access::unstated;
-        std::uint32_t line = 0; ///< of the name, from 1
-        std::string_view name;
+        std::uint32_t line = 0;     ///< of the name, from 1
+        std::string_view name;      ///< kept once if it is a part of the signature's memory
         std::string_view signature; ///< without comments; runs of white space become one blank
         std::string_view inherits;  ///< names, a line feed between two
     };
@@ -55,8 +56,10 @@ private:
     static constexpr std::uint32_t kLeftOut = UINT32_MAX;
 
     std::uint32_t append(const Declaration& declaration);
-    TextRange keep(std::string_view text);
+    TextRange keep(std::string_view text, bool isASCII);
     TextRange keepInOneLine(std::string_view text);
+    TextRange keepChanged(std::string_view text);
+    TextRange keepName(const Declaration& declaration, const Symbol& symbol);
     void makeValid(std::size_t begin);
 
     Outline outline_;

@@ -337,6 +337,13 @@ std::string_view Declarations::signatureOf(const Found& found, std::string& edit
     return text;
 }
 
+/// The name as a part of the signature's memory where it can be that.
+std::string_view Declarations::nameIn(std::string_view signature, const Found& found) const {
+    const std::string_view place = head_.text().substr(found.nameAt, found.name.size());
+    const bool isPart = signature.data() == head_.text().data() + found.begin;
+    return isPart && place == found.name ? place : std::string_view(found.name);
+}
+
 /// The names behind a body are shown without it.
 std::size_t Declarations::signatureBegin() const {
     for (std::size_t i = 0; i < head_.size() && i < 2; ++i) {

@@ -64,7 +64,7 @@ public:
         declaration.kind = found.kind;
         declaration.access = found.access;
         declaration.line = lines_.lineAt(found.nameAt);
-        declaration.name = found.name;
+        declaration.name = nameIn(signature, found);
         declaration.signature = signature;
         declaration.inherits = found.inherits;
         use(declaration);
@@ -85,6 +85,7 @@ private:
     SymbolKind kindOf(const Declarator& declarator) const;
     bool isSpecialMember(const Declarator& declarator) const;
     Found found(SymbolKind kind, NameRange name, std::size_t signatureEnd) const;
+    std::string_view nameIn(std::string_view signature, const Found& found) const;
     std::string_view signatureOf(const Found& found, std::string& edited) const;
     std::size_t signatureBegin() const;
     std::size_t nextName(std::size_t index) const;

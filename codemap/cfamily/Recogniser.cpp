@@ -61,8 +61,9 @@ std::string_view withoutQuotes(std::string_view text) {
 
 Recogniser::Recogniser(std::string_view text, Language language)
     : text_(text), isCpp_(language != Language::c && language != Language::objectiveC),
-      builder_(language), lines_(text), lexer_(text, dialectOf(language), *this), head_(text),
-      scopes_(builder_), declarations_(head_, scopes_, lines_, language == Language::header) {}
+      builder_(language, text.size()), lines_(text), lexer_(text, dialectOf(language), *this),
+      head_(text), scopes_(builder_),
+      declarations_(head_, scopes_, lines_, language == Language::header) {}
 
 Outline Recogniser::outline() {
     while (true) {
