@@ -1,5 +1,7 @@
 #include "codemap/CommentReader.h"
 
+#include "codemap/Characters.h"
+#include "codemap/LineCounter.h"
 #include "codemap/OutlineBuilder.h"
 
 #include <array>
@@ -24,13 +26,9 @@ constexpr std::array kNoteWords = {
     NoteWord{"WARNING", NoteKind::warning, true},
 };
 
-char lowered(char character) {
-    return character >= 'A' && character <= 'Z' ? static_cast<char>(character + 32) : character;
-}
-
 bool isWordCharacter(char character) {
     return (character >= '0' && character <= '9') || character == '_' ||
-           (lowered(character) >= 'a' && lowered(character) <= 'z') ||
+           (lowerCase(character) >= 'a' && lowerCase(character) <= 'z') ||
            static_cast<unsigned char>(character) >= 0x80;
 }
 
@@ -39,15 +37,11 @@ bool beginsInAnyCase(std::string_view text, std::string_view word) {
         return false;
     }
     for (std::size_t i = 0; i < word.size(); ++i) {
-        if (lowered(text[i]) != lowered(word[i])) {
+        if (lowerCase(text[i]) != lowerCase(word[i])) {
             return false;
         }
     }
     return true;
-}
-
-bool isBlank(char character) {
-    return character == ' ' || (character >= '\t' && character <= '\r');
 }
 
 bool isIn(std::string_view characters, char character) {
@@ -67,14 +61,14 @@ std::string_view withoutLeading(std::string_view text, std::string_view characte
 }
 
 std::string_view withoutLeadingBlanks(std::string_view text) {
-    while (!text.empty() && isBlank(text.front())) {
+    while (!text.empty() && isWhiteSpace(text.front())) {
         text.remove_prefix(1);
     }
     return text;
 }
 
 std::string_view withoutTrailingBlanks(std::string_view text) {
-    while (!text.empty() && isBlank(text.back())) {
+    while (!text.empty() && isWhiteSpace(text.back())) {
         text.remove_suffix(1);
     }
     return text;
@@ -105,8 +99,9 @@ std::string_view withoutAuthor(std::string_view text) {
 /// What one line of a comment says.
 class CommentLine {
 public:
-    CommentLine(std::string_view text, std::uint32_t number, OutlineBuilder& builder)
-        : text_(withoutTrailingBlanks(text)), number_(number), builder_(builder) {}
+    CommentLine(std::string_view text, std::size_t offset, LineCounter& lines,
+                OutlineBuilder& builder)
+        : text_(withoutTrailingBlanks(text)), offset_(offset), lines_(lines), builder_(builder) {}
 
     void read() {
         if (readBeginning()) {
@@ -126,7 +121,7 @@ private:
         if (said.empty()) {
             return false;
         }
-        switch (lowered(said.front())) {
+        switch (lowerCase(said.front())) {
         case 'm':
             return readHeading(said);
         case 't':
@@ -153,7 +148,7 @@ private:
         text = withoutLeading(text, "-");
         text = withoutLeadingBlanks(text);
         if (separator || !text.empty()) {
-            builder_.addHeading(number_, text, separator);
+            builder_.addHeading(number(), text, separator);
         }
         return true;
     }
@@ -182,7 +177,7 @@ private:
 
     /// `text` begins behind the word.
     void addNote(NoteKind kind, std::string_view text) {
-        builder_.addNote(kind, number_, withoutLeading(text, " \t:-"));
+        builder_.addNote(kind, number(), withoutLeading(text, " \t:-"));
     }
 
     bool readShortcutAt(std::size_t colon) {
@@ -197,7 +192,7 @@ private:
         if (!signs.ends_with("//") || text.empty()) {
             return false;
         }
-        builder_.addNote(NoteKind::shortcut, number_, text);
+        builder_.addNote(NoteKind::shortcut, number(), text);
         return true;
     }
 
@@ -217,24 +212,29 @@ private:
         return false;
     }
 
+    std::uint32_t number() { return lines_.lineAt(offset_); }
+
     std::string_view text_;
-    std::uint32_t number_;
+    std::size_t offset_;
+    LineCounter& lines_;
     OutlineBuilder& builder_;
 };
 
 } // namespace
 
-void readComment(std::string_view comment, std::uint32_t line, OutlineBuilder& builder) {
+void readComment(std::string_view comment, std::size_t offset, LineCounter& lines,
+                 OutlineBuilder& builder) {
     if (comment.starts_with("/*") && comment.ends_with("*/") && comment.size() >= 4) {
         comment.remove_suffix(2);
     }
-    for (;; ++line) {
+    for (;;) {
         const std::size_t end = comment.find('\n');
-        CommentLine(comment.substr(0, end), line, builder).read();
+        CommentLine(comment.substr(0, end), offset, lines, builder).read();
         if (end == std::string_view::npos) {
             return;
         }
         comment.remove_prefix(end + 1);
+        offset += end + 1;
     }
 }
 

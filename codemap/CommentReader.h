@@ -1,10 +1,11 @@
 #pragma once
 
-#include <cstdint>
+#include <cstddef>
 #include <string_view>
 
 namespace navrel {
 
+class LineCounter;
 class OutlineBuilder;
 
 /// What a comment says to readers, line by line:
@@ -15,8 +16,10 @@ class OutlineBuilder;
 /// - anywhere in a line: the same notes in capitals and with their colon; and shortcuts, which are
 ///   "//", blanks, and "navrel:" in any letter case.
 ///
-/// `comment` is the text with its signs ("//", "/*" and "*/"), `line` its first line, from 1. Each
-/// recogniser gives its comments here, in their order.
-void readComment(std::string_view comment, std::uint32_t line, OutlineBuilder& builder);
+/// `comment` is the text with its signs ("//", "/*" and "*/"), `offset` its place in the counted
+/// text: lines are counted only for what says something. Each recogniser gives its comments here,
+/// in their order.
+void readComment(std::string_view comment, std::size_t offset, LineCounter& lines,
+                 OutlineBuilder& builder);
 
 } // namespace navrel

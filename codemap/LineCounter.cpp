@@ -26,16 +26,27 @@ std::uint32_t sumOf(const Counts& counts) {
     return sumOfBytes(halves[0]) + sumOfBytes(halves[1]);
 }
 
+/// A lane of a comparison's result is -1 where it holds a line feed.
+Counts feedsIn(const char* bytes) {
+    Lanes lanes;
+    std::memcpy(&lanes, bytes, kLanes);
+    return reinterpret_cast<Counts>(lanes == '\n');
+}
+
 /// The line feeds of at most 255 blocks, which is what a lane can count.
 std::uint32_t countInBlocks(const char* bytes, std::size_t blocks) {
     Counts counts{};
     for (std::size_t block = 0; block < blocks; ++block) {
-        Lanes lanes;
-        std::memcpy(&lanes, bytes + block * kLanes, kLanes);
-        counts -= reinterpret_cast<Counts>(
-            lanes == '\n'); // a lane that holds one is -1 in the comparison's result
+        counts -= feedsIn(bytes + block * kLanes);
     }
     return sumOf(counts);
+}
+
+/// The line feeds of less than a block.
+std::uint32_t countInRest(std::string_view rest) {
+    char padded[kLanes] = {};
+    std::copy(rest.begin(), rest.end(), padded);
+    return sumOf(Counts{} - feedsIn(padded));
 }
 
 } // namespace
@@ -48,10 +59,7 @@ std::uint32_t countLineFeeds(std::string_view text) {
         count += countInBlocks(text.data(), blocks);
         text.remove_prefix(blocks * kLanes);
     }
-    for (const char character : text) {
-        count += character == '\n' ? 1 : 0;
-    }
-    return count;
+    return text.empty() ? count : count + countInRest(text);
 }
 
 } // namespace navrel

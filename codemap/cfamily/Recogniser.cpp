@@ -83,7 +83,7 @@ Outline Recogniser::outline() {
 }
 
 void Recogniser::onComment(std::string_view comment, std::size_t position) {
-    readComment(comment, lineAt(position), builder_);
+    readComment(comment, position, lines_, builder_);
 }
 
 void Recogniser::read(const Token& token) {

@@ -2,7 +2,6 @@
 
 #include "codemap/CommentReader.h"
 #include "codemap/OutlineBuilder.h"
-#include "codemap/swift/SwiftCharacters.h"
 #include "codemap/swift/SwiftOperators.h"
 #include "support/Assertion.h"
 
@@ -51,10 +50,6 @@ bool isIn(std::string_view characters, char character) {
 const char* find(const char* begin, const char* end, char character) {
     const void* found = std::memchr(begin, character, static_cast<std::size_t>(end - begin));
     return found == nullptr ? end : static_cast<const char*>(found);
-}
-
-std::string_view textBetween(const char* begin, const char* end) {
-    return {begin, static_cast<std::size_t>(end - begin)};
 }
 
 #if defined(__SSE2__)
@@ -163,14 +158,6 @@ std::uint32_t SwiftLexer::countSigns(const char* place) const {
     return count;
 }
 
-std::string_view SwiftLexer::wordAt(const char* place) const {
-    const char* end = place;
-    while (end < end_ && isSwift(*end, kName | kDigit)) {
-        ++end;
-    }
-    return textBetween(place, end);
-}
-
 // Tokens.
 
 SwiftToken SwiftLexer::read() {
@@ -181,11 +168,9 @@ SwiftToken SwiftLexer::read() {
         return token(SwiftTokenKind::end, place_);
     }
     const char first = *place_;
-    if (static_cast<unsigned char>(first) >= 0x80 && isSwiftOperatorAt(place_, end_)) {
-        return readSign();
-    }
     if (isSwift(first, kName)) {
-        return readWord();
+        const bool isASCII = static_cast<unsigned char>(first) < 0x80;
+        return isASCII || !isSwiftOperatorAt(place_, end_) ? readWord() : readSign();
     }
     if (isSwift(first, kDigit)) {
         return readNumber();
@@ -208,27 +193,36 @@ SwiftToken SwiftLexer::read() {
 }
 
 void SwiftLexer::skipBlanks() {
-    while (place_ < end_) {
-        if (*place_ == '\n') {
-            startsLine_ = true;
-            ++place_;
-        } else if (isSwift(*place_, kBlank)) {
-            ++place_;
-        } else if (*place_ == '/' && (at(place_ + 1) == '/' || at(place_ + 1) == '*')) {
-            const char* const begin = place_;
-            skipComment();
-            startsLine_ = startsLine_ || std::memchr(begin, '\n', std::size_t(place_ - begin));
-            if (comments_.size() < kMaximumComments) {
-                comments_.push_back(textBetween(begin, place_));
-            }
-        } else if (*place_ == '}' && !conditions_.empty() && conditions_.back().surplus > 0) {
-            --conditions_.back().surplus;
-            ++place_;
-        } else {
-            return;
+    do {
+        const char* place = place_;
+        for (; place < end_ && isSwift(*place, kBlank | kLineFeed); ++place) {
+            startsLine_ = startsLine_ || *place == '\n';
         }
-        isDetached_ = true;
+        isDetached_ = isDetached_ || place > place_;
+        place_ = place;
+    } while (place_ < end_ && (*place_ == '/' || *place_ == '}') && skipAside());
+}
+
+/// Skips a comment, or a "}" that an earlier branch had already.
+bool SwiftLexer::skipAside() {
+    if (*place_ == '}') {
+        if (conditions_.empty() || conditions_.back().surplus == 0) {
+            return false;
+        }
+        --conditions_.back().surplus;
+        ++place_;
+    } else {
+        const char* const begin = place_;
+        if (!skipComment()) {
+            return false;
+        }
+        startsLine_ = startsLine_ || find(begin, place_, '\n') < place_;
+        if (comments_.size() < kMaximumComments) {
+            comments_.push_back(textBetween(begin, place_));
+        }
     }
+    isDetached_ = true;
+    return true;
 }
 
 bool SwiftLexer::skipComment() {
@@ -241,7 +235,8 @@ bool SwiftLexer::skipComment() {
         return false;
     }
     if (begin >= said_) {
-        readComment(textBetween(begin, place_), lineAt(begin), builder_);
+        readComment(textBetween(begin, place_), static_cast<std::size_t>(begin - begin_), lines_,
+                    builder_);
         said_ = place_;
     }
     return true;
@@ -268,15 +263,6 @@ void SwiftLexer::skipBlockComment() {
             ++place_;
         }
     }
-}
-
-SwiftToken SwiftLexer::token(SwiftTokenKind kind, const char* begin) const {
-    SwiftToken token;
-    token.kind = kind;
-    token.startsLine = startsLine_;
-    token.isDetached = isDetached_;
-    token.text = textBetween(begin, place_);
-    return token;
 }
 
 SwiftToken SwiftLexer::readWord() {

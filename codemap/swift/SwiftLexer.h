@@ -1,6 +1,7 @@
 #pragma once
 
 #include "codemap/LineCounter.h"
+#include "codemap/swift/SwiftCharacters.h"
 #include "codemap/swift/SwiftToken.h"
 
 #include <cstddef>
@@ -74,15 +75,28 @@ private:
         std::uint32_t braces = 0;      ///< open ones of its interpolation
     };
 
+    static std::string_view textBetween(const char* begin, const char* end) {
+        return {begin, static_cast<std::size_t>(end - begin)};
+    }
     char at(const char* place) const { return place < end_ ? *place : '\0'; }
     std::uint32_t countSigns(const char* place) const;
-    std::string_view wordAt(const char* place) const;
+    std::string_view wordAt(const char* place) const {
+        const char* end = place;
+        while (end < end_ && isSwift(*end, swift_bytes::kName | swift_bytes::kDigit)) {
+            ++end;
+        }
+        return textBetween(place, end);
+    }
 
     SwiftToken read();
     void skipBlanks();
+    bool skipAside();
     bool skipComment();
     void skipBlockComment();
-    SwiftToken token(SwiftTokenKind kind, const char* begin) const;
+    /// From a place up to where the lexer is.
+    SwiftToken token(SwiftTokenKind kind, const char* begin) const {
+        return {kind, SwiftWord::none, startsLine_, isDetached_, textBetween(begin, place_)};
+    }
     SwiftToken readWord();
     SwiftToken readQuotedName();
     SwiftToken readNumber();

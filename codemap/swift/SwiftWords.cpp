@@ -88,13 +88,14 @@ constexpr SwiftWordRule kNoRule;
 
 constexpr std::size_t kShortest = 2;
 constexpr std::size_t kLongest = 15;
-constexpr std::size_t kSlots = 256;
+/// Many more than rules, so that most words that are none are turned away by the first look.
+constexpr std::size_t kSlots = 1024;
 
 constexpr std::size_t slotOf(std::string_view word) {
     const auto byteAt = [word](std::size_t index) {
         return static_cast<std::size_t>(static_cast<unsigned char>(word[index]));
     };
-    return (byteAt(0) * 5 + byteAt(1) * 31 + byteAt(word.size() - 1) * 11 + word.size() * 3) %
+    return (byteAt(0) * 5 + byteAt(1) * 31 + byteAt(word.size() - 1) * 111 + word.size() * 67) %
            kSlots;
 }
 
@@ -116,7 +117,8 @@ constexpr std::array<std::uint8_t, kSlots> kSlotOfRules = makeSlots();
 } // namespace
 
 const SwiftWordRule& swiftRuleOf(std::string_view word) {
-    if (word.size() < kShortest || word.size() > kLongest) {
+    const bool mayBeRule = word.size() >= kShortest && word.size() <= kLongest && word[0] >= '_';
+    if (!mayBeRule) { // none has capitals
         return kNoRule;
     }
     for (std::size_t slot = slotOf(word); kSlotOfRules[slot] != 0; slot = (slot + 1) % kSlots) {

@@ -1,4 +1,5 @@
 #include "codemap/CommentReader.h"
+#include "codemap/LineCounter.h"
 #include "codemap/OutlineBuilder.h"
 #include "tests/codemap/OutlineText.h"
 
@@ -11,8 +12,11 @@ namespace {
 
 /// What a comment that begins on line 5 says.
 std::string said(std::string_view comment) {
+    const std::string before = "\n\n\n\n";
+    const std::string text = before + std::string(comment);
+    LineCounter lines(text);
     OutlineBuilder builder(Language::swift);
-    readComment(comment, 5, builder);
+    readComment(std::string_view(text).substr(before.size()), before.size(), lines, builder);
     return textOf(builder.finish(100));
 }
 
