@@ -1,6 +1,7 @@
 // Sources that were cut, lost a bracket or had their halves swapped: the outline still holds what
-// comes before the damage. Over the committed cases, and over the files below the folder that
-// NAVREL_DAMAGE_SOURCES names.
+// comes before the damage. Over the committed cases of Swift, and over files of all languages below
+// the folder that NAVREL_DAMAGE_SOURCES names: at most kMostSources, others
+// with --gtest_shuffle --gtest_random_seed=N.
 
 #include "codemap/SourceOutline.h"
 #include "fuzz/codemap/OutlineInvariants.h"
@@ -24,9 +25,11 @@ using Path = std::filesystem::path;
 
 constexpr unsigned kSeed = 20240607;
 constexpr std::string_view kBrackets = "(){}[]";
+constexpr std::size_t kMostSources = 500;
 
 struct Source {
     std::string path;
+    Language language{};
     std::string text;
 };
 
@@ -35,32 +38,26 @@ Language languageOf(const Path& path) {
     return extension.empty() ? Language::none : languageOfExtension(extension.substr(1));
 }
 
-std::vector<Source> sourcesBelow(const Path& folder, Language language) {
-    std::vector<Source> sources;
+std::vector<Path> sourcesBelow(const Path& folder) {
+    std::vector<Path> sources;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
-        if (entry.is_regular_file() && languageOf(entry.path()) == language) {
-            std::ostringstream contents;
-            contents << std::ifstream(entry.path(), std::ios::binary).rdbuf();
-            sources.push_back({entry.path().string(), contents.str()});
+        if (entry.is_regular_file() && languageOf(entry.path()) != Language::none) {
+            sources.push_back(entry.path());
         }
     }
-    std::sort(sources.begin(), sources.end(),
-              [](const Source& one, const Source& other) { return one.path < other.path; });
+    std::sort(sources.begin(), sources.end());
     return sources;
 }
 
-std::vector<Source> swiftSources() {
-    std::vector<Source> sources =
-        sourcesBelow(Path(NAVREL_OUTLINE_CASES) / "swift", Language::swift);
-    if (const char* folder = std::getenv("NAVREL_DAMAGE_SOURCES")) {
-        std::vector<Source> others = sourcesBelow(folder, Language::swift);
-        std::move(others.begin(), others.end(), std::back_inserter(sources));
-    }
-    return sources;
+Source read(const Path& path) {
+    std::ostringstream contents;
+    contents << std::ifstream(path, std::ios::binary).rdbuf();
+    const std::string bytes = contents.str();
+    return {path.string(), languageOf(path), decodedSource(bytes).value_or(bytes)};
 }
 
-Outline outlineOf(std::string_view text) {
-    Outline outline = outlineOfSwift(text);
+Outline outlineOf(const Source& source, std::string_view text) {
+    Outline outline = outlineOfSource(source.language, text);
     OutlineInvariants(outline, text).check();
     return outline;
 }
@@ -105,7 +102,7 @@ std::vector<std::string> missingBefore(std::uint32_t line, const Outline& sound,
 
 void expectUnchangedBefore(std::size_t damage, const Source& source, const std::string& damaged) {
     const std::uint32_t line = lineAt(source.text, damage);
-    EXPECT_EQ(missingBefore(line, outlineOf(source.text), outlineOf(damaged)),
+    EXPECT_EQ(missingBefore(line, outlineOf(source, source.text), outlineOf(source, damaged)),
               std::vector<std::string>())
         << source.path << " from line " << line;
 }
@@ -114,8 +111,22 @@ class DamagedSource : public testing::Test {
 protected:
     std::size_t placeIn(const std::string& text) { return random_() % (text.size() + 1); }
 
-    std::mt19937 random_{kSeed};
-    const std::vector<Source> sources_ = swiftSources();
+    std::vector<Source> sources() {
+        std::vector<Path> paths = sourcesBelow(Path(NAVREL_OUTLINE_CASES) / "swift");
+        if (const char* folder = std::getenv("NAVREL_DAMAGE_SOURCES")) {
+            std::vector<Path> others = sourcesBelow(folder);
+            std::shuffle(others.begin(), others.end(), random_);
+            others.resize(std::min(others.size(), kMostSources));
+            std::move(others.begin(), others.end(), std::back_inserter(paths));
+        }
+        std::vector<Source> sources;
+        std::transform(paths.begin(), paths.end(), std::back_inserter(sources), read);
+        return sources;
+    }
+
+    std::mt19937 random_{kSeed +
+                         static_cast<unsigned>(testing::UnitTest::GetInstance()->random_seed())};
+    const std::vector<Source> sources_ = sources();
 };
 
 TEST_F(DamagedSource, aCutCostsNothingBeforeIt) {
@@ -143,7 +154,7 @@ TEST_F(DamagedSource, swappedHalvesAreSurvived) {
     for (const Source& source : sources_) {
         const std::size_t place = placeIn(source.text);
         const std::string damaged = source.text.substr(place) + source.text.substr(0, place);
-        EXPECT_EQ(outlineOf(damaged).language(), Language::swift);
+        EXPECT_EQ(outlineOf(source, damaged).language(), source.language);
     }
 }
 
