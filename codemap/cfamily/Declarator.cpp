@@ -145,8 +145,13 @@ private:
     }
 
     bool isAttributeMacro() const {
-        if (isJoined_ || !name_.isValid() || realTypes_ == 0 || result_.isOperator ||
-            !isAllCapitals(head_.textOf(index_))) {
+        if (isJoined_ || !name_.isValid() || realTypes_ == 0 || result_.isOperator) {
+            return false;
+        }
+        if (head_.textOf(index_).starts_with("__")) {
+            return true; // "int a __deprecated": such names are the system's
+        }
+        if (!isAllCapitals(head_.textOf(index_))) {
             return false;
         }
         return !isAllCapitals(head_.textOf(name_.last)) || !head_.is(index_ + 1, '(') ||

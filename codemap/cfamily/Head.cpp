@@ -61,17 +61,28 @@ void Head::push(const Token& token) {
     if (tokens_.size() >= kMaximumTokens) {
         clear();
     }
-    const auto index = static_cast<std::uint32_t>(tokens_.size());
     tokens_.push_back(token);
-    if (token.kind != TokenKind::sign) {
-        return;
+    if (token.kind == TokenKind::sign) {
+        match(token.sign);
     }
-    if (token.sign == '(' || token.sign == '[') {
+}
+
+/// Keeps brackets and their partners. The sign is the last token.
+void Head::match(Sign sign) {
+    const auto index = static_cast<std::uint32_t>(tokens_.size() - 1);
+    switch (sign) {
+    case '(':
+    case '[':
         open_.push_back(index);
-    } else if (token.sign == ')') {
+        return;
+    case ')':
         close('(', index);
-    } else if (token.sign == ']') {
+        return;
+    case ']':
         close('[', index);
+        return;
+    default:
+        return;
     }
 }
 
@@ -118,6 +129,9 @@ void Head::truncate(std::size_t size) {
 }
 
 std::string textOfName(const Head& head, NameRange name) {
+    if (name.first == name.last && head[name.first].kind == TokenKind::word) {
+        return std::string(head.textOf(name.first));
+    }
     std::string text;
     for (std::size_t index = name.first; index <= name.last;) {
         const Token& token = head[index];
@@ -129,6 +143,8 @@ std::string textOfName(const Head& head, NameRange name) {
             text += textOfOperator(head.textOf(index));
         } else if (token.is(kScopeSign)) {
             text += "::";
+        } else if (token.is(Word::specifier)) {
+            // namespace a::inline b
         } else if (token.kind == TokenKind::word || token.is('~')) {
             text += head.textOf(index);
         }

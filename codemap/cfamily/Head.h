@@ -13,7 +13,10 @@ namespace navrel::cfamily {
 /// Brackets know their partners, so that readers step over groups.
 class Head {
 public:
-    explicit Head(std::string_view text) : text_(text) {}
+    explicit Head(std::string_view text) : text_(text) {
+        tokens_.reserve(kUsualTokens);
+        open_.reserve(kUsualTokens);
+    }
 
     std::string_view text() const { return text_; }
     bool empty() const { return tokens_.empty(); }
@@ -46,6 +49,10 @@ public:
     void truncate(std::size_t size);
 
 private:
+    /// Heads that are longer take more room.
+    static constexpr std::size_t kUsualTokens = 64;
+
+    void match(Sign sign);
     void close(Sign opening, std::size_t index);
 
     std::string_view text_;

@@ -102,11 +102,19 @@ char Lexer::peek() const {
 }
 
 void Lexer::skipBlanksAndComments() {
-    while (position_ < text_.size()) {
-        const char byte = text_[position_];
-        if (isBlank(byte) || (byte == '\\' && skipContinuation())) {
+    const char* const end = text_.data() + text_.size();
+    for (;;) {
+        const char* place = text_.data() + position_;
+        while (place < end && isBlank(*place)) {
+            ++place;
+        }
+        position_ = static_cast<std::size_t>(place - text_.data());
+        if (place == end) {
+            return;
+        }
+        if (*place == '\\' && skipContinuation()) {
             ++position_;
-        } else if (byte != '/' || !skipComment()) {
+        } else if (*place != '/' || !skipComment()) {
             return;
         }
     }
@@ -229,7 +237,9 @@ Token Lexer::lexAt() {
 }
 
 Token Lexer::lexSign() {
-    if (position_ + 1 < text_.size() && mayBeginLongSign(text_[position_])) {
+    // A sign of several bytes goes on with one of their first bytes.
+    if (position_ + 1 < text_.size() && mayBeginLongSign(text_[position_]) &&
+        mayBeginLongSign(text_[position_ + 1])) {
         const std::string_view rest = text_.substr(position_);
         for (const LongSign& sign : kLongSigns) {
             if (rest[0] == sign.text[0] && rest.starts_with(sign.text)) {
@@ -251,22 +261,6 @@ Token Lexer::lexDirective() {
     const std::size_t begin = position_;
     skipDirective();
     return token(TokenKind::directive, begin);
-}
-
-Token Lexer::token(TokenKind kind, std::size_t begin) const {
-    Token result;
-    result.kind = kind;
-    result.begin = static_cast<std::uint32_t>(begin);
-    result.end = static_cast<std::uint32_t>(position_);
-    return result;
-}
-
-Token Lexer::signToken(Sign sign, std::size_t length) {
-    const std::size_t begin = position_;
-    position_ += length;
-    Token result = token(TokenKind::sign, begin);
-    result.sign = sign;
-    return result;
 }
 
 /// To the line feed that ends the directive. Its comments may go over lines; #error and its kin

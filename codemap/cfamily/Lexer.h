@@ -71,8 +71,21 @@ private:
     Token lexAt();
     Token lexSign();
     Token lexDirective();
-    Token token(TokenKind kind, std::size_t begin) const;
-    Token signToken(Sign sign, std::size_t length);
+    /// From a place up to where the lexer is.
+    Token token(TokenKind kind, std::size_t begin) const {
+        Token result;
+        result.kind = kind;
+        result.begin = static_cast<std::uint32_t>(begin);
+        result.end = static_cast<std::uint32_t>(position_);
+        return result;
+    }
+    Token signToken(Sign sign, std::size_t length) {
+        const std::size_t begin = position_;
+        position_ += length;
+        Token result = token(TokenKind::sign, begin);
+        result.sign = sign;
+        return result;
+    }
 
     void skipDirective();
     bool skipContinuation();

@@ -52,6 +52,11 @@ bool holdsContainers(ScopeKind kind) {
            kind == ScopeKind::namespaceScope;
 }
 
+/// Whether braces enclose a scope of a kind.
+bool isBraced(ScopeKind kind) {
+    return kind != ScopeKind::file && !isContainerKind(kind);
+}
+
 std::string_view withoutQuotes(std::string_view text) {
     const bool isQuoted = text.size() > 1 && text.front() == '"' && text.back() == '"';
     return isQuoted ? text.substr(1, text.size() - 2) : text;
@@ -65,6 +70,11 @@ Recogniser::Recogniser(std::string_view text, Language language)
       head_(text), scopes_(builder_),
       declarations_(head_, scopes_, lines_, language == Language::header) {}
 
+void Recogniser::trustIndentation() {
+    trustsIndentation_ = true;
+    endsBodiesByIndent_ = true;
+}
+
 Outline Recogniser::outline() {
     while (true) {
         if (bodyDepth_ > 0) {
@@ -76,9 +86,13 @@ Outline Recogniser::outline() {
         if (token.kind == TokenKind::end) {
             break;
         }
+        if (trustsIndentation_) {
+            beginMember(token);
+        }
         read(token);
     }
     clearHead();
+    isBalanced_ = !isBraced(scopes_.current().kind);
     return builder_.finish(lines_.lines());
 }
 
@@ -376,7 +390,8 @@ bool Recogniser::openNamespace(std::size_t end) {
     }
     NameRange name;
     for (std::size_t i = word + 1; i < head_.size(); i = head_.after(i)) {
-        const bool isJoined = name.isValid() && head_[i - 1].is(kScopeSign);
+        const std::size_t before = head_.is(i - 1, Word::specifier) ? i - 2 : i - 1;
+        const bool isJoined = name.isValid() && head_[before].is(kScopeSign);
         if (head_[i].isName() && (!name.isValid() || isJoined)) {
             name = {name.isValid() ? name.first : i, i};
         }
@@ -399,12 +414,48 @@ bool Recogniser::openNamespace(std::size_t end) {
     return true;
 }
 
+/// Ends types that were left open before a line that is indented no more than they are. A case
+/// that such a line would go on with is the last one.
+void Recogniser::beginMember(const Token& token) {
+    const bool isInEnumeration = scopes_.current().kind == ScopeKind::enumeration;
+    const bool mayBegin = (head_.empty() || isInEnumeration) && token.kind == TokenKind::word &&
+                          isBraced(scopes_.current().kind) && isFirstOnLine(token.begin);
+    if (!mayBegin || isLabelAt(token)) {
+        return;
+    }
+    const std::size_t indent = indentAt(token.begin);
+    Scope& scope = scopes_.current();
+    if (!scope.hasMembers) {
+        scope.hasMembers = true;
+        scope.isFlat = indent <= scope.indent;
+    }
+    while (endsScopeBefore(indent)) {
+        endHead(token.begin);
+        scopes_.close(std::max<std::uint32_t>(lineAt(token.begin), 2) - 1);
+    }
+}
+
+bool Recogniser::endsScopeBefore(std::size_t indent) const {
+    const Scope& scope = scopes_.current();
+    return isBraced(scope.kind) && scope.hasMembers && !scope.isFlat && indent <= scope.indent;
+}
+
+/// "public:" and its kin, which are indented like their class.
+bool Recogniser::isLabelAt(const Token& word) const {
+    std::size_t place = word.end;
+    while (place < text_.size() && (isNameByte(text_[place]) || text_[place] == ' ')) {
+        ++place;
+    }
+    return place < text_.size() && text_[place] == ':' && !text_.substr(place).starts_with("::");
+}
+
 bool Recogniser::openType(const Token& brace) {
     const auto type = readTypeHead(head_);
     if (!type) {
         return false;
     }
     Scope scope;
+    scope.indent = trustsIndentation_ ? indentAt(head_[0].begin) : 0;
     scope.kind = type->kind == SymbolKind::enumType ? ScopeKind::enumeration : ScopeKind::type;
     for (std::size_t i = 0; i < type->keyword; i = head_.after(i)) {
         scope.isTypeDefinition = scope.isTypeDefinition || head_.is(i, Word::typeDefinition);
@@ -458,8 +509,31 @@ void Recogniser::passFunction(const Found& function) {
     clearHead();
     bodyDepth_ = 1;
     passBody();
+    passHandlers();
     if (!function.name.empty()) {
         declarations_.add(function, lexer_.position());
+    }
+}
+
+/// "catch (…) { … }" behind the body of a function that is tried as a whole.
+void Recogniser::passHandlers() {
+    while (isCpp_ && lexer_.peek() == 'c') {
+        const std::size_t position = lexer_.position();
+        Token token = lexer_.next();
+        if (token.in(text_) != "catch") {
+            lexer_.setPosition(position);
+            return;
+        }
+        do {
+            token = lexer_.next();
+        } while (!token.is('{') && !token.is('}') && !token.is(';') &&
+                 token.kind != TokenKind::end);
+        if (!token.is('{')) {
+            lexer_.setPosition(token.begin);
+            return;
+        }
+        bodyDepth_ = 1;
+        passBody();
     }
 }
 
@@ -494,7 +568,7 @@ void Recogniser::passBody() {
     passBodyOnce();
 }
 
-/// Whether the body ends before the text does.
+/// Whether the body ends, and what follows may be read on.
 bool Recogniser::passBodyOnce() {
     while (bodyDepth_ > 0) {
         const BodyEvent event = lexer_.nextInBody(endsBodiesByIndent_);
@@ -510,7 +584,7 @@ bool Recogniser::passBodyOnce() {
             break;
         case BodyEvent::Kind::container:
             bodyDepth_ = 0;
-            break;
+            return endsBodiesByIndent_;
         case BodyEvent::Kind::lineStart:
             if (endsBodyAt(event.end)) {
                 bodyDepth_ = 0;
@@ -673,8 +747,10 @@ void Recogniser::passInitializer() {
     while (number == headNumber_) {
         const std::size_t position = lexer_.position();
         const Token token = lexer_.next();
+        const bool endsOne =
+            depth == 0 && (token.is(')') || token.is(']') || (token.is(',') && beginsNext()));
         const bool isEnd = token.kind == TokenKind::end || token.is(';') || token.is('}') ||
-                           (depth == 0 && (token.is(',') || token.is(')') || token.is(']'))) ||
+                           endsOne ||
                            (token.kind == TokenKind::atWord && token.atWord != AtWord::other &&
                             isFirstOnLine(token.begin));
         if (isEnd) {
@@ -692,6 +768,19 @@ void Recogniser::passInitializer() {
             readDirective(token.begin, token.end);
         }
     }
+}
+
+/// After a comma: whether another case may follow. "f<1, 2>::value" has commas of its own.
+bool Recogniser::beginsNext() {
+    if (scopes_.current().kind != ScopeKind::enumeration) {
+        return true;
+    }
+    const std::size_t position = lexer_.position();
+    const Token token = lexer_.next();
+    const char behind = lexer_.peek();
+    lexer_.setPosition(position);
+    return token.kind == TokenKind::word ? behind != '>' && behind != ':'
+                                         : token.kind != TokenKind::number;
 }
 
 /// After the colon of a constructor: goes to the brace of its body.
@@ -981,7 +1070,16 @@ bool Recogniser::isFirstOnLine(std::size_t position) const {
 namespace navrel {
 
 Outline outlineOfCFamily(Language language, std::string_view text) {
-    return cfamily::Recogniser(text, language).outline();
+    cfamily::Recogniser recogniser(text, language);
+    Outline outline = recogniser.outline();
+    if (recogniser.isBalanced()) {
+        return outline;
+    }
+    cfamily::Recogniser second(text, language);
+    second.trustIndentation();
+    Outline other = second.outline();
+    // What is cut off in the middle of a scope stays as it was read.
+    return second.isBalanced() ? other : outline;
 }
 
 } // namespace navrel

@@ -26,12 +26,20 @@ namespace navrel::cfamily {
 /// the first one began (see Conditions.h).
 ///
 /// A body that is not closed would take the rest of the file with it. It is read once more, and
-/// from there on a line that is indented no further than the body's own head ends the body.
+/// from there on a line that is indented no further than the body's own head ends the body. What
+/// the end of a class closed instead shows at the end of the text: a scope is left open. Then the
+/// text is read again, and indentation ends bodies and types from its beginning; that counts if
+/// nothing is left open then.
 class Recogniser : private CommentListener {
 public:
     Recogniser(std::string_view text, Language language);
 
+    /// From now on, indentation ends bodies and types that their braces do not. Before `outline`.
+    void trustIndentation();
+    /// Once.
     Outline outline();
+    /// Whether each brace that opens a scope was closed.
+    bool isBalanced() const { return isBalanced_; }
 
 private:
     void onComment(std::string_view comment, std::size_t position) override;
@@ -62,8 +70,12 @@ private:
     bool openType(const Token& brace);
     bool openFunction(const Token& brace);
     void openMethod(const Token& brace);
+    void beginMember(const Token& token);
+    bool endsScopeBefore(std::size_t indent) const;
+    bool isLabelAt(const Token& word) const;
     void closeBrace(const Token& brace);
     void passFunction(const Found& function);
+    void passHandlers();
     void passBraces(const Token& brace);
     void passBody();
     bool passBodyOnce();
@@ -75,6 +87,7 @@ private:
     void clearHead();
     void endStatement(const Token& sign);
     void passInitializer();
+    bool beginsNext();
     void passConstructorInitializers(const Token& colon);
     bool isAccessLabel() const;
     Word accessWord() const;
@@ -121,6 +134,8 @@ private:
     std::vector<LaterMacro> laterMacros_; ///< defined amid a head: added after it
     std::size_t directivesRead_ = 0;      ///< those before it have been told of
 
+    bool isBalanced_ = true;
+    bool trustsIndentation_ = false; ///< from the beginning
     bool endsBodiesByIndent_ = false;
     std::size_t headIndent_ = 0;
     bool isBodyIndented_ = false;

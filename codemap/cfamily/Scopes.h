@@ -30,7 +30,10 @@ struct Scope {
     bool endsWithBrace = false; ///< what follows the body names nothing
     bool isNameTaken = false;   ///< the first name after the body is the scope's own
     Access access = Access::unstated;
-    std::string name; ///< of a class, for its constructors
+    bool hasMembers = false;
+    bool isFlat = false;    ///< its members are indented no more than itself
+    std::size_t indent = 0; ///< of the line that it begins on; known where indentation is trusted
+    std::string name;       ///< of a class, for its constructors
 };
 
 /// The scopes around a place. A scope is never removed, so that a place can be returned to by its

@@ -102,7 +102,7 @@ constexpr std::array kEntries = {
     Entry{"catch", Word::statement, true},
     Entry{"delete", Word::statement, true},
     Entry{"class", Word::classType, true},
-    Entry{"namespace", Word::namespaceScope},
+    Entry{"namespace", Word::namespaceScope, true},
     Entry{"template", Word::templateHead, true},
     Entry{"typename", Word::typeParameter, true},
     Entry{"using", Word::usingName, true},

@@ -1,0 +1,7 @@
+struct Outer {
+    class Inner {
+    private:
+        int a;
+    };
+    int b;
+};

@@ -1,0 +1,5 @@
+class A {
+public:
+    enum Kind { one };
+    struct B { int a; };
+};

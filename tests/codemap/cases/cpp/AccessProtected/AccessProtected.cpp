@@ -1,0 +1,4 @@
+class A {
+protected:
+    virtual void rise();
+};

@@ -1,0 +1,8 @@
+class A {
+public:
+    int a;
+private:
+    int b;
+public:
+    int c;
+};

@@ -1,0 +1,2 @@
+using Height = double;
+using Heights = std::vector<Height>;

@@ -1,0 +1,2 @@
+using Callback = void (*)(int, char);
+using Member = int (Sea::*)() const;

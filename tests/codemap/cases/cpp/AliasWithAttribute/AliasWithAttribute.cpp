@@ -1,0 +1,1 @@
+using Old [[deprecated]] = int;

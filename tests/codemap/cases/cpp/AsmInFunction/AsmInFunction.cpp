@@ -1,0 +1,4 @@
+void run() {
+    asm volatile("nop { " : : "r"(1));
+}
+int after;

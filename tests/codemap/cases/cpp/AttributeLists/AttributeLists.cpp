@@ -1,0 +1,3 @@
+[[nodiscard]] int run() { return 1; }
+[[noreturn, gnu::cold]] void quit() { throw 1; }
+struct [[nodiscard]] A { int a; };

@@ -1,0 +1,1 @@
+template <typename... Ts> struct Overload : Ts... { using Ts::operator()...; };

@@ -1,0 +1,1 @@
+class A : public sea::harbour::Tide {};

@@ -1,0 +1,1 @@
+class A : public Countable<A, std::pair<int, A>> { int a; };

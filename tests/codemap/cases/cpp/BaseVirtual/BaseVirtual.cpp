@@ -1,0 +1,1 @@
+class A : public virtual B, private C<int> {};

@@ -1,0 +1,8 @@
+class A {
+#ifdef WIDE
+    void wide();
+#else
+    void narrow();
+#endif
+    void both();
+};

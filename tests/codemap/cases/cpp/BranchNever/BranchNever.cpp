@@ -1,0 +1,4 @@
+#if 0
+class Never {
+#endif
+class Ever { int a; };

@@ -1,0 +1,8 @@
+enum Kind {
+    one,
+    two
+
+void run() {
+    rise();
+}
+int after;

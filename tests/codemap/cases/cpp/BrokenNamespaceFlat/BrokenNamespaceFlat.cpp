@@ -1,0 +1,13 @@
+namespace sea {
+
+void rise() {
+    if (a) {
+        run();
+}
+
+void ebb() {
+    run();
+}
+
+}
+int after;

@@ -1,0 +1,7 @@
+class Outer {
+    class Inner {
+        int a;
+
+    int b;
+};
+int after;

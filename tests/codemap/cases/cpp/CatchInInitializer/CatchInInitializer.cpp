@@ -1,0 +1,6 @@
+A::A() try : a(1) {
+    run();
+} catch (...) {
+    rise();
+}
+int after;

@@ -1,0 +1,2 @@
+auto make = [] { struct Local { int a; }; return Local{1}; };
+int after;

@@ -1,0 +1,2 @@
+class A { int a; } first{1}, *second = nullptr;
+int after;

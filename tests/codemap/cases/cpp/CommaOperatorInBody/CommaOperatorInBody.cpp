@@ -1,0 +1,2 @@
+void run() { for (int a = 0, b = 1; a < b; ++a, --b) { } }
+int after;

@@ -1,0 +1,2 @@
+void run() { } // } not one
+int after; /* { nor this */

@@ -1,0 +1,1 @@
+int /* a */ run /* b */ ( /* c */ ) /* d */ { return 1; }

@@ -1,0 +1,2 @@
+template </* the type, > or not */ typename T>
+struct Box { T a; };

@@ -1,0 +1,3 @@
+// goes on \
+int hidden;
+int shown;

@@ -1,0 +1,2 @@
+A::A() = default;
+A::~A() = default;

@@ -1,0 +1,5 @@
+struct A {
+    A(const A &) = delete;
+    A &operator=(A &&) = delete;
+    ~A() = default;
+};

@@ -1,0 +1,4 @@
+class A {
+    explicit A(int a) : a_(a) {}
+    int a_;
+};

@@ -1,0 +1,4 @@
+template <typename T>
+Box<T>::Box(T value) : value_(value) {}
+template <typename T>
+Box<T>::~Box() {}

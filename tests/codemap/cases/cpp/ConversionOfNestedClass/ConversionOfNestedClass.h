@@ -1,0 +1,2 @@
+template <typename T>
+inline Array<T>::Element::operator const local<T> () const { return {}; }

@@ -1,0 +1,2 @@
+struct A { void run(); } ;
+void A::run() { }

@@ -1,0 +1,4 @@
+class A {
+    virtual ~A();
+    virtual ~A() = 0;
+};

@@ -1,0 +1,2 @@
+enum class Kind : std::uint8_t { ebb, flood = 2 };
+enum struct Side { left };

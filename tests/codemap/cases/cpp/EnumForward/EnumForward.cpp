@@ -1,0 +1,3 @@
+enum class Kind : int;
+enum Plain : short;
+int after;

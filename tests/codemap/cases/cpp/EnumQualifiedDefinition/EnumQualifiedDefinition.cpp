@@ -1,0 +1,1 @@
+enum class A::Kind { one };

@@ -1,0 +1,4 @@
+class A {
+    enum { kSize = 3 };
+    int a[kSize];
+};

@@ -1,0 +1,1 @@
+enum Kind { one, two } kind = one, *pointer;

@@ -1,0 +1,6 @@
+namespace sea {
+extern "C" {
+void run(void) {}
+}
+void rise() {}
+}

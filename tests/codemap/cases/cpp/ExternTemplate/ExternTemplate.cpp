@@ -1,0 +1,2 @@
+extern template class std::vector<int>;
+int after;

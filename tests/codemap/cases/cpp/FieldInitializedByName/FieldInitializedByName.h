@@ -1,0 +1,4 @@
+struct View {
+    Metrics metrics = EmptyMetrics;
+    const float *sizes = kDefaultSizes, scale = kScale;
+};

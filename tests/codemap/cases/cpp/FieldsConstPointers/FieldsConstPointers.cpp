@@ -1,0 +1,5 @@
+struct A {
+    const char *const name;
+    int const &reference;
+    volatile int *volatile place;
+};

@@ -1,0 +1,5 @@
+struct A {
+    std::string name{"{"};
+    std::vector<int> list{1, 2};
+    int after = 3;
+};

@@ -1,0 +1,5 @@
+struct A {
+    struct B *next;
+    enum Kind kind;
+    class C &other;
+};

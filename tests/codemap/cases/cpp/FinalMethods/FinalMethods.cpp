@@ -1,0 +1,4 @@
+struct A : B {
+    void rise() override;
+    void ebb() const override final { run(); }
+};

@@ -1,0 +1,6 @@
+class A {
+    friend class B;
+    friend struct sea::C;
+    friend D;
+    int a;
+};

@@ -1,0 +1,2 @@
+void run(std::function<int()> f = [] { return 1; }) { f(); }
+int after;

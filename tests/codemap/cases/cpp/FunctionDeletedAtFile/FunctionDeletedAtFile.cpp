@@ -1,0 +1,2 @@
+void run(int) = delete;
+int after;

@@ -1,0 +1,1 @@
+namespace a { namespace b { void run() {} } }

@@ -1,0 +1,2 @@
+EXPORT(int) run(void) { return 1; }
+API std::string rise() { return ""; }

@@ -1,0 +1,3 @@
+void run(int) {}
+void run(char) {}
+void run() {}

@@ -1,0 +1,1 @@
+int (*choose(int a))(int) { return nullptr; }

@@ -1,0 +1,2 @@
+std::string text() { return R"x( } )" { )x"; }
+int after;

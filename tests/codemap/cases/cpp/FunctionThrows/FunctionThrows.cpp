@@ -1,0 +1,2 @@
+void run() throw(std::bad_alloc) { }
+void rise() throw() { }

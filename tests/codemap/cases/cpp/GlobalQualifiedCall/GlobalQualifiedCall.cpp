@@ -1,0 +1,2 @@
+int ::sea::run(int a) { return a; }
+int after;

@@ -1,0 +1,5 @@
+namespace sea {
+class Tide;
+template <typename T> class Box;
+double height(const Tide &tide);
+}

@@ -1,0 +1,2 @@
+struct tide { int class; int new; };
+int delete(struct tide *this);

@@ -1,0 +1,4 @@
+struct A : B {
+    using B::B;
+    using Base = B;
+};

@@ -1,0 +1,1 @@
+int values[] = {run(1), (2), sizeof(int)}, after = 3;

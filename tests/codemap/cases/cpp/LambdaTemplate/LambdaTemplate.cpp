@@ -1,0 +1,2 @@
+auto run = []<typename T>(T a) mutable noexcept -> T { return a; };
+int after;

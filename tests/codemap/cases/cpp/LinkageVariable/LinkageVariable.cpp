@@ -1,0 +1,1 @@
+extern "C" { extern int shared; int own = 1; }

@@ -1,0 +1,2 @@
+auto a = u8"}", b = L"{", c = U'\'';
+int after;

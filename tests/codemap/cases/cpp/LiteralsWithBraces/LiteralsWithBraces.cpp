@@ -1,0 +1,3 @@
+char open = '{', close = '}';
+const char *text = "}{" "\"}";
+int after;

@@ -1,0 +1,4 @@
+class A {
+#define LIMIT 3
+    int a[LIMIT];
+};

@@ -1,0 +1,3 @@
+#define BEGIN {
+#define END }
+int after;

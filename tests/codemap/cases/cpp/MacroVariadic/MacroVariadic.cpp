@@ -1,0 +1,2 @@
+#define LOG(format, ...) printf(format, ##__VA_ARGS__)
+int after;

@@ -1,0 +1,4 @@
+struct A {
+    void run() try { rise(); } catch (int) { }
+    int after;
+};

@@ -1,0 +1,2 @@
+int A::size() const { return 1; }
+int A::size() volatile noexcept { return 1; }

@@ -1,0 +1,2 @@
+void Outer::Inner::run() {}
+void sea::Outer::Inner::rise() const {}

@@ -1,0 +1,4 @@
+struct A {
+    static A *shared();
+    static int count() { return 1; }
+};

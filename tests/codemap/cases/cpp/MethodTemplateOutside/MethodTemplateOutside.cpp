@@ -1,0 +1,3 @@
+template <typename T>
+template <typename U>
+void Box<T>::add(U a) {}

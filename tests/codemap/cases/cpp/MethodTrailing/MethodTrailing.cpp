@@ -1,0 +1,4 @@
+struct A {
+    auto begin() const -> int *;
+    auto end() -> decltype(begin()) { return nullptr; }
+};

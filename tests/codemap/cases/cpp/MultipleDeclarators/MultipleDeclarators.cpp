@@ -1,0 +1,1 @@
+int a, *b, &c = a, d[2], (*e)(int) = nullptr;

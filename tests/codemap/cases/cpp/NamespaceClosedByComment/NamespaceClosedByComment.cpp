@@ -1,0 +1,4 @@
+namespace sea {
+int a;
+} // namespace sea {
+int after;

@@ -1,0 +1,5 @@
+void run() {
+    namespace fs = std::filesystem;
+    using namespace std;
+}
+int after;

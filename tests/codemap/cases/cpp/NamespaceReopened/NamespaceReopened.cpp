@@ -1,0 +1,2 @@
+namespace sea { int a; }
+namespace sea { int b; }

@@ -1,0 +1,4 @@
+struct A {
+    int (*(*table)[3])(int);
+    int (&reference)[2];
+};

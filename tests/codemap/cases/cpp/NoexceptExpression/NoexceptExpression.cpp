@@ -1,0 +1,2 @@
+void run() noexcept(noexcept(rise()) && true) {}
+int after;

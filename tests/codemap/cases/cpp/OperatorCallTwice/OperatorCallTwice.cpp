@@ -1,0 +1,4 @@
+struct A {
+    int operator()() { return 1; }
+    int operator()(int) const { return 2; }
+};

@@ -1,0 +1,1 @@
+struct A { A &operator<<=(int); A &operator>>=(int); A &operator->*(int); };

@@ -1,0 +1,1 @@
+auto operator<=>(const A &a, const B &b) { return a.x <=> b.x; }

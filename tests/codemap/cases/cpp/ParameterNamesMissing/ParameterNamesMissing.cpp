@@ -1,0 +1,1 @@
+void run(int, const char *, void (*)(int), int = 3) {}

@@ -1,0 +1,4 @@
+#pragma mark - Life
+void rise() {}
+#pragma mark Death
+void ebb() {}

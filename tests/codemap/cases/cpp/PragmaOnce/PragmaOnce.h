@@ -1,0 +1,4 @@
+#pragma once
+#include <vector>
+struct A;
+int run();

@@ -1,0 +1,4 @@
+struct A {
+    virtual ~A() noexcept = 0;
+    virtual int run(int) const = 0;
+};

@@ -1,0 +1,4 @@
+struct A {
+    const char *text = R"({ " } )";
+    int after;
+};

@@ -1,0 +1,2 @@
+template <typename T> requires Number<T>
+class Box { T a; };

@@ -1,0 +1,2 @@
+template <typename T> struct Trait<T *> { using type = T; };
+template <> struct Trait<int> { static const int value = 1; };

@@ -1,0 +1,4 @@
+struct A {
+    struct { int x, y; } place;
+    union { int a; float b; };
+};

@@ -1,0 +1,2 @@
+template <int N, bool B = (N > 3)> struct Wide { int a; };
+int after;

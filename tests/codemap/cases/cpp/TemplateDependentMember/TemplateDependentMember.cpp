@@ -1,0 +1,2 @@
+template <typename T>
+typename Box<T>::iterator Box<T>::begin() { return {}; }

@@ -1,0 +1,4 @@
+template <typename T> class Box {
+    template <typename U> friend class Box;
+    T a;
+};

@@ -1,0 +1,2 @@
+template <auto F = [] { return 1; }> struct A { int a; };
+int after;

@@ -1,0 +1,8 @@
+template <
+    typename Key,
+    typename Value = std::vector<Key>
+>
+class Table
+{
+    Key key;
+};

@@ -1,0 +1,2 @@
+struct A final : B {};
+class EXPORT C final : public D { int a; };

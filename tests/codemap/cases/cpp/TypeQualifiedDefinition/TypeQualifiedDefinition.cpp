@@ -1,0 +1,2 @@
+struct Outer::Inner : Base { int a; };
+class sea::Tide { int b; };

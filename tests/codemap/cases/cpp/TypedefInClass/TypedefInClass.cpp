@@ -1,0 +1,4 @@
+class A {
+    typedef int value_type;
+    typedef void (*Handler)(int);
+};

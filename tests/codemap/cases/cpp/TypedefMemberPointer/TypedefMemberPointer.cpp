@@ -1,0 +1,1 @@
+typedef int (Sea::*Getter)(void) const;

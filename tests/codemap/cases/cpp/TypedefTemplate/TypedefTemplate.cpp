@@ -1,0 +1,1 @@
+typedef std::map<std::string, std::vector<int>> Table;

@@ -1,0 +1,2 @@
+struct Größe { int höhe; };
+void étale() {}

@@ -1,0 +1,6 @@
+union Value {
+    int whole;
+    double real;
+    Value() {}
+    ~Value() {}
+};

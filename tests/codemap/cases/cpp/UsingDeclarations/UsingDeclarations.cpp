@@ -1,0 +1,3 @@
+using std::string;
+using namespace std;
+struct A : B { using B::B; using B::run; int a; };

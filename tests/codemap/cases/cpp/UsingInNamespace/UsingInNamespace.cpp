@@ -1,0 +1,4 @@
+namespace sea {
+using harbour::tide;
+using Moon = int;
+}

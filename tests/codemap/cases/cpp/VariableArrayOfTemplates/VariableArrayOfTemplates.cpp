@@ -1,0 +1,1 @@
+std::vector<int> lists[3], *pointer;

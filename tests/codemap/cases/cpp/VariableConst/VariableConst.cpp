@@ -1,0 +1,3 @@
+const int a = 1;
+int const b = 2;
+static const char *const names[] = {"a", "b"};

@@ -1,0 +1,2 @@
+decltype(run()) a = run();
+decltype(a) b{a};

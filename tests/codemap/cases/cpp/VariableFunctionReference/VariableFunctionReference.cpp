@@ -1,0 +1,2 @@
+void (&call)(int) = run;
+int (*table[2])(int) = {one, two};

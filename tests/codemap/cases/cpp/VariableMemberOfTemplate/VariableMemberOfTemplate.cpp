@@ -1,0 +1,2 @@
+template <typename T> int Box<T>::count = 0;
+int A::total = 3;

@@ -1,0 +1,5 @@
+struct A {
+    int final;
+    int override;
+    int import, module;
+};

@@ -1,0 +1,3 @@
+@class Harbour, Tide;
+@class Moon;
+int after;

@@ -1,0 +1,3 @@
+@import Foundation;
+#import <UIKit/UIKit.h>
+int after;

@@ -1,0 +1,2 @@
+void quit(void) __attribute__((noreturn));
+__attribute__((constructor)) static void begin(void) { run(); }

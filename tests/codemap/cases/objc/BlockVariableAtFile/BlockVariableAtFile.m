@@ -1,0 +1,2 @@
+static void (^handler)(int) = ^(int a) { run(a); };
+int after;

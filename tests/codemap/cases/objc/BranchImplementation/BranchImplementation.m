@@ -1,0 +1,8 @@
+@implementation A
+#if DEBUG
+- (void)debug { }
+#else
+- (void)release { }
+#endif
+- (void)both { }
+@end

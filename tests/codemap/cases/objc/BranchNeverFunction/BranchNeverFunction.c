@@ -1,0 +1,4 @@
+#if 0
+void never(void) {
+#endif
+int after;

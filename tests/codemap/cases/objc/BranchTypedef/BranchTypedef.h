@@ -1,0 +1,5 @@
+#ifdef WIDE
+typedef long height;
+#else
+typedef int height;
+#endif

@@ -1,0 +1,7 @@
+struct tide {
+    int a;
+
+struct moon {
+    int b;
+};
+int after;

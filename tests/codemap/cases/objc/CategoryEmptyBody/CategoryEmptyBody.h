@@ -1,0 +1,2 @@
+@interface NSString (Tide)
+@end

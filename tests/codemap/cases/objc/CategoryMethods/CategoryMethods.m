@@ -1,0 +1,4 @@
+@implementation NSString (Tide)
++ (instancetype)tide { return nil; }
+- (NSString *)high { return self; }
+@end

@@ -1,0 +1,2 @@
+char quote = '\'', brace = '{', many = 'ab{}';
+int after;

@@ -1,0 +1,4 @@
+@interface A () <B, C>
+@property (nonatomic) int depth;
+- (void)hidden;
+@end

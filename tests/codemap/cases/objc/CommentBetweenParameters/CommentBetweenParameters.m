@@ -1,0 +1,5 @@
+@implementation A
+- (void)first:(int)a // the first: one
+       second:(int)b /* the second: two */ {
+}
+@end

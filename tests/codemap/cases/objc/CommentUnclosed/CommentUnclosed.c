@@ -1,0 +1,3 @@
+int before;
+/* never ends
+int after;

@@ -1,0 +1,2 @@
+#define RUN(a) do { if (a) { b(); } } while (0)
+int after;

@@ -1,0 +1,2 @@
+const char *const names[] = {"a", "b"};
+int *const volatile place;

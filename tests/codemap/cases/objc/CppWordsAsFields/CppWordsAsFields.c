@@ -1,0 +1,1 @@
+struct view { int class, template, namespace; int private; };

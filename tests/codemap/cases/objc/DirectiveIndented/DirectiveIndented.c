@@ -1,0 +1,4 @@
+  #  define DEPTH 3
+	#ifdef DEPTH
+int a;
+    #endif

@@ -1,0 +1,5 @@
+@implementation A
+@synthesize height = _height, depth;
+@dynamic moon;
+- (void)run { }
+@end

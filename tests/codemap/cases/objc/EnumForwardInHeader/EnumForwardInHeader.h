@@ -1,0 +1,2 @@
+enum tide;
+typedef enum tide tide_t;

@@ -1,0 +1,1 @@
+struct tide { enum { low, high } kind; int a; };

@@ -1,0 +1,4 @@
+typedef enum { One, Two } Count;
+@interface A : NSObject
+@property Count count;
+@end

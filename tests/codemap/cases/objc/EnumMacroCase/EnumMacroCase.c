@@ -1,0 +1,1 @@
+enum kind { one, MORE(two, 2), three };

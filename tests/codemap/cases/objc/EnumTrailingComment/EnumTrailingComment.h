@@ -1,0 +1,5 @@
+typedef NS_ENUM(NSInteger, Side) {
+    SideLeft = 0, ///< the { left
+    SideRight /* the } right */
+};
+int after;

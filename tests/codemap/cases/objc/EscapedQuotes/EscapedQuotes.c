@@ -1,0 +1,2 @@
+const char *a = "\\", *b = "\"{", *c = "\\\"}";
+int after;

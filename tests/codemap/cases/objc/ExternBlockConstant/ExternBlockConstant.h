@@ -1,0 +1,2 @@
+FOUNDATION_EXPORT NSString *const TideDidRise;
+extern void (^TideHandler)(int);

@@ -1,0 +1,4 @@
+@implementation A
+- (void)run { for (NSString *a in @[@"{", @"}"]) { b(a); } }
+- (void)after { }
+@end

@@ -1,0 +1,1 @@
+struct flags { unsigned a : 1, : 2, b : 3; };

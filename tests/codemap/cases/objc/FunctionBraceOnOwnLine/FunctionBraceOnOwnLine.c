@@ -1,0 +1,7 @@
+int
+run
+(int a)
+{
+    return a;
+}
+int after;

@@ -1,0 +1,3 @@
+extern inline int a(void) { return 1; }
+static __inline__ int b(void) { return 1; }
+__forceinline int c(void) { return 1; }

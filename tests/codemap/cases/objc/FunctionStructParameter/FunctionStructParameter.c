@@ -1,0 +1,2 @@
+int run(struct tide { int a; } b) { return b.a; }
+int after;

@@ -1,0 +1,6 @@
+void run(void) {
+    goto end;
+end:
+    return;
+}
+int after;

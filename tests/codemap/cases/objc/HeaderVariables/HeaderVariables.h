@@ -1,0 +1,2 @@
+extern int a, *b;
+extern const char *const names[];

@@ -1,0 +1,3 @@
+@implementation A
+@end
+@implementation B @end

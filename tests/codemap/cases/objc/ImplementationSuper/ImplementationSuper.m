@@ -1,0 +1,3 @@
+@implementation A : NSObject
+- (void)run { }
+@end

@@ -1,0 +1,4 @@
+@interface A : NSObject
+#define DEPTH 3
+- (void)run;
+@end

@@ -1,0 +1,4 @@
+@interface A : NSObject {
+}
+- (void)run;
+@end

@@ -1,0 +1,2 @@
+@interface Fleet : NSArray<Ship *> <Moving>
+@end

@@ -1,0 +1,3 @@
+@interface Box<__covariant T : id<NSCopying>> : NSObject
+- (T)value;
+@end

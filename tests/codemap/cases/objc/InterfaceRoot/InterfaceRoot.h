@@ -1,0 +1,4 @@
+NS_ROOT_CLASS
+@interface Root
+- (void)run;
+@end

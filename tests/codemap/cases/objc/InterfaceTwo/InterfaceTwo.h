@@ -1,0 +1,6 @@
+@interface A : NSObject
+- (void)a;
+@end
+@interface B : A
+- (void)b;
+@end

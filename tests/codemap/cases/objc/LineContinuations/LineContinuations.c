@@ -1,0 +1,4 @@
+int runner;
+#define LONG \
+    1
+int after;

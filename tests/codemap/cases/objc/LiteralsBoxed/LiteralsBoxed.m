@@ -1,0 +1,2 @@
+NSDictionary *table(void) { return @{@"{": @[@1, @(2)], @"}": @YES}; }
+int after;

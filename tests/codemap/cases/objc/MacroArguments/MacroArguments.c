@@ -1,0 +1,3 @@
+#define JOIN(a, b) a##b
+#define TEXT(a) #a "}"
+int after;

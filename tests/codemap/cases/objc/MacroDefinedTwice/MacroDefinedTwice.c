@@ -1,0 +1,5 @@
+#ifdef A
+#define DEPTH 1
+#else
+#define DEPTH 2
+#endif

@@ -1,0 +1,2 @@
+#define NOTHING
+#define CALL()

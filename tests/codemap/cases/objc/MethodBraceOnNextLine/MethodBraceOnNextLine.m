@@ -1,0 +1,9 @@
+@implementation A
+- (void)run
+{
+}
+
+- (void) spaced : (int) a with : (int) b
+{
+}
+@end

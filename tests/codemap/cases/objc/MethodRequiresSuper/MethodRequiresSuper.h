@@ -1,0 +1,4 @@
+@protocol A
+- (void)update NS_REQUIRES_SUPER;
+- (void)moveX:(int)x Y:(int)y;
+@end

@@ -1,0 +1,5 @@
+@implementation A
+- (IBAction)tap:(id)sender { }
+- (instancetype)init { return self; }
+- (BOOL)isHigh { return YES; }
+@end

@@ -1,0 +1,4 @@
+@interface A : NSObject
+- (instancetype)init __attribute__((unavailable("use { instead")));
+- (void)after;
+@end

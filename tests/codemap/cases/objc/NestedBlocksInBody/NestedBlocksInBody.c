@@ -1,0 +1,2 @@
+void run(void) { { { int a; } } { int b; } }
+int after;

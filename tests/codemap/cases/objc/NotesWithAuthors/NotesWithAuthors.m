@@ -1,0 +1,3 @@
+// TODO(mia): measure the tide
+/* FIXME: the moon */
+int a; // HACK: by hand

@@ -1,0 +1,7 @@
+#pragma mark
+#pragma mark -
+#pragma mark Life
+@implementation A
+#pragma mark - Moving
+- (void)run { }
+@end

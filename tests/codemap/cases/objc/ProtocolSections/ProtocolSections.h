@@ -1,0 +1,7 @@
+@protocol A
+- (void)first;
+@optional
+- (void)second;
+@required
+- (void)third;
+@end

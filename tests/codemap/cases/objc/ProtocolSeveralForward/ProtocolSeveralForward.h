@@ -1,0 +1,4 @@
+@protocol A, B;
+@protocol C;
+@protocol D <A, B>
+@end

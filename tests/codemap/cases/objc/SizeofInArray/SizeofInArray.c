@@ -1,0 +1,2 @@
+char buffer[sizeof(struct { int a; })];
+int after;

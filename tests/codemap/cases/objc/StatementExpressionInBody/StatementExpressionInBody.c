@@ -1,0 +1,2 @@
+int run(void) { return ({ int a = 1; a; }); }
+int after;

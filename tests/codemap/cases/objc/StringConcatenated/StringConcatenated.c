@@ -1,0 +1,3 @@
+const char *text = "one {" "two }"
+                   "three";
+int after;

@@ -1,0 +1,1 @@
+struct tide { int a; } first = { 1 }, *second;

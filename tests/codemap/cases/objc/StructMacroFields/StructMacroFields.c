@@ -1,0 +1,4 @@
+struct tide {
+    LIST_ENTRY(tide) link;
+    int a;
+};

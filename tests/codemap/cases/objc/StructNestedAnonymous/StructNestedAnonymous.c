@@ -1,0 +1,4 @@
+struct tide {
+    union { int a; float b; };
+    struct { int c; } inner;
+};

@@ -1,0 +1,2 @@
+char a = '?'; const char *b = "??>";
+int after;

@@ -1,0 +1,2 @@
+typedef enum tide tide;
+typedef struct moon moon, *moonRef;

@@ -1,0 +1,1 @@
+union value { struct { int a; } whole; double real; };

@@ -1,0 +1,2 @@
+static dispatch_once_t token;
+static A *shared = nil;

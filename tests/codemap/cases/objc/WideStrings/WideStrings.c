@@ -1,0 +1,2 @@
+const wchar_t *a = L"{", *b = L"\"}";
+int after;
