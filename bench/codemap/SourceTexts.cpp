@@ -26,9 +26,29 @@ Language languageOf(const std::filesystem::path& path) {
 
 } // namespace
 
-void SourceTexts::add(std::string text) {
+void SourceTexts::add(Language language, std::string text) {
     size += text.size();
-    texts.push_back(std::move(text));
+    texts.push_back({language, std::move(text)});
+}
+
+std::vector<std::string> filesOf(const std::vector<Language>& languages,
+                                 const std::vector<QByteArray>& paths) {
+    std::vector<std::string> files;
+    for (const QByteArray& path : paths) {
+        const Language language = languageOf(path.toStdString());
+        if (std::find(languages.begin(), languages.end(), language) != languages.end()) {
+            files.push_back(path.toStdString());
+        }
+    }
+    return files;
+}
+
+SourceTexts textsOf(const std::vector<std::string>& files) {
+    SourceTexts texts;
+    for (const std::string& file : files) {
+        texts.add(languageOf(file), textOf(file));
+    }
+    return texts;
 }
 
 SourceTexts realTexts(const std::vector<Language>& languages) {
@@ -41,11 +61,12 @@ SourceTexts realTexts(const std::vector<Language>& languages) {
         const bool isWanted = std::find(languages.begin(), languages.end(),
                                         languageOf(entry.path())) != languages.end();
         if (entry.is_regular_file() && isWanted && found.size < kTextsSize) {
-            found.add(textOf(entry.path()));
+            found.add(languageOf(entry.path()), textOf(entry.path()));
         }
     }
     for (std::size_t index = 0; found.size > 0 && found.size < kTextsSize; ++index) {
-        found.add(std::string(found.texts[index]));
+        const SourceText again = found.texts[index];
+        found.add(again.language, again.text);
     }
     return found;
 }

@@ -2,6 +2,8 @@
 
 #include "codemap/Language.h"
 
+#include <QByteArray>
+
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -11,13 +13,23 @@ namespace navrel::bench {
 /// As much as a large project holds.
 inline constexpr std::size_t kTextsSize = 45'000'000;
 
-/// Sources in memory, as UTF-8.
+/// A source in memory, as UTF-8.
+struct SourceText {
+    Language language{};
+    std::string text;
+};
+
 struct SourceTexts {
-    std::vector<std::string> texts;
+    std::vector<SourceText> texts;
     std::size_t size = 0; ///< in bytes
 
-    void add(std::string text);
+    void add(Language language, std::string text);
 };
+
+/// Files of some languages, of all that are named.
+std::vector<std::string> filesOf(const std::vector<Language>& languages,
+                                 const std::vector<QByteArray>& paths);
+SourceTexts textsOf(const std::vector<std::string>& files);
 
 /// The sources of some languages in the folder that NAVREL_BENCH_SOURCES names, over and over until
 /// there are 45 MB of them; none where there is no such folder, or no such source in it.

@@ -127,7 +127,7 @@ SourceTexts swiftTexts() {
     SourceTexts made;
     SwiftWriter writer;
     for (int number = 0; made.size < kTextsSize; ++number) {
-        made.add(writer.file("Source" + std::to_string(number)));
+        made.add(Language::swift, writer.file("Source" + std::to_string(number)));
     }
     return made;
 }
