@@ -12,7 +12,7 @@ namespace navrel {
 
 namespace {
 
-using Outcome = KateReading::Outcome;
+using KateOutcome = KateReading::Outcome;
 
 const QByteArray kKate = "Kate";
 constexpr std::chrono::milliseconds kInterval{500};
@@ -46,7 +46,7 @@ struct KateEditor::Following {
     void hear(const KateReading& reading) {
         isAsking = false;
         const auto news = std::exchange(isFirst, false) ? PlaceNews::isThere : PlaceNews::cameThere;
-        if (reading.outcome == Outcome::Window && last != placeOf(reading.window)) {
+        if (reading.outcome == KateOutcome::Window && last != placeOf(reading.window)) {
             last = placeOf(reading.window);
             observer(*last, news);
         }
@@ -73,13 +73,13 @@ std::optional<ActiveFile> KateEditor::activeFile(const QDeadlineTimer& deadline)
     }
     const KateReading reading = readKateWindow(bus_, deadline);
     switch (reading.outcome) {
-    case Outcome::Window:
+    case KateOutcome::Window:
         answers_.add(kKate, reading.window.file);
         break;
-    case Outcome::None:
+    case KateOutcome::None:
         answers_.forget(kKate);
         break;
-    case Outcome::Silent:
+    case KateOutcome::Silent:
         silent_.add(kKate);
         break;
     }
@@ -102,10 +102,10 @@ JumpResult KateEditor::jump(const EditorPlace& place, const QDeadlineTimer& dead
         return {};
     }
     const KateReading reading = readKateWindow(bus_, end);
-    if (reading.outcome == Outcome::None) {
+    if (reading.outcome == KateOutcome::None) {
         return {};
     }
-    if (reading.outcome == Outcome::Silent) {
+    if (reading.outcome == KateOutcome::Silent) {
         // It is not asked to open anything: it would do that whenever it goes on.
         silent_.add(kKate);
         return {EditorOutcome::Kind::asksUser, QStringLiteral("Kate does not answer."), {}};
