@@ -2,35 +2,24 @@
 
 #include "support/text/UTF8.h"
 
+#include <QByteArray>
 #include <QDeadlineTimer>
-#include <QEventLoop>
-#include <QNetworkAccessManager>
-#include <QNetworkReply>
-#include <QThread>
-#include <QTimer>
-#include <QVariant>
 
 #include <algorithm>
-#include <chrono>
+#include <curl/curl.h>
 #include <future>
 #include <memory>
-#include <netdb.h>
 #include <thread>
+#include <utility>
 
 namespace navrel {
 
 namespace {
 
 constexpr int kMaximumRedirections = 5;
-constexpr int kStatusOK = 200;
+constexpr long kStatusOK = 200;
 
-/// What the worker has, after it gave up, to put everything away before the caller is gone.
-constexpr std::chrono::milliseconds kTimeToEnd{100};
-
-/// What the worker leaves for the caller, who may have stopped waiting.
-struct Fetched {
-    std::optional<QByteArray> bytes;
-};
+using Handle = std::unique_ptr<CURL, decltype(&curl_easy_cleanup)>;
 
 bool isHTTP(const QUrl& url) {
     return url.scheme() == QStringLiteral("http") || url.scheme() == QStringLiteral("https");
@@ -42,73 +31,49 @@ bool hasNoAddressByDefinition(const QUrl& url) {
            host.endsWith(QStringLiteral(".invalid"));
 }
 
-std::optional<QByteArray> bytesOf(QNetworkReply& reply) {
-    const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    if (reply.error() != QNetworkReply::NoError || status != kStatusOK) {
-        return std::nullopt;
+/// Keeps what arrives, as far as there is room; else the transfer ends with an error.
+size_t keep(const char* bytes, size_t, size_t count, void* kept) {
+    auto& text = *static_cast<QByteArray*>(kept);
+    if (count > static_cast<size_t>(kMaximumFetchedBytes - text.size())) {
+        return 0;
     }
-    const QByteArray bytes = reply.read(kMaximumFetchedBytes + 1);
-    return bytes.size() > kMaximumFetchedBytes ? std::nullopt : std::optional(bytes);
+    text.append(bytes, static_cast<qsizetype>(count));
+    return count;
 }
 
-/// Whether a host has an address, as far as can be told by then. The resolver may take a minute
-/// over that and cannot be interrupted, so its thread is left behind: Qt's own would hold the end
-/// of the program as long. Qt asks once more, of a resolver that answers.
-bool hasAddress(const QUrl& url, const QDeadlineTimer& deadline) {
-    const auto found = std::make_shared<std::promise<bool>>();
-    std::future<bool> answer = found->get_future();
-    std::thread([found, host = url.host(QUrl::FullyEncoded).toLatin1()] {
-        addrinfo* addresses = nullptr;
-        const bool isFound = ::getaddrinfo(host.constData(), nullptr, nullptr, &addresses) == 0;
-        if (isFound) {
-            ::freeaddrinfo(addresses);
-        }
-        found->set_value(isFound);
-    }).detach();
-    return answer.wait_for(deadline.remainingTimeAsDuration()) == std::future_status::ready &&
-           answer.get();
+/// Asks for a place, without going where it sends to. False without a whole answer by then.
+bool perform(CURL* handle, const QUrl& place, QByteArray& text, const QDeadlineTimer& deadline) {
+    text.clear();
+    const QByteArray address = place.toEncoded();
+    const qint64 atMost = std::max<qint64>(deadline.remainingTime(), 1); // 0 would be no limit
+    curl_easy_setopt(handle, CURLOPT_URL, address.constData());
+    curl_easy_setopt(handle, CURLOPT_PROTOCOLS_STR, "http,https");
+    curl_easy_setopt(handle, CURLOPT_TIMEOUT_MS, static_cast<long>(atMost));
+    curl_easy_setopt(handle, CURLOPT_MAXFILESIZE, static_cast<long>(kMaximumFetchedBytes));
+    curl_easy_setopt(handle, CURLOPT_PROXY, ""); // whatever the environment names
+    curl_easy_setopt(handle, CURLOPT_NOSIGNAL, 1L);
+    curl_easy_setopt(handle, CURLOPT_WRITEFUNCTION, &keep);
+    curl_easy_setopt(handle, CURLOPT_WRITEDATA, &text);
+    return curl_easy_perform(handle) == CURLE_OK;
 }
 
-/// Waits for the whole reply, or what comes of it by then.
-std::unique_ptr<QNetworkReply> finishedReply(QNetworkAccessManager& manager, const QUrl& url,
-                                             const QDeadlineTimer& deadline) {
-    QNetworkRequest request(url);
-    // Not followed by Qt: a redirection that is refused would have to be aborted, and what Qt's
-    // thread held of it then might never be freed.
-    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
-                         QNetworkRequest::ManualRedirectPolicy);
-    std::unique_ptr<QNetworkReply> reply(manager.get(request));
-    reply->setReadBufferSize(kMaximumFetchedBytes + 1);
-
-    QEventLoop loop;
-    const auto giveUp = [&reply] { reply->abort(); };
-    QObject::connect(reply.get(), &QNetworkReply::finished, &loop, &QEventLoop::quit);
-    QObject::connect(reply.get(), &QNetworkReply::readyRead, &loop, [&] {
-        if (reply->bytesAvailable() > kMaximumFetchedBytes) {
-            giveUp();
-        }
-    });
-    QTimer::singleShot(static_cast<int>(deadline.remainingTime()), Qt::PreciseTimer, &loop, giveUp);
-    if (!reply->isFinished()) {
-        loop.exec();
-    }
-    return reply;
-}
-
-/// Runs in a thread of its own, with an event loop of its own.
 std::optional<QByteArray> fetchBytes(const QUrl& url, const QDeadlineTimer& deadline) {
-    if (!hasAddress(url, deadline)) {
-        return std::nullopt;
-    }
-    QNetworkAccessManager manager;
+    const Handle handle(curl_easy_init(), &curl_easy_cleanup);
+    QByteArray text;
     QUrl place = url;
+    // Not followed by curl, which would follow to another host.
     for (int redirections = 0; redirections <= kMaximumRedirections; ++redirections) {
-        const auto reply = finishedReply(manager, place, deadline);
-        const QVariant target = reply->attribute(QNetworkRequest::RedirectionTargetAttribute);
-        if (!target.isValid()) {
-            return bytesOf(*reply);
+        if (!handle || !perform(handle.get(), place, text, deadline)) {
+            return std::nullopt;
         }
-        place = place.resolved(target.toUrl());
+        const char* target = nullptr;
+        curl_easy_getinfo(handle.get(), CURLINFO_REDIRECT_URL, &target);
+        if (target == nullptr) {
+            long status = 0;
+            curl_easy_getinfo(handle.get(), CURLINFO_RESPONSE_CODE, &status);
+            return status == kStatusOK ? std::optional(text) : std::nullopt;
+        }
+        place = QUrl::fromEncoded(target);
         if (place.host() != url.host() || !isHTTP(place)) {
             return std::nullopt;
         }
@@ -128,7 +93,7 @@ bool turnsDirection(QChar character) {
            (character >= QChar(u'\u2066') && character <= QChar(u'\u2069'));
 }
 
-/// A text that a person can be shown: a server that sends something else has no version to offer.
+/// A text that can be shown: a server that sends something else has no version to offer.
 bool isReadable(const QString& text) {
     return std::count_if(text.begin(), text.end(), breaksLine) <= kMaximumFetchedLineBreaks &&
            std::none_of(text.begin(), text.end(), [](QChar character) {
@@ -143,21 +108,26 @@ std::optional<QString> fetchText(const QUrl& url) {
     if (!isHTTP(url) || hasNoAddressByDefinition(url)) {
         return std::nullopt;
     }
-    const auto fetched = std::make_shared<Fetched>();
-    const QDeadlineTimer deadline(kTextFetchLimit - kTimeToEnd);
-    auto* worker =
-        QThread::create([url, deadline, fetched] { fetched->bytes = fetchBytes(url, deadline); });
-    worker->start();
-    if (!worker->wait(deadline + kTimeToEnd.count())) {
-        // It ends by itself, soon: whatever holds it must not hold the caller.
-        QObject::connect(worker, &QThread::finished, worker, &QObject::deleteLater);
+    static const CURLcode started = curl_global_init(CURL_GLOBAL_DEFAULT);
+    if (started != CURLE_OK) {
         return std::nullopt;
     }
-    delete worker;
-    if (!fetched->bytes) {
+    // On a thread of its own, which is left behind: a resolver may take a minute, and cannot be
+    // interrupted. Whatever holds it must not hold the caller.
+    const QDeadlineTimer deadline(kTextFetchLimit);
+    std::promise<std::optional<QByteArray>> promise;
+    auto fetched = promise.get_future();
+    std::thread([url, deadline, promise = std::move(promise)]() mutable {
+        promise.set_value(fetchBytes(url, deadline));
+    }).detach();
+    if (fetched.wait_for(kTextFetchLimit) != std::future_status::ready) {
         return std::nullopt;
     }
-    auto text = decodeUTF8(*fetched->bytes);
+    const auto bytes = fetched.get();
+    if (!bytes) {
+        return std::nullopt;
+    }
+    auto text = decodeUTF8(*bytes);
     return text && isReadable(*text) ? text : std::nullopt;
 }
 
