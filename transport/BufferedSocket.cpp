@@ -78,6 +78,14 @@ void BufferedSocket::write(QByteArrayView bytes) {
     }
 }
 
+void BufferedSocket::write(QByteArray&& bytes) {
+    if (isPeerDeaf_ || !unwritten_.isEmpty()) {
+        return write(QByteArrayView(bytes));
+    }
+    unwritten_ = std::move(bytes);
+    flush();
+}
+
 void BufferedSocket::flush() {
     while (!unwritten_.isEmpty()) {
         const ssize_t count = ::send(socket_.value(), unwritten_.constData(),

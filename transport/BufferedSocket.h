@@ -35,6 +35,8 @@ public:
     /// Sends bytes, behind those that wait. A peer that takes none any more loses them: what it
     /// sent before still arrives.
     void write(QByteArrayView bytes);
+    /// The same without a copy, unless others wait.
+    void write(QByteArray&& bytes);
     /// Whether a write has failed.
     bool isPeerDeaf() const { return isPeerDeaf_; }
     /// How many bytes wait.

@@ -30,20 +30,17 @@ bool isListenRequest(const PTUSBPacket& request) {
 
 } // namespace
 
+KeptUSBStream::KeptUSBStream(USBDaemon& source, Clock& clock,
+                             std::chrono::milliseconds replyTimeout, Events events)
+    : source_(source), clock_(clock), replyTimeout_(replyTimeout), events_(std::move(events)) {}
+
 std::shared_ptr<KeptUSBStream> KeptUSBStream::create(OwnedDescriptor program, USBDaemon& daemon,
+                                                     Clock& clock,
                                                      std::chrono::milliseconds replyTimeout,
                                                      Events events) {
-    const std::shared_ptr<KeptUSBStream> stream(new KeptUSBStream(daemon, std::move(events)));
+    const std::shared_ptr<KeptUSBStream> stream(
+        new KeptUSBStream(daemon, clock, replyTimeout, std::move(events)));
     stream->program_ = stream->bufferedSocket(std::move(program));
-    stream->replyTimer_->setSingleShot(true);
-    stream->replyTimer_->setInterval(replyTimeout);
-    QObject::connect(stream->replyTimer_.get(), &QTimer::timeout, stream->replyTimer_.get(),
-                     [weakSelf = std::weak_ptr(stream)] {
-                         if (const auto self = weakSelf.lock()) {
-                             self->daemonIsGone(ETIMEDOUT);
-                             self->proceed();
-                         }
-                     });
     return stream;
 }
 
@@ -55,15 +52,25 @@ std::unique_ptr<BufferedSocket> KeptUSBStream::bufferedSocket(OwnedDescriptor so
     });
 }
 
+bool KeptUSBStream::isListening() const {
+    return stage_ == KeptStreamStage::listening || stage_ == KeptStreamStage::waitingForDaemon;
+}
+
+// Whether what the daemon sends is read packet by packet.
+bool KeptUSBStream::isReadingPackets() const {
+    return daemon_ &&
+           (stage_ == KeptStreamStage::listening || stage_ == KeptStreamStage::awaitingReply);
+}
+
 // Looks at both sides and does what can be done, whatever it was that happened.
 void KeptUSBStream::proceed() {
-    if (request_.isEmpty()) {
+    if (stage_ == KeptStreamStage::awaitingRequest) {
         takeRequest();
     }
-    if (daemon_ && !isRelaying_) {
+    if (isReadingPackets()) {
         takePackets();
     }
-    if (daemon_ && isRelaying_) {
+    if (stage_ == KeptStreamStage::relaying) {
         relay();
     }
     endIfOver();
@@ -78,7 +85,8 @@ void KeptUSBStream::takeRequest() {
     request_ = *taken.packet;
     const PTUSBPacket request = decodedPTUSBPacket(request_);
     requestTag_ = request.tag;
-    isListening_ = isListenRequest(request);
+    happen(isListenRequest(request) ? KeptStreamEvent::listenRequested
+                                    : KeptStreamEvent::otherRequested);
     reachDaemon();
 }
 
@@ -88,13 +96,26 @@ void KeptUSBStream::reachDaemon() {
         return daemonIsGone(errno);
     }
     daemon_ = bufferedSocket(std::move(socket));
+    happen(KeptStreamEvent::daemonReached);
     daemon_->write(request_);
-    isReplyOwed_ = true;
-    replyTimer_->start();
+    awaitReply();
+}
+
+void KeptUSBStream::awaitReply() {
+    replyTimer_ = clock_.after(replyTimeout_, [weakSelf = weak_from_this()] {
+        if (const auto self = weakSelf.lock()) {
+            self->daemonIsGone(ETIMEDOUT);
+            self->proceed();
+        }
+    });
+}
+
+bool KeptUSBStream::isOwedReply(quint32 tag) const {
+    return replyTimer_ && tag == requestTag_ && tag != kPTUSBBroadcastTag;
 }
 
 void KeptUSBStream::takePackets() {
-    while (daemon_ && !isRelaying_ && program_->unwritten() < kMostWaitingBytes) {
+    while (isReadingPackets() && program_->unwritten() < kMostWaitingBytes) {
         const PTUSBPacketTaken taken = takePTUSBPacket(daemon_->received());
         if (taken.isMalformed) {
             return daemonIsGone(EBADMSG);
@@ -104,31 +125,36 @@ void KeptUSBStream::takePackets() {
         }
         packetDidArrive(*taken.packet);
     }
-    if (daemon_ && !isRelaying_ && daemon_->hasEnded() &&
-        program_->unwritten() < kMostWaitingBytes) {
+    if (isReadingPackets() && daemon_->hasEnded() && program_->unwritten() < kMostWaitingBytes) {
         const int errnoValue = daemon_->errnoValue();
         daemonIsGone(errnoValue != 0 ? errnoValue : ECONNRESET);
     }
 }
 
 void KeptUSBStream::packetDidArrive(const QByteArray& bytes) {
+    if (isListening()) {
+        listenPacketDidArrive(bytes);
+    } else {
+        connectPacketDidArrive(bytes);
+    }
+}
+
+// The program decodes the reply; nothing but its tag matters here.
+void KeptUSBStream::connectPacketDidArrive(const QByteArray& bytes) {
+    const quint32 tag = tagOfPTUSBPacket(bytes);
+    if (isOwedReply(tag)) {
+        replyTimer_.reset();
+        happen(KeptStreamEvent::replied);
+        program_->write(bytes);
+    } else if (tag != kPTUSBBroadcastTag) {
+        PTUSBChannel::logIgnoredReply(decodedPTUSBPacket(bytes).message);
+    }
+}
+
+void KeptUSBStream::listenPacketDidArrive(const QByteArray& bytes) {
     const PTUSBPacket packet = decodedPTUSBPacket(bytes);
-    const bool isReply =
-        isReplyOwed_ && packet.tag == requestTag_ && packet.tag != kPTUSBBroadcastTag;
-    if (isReply) {
-        isReplyOwed_ = false;
-        replyTimer_->stop();
-    }
-    if (!isListening_) {
-        if (isReply) {
-            program_->write(bytes);
-            isRelaying_ = true;
-        } else if (packet.tag != kPTUSBBroadcastTag) {
-            PTUSBChannel::logIgnoredReply(packet.message);
-        }
-        return;
-    }
-    if (isReply) {
+    if (isOwedReply(packet.tag)) {
+        replyTimer_.reset();
         return listenReplyDidArrive(packet, bytes);
     }
     noteDevice(packet);
@@ -171,7 +197,7 @@ void KeptUSBStream::noteDevice(const PTUSBPacket& packet) {
 
 void KeptUSBStream::daemonIsGone(int errnoValue) {
     dropDaemon();
-    if (!isListening_) {
+    if (!isListening()) {
         return answerRequest(kPTUSBReplyConnectionRefused);
     }
     if (!isAnswered_) {
@@ -184,10 +210,10 @@ void KeptUSBStream::daemonIsGone(int errnoValue) {
 }
 
 void KeptUSBStream::dropDaemon() {
-    isReplyOwed_ = false;
-    replyTimer_->stop();
+    replyTimer_.reset();
     daemon_.reset();
-    if (isListening_) {
+    happen(KeptStreamEvent::daemonGone);
+    if (isListening()) {
         reportAllDetached();
         events_.didLoseDaemon();
     }
@@ -222,10 +248,11 @@ void KeptUSBStream::relay() {
 void KeptUSBStream::endIfOver() {
     const bool isProgramGone =
         program_->isPeerDeaf() ||
-        (program_->hasEnded() && (!daemon_ || isListening_ || daemon_->unwritten() == 0));
-    const bool isDaemonGone = isRelaying_ && daemon_->hasEnded() && program_->unwritten() == 0;
-    if (!hasEnded_ && (isProgramGone || isDaemonGone)) {
-        hasEnded_ = true;
+        (program_->hasEnded() && (!daemon_ || isListening() || daemon_->unwritten() == 0));
+    const bool isDaemonGone =
+        stage_ == KeptStreamStage::relaying && daemon_->hasEnded() && program_->unwritten() == 0;
+    if (!hasEnded() && (isProgramGone || isDaemonGone)) {
+        happen(KeptStreamEvent::over);
         events_.didEnd();
     }
 }

@@ -1,11 +1,12 @@
 #pragma once
 
+#include "support/core/Clock.h"
 #include "transport/BufferedSocket.h"
+#include "transport/KeptStreamStage.h"
 #include "transport/PTUSBPacket.h"
 #include "transport/USBDaemon.h"
 
 #include <QByteArray>
-#include <QTimer>
 #include <QtGlobal>
 
 #include <chrono>
@@ -29,7 +30,8 @@ namespace navrel {
 ///              daemon that goes, or sends what is no packet, before it has replied is answered
 ///              for: "connection refused".
 ///
-/// A daemon that does not reply in time counts as gone. Main thread.
+/// A daemon that does not reply in time counts as gone. KeptStreamStage.h has the stages and their
+/// transitions. Main thread.
 class KeptUSBStream final : public std::enable_shared_from_this<KeptUSBStream> {
 public:
     struct Events {
@@ -40,25 +42,34 @@ public:
     };
 
     /// The program's end of the stream is the peer of `program`. The daemon, which is not owned,
-    /// has `replyTimeout` for its reply.
+    /// has `replyTimeout` for its reply, on a clock that must outlive the stream.
     static std::shared_ptr<KeptUSBStream> create(OwnedDescriptor program, USBDaemon& daemon,
+                                                 Clock& clock,
                                                  std::chrono::milliseconds replyTimeout,
                                                  Events events);
 
     /// Tries to connect a listening stream that has no daemon.
     void reachDaemon();
 
-    bool isWaitingForDaemon() const { return isListening_ && !daemon_; }
-    bool hasEnded() const { return hasEnded_; }
+    bool isWaitingForDaemon() const { return stage_ == KeptStreamStage::waitingForDaemon; }
+    bool hasEnded() const { return stage_ == KeptStreamStage::ended; }
 
 private:
-    KeptUSBStream(USBDaemon& source, Events events) : source_(source), events_(std::move(events)) {}
+    KeptUSBStream(USBDaemon& source, Clock& clock, std::chrono::milliseconds replyTimeout,
+                  Events events);
 
     std::unique_ptr<BufferedSocket> bufferedSocket(OwnedDescriptor socket);
+    void happen(KeptStreamEvent event) { stage_ = nextKeptStreamStage(stage_, event); }
+    bool isListening() const;
+    bool isReadingPackets() const;
     void proceed();
     void takeRequest();
+    void awaitReply();
     void takePackets();
     void packetDidArrive(const QByteArray& bytes);
+    void connectPacketDidArrive(const QByteArray& bytes);
+    void listenPacketDidArrive(const QByteArray& bytes);
+    bool isOwedReply(quint32 tag) const;
     void listenReplyDidArrive(const PTUSBPacket& reply, const QByteArray& bytes);
     void noteDevice(const PTUSBPacket& packet);
     void daemonIsGone(int errnoValue);
@@ -71,20 +82,18 @@ private:
     void arrangeReading();
 
     USBDaemon& source_;
+    Clock& clock_;
+    const std::chrono::milliseconds replyTimeout_;
     const Events events_;
+    KeptStreamStage stage_ = KeptStreamStage::awaitingRequest;
     std::unique_ptr<BufferedSocket> program_;
     std::unique_ptr<BufferedSocket> daemon_; ///< null while there is none
-    QByteArray request_;                     ///< empty until it has arrived
+    QByteArray request_;
     quint32 requestTag_ = 0;
-    /// Whether the daemon has yet to reply to the request, as it was sent last.
-    bool isReplyOwed_ = false;
-    /// Runs while the daemon owes its reply. Deleted later, since it may be what ends the stream.
-    const std::unique_ptr<QTimer, QScopedPointerDeleteLater> replyTimer_{new QTimer};
-    bool isListening_ = false;
-    bool isAnswered_ = false;
+    /// Runs while the daemon has yet to reply to the request, as it was sent last.
+    std::unique_ptr<ScheduledCall> replyTimer_;
+    bool isAnswered_ = false;       ///< the program has had a reply to its Listen
     bool hasToldOfRefusal_ = false; ///< until the daemon has agreed to the Listen
-    bool isRelaying_ = false;
-    bool hasEnded_ = false;
     std::set<qlonglong> attachedDevices_;
 };
 

@@ -92,9 +92,13 @@ bool isPTUSBPacketSizeAllowed(quint32 size) {
     return size >= kPTUSBPacketHeaderSize && size <= kMaxPTUSBPacketSize;
 }
 
+quint32 tagOfPTUSBPacket(QByteArrayView packet) {
+    return wordAt(packet, kPacketTagOffset);
+}
+
 PTUSBPacket decodedPTUSBPacket(QByteArrayView packet) {
     PTUSBPacket result;
-    result.tag = wordAt(packet, kPacketTagOffset);
+    result.tag = tagOfPTUSBPacket(packet);
     if (wordAt(packet, kProtocolOffset) != kPTUSBPacketProtocolPlist) {
         result.error = packetError(QStringLiteral("Unexpected package protocol"));
     } else if (wordAt(packet, kPacketTypeOffset) != kPTUSBPacketTypePlist) {

@@ -81,6 +81,9 @@ struct PTUSBPacket {
 /// Decodes a whole packet, which has at least its header; its size word is not looked at.
 PTUSBPacket decodedPTUSBPacket(QByteArrayView packet);
 
+/// The tag of a whole packet, which has at least its header.
+quint32 tagOfPTUSBPacket(QByteArrayView packet);
+
 /// Takes the first packet off bytes that have arrived.
 struct PTUSBPacketTaken {
     bool isMalformed = false;         ///< nothing behind it can be made sense of

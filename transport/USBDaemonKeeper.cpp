@@ -15,10 +15,9 @@ constexpr std::chrono::seconds kLookInterval{1};
 
 } // namespace
 
-USBDaemonKeeper::USBDaemonKeeper(USBDaemonAddress address, std::chrono::milliseconds replyTimeout)
-    : daemon_(std::move(address)), replyTimeout_(replyTimeout) {
-    lookTimer_.setInterval(kLookInterval);
-    QObject::connect(&lookTimer_, &QTimer::timeout, &lookTimer_, [this] { lookForDaemon(); });
+USBDaemonKeeper::USBDaemonKeeper(USBDaemonAddress address, std::chrono::milliseconds replyTimeout,
+                                 Clock& clock)
+    : daemon_(std::move(address)), replyTimeout_(replyTimeout), clock_(clock) {
     QObject::connect(&watcher_, &QFileSystemWatcher::directoryChanged, &watcher_,
                      [this] { lookForDaemon(); });
 }
@@ -29,13 +28,17 @@ OwnedDescriptor USBDaemonKeeper::openStream() {
         return {};
     }
     OwnedDescriptor programEnd(ends[0]);
-    streams_.push_back(KeptUSBStream::create(OwnedDescriptor(ends[1]), daemon_, replyTimeout_,
-                                             {[this] {
-                                                  watchFolder();
-                                                  lookTimer_.start();
-                                              },
-                                              [this] { dropEndedStreams(); }}));
+    streams_.push_back(
+        KeptUSBStream::create(OwnedDescriptor(ends[1]), daemon_, clock_, replyTimeout_,
+                              {[this] { daemonIsMissing(); }, [this] { dropEndedStreams(); }}));
     return programEnd;
+}
+
+void USBDaemonKeeper::daemonIsMissing() {
+    watchFolder();
+    if (!look_) {
+        look_ = clock_.every(kLookInterval, [this] { lookForDaemon(); });
+    }
 }
 
 void USBDaemonKeeper::lookForDaemon() {
@@ -46,7 +49,7 @@ void USBDaemonKeeper::lookForDaemon() {
         }
     }
     if (!isDaemonMissing()) {
-        lookTimer_.stop();
+        look_.reset();
     }
 }
 
@@ -69,7 +72,7 @@ bool USBDaemonKeeper::isDaemonMissing() const {
 void USBDaemonKeeper::dropEndedStreams() {
     std::erase_if(streams_, [](const auto& stream) { return stream->hasEnded(); });
     if (!isDaemonMissing()) {
-        lookTimer_.stop();
+        look_.reset();
     }
 }
 

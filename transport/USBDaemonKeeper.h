@@ -1,10 +1,10 @@
 #pragma once
 
+#include "support/core/Clock.h"
 #include "transport/KeptUSBStream.h"
 #include "transport/USBDaemon.h"
 
 #include <QFileSystemWatcher>
-#include <QTimer>
 
 #include <chrono>
 #include <memory>
@@ -29,14 +29,17 @@ public:
     /// milliseconds; one that has hung never does, and until it is given up nothing else is tried.
     static constexpr std::chrono::seconds kReplyTimeout{5};
 
+    /// The clock must outlive the keeper.
     explicit USBDaemonKeeper(USBDaemonAddress address,
-                             std::chrono::milliseconds replyTimeout = kReplyTimeout);
+                             std::chrono::milliseconds replyTimeout = kReplyTimeout,
+                             Clock& clock = systemClock());
     USBDaemonKeeper(const USBDaemonKeeper&) = delete;
     USBDaemonKeeper& operator=(const USBDaemonKeeper&) = delete;
 
     OwnedDescriptor openStream() override;
 
 private:
+    void daemonIsMissing();
     void lookForDaemon();
     void watchFolder();
     bool isDaemonMissing() const;
@@ -44,7 +47,8 @@ private:
 
     USBDaemonSocket daemon_;
     const std::chrono::milliseconds replyTimeout_;
-    QTimer lookTimer_; ///< runs while a listening stream has no daemon
+    Clock& clock_;
+    std::unique_ptr<ScheduledCall> look_; ///< runs while a listening stream has no daemon
     QFileSystemWatcher watcher_;
     std::vector<std::shared_ptr<KeptUSBStream>> streams_;
 };

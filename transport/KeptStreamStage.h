@@ -1,0 +1,61 @@
+#pragma once
+
+#include <QtGlobal>
+
+#include <array>
+#include <cstddef>
+
+namespace navrel {
+
+/// How far a stream of the USB daemon's keeper is.
+enum class KeptStreamStage : quint8 {
+    awaitingRequest,  ///< the program has not asked for anything yet
+    awaitingReply,    ///< the daemon owes the reply to a request other than "Listen"
+    relaying,         ///< the daemon has replied: the bytes of both sides are passed on
+    refused,          ///< the daemon went before it replied, and was answered for
+    listening,        ///< a "Listen" request, with a connection to the daemon
+    waitingForDaemon, ///< a "Listen" request, without one
+    ended,            ///< to be let go of
+};
+
+/// What may happen to a stream.
+enum class KeptStreamEvent : quint8 {
+    listenRequested, ///< the program asked for "Listen"
+    otherRequested,  ///< the program asked for something else
+    replied,         ///< the reply to the request has arrived
+    daemonReached,   ///< there is a connection to the daemon
+    daemonGone,      ///< there is none any more, or none could be made
+    over,            ///< nothing more can pass
+};
+
+inline constexpr std::size_t kKeptStreamStages = 7;
+inline constexpr std::size_t kKeptStreamEvents = 6;
+
+namespace detail {
+
+using enum KeptStreamStage;
+
+// clang-format off
+/// The table of transitions: a row for each stage, a column for each event, in their order.
+inline constexpr std::array<std::array<KeptStreamStage, kKeptStreamEvents>, kKeptStreamStages>
+    kKeptStreamTransitions = {{
+    // listenRequested   otherRequested    replied           daemonReached     daemonGone        over
+    {{waitingForDaemon,  awaitingReply,    awaitingRequest,  awaitingRequest,  awaitingRequest,  ended}},
+    {{awaitingReply,     awaitingReply,    relaying,         awaitingReply,    refused,          ended}},
+    {{relaying,          relaying,         relaying,         relaying,         relaying,         ended}},
+    {{refused,           refused,          refused,          refused,          refused,          ended}},
+    {{listening,         listening,        listening,        listening,        waitingForDaemon, ended}},
+    {{waitingForDaemon,  waitingForDaemon, waitingForDaemon, listening,        waitingForDaemon, ended}},
+    {{ended,             ended,            ended,            ended,            ended,            ended}},
+}};
+// clang-format on
+
+} // namespace detail
+
+/// The stage after an event. Every event may come in every stage.
+constexpr KeptStreamStage nextKeptStreamStage(KeptStreamStage stage, KeptStreamEvent event) {
+    return detail::kKeptStreamTransitions[static_cast<std::size_t>(stage)]
+                                         [static_cast<std::size_t>(event)];
+}
+
+} // namespace navrel
