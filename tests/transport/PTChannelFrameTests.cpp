@@ -205,12 +205,12 @@ TEST_F(PTChannelFrames, arriveNoMoreFromAPeerThatReadsNoAnswer) {
         requests += frameBytes(200, tag);
     }
     peer_.send(requests);
+    // What the sockets hold, which may grow for a while, and then as many answers as the limit
+    // allows.
+    EXPECT_TRUE(waitForFrames(9));
     settle();
-    // What the sockets hold, and then as many answers as the limit allows.
-    const size_t handled = delegate_->frames.size();
-    EXPECT_LT(handled, 30U);
     settle();
-    EXPECT_EQ(delegate_->frames.size(), handled);
+    EXPECT_LT(delegate_->frames.size(), 30U);
 
     const auto answersSize = static_cast<qsizetype>(500 * (1024 * 1024 + kPTFrameHeaderSize));
     qsizetype received = 0;
