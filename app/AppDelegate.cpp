@@ -5,9 +5,9 @@
 #include "app/StatusMenu.h"
 #include "app/WebServices.h"
 #include "project/KZDataManager.h"
+#include "protocol/CompanionProtocol.h"
 #include "support/Log.h"
 #include "support/UserDefaults.h"
-#include "transport/CompanionProtocol.h"
 #include "transport/PTData.h"
 #include "transport/PTPayload.h"
 

@@ -3,10 +3,10 @@
 #include "app/Desktop.h"
 #include "app/ProgramVersion.h"
 #include "project/KZDataManager.h"
+#include "protocol/CompanionProtocol.h"
 #include "support/Log.h"
 #include "support/propertylist/PropertyList.h"
 #include "support/text/FilePath.h"
-#include "transport/CompanionProtocol.h"
 #include "transport/PTFrame.h"
 #include "transport/PTPayload.h"
 
@@ -66,22 +66,22 @@ Reply rootNavigator(const World& world, const Request&) {
 
 Reply navigator(const World& world, const Request& request) {
     KZDataManager& manager = world.dataManager;
-    if (request && request->contains(QStringLiteral("identifier"))) {
-        const auto identifier = textForKey(request, QStringLiteral("identifier"));
+    if (request && request->contains(key::identifier)) {
+        const auto identifier = textForKey(request, key::identifier);
         const Reply reply = identifier ? manager.navigatorDictionaryForID(identifier) : Reply();
         // Deliberate: a stale identifier is answered with the whole tree, not with silence; and so
         // is one that is no text, as nothing has it.
         return reply ? reply : rootNavigator(world, std::nullopt);
     }
-    if (const auto superclass = textForKey(request, QStringLiteral("superclass"))) {
+    if (const auto superclass = textForKey(request, key::superclass)) {
         return manager.navigatorDictionaryForSuperclass(*superclass);
     }
     return std::nullopt;
 }
 
 Reply openFileAtLine(const World& world, const Request& request) {
-    const auto path = textForKey(request, QStringLiteral("path"));
-    const QVariant line = request ? request->value(QStringLiteral("line")) : QVariant();
+    const auto path = textForKey(request, key::path);
+    const QVariant line = request ? request->value(key::line) : QVariant();
     world.dataManager.openFile(path, line);
     return std::nullopt;
 }
@@ -97,17 +97,17 @@ Reply elementsOfActiveFile(const World& world) {
         return std::nullopt;
     }
     const Reply reply = world.dataManager.elementsDictionaryForObjectID(*identifier);
-    if (!reply || !isSourceFile(reply->value(QStringLiteral("path")).toString())) {
+    if (!reply || !isSourceFile(reply->value(key::path).toString())) {
         return std::nullopt;
     }
     return reply;
 }
 
 Reply elements(const World& world, const Request& request) {
-    if (flagForKey(request, QStringLiteral("autoUpdate"))) {
+    if (flagForKey(request, key::autoUpdate)) {
         return elementsOfActiveFile(world);
     }
-    const auto identifier = textForKey(request, QStringLiteral("identifier"));
+    const auto identifier = textForKey(request, key::identifier);
     if (!identifier || identifier->isEmpty()) {
         return std::nullopt;
     }
@@ -130,7 +130,7 @@ Reply superclasses(const World& world, const Request&) {
 }
 
 Reply openWithDesktop(const World& world, const Request& request) {
-    if (const auto path = textForKey(request, QStringLiteral("path"))) {
+    if (const auto path = textForKey(request, key::path)) {
         world.desktop.openFile(*path);
     }
     return std::nullopt;
@@ -141,7 +141,7 @@ Reply projectFolder(const World& world, const Request&) {
     if (!path) {
         return std::nullopt;
     }
-    return QVariantMap{{QStringLiteral("project"), *path}};
+    return QVariantMap{{key::project, *path}};
 }
 
 Reply pickProject(const World& world, const Request& request) {
@@ -152,7 +152,7 @@ Reply pickProject(const World& world, const Request& request) {
 }
 
 Reply versionHandshake(const World& world, const Request&) {
-    return QVariantMap{{QStringLiteral("version"), majorMinorVersion(world.version)}};
+    return QVariantMap{{key::version, majorMinorVersion(world.version)}};
 }
 
 /// What a frame type asks for.

@@ -1,8 +1,8 @@
 #include "app/DeviceLink.h"
 
+#include "protocol/CompanionProtocol.h"
 #include "support/Log.h"
 #include "support/dispatch/DispatchQueue.h"
-#include "transport/CompanionProtocol.h"
 #include "transport/PTAddress.h"
 #include "transport/PTUSBPacket.h"
 

@@ -2,6 +2,7 @@
 
 #include "app/StatusMenu.h"
 #include "project/KZDataManager.h"
+#include "protocol/CompanionProtocol.h"
 
 namespace navrel {
 
@@ -18,11 +19,11 @@ void ShortcutMenu::update() {
     if (!fileID || menu_ == nullptr) {
         return;
     }
-    menuItems_ = dataManager_.shortcutsDictionary().value(QStringLiteral("items")).toList();
+    menuItems_ = dataManager_.shortcutsDictionary().value(key::items).toList();
     QStringList titles;
     titles.reserve(menuItems_.size());
     for (const QVariant& item : menuItems_) {
-        titles.append(item.toMap().value(QStringLiteral("shortcut")).toString());
+        titles.append(item.toMap().value(key::shortcut).toString());
     }
     menu_->setShortcuts(titles, [this](const MenuEntry& entry) { open(entry); });
 }
@@ -34,8 +35,7 @@ void ShortcutMenu::open(const MenuEntry& entry) const {
         return;
     }
     const QVariantMap shortcut = menuItems_.at(static_cast<qsizetype>(index)).toMap();
-    dataManager_.openFile(shortcut.value(QStringLiteral("path")).toString(),
-                          shortcut.value(QStringLiteral("line")));
+    dataManager_.openFile(shortcut.value(key::path).toString(), shortcut.value(key::line));
 }
 
 } // namespace navrel

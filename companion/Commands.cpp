@@ -1,7 +1,7 @@
 #include "companion/Commands.h"
 
 #include "companion/ProjectTree.h"
-#include "transport/CompanionProtocol.h"
+#include "protocol/CompanionProtocol.h"
 
 #include <QVariantList>
 

@@ -1,6 +1,6 @@
 #include "companion/CompanionLink.h"
 
-#include "transport/CompanionProtocol.h"
+#include "protocol/CompanionProtocol.h"
 #include "transport/PTAddress.h"
 #include "transport/PTData.h"
 #include "transport/PTPayload.h"

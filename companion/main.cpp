@@ -7,7 +7,7 @@
 #include "companion/LineInput.h"
 #include "companion/MapCommand.h"
 #include "companion/OwnerCommands.h"
-#include "transport/CompanionProtocol.h"
+#include "protocol/CompanionProtocol.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>

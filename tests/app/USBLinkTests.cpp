@@ -99,6 +99,30 @@ TEST_F(USBLinkTest, anAttachedDeviceIsReachedAndServed) {
     }
 }
 
+TEST_F(USBLinkTest, theLinksStateFollowsDeviceAndSimulator) {
+    launchWithDaemon();
+    const auto state = [this] { return delegate_->deviceLink().state(); };
+    EXPECT_EQ(state(), LinkState::idle);
+    daemon_.connectAnswer = 3;
+    daemon_.attach(7);
+    ASSERT_TRUE(waitUntil([&] { return connects() == 1; }));
+    EXPECT_EQ(state(), LinkState::reachingDevice);
+    TestDevice simulator;
+    ASSERT_TRUE(simulator.listen());
+    ASSERT_TRUE(waitForReconnection(simulator));
+    ASSERT_TRUE(waitUntil([&] { return isConnected(); }));
+    EXPECT_EQ(state(), LinkState::connectedToSimulator);
+
+    simulator.stopListening();
+    daemon_.connectAnswer = 0;
+    simulator.disconnect();
+    ASSERT_TRUE(waitForDevice());
+    EXPECT_EQ(state(), LinkState::connectedToDevice);
+    daemon_.detach(7);
+    ASSERT_TRUE(waitUntil([&] { return !isConnected(); }));
+    EXPECT_EQ(state(), LinkState::idle);
+}
+
 TEST_F(USBLinkTest, aRequestInTheSamePieceAsTheDaemonsReplyIsAnswered) {
     daemon_.behindConnectReply = TestDevice::frame(211, 5);
     for (const bool splits : {false, true}) {

@@ -1,5 +1,5 @@
 #include "companion/Commands.h"
-#include "transport/CompanionProtocol.h"
+#include "protocol/CompanionProtocol.h"
 
 #include <QVariantList>
 #include <gtest/gtest.h>

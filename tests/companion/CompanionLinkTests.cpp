@@ -1,6 +1,6 @@
 #include "companion/CompanionLink.h"
+#include "protocol/CompanionProtocol.h"
 #include "tests/WaitUntil.h"
-#include "transport/CompanionProtocol.h"
 #include "transport/PTPayload.h"
 
 #include <QStringList>

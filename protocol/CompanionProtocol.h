@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QString>
+#include <QtGlobal>
+
+namespace navrel {
+
+// What Navrel and the companion app have agreed on above the frames; docs/protocol.md describes
+// each request and its reply.
+
+/// Where the companion app listens: on the device, and on 127.0.0.1 in the simulator.
+inline constexpr quint16 kCompanionPort = 2345;
+
+// Frame types of requests.
+inline constexpr quint32 kFrameNavigator = 200;
+inline constexpr quint32 kFrameOpenFile = 201;
+inline constexpr quint32 kFrameRootNavigator = 202;
+inline constexpr quint32 kFrameShortcuts = 203;
+inline constexpr quint32 kFrameElements = 204;
+inline constexpr quint32 kFrameFileTypes = 205;
+inline constexpr quint32 kFrameChangeFileType = 206;
+inline constexpr quint32 kFrameSuperclasses = 207;
+inline constexpr quint32 kFrameOpenWithDesktop = 208;
+inline constexpr quint32 kFrameProject = 209;
+inline constexpr quint32 kFramePickProject = 210;
+inline constexpr quint32 kFrameVersion = 211;
+
+/// Frame type of every reply; its tag is that of the request.
+inline constexpr quint32 kFrameReply = 500;
+
+/// The keys of requests and replies.
+namespace key {
+inline const QString allowed = QStringLiteral("allowed");
+inline const QString autoUpdate = QStringLiteral("autoUpdate");
+inline const QString counterpart = QStringLiteral("counterpart");
+inline const QString extension = QStringLiteral("extension");
+inline const QString identifier = QStringLiteral("identifier");
+inline const QString isGroup = QStringLiteral("isGroup");
+inline const QString items = QStringLiteral("items");
+inline const QString label = QStringLiteral("label");
+inline const QString line = QStringLiteral("line");
+inline const QString name = QStringLiteral("name");
+inline const QString path = QStringLiteral("path");
+inline const QString project = QStringLiteral("project");
+inline const QString shortcut = QStringLiteral("shortcut");
+inline const QString superclass = QStringLiteral("superclass");
+inline const QString title = QStringLiteral("title");
+inline const QString type = QStringLiteral("type");
+inline const QString version = QStringLiteral("version");
+} // namespace key
+
+} // namespace navrel
