@@ -24,7 +24,7 @@ TEST_F(PTChannelConnection, isMadeBeforeTheCallReturnsAndTellsThePeersAddress) {
 TEST_F(PTChannelConnection, endsOnceWithoutAnErrorWhenThePeerClosesIt) {
     connect();
     peer_.close();
-    EXPECT_TRUE(waitForEnd());
+    ASSERT_TRUE(waitForEnd());
     EXPECT_EQ(delegate_->ends[0].channel, channel_.get());
     EXPECT_EQ(delegate_->ends[0].error, std::nullopt);
     EXPECT_EQ(channel_->connState(), kConnStateNone);
@@ -35,7 +35,7 @@ TEST_F(PTChannelConnection, endsWithoutAnErrorWhenThePeerClosesItWithinAFrame) {
     connect();
     peer_.send(frameBytes(200, 1, "abc").first(17));
     peer_.close();
-    EXPECT_TRUE(waitForEnd());
+    ASSERT_TRUE(waitForEnd());
     EXPECT_EQ(delegate_->ends[0].error, std::nullopt);
     EXPECT_TRUE(delegate_->frames.empty());
 }
@@ -45,7 +45,7 @@ TEST_F(PTChannelConnection, endsWithoutAnErrorWhenThePeerClosesItWithinASkippedF
     delegate_->refusedTypes = {666};
     peer_.send(frameBytes(666, 1, "abc").first(17));
     peer_.close();
-    EXPECT_TRUE(waitForEnd());
+    ASSERT_TRUE(waitForEnd());
     EXPECT_EQ(delegate_->ends[0].error, std::nullopt);
 }
 
@@ -57,7 +57,7 @@ TEST_F(PTChannelConnection, endsWithoutAnErrorAtAFrameOfType0AfterTheAnswersHave
     };
     peer_.send(frameBytes(200, 1) + frameBytes(0, 2) + frameBytes(200, 3));
     EXPECT_EQ(peerReceives(8 * 1024 * 1024 + 16).size(), 8 * 1024 * 1024 + 16);
-    EXPECT_TRUE(waitForEnd());
+    ASSERT_TRUE(waitForEnd());
     EXPECT_EQ(delegate_->ends[0].error, std::nullopt);
     EXPECT_EQ(delegate_->frames.size(), 1U);
     EXPECT_TRUE(waitUntil([&] { return peer_.hasEnded(); }));
@@ -66,7 +66,7 @@ TEST_F(PTChannelConnection, endsWithoutAnErrorAtAFrameOfType0AfterTheAnswersHave
 TEST_F(PTChannelConnection, endsWithTheErrorOfAFailedRead) {
     connect();
     peer_.reset();
-    EXPECT_TRUE(waitForEnd());
+    ASSERT_TRUE(waitForEnd());
     EXPECT_EQ(delegate_->ends[0].error, Error::posix(ECONNRESET));
 }
 
@@ -78,7 +78,7 @@ TEST_F(PTChannelConnection, whenClosedAbandonsWhatIsPending) {
     channel_->close();
     EXPECT_EQ(channel_->connState(), kConnStateNone);
     EXPECT_TRUE(delegate_->ends.empty()); // told later
-    EXPECT_TRUE(waitForEnd());
+    ASSERT_TRUE(waitForEnd());
     EXPECT_EQ(outcome, Error::posix(ECANCELED));
     // The abandoned read is what ended the connection.
     EXPECT_EQ(delegate_->ends[0].error, Error::posix(ECANCELED));
@@ -89,7 +89,7 @@ TEST_F(PTChannelConnection, endsWithTheErrorOfTheCleanUpBeforeThatOfTheRead) {
     ::close(channel_->dispatchChannel()->descriptor()); // what nobody may do
     channel_->sendFrameOfType(500, 1, std::nullopt, {});
     channel_->close(); // the read that is abandoned has an error of its own
-    EXPECT_TRUE(waitForEnd());
+    ASSERT_TRUE(waitForEnd());
     EXPECT_EQ(delegate_->ends[0].error, Error::posix(EBADF));
 }
 
@@ -107,7 +107,7 @@ TEST_F(PTChannelConnection, whenCancelledFinishesWhatIsPendingFirst) {
     EXPECT_TRUE(delegate_->ends.empty()); // a header is still being read
 
     peer_.close();
-    EXPECT_TRUE(waitForEnd());
+    ASSERT_TRUE(waitForEnd());
     EXPECT_EQ(delegate_->ends[0].error, std::nullopt);
 }
 
@@ -115,9 +115,9 @@ TEST_F(PTChannelConnection, livesOnUntilItEndsWhenItIsLetGoOf) {
     connect();
     const std::weak_ptr<PTChannel> channel = std::exchange(channel_, nullptr);
     peer_.send(frameBytes(200, 1, "abc"));
-    EXPECT_TRUE(waitForFrames(1));
+    ASSERT_TRUE(waitForFrames(1));
     peer_.close();
-    EXPECT_TRUE(waitForEnd());
+    ASSERT_TRUE(waitForEnd());
     EXPECT_TRUE(waitUntil([&] { return channel.expired(); }));
 }
 
@@ -129,14 +129,14 @@ TEST_F(PTChannelConnection, mayBeClosedAndLetGoOfByItsDelegate) {
         frame.channel->setDelegate(delegate_);
     };
     peer_.send(frameBytes(200, 1, "abc") + frameBytes(200, 2, "def"));
-    EXPECT_TRUE(waitForEnd());
+    ASSERT_TRUE(waitForEnd());
     EXPECT_EQ(delegate_->frames.size(), 1U);
 }
 
 TEST_F(PTChannelConnection, canBeMadeAgainOnceTheFirstHasEnded) {
     connect();
     peer_.close();
-    EXPECT_TRUE(waitForEnd());
+    ASSERT_TRUE(waitForEnd());
     delegate_->ends.clear();
 
     const RawListener listener(kPort);

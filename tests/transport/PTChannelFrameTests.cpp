@@ -35,7 +35,7 @@ TEST_F(PTChannelFrames, areDeliveredWithTheirPayload) {
                                    "00000007"  // tag
                                    "00000003"  // payload size
                                    "616263")); // payload
-    EXPECT_TRUE(waitForFrames(1));
+    ASSERT_TRUE(waitForFrames(1));
     EXPECT_EQ(delegate_->frames[0].channel, channel_.get());
     EXPECT_EQ(delegate_->frames[0].type, 200U);
     EXPECT_EQ(delegate_->frames[0].tag, 7U);
@@ -45,7 +45,7 @@ TEST_F(PTChannelFrames, areDeliveredWithTheirPayload) {
 TEST_F(PTChannelFrames, withoutAPayloadAreDeliveredWithNone) {
     connect();
     peer_.send(frameBytes(200, 7));
-    EXPECT_TRUE(waitForFrames(1));
+    ASSERT_TRUE(waitForFrames(1));
     EXPECT_EQ(delegate_->frames[0].payload, std::nullopt);
 }
 
@@ -56,7 +56,7 @@ TEST_F(PTChannelFrames, thatArriveByteByByteAreReassembled) {
         peer_.send(QByteArray(1, byte));
         QCoreApplication::processEvents();
     }
-    EXPECT_TRUE(waitForFrames(2));
+    ASSERT_TRUE(waitForFrames(2));
     EXPECT_EQ(delegate_->frames[0].payload, "abc");
     EXPECT_EQ(delegate_->frames[1].payload, "de");
     EXPECT_EQ(delegate_->frames[1].tag, 8U);
@@ -91,7 +91,7 @@ TEST_F(PTChannelFrames, areHandledToTheirEndBeforeTheNextEvenWhileADialogIsOpen)
         order.push_back("end " + *frame.payload);
     };
     peer_.send(frameBytes(200, 1, "one") + frameBytes(200, 2, "two"));
-    EXPECT_TRUE(waitForFrames(2));
+    ASSERT_TRUE(waitForFrames(2));
     EXPECT_EQ(order, (std::vector<QByteArray>{"begin one", "end one", "begin two", "end two"}));
 }
 
@@ -100,7 +100,7 @@ TEST_F(PTChannelFrames, ofARefusedTypeAreSkippedAndTheLoopGoesOn) {
     delegate_->refusedTypes = {666};
     peer_.send(frameBytes(666, 1, QByteArray(100000, 'x')) + frameBytes(666, 2) +
                frameBytes(200, 3, "abc"));
-    EXPECT_TRUE(waitForFrames(1));
+    ASSERT_TRUE(waitForFrames(1));
     settle();
     ASSERT_EQ(delegate_->frames.size(), 1U);
     EXPECT_EQ(delegate_->frames[0].tag, 3U);
@@ -112,7 +112,7 @@ TEST_F(PTChannelFrames, areAllAcceptedByADelegateThatIsNotAsked) {
     delegate_->refusedTypes = {200};
     connect();
     peer_.send(frameBytes(200, 1, "abc"));
-    EXPECT_TRUE(waitForFrames(1));
+    ASSERT_TRUE(waitForFrames(1));
     EXPECT_TRUE(delegate_->askedTypes.empty());
 }
 
@@ -123,7 +123,7 @@ TEST_F(PTChannelFrames, withoutADelegateAreReadAndForgotten) {
     settle();
     channel_->setDelegate(delegate_);
     peer_.send(frameBytes(200, 3));
-    EXPECT_TRUE(waitForFrames(1));
+    ASSERT_TRUE(waitForFrames(1));
     EXPECT_EQ(delegate_->frames[0].tag, 3U);
 }
 
@@ -132,7 +132,7 @@ TEST_F(PTChannelFrames, onAStreamThatIsNoLongerTheStoredOneAreSkippedWithoutAski
     channel_->cancel(); // the header that is being read is still waited for
     EXPECT_EQ(channel_->connState(), kConnStateNone);
     peer_.send(frameBytes(200, 1, "abc"));
-    EXPECT_TRUE(waitForEnd());
+    ASSERT_TRUE(waitForEnd());
     EXPECT_TRUE(delegate_->frames.empty());
     EXPECT_TRUE(delegate_->askedTypes.empty());
 }
@@ -141,7 +141,7 @@ TEST_F(PTChannelFrames, areNotDeliveredByAChannelThatWasClosedWhenTheDelegateWas
     connect();
     delegate_->onQuestion = [](PTChannel& channel) { channel.close(); };
     peer_.send(frameBytes(200, 1, "abc") + frameBytes(200, 2, "def"));
-    EXPECT_TRUE(waitForEnd());
+    ASSERT_TRUE(waitForEnd());
     EXPECT_EQ(delegate_->ends[0].error, Error::posix(ECANCELED));
     EXPECT_EQ(delegate_->askedTypes, std::vector<quint32>{200});
     EXPECT_TRUE(delegate_->frames.empty());
@@ -207,7 +207,7 @@ TEST_F(PTChannelFrames, arriveNoMoreFromAPeerThatReadsNoAnswer) {
     peer_.send(requests);
     // What the sockets hold, which may grow for a while, and then as many answers as the limit
     // allows.
-    EXPECT_TRUE(waitForFrames(9));
+    ASSERT_TRUE(waitForFrames(9));
     settle();
     settle();
     EXPECT_LT(delegate_->frames.size(), 30U);
@@ -243,14 +243,14 @@ TEST_F(PTChannelFrames, thatAnnounceTheMostAndSendLittleTakeLittleMemory) {
     }
     EXPECT_TRUE(delegate_->frames.empty());
     peer_.close();
-    EXPECT_TRUE(waitForEnd());
+    ASSERT_TRUE(waitForEnd());
     EXPECT_EQ(delegate_->ends[0].error, std::nullopt);
 }
 
 TEST_F(PTChannelFrames, thatAnnounceMoreThanTheMostEndTheConnection) {
     connect();
     peer_.send(QByteArray::fromHex("00000001000000C80000000704000001") + "little");
-    EXPECT_TRUE(waitForEnd());
+    ASSERT_TRUE(waitForEnd());
     EXPECT_EQ(delegate_->ends[0].error, Error::posix(ENOMEM));
     EXPECT_TRUE(delegate_->frames.empty());
     EXPECT_TRUE(waitUntil([&] { return peer_.hasEnded(); }));
@@ -272,7 +272,7 @@ TEST_F(PTChannelFrames, thatAreRefusedTakeNoMemoryHoweverLargeTheyAre) {
     }));
     EXPECT_LT(residentBytes(), before + 32 * 1024 * 1024);
     EXPECT_TRUE(waitUntil([&] { return peer_.sendSome(frameBytes(200, 2)) == 16; }));
-    EXPECT_TRUE(waitForFrames(1));
+    ASSERT_TRUE(waitForFrames(1));
     EXPECT_EQ(delegate_->frames[0].tag, 2U);
 }
 
@@ -281,7 +281,7 @@ class PTChannelGarbage : public ChannelTest, public testing::WithParamInterface<
 TEST_P(PTChannelGarbage, endsTheConnectionAsMalformed) {
     connect();
     peer_.send(QByteArray::fromHex(GetParam()));
-    EXPECT_TRUE(waitForEnd());
+    ASSERT_TRUE(waitForEnd());
     EXPECT_EQ(delegate_->ends[0].error, Error(kPTProtocolErrorDomain, 0));
     EXPECT_TRUE(delegate_->frames.empty());
     EXPECT_TRUE(waitUntil([&] { return peer_.hasEnded(); }));

@@ -182,7 +182,7 @@ TEST_F(PTProtocolTest, reassemblesAHeaderThatArrivesInPieces) {
     settle();
     EXPECT_TRUE(told_.empty());
     peer_.send(header.sliced(10));
-    EXPECT_TRUE(waitForFrames(1));
+    ASSERT_TRUE(waitForFrames(1));
     EXPECT_EQ(told_.front(), (Told{std::nullopt, 5, 7, 0}));
 }
 
@@ -330,22 +330,22 @@ TEST_F(PTProtocolTest, discardsWithoutAnybodyAsking) {
 TEST_F(PTProtocolTest, readsTheNextHeaderOnlyOnceItIsResumed) {
     readFrames();
     peer_.send(frameBytes(5, 1) + frameBytes(6, 2));
-    EXPECT_TRUE(waitForFrames(1));
+    ASSERT_TRUE(waitForFrames(1));
     settle();
     EXPECT_EQ(told_.size(), 1U);
 
     resume_();
-    EXPECT_TRUE(waitForFrames(2));
+    ASSERT_TRUE(waitForFrames(2));
     EXPECT_EQ(told_.back(), (Told{std::nullopt, 6, 2, 0}));
 }
 
 TEST_F(PTProtocolTest, endsTheLoopWithTheStream) {
     readFrames();
     peer_.send(frameBytes(5, 1));
-    EXPECT_TRUE(waitForFrames(1));
+    ASSERT_TRUE(waitForFrames(1));
     peer_.close();
     resume_();
-    EXPECT_TRUE(waitForFrames(2));
+    ASSERT_TRUE(waitForFrames(2));
     EXPECT_EQ(told_.back(), kEndOfStream);
 
     resume_();
@@ -356,7 +356,7 @@ TEST_F(PTProtocolTest, endsTheLoopWithTheStream) {
 TEST_F(PTProtocolTest, endsTheLoopAtAFrameOfType0) {
     readFrames();
     peer_.send(frameBytes(0, 9) + frameBytes(5, 1));
-    EXPECT_TRUE(waitForFrames(1));
+    ASSERT_TRUE(waitForFrames(1));
     EXPECT_EQ(told_.back(), (Told{std::nullopt, 0, 9, 0}));
 
     resume_();
@@ -367,7 +367,7 @@ TEST_F(PTProtocolTest, endsTheLoopAtAFrameOfType0) {
 TEST_F(PTProtocolTest, endsTheLoopAtAnotherVersion) {
     readFrames();
     peer_.send(QByteArray::fromHex("00000002000000050000000700000000") + frameBytes(5, 1));
-    EXPECT_TRUE(waitForFrames(1));
+    ASSERT_TRUE(waitForFrames(1));
     EXPECT_EQ(told_.back(), malformed());
 
     resume_();
@@ -378,7 +378,7 @@ TEST_F(PTProtocolTest, endsTheLoopAtAnotherVersion) {
 TEST_F(PTProtocolTest, endsTheLoopSilentlyWhenResumeIsDropped) {
     readFrames();
     peer_.send(frameBytes(5, 1) + frameBytes(6, 2));
-    EXPECT_TRUE(waitForFrames(1));
+    ASSERT_TRUE(waitForFrames(1));
     const std::weak_ptr<PTProtocol> protocol = std::exchange(protocol_, nullptr);
     EXPECT_FALSE(protocol.expired()); // held by resume
     resume_ = nullptr;
@@ -391,7 +391,7 @@ TEST_F(PTProtocolTest, isHeldByAnOperationUntilItHasEnded) {
     protocol_->readFrameOverChannel(io_, record());
     const std::weak_ptr<PTProtocol> protocol = std::exchange(protocol_, nullptr);
     peer_.send(frameBytes(5, 7));
-    EXPECT_TRUE(waitForFrames(1));
+    ASSERT_TRUE(waitForFrames(1));
     EXPECT_TRUE(waitUntil([&] { return protocol.expired(); }));
 }
 
