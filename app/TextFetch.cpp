@@ -32,7 +32,7 @@ bool hasNoAddressByDefinition(const QUrl& url) {
 }
 
 /// Keeps what arrives, as far as there is room; else the transfer ends with an error.
-size_t keep(const char* bytes, size_t, size_t count, void* kept) {
+size_t keep(char* bytes, size_t, size_t count, void* kept) {
     auto& text = *static_cast<QByteArray*>(kept);
     if (count > static_cast<size_t>(kMaximumFetchedBytes - text.size())) {
         return 0;
