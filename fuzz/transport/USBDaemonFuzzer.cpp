@@ -66,9 +66,9 @@ public:
     OwnedDescriptor openStream() override {
         std::array<int, 2> ends = {};
         NAVREL_ASSERT(::socketpair(AF_UNIX, SOCK_STREAM, 0, ends.data()) == 0);
-        stream_ =
-            KeptUSBStream::create(OwnedDescriptor(ends[1]), daemon, USBDaemonKeeper::kReplyTimeout,
-                                  {[] {}, [this] { stream_ = nullptr; }});
+        stream_ = KeptUSBStream::create(OwnedDescriptor(ends[1]), daemon, systemClock(),
+                                        USBDaemonKeeper::kReplyTimeout,
+                                        {[] {}, [this] { stream_ = nullptr; }});
         return OwnedDescriptor(ends[0]);
     }
 
