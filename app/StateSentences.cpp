@@ -1,6 +1,6 @@
 #include "app/StateSentences.h"
 
-#include "transport/CompanionProtocol.h"
+#include "protocol/CompanionProtocol.h"
 
 namespace navrel {
 
