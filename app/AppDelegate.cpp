@@ -50,7 +50,7 @@ AppDelegate::AppDelegate(Collaborators collaborators)
 // The shell.
 
 void AppDelegate::applicationDidFinishLaunching() {
-    webServicesOf(collaborators_).checkForUpdate();
+    update_ = webServicesOf(collaborators_).checkForUpdate();
     if (versionItem_ != nullptr) {
         versionItem_->setTitle(QStringLiteral("Navrel (v%1)").arg(collaborators_.version));
     }

@@ -2,6 +2,7 @@
 
 #include "app/CommandService.h"
 #include "app/DeviceLink.h"
+#include "app/ProgramFacts.h"
 #include "app/ShortcutMenu.h"
 #include "support/core/Clock.h"
 #include "transport/SystemLoopbackPeer.h"
@@ -82,6 +83,9 @@ public:
     /// first, is allowed for each: then there is no item, or no such entry.
     void setMenu(StatusMenu* menu, MenuItem* versionItem);
 
+    /// What the update check found; `off` before it has ended.
+    const ProgramFacts::Update& update() const { return update_; }
+
     // The device link.
 
     const DeviceLink& deviceLink() const { return *link_; }
@@ -117,6 +121,7 @@ private:
     explicit AppDelegate(Collaborators collaborators);
 
     Collaborators collaborators_;
+    ProgramFacts::Update update_;
     CommandService service_;
     ShortcutMenu shortcutMenu_;
     MenuItem* versionItem_ = nullptr;

@@ -19,10 +19,23 @@ void logUnopened(const QUrl& url) {
 
 WebServices::WebServices(World world) : world_(std::move(world)) {}
 
-void WebServices::checkForUpdate() const {
+ProgramFacts::Update WebServices::updateOf(const QString& latest) const {
+    using State = ProgramFacts::Update::State;
+    if (!hasAddress(world_.server)) {
+        return {State::off, {}};
+    }
+    if (latest.isEmpty()) {
+        return {State::unreachable, {}};
+    }
+    return latest == world_.version ? ProgramFacts::Update{State::current, {}}
+                                    : ProgramFacts::Update{State::other, latest};
+}
+
+ProgramFacts::Update WebServices::checkForUpdate() const {
     const auto latest = fetchText(addressOf(QStringLiteral("/apps/Navrel/version.txt")));
-    if (!latest || latest->isEmpty() || *latest == world_.version) {
-        return;
+    const ProgramFacts::Update update = updateOf(latest.value_or(QString()));
+    if (update.state != ProgramFacts::Update::State::other) {
+        return update;
     }
     const int answer = world_.desktop.runAlert(
         QStringLiteral("Navrel update"),
@@ -31,6 +44,7 @@ void WebServices::checkForUpdate() const {
     if (answer == kAlertFirstButtonReturn) {
         openURL(addressOf(QStringLiteral("/apps/Navrel/Navrel-Latest.zip")));
     }
+    return update;
 }
 
 void WebServices::showManual() const {

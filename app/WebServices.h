@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/ProgramFacts.h"
+
 #include <QString>
 #include <QUrl>
 
@@ -23,14 +25,15 @@ public:
     /// Waits for the server's answer, within the limits of TextFetch.h. Shows an alert, and waits
     /// for the user's answer, when the server's version is not this program's: any difference
     /// counts, also an older version or a line break at the end. Deliberate: the server's file
-    /// holds the bare version.
-    void checkForUpdate() const;
+    /// holds the bare version. Returns what it found.
+    ProgramFacts::Update checkForUpdate() const;
 
     /// Hands the manual of this version to the desktop's URL opener. Where no server is
     /// configured, opens the one that was installed with the program.
     void showManual() const;
 
 private:
+    ProgramFacts::Update updateOf(const QString& latest) const;
     QUrl addressOf(const QString& path) const;
     void openURL(const QUrl& url) const;
 
