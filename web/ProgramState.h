@@ -20,6 +20,15 @@ struct ProgramState {
         bool operator==(const Message&) const = default;
     };
 
+    /// What one part of the program is up to, in the words that the terminal and the windows use.
+    struct Sentence {
+        std::string part;  ///< its title: "Project", "Device" …
+        std::string level; ///< "good", "idle", "warning" or "error"
+        std::string text;
+        std::string hint; ///< what to do; may be empty
+        bool operator==(const Sentence&) const = default;
+    };
+
     std::string editorName; ///< empty where there is none
     Editor editor = Editor::none;
     Device device = Device::absent;
@@ -28,6 +37,7 @@ struct ProgramState {
     /// told of by the code map.
     std::string projectReason;
     std::vector<Message> messages;
+    std::vector<Sentence> sentences; ///< one for each part
 
     bool operator==(const ProgramState&) const = default;
 };

@@ -135,6 +135,17 @@ json::array messagesOf(const StateParts& parts) {
     return messages;
 }
 
+json::array sentencesOf(const ProgramState& program) {
+    json::array sentences;
+    for (const ProgramState::Sentence& sentence : program.sentences) {
+        json::object object = {
+            {"part", sentence.part}, {"level", sentence.level}, {"text", sentence.text}};
+        addText(object, "hint", sentence.hint);
+        sentences.push_back(std::move(object));
+    }
+    return sentences;
+}
+
 } // namespace
 
 json::object stateView(const StateParts& parts) {
@@ -145,7 +156,8 @@ json::object stateView(const StateParts& parts) {
             {"editor", editorOf(parts)},
             {"device", deviceOf(parts.program)},
             {"browsers", browsersOf(parts)},
-            {"messages", messagesOf(parts)}};
+            {"messages", messagesOf(parts)},
+            {"sentences", sentencesOf(parts.program)}};
 }
 
 json::object activeView(const CodeMapSnapshot& snapshot, const ActivePlace& active) {
