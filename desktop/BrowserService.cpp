@@ -86,7 +86,7 @@ void BrowserService::tellWhatChanged() {
         map_.open(project.toStdString());
     }
     publishFileTypes();
-    access_.publishState(programState());
+    access_.publishState(programStateOf(facts()));
 }
 
 // Not without a project: the store might have to be opened for it, whose failure is presented.
@@ -109,20 +109,12 @@ void BrowserService::publishFileTypes() {
     }
 }
 
-ProgramState BrowserService::programState() const {
-    ProgramState state;
-    state.device = collaborators_.delegate.connectedChannel() ? ProgramState::Device::connected
-                                                              : ProgramState::Device::absent;
-    state.editorName = collaborators_.editor.name().toStdString();
-    if (collaborators_.editor.position() || !state.editorName.empty()) {
-        state.editor = ProgramState::Editor::follows;
-    }
-    if (project_.isEmpty()) {
-        state.projectReason = collaborators_.dataManager.automaticProjectSelection()
-                                  ? "No project is open in the editor."
-                                  : "No project is chosen: choose one in Navrel's menu.";
-    }
-    return state;
+ProgramFacts BrowserService::facts() const {
+    const AccessStatus access = access_.status();
+    const std::vector<PairedDevice> devices = access_.devices();
+    const CodeMapSnapshotPtr snapshot = map_.snapshot();
+    return gatherFacts({collaborators_.delegate, collaborators_.dataManager, collaborators_.editor,
+                        *snapshot, access_.settings(), access, devices});
 }
 
 // Nothing is asked of an editor while no client could see the answer.

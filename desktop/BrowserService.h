@@ -1,7 +1,9 @@
 #pragma once
 
+#include "app/ProgramFacts.h"
 #include "codemap/CodeMap.h"
 #include "desktop/BrowserHost.h"
+#include "desktop/GatherFacts.h"
 #include "web/BrowserAccess.h"
 
 #include <QObject>
@@ -46,13 +48,14 @@ public:
     void showPairingWindow();
 
     const BrowserAccess& access() const { return access_; }
+    /// What is the case with the program now.
+    ProgramFacts facts() const;
 
 private:
     static AccessSettings settingsOf(const Collaborators& collaborators);
 
     void tellWhatChanged();
     void publishFileTypes();
-    ProgramState programState() const;
     void followEditor(bool anyClientFollows);
     void logAccess();
     void changeMode(AccessSettings::Mode mode);

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "app/ProgramFacts.h"
+#include "app/StateSentences.h"
+#include "codemap/CodeMapSnapshot.h"
+#include "web/BrowserAccess.h"
+#include "web/ProgramState.h"
+
+#include <vector>
+
+namespace navrel {
+
+class AppDelegate;
+class Editor;
+class KZDataManager;
+
+/// Where the facts about the program are found. Nothing is owned.
+struct FactSources {
+    const AppDelegate& delegate;
+    KZDataManager& dataManager;
+    Editor& editor;
+    const CodeMapSnapshot& snapshot;
+    const AccessSettings& settings;
+    const AccessStatus& access;
+    const std::vector<PairedDevice>& devices;
+};
+
+/// Collects what is the case now. Asks nobody, and never blocks. Main thread.
+ProgramFacts gatherFacts(const FactSources& sources);
+
+/// The facts and their sentences as the server publishes them. Pure.
+ProgramState programStateOf(const ProgramFacts& facts);
+
+} // namespace navrel
