@@ -37,12 +37,13 @@ struct ProgramFacts {
 
     struct Editor {
         enum class State {
+            notAsked, ///< nobody could see the answer
             none,
             follows,
             silent,  ///< one is there, and has not answered for a while
             stopped, ///< its process is suspended
         };
-        State state = State::none;
+        State state = State::notAsked;
         QString name; ///< "Neovim"; empty where unknown
         bool operator==(const Editor&) const = default;
     };

@@ -133,6 +133,10 @@ StateSentence sentenceOf(const ProgramFacts::Editor& editor) {
     using State = ProgramFacts::Editor::State;
     const QString name = named(editor.name, QStringLiteral("The editor"));
     switch (editor.state) {
+    case State::notAsked:
+        return {Part::editor, Level::idle,
+                QStringLiteral("Navrel does not follow the editor while no browser can reach it."),
+                QStringLiteral("Files are opened in it all the same.")};
     case State::follows:
         return {Part::editor, Level::good, QStringLiteral("%1 answers.").arg(name), {}};
     case State::silent:

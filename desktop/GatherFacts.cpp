@@ -41,10 +41,11 @@ ProgramFacts::Device deviceOf(const AppDelegate& delegate) {
     return device;
 }
 
-ProgramFacts::Editor editorOf(Editor& editor) {
+ProgramFacts::Editor editorOf(const FactSources& sources) {
+    using State = ProgramFacts::Editor::State;
     ProgramFacts::Editor facts;
-    if (editor.position()) {
-        facts.state = ProgramFacts::Editor::State::follows;
+    if (sources.settings.mode != AccessSettings::Mode::off) {
+        facts.state = sources.editor.position() ? State::follows : State::none;
     }
     return facts;
 }
@@ -109,7 +110,7 @@ ProgramState::Device stateOf(ProgramFacts::Device::State device) {
 
 ProgramState::Editor stateOf(ProgramFacts::Editor::State editor) {
     using State = ProgramFacts::Editor::State;
-    if (editor == State::none) {
+    if (editor == State::none || editor == State::notAsked) {
         return ProgramState::Editor::none;
     }
     return editor == State::follows ? ProgramState::Editor::follows
@@ -122,7 +123,7 @@ ProgramFacts gatherFacts(const FactSources& sources) {
     ProgramFacts facts;
     facts.project = projectOf(sources);
     facts.device = deviceOf(sources.delegate);
-    facts.editor = editorOf(sources.editor);
+    facts.editor = editorOf(sources);
     facts.browsers = browsersOf(sources);
     facts.codeMap = codeMapOf(sources.snapshot);
     facts.update = sources.delegate.update();

@@ -110,6 +110,11 @@ TEST(StateSentences, aPortThatBelongsToAnotherUser) {
 TEST(StateSentences, editors) {
     ProgramFacts::Editor editor;
     EXPECT_EQ(sentenceOf(editor),
+              sentence(Part::editor, Level::idle,
+                       "Navrel does not follow the editor while no browser can reach it.",
+                       "Files are opened in it all the same."));
+    editor.state = ProgramFacts::Editor::State::none;
+    EXPECT_EQ(sentenceOf(editor),
               sentence(Part::editor, Level::idle, "No editor answers.",
                        "Start Neovim, Emacs with its server, or an editor with Navrel's plug-in; "
                        "until then files open in the desktop's application."));
