@@ -3,7 +3,7 @@
 #include "codemap/CodeMapViews.h"
 #include "codemap/MapBuilder.h"
 #include "codemap/tree/Paths.h"
-#include "companion/MapText.h"
+#include "companion/terminal/MapText.h"
 
 #include <array>
 #include <boost/json/serialize.hpp>
@@ -116,7 +116,8 @@ json::object viewOf(const CodeMapSnapshot& snapshot, const Request& request, con
 
 QString textOf(const json::object& view, View kind) {
     const bool isTerminal = ::isatty(STDOUT_FILENO) != 0;
-    const MapText text(isTerminal ? TerminalText::Style::coloured : TerminalText::Style::plain);
+    const MapText text(
+        TerminalText(isTerminal ? TerminalText::Style::coloured : TerminalText::Style::plain));
     switch (kind) {
     case View::tree:
         break;

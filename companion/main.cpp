@@ -1,140 +1,75 @@
-// navrel-companion: stands in for the companion app at a terminal. It listens where the app in the
-// simulator would, shows what Navrel serves, and takes commands from standard input.
+// navrel-companion: Navrel at a terminal. It asks a running Navrel over its owner's socket, or
+// stands in for a device, and takes commands from its arguments or from standard input.
 
-#include "companion/Commands.h"
-#include "companion/CompanionLink.h"
 #include "companion/InstallExtension.h"
-#include "companion/LineInput.h"
 #include "companion/MapCommand.h"
-#include "companion/OwnerCommands.h"
-#include "protocol/CompanionProtocol.h"
+#include "companion/terminal/Arguments.h"
+#include "companion/terminal/CodeSource.h"
+#include "companion/terminal/CommandTable.h"
+#include "companion/terminal/Session.h"
 
-#include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QDeadlineTimer>
 
-#include <chrono>
+#include <clocale>
+#include <csignal>
 #include <cstdio>
 #include <string_view>
-#include <thread>
-#include <unistd.h>
 
 namespace {
 
 using namespace navrel;
 
-constexpr int kDefaultWaitSeconds = 60;
-
-/// How long the first pass over a large project may take before it counts as no project.
-constexpr std::chrono::seconds kFirstPass{10};
-constexpr std::chrono::milliseconds kAskAgainAfter{100};
-
-enum ExitCode { kExitSuccess = 0, kExitFailure = 1 };
-
-void print(const QString& text) {
-    const QByteArray bytes = text.toUtf8() + '\n';
-    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stdout);
-    std::fflush(stdout);
+int usage(const QString& problem) {
+    std::fprintf(stderr, "navrel-companion: %s\n", qUtf8Printable(TerminalText::harmless(problem)));
+    return static_cast<int>(CommandResult::usage);
 }
 
-void complain(const QString& text) {
-    std::fprintf(stderr, "navrel-companion: %s\n", qUtf8Printable(TerminalText::harmless(text)));
-}
-
-/// Navrel reads a project for the first time a second after its start: an overview before that
-/// would be empty.
-void waitForProject(CompanionLink& link) {
-    if (link.ask(kFrameRootNavigator)) {
-        return;
+int printHelp() {
+    std::puts("usage: navrel-companion [OPTIONS]             a session at the terminal\n"
+              "       navrel-companion [OPTIONS] COMMAND …   one command, then the end\n"
+              "       navrel-companion map PATH.xcodeproj …  a project on disk, without Navrel\n"
+              "       navrel-companion install-extension     Navrel's extension for VS Code\n\n"
+              "options:\n"
+              "  --json           print what Navrel answers, as JSON\n"
+              "  --device         stand in for a device, on port 2345 of this machine\n"
+              "  --wait SECONDS   how long to wait for a Navrel\n"
+              "  --plain          for screen readers: no colours, no drawings, no pager\n"
+              "  --color=WHEN     auto, always or never\n"
+              "  -h, --help       this text\n"
+              "  -v, --version    the version\n\n"
+              "commands:");
+    for (const CommandInfo& command : commandTable()) {
+        const QString line = (command.name + u' ' + command.parameters).trimmed();
+        std::printf("  %-26s %s\n", qUtf8Printable(line), qUtf8Printable(command.summary));
     }
-    complain(QStringLiteral("waiting for Navrel to read a project"));
-    const QDeadlineTimer deadline(kFirstPass);
-    while (link.isConnected() && !link.ask(kFrameRootNavigator) && !deadline.hasExpired()) {
-        std::this_thread::sleep_for(kAskAgainAfter);
-    }
-}
-
-int runCommands(CompanionLink& link, Commands& commands, std::chrono::seconds wait) {
-    LineInput input(STDIN_FILENO);
-    const bool isInteractive = ::isatty(STDIN_FILENO) != 0;
-    for (;;) {
-        if (isInteractive) {
-            std::fputs("> ", stdout);
-            std::fflush(stdout);
-        }
-        const auto line = input.next();
-        if (!line) {
-            return kExitSuccess;
-        }
-        if (!link.isConnected() && !link.waitUntilServed(wait)) {
-            complain(QStringLiteral("Navrel is gone."));
-            return kExitFailure;
-        }
-        if (!commands.run(*line)) {
-            return kExitSuccess;
-        }
-    }
-}
-
-int runCompanion(std::chrono::seconds wait) {
-    const auto link = CompanionLink::create();
-    link->didRefuse = [](const QString& sentence) { complain(sentence); };
-    if (const auto error = link->listen(kCompanionPort)) {
-        complain(QStringLiteral("cannot listen on 127.0.0.1:%1: %2")
-                     .arg(kCompanionPort)
-                     .arg(error->localizedDescription().value_or(error->description())));
-        return kExitFailure;
-    }
-    if (!link->waitUntilServed(wait)) {
-        complain(QStringLiteral("no Navrel has connected within %1 s; is it running?")
-                     .arg(wait.count()));
-        return kExitFailure;
-    }
-    const bool isTerminal = ::isatty(STDOUT_FILENO) != 0;
-    Commands commands(
-        [&link](quint32 type, const QVariantMap& request) { return link->ask(type, request); },
-        print,
-        TerminalText(isTerminal ? TerminalText::Style::coloured : TerminalText::Style::plain));
-    waitForProject(*link);
-    commands.showOverview();
-    const int exitCode = runCommands(*link, commands, wait);
-    link->stop();
-    return exitCode;
+    std::puts("\nexit status: 0 done, 1 not found, 2 not understood, 3 no Navrel");
+    return 0;
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
+    std::setlocale(LC_ALL, "");
+    std::signal(SIGPIPE, SIG_IGN);
     if (argc > 1 && std::string_view(argv[1]) == "map") {
         return runMapCommand({argv + 2, argv + argc});
     }
-    if (argc > 1 && isOwnerCommand(argv[1])) {
-        return runOwnerCommand({argv + 1, argv + argc}, OwnerLink(ownerSocketPath()));
-    }
-    QCoreApplication application(argc, argv);
+    const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("navrel-companion"));
-    QCoreApplication::setApplicationVersion(QStringLiteral(NAVREL_VERSION));
     if (argc == 2 && std::string_view(argv[1]) == "install-extension") {
         return runInstallExtension();
     }
-
-    QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral(
-        "Stands in for the companion app: listens on 127.0.0.1:2345, shows the project that Navrel "
-        "serves, and takes commands from standard input (\"help\" lists them)."));
-    parser.addHelpOption();
-    parser.addVersionOption();
-    const QCommandLineOption waitOption(
-        QStringLiteral("wait"), QStringLiteral("How long to wait for a Navrel, in seconds."),
-        QStringLiteral("SECONDS"), QString::number(kDefaultWaitSeconds));
-    parser.addOption(waitOption);
-    parser.process(application);
-
-    bool isNumber = false;
-    const int wait = parser.value(waitOption).toInt(&isNumber);
-    if (!isNumber || wait < 0 || !parser.positionalArguments().isEmpty()) {
-        complain(QStringLiteral("usage: navrel-companion [--wait SECONDS]"));
-        return kExitFailure;
+    const auto parsed = argumentsIn({argv + 1, argv + argc});
+    if (const auto* const problem = std::get_if<QString>(&parsed)) {
+        return usage(*problem);
     }
-    return runCompanion(std::chrono::seconds(wait));
+    const Arguments& arguments = std::get<Arguments>(parsed);
+    if (arguments.wantsHelp) {
+        return printHelp();
+    }
+    if (arguments.wantsVersion) {
+        std::puts("navrel-companion " NAVREL_VERSION);
+        return 0;
+    }
+    return Session(arguments, QStringLiteral(NAVREL_VERSION)).run();
 }

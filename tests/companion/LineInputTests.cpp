@@ -1,4 +1,4 @@
-#include "companion/LineInput.h"
+#include "companion/terminal/LineInput.h"
 
 #include <QTemporaryFile>
 #include <gtest/gtest.h>

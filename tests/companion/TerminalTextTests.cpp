@@ -1,18 +1,11 @@
-#include "companion/TerminalText.h"
+#include "companion/terminal/TerminalText.h"
 
-#include <QVariantList>
 #include <gtest/gtest.h>
 
 #include <utility>
 
 namespace navrel {
 namespace {
-
-QVariantMap element(const QString& type, const QString& name, int line) {
-    return {{QStringLiteral("type"), type},
-            {QStringLiteral("name"), name},
-            {QStringLiteral("line"), line}};
-}
 
 TEST(TerminalText, textThatCouldDriveTheTerminalIsShownAsSymbols) {
     EXPECT_EQ(TerminalText::harmless(QStringLiteral("a\x1B[2Jb\nc\x7F\u009Bd é漢😀")),
@@ -37,48 +30,28 @@ TEST(TerminalText, whatTurnsTheDirectionOrCannotBeSeenIsShownByItsNumber) {
     }
 }
 
-TEST(TerminalText, aLineThatIsNoNumberIsNotShown) {
-    EXPECT_EQ(TerminalText::lineNumber(42), QStringLiteral("42"));
-    EXPECT_EQ(TerminalText::lineNumber(QStringLiteral("7")), QStringLiteral("7"));
-    EXPECT_EQ(TerminalText::lineNumber(QStringLiteral("1\x1B[2J")), QStringLiteral("?"));
-    EXPECT_EQ(TerminalText::lineNumber(QString(1'000'000, u'9')), QStringLiteral("?"));
-    EXPECT_EQ(TerminalText::lineNumber(QVariant()), QStringLiteral("?"));
-}
-
-TEST(TerminalText, anOutlineAlignsItsNumbersAndSetsMarksAsHeadings) {
-    const QVariantMap elements = {
-        {QStringLiteral("items"),
-         QVariantList{element(QStringLiteral("class"), QStringLiteral("Tide"), 3),
-                      element(QStringLiteral("mark"), QStringLiteral("Table view"), 9),
-                      element(QStringLiteral("method"), QStringLiteral("-reload"), 12),
-                      element(QStringLiteral("property"), QStringLiteral("title"), 100),
-                      element(QStringLiteral("warning"), QStringLiteral("fix"), 101),
-                      element(QStringLiteral("shortcut"), QStringLiteral("Start"), 102)}}};
-
-    EXPECT_EQ(TerminalText(TerminalText::Style::plain).outline(elements),
-              QStringLiteral("  3    C Tide\n"
-                             "  9  ── Table view\n"
-                             " 12    ƒ -reload\n"
-                             "100    • title\n"
-                             "101    ! fix\n"
-                             "102    → Start"));
-}
-
-TEST(TerminalText, groupsEndInASlashAndIdentifiersStandFirst) {
-    const TerminalText text(TerminalText::Style::plain);
-    const QVariantMap file = {{QStringLiteral("identifier"), QStringLiteral("F1")},
-                              {QStringLiteral("name"), QStringLiteral("a.h")},
-                              {QStringLiteral("isGroup"), 0}};
-    const QVariantMap group = {{QStringLiteral("identifier"), QStringLiteral("G1")},
-                               {QStringLiteral("name"), QStringLiteral("Views")},
-                               {QStringLiteral("isGroup"), 1}};
-
-    EXPECT_EQ(text.navigatorLine(file), QStringLiteral("F1  a.h"));
-    EXPECT_EQ(text.navigatorLine(group), QStringLiteral("G1  Views/"));
+TEST(TerminalText, coloursSuitTheBackground) {
+    using Background = TerminalText::Background;
+    const auto warning = [](Background background) {
+        return TerminalText(TerminalText::Style::coloured, background).warning(QStringLiteral("x"));
+    };
+    EXPECT_EQ(warning(Background::dark), QStringLiteral("\x1B[93mx\x1B[0m"));
+    EXPECT_EQ(warning(Background::light), QStringLiteral("\x1B[31mx\x1B[0m"));
+    EXPECT_EQ(warning(Background::unknown), QStringLiteral("\x1B[31mx\x1B[0m"));
+    for (const Background background : {Background::light, Background::unknown}) {
+        const TerminalText text(TerminalText::Style::coloured, background);
+        for (const QString& coloured : {text.warning({}), text.accent({}), text.group({})}) {
+            for (const char* unreadable : {"33", "36", "93", "96", "92", "32"}) {
+                EXPECT_FALSE(coloured.contains(QLatin1String(unreadable)));
+            }
+        }
+    }
 }
 
 TEST(TerminalText, onlyTheColouredStyleWritesEscapes) {
     EXPECT_EQ(TerminalText(TerminalText::Style::plain).heading(QStringLiteral("x")),
+              QStringLiteral("x"));
+    EXPECT_EQ(TerminalText(TerminalText::Style::spoken).heading(QStringLiteral("x")),
               QStringLiteral("x"));
     EXPECT_EQ(TerminalText(TerminalText::Style::coloured).heading(QStringLiteral("x")),
               QStringLiteral("\x1B[1mx\x1B[0m"));

@@ -1,0 +1,95 @@
+#pragma once
+
+#include "companion/terminal/CodeSource.h"
+#include "companion/terminal/CommandTable.h"
+#include "companion/terminal/MapText.h"
+#include "companion/terminal/Names.h"
+#include "companion/terminal/TerminalText.h"
+
+#include <QString>
+
+#include <functional>
+#include <optional>
+#include <vector>
+
+namespace navrel {
+
+/// Runs what users type: each command asks the source, and prints the answer readably. One thread.
+class Commands {
+public:
+    struct World {
+        CodeSource& source;
+        /// Gets all that a command prints, with a line feed at the end of each line.
+        std::function<void(const QString& text)> show;
+        /// Gets what is amiss, and what to do: one line each, without a line feed at the end.
+        std::function<void(const QString& text)> complain;
+        TerminalText text;
+        bool isJSON = false;
+        /// Shows the outline of the editor's file until the user ends it; null where that cannot
+        /// be.
+        std::function<CommandResult()> follow = nullptr;
+        /// The text of `doctor`; null where that cannot be.
+        std::function<QString()> doctor = nullptr;
+    };
+
+    explicit Commands(World world) : world_(std::move(world)), mapText_(world_.text) {}
+
+    /// Runs one line as typed; an empty one does nothing.
+    CommandResult run(const QString& line);
+    /// Whether a line asks to quit.
+    static bool isQuit(const QString& line);
+
+private:
+    using View = boost::json::object;
+
+    CommandResult runCommand(const CommandInfo& command, const QString& argument);
+    CommandResult answerHelp(const QString& argument);
+    CommandResult refuseUnknown(const QString& name);
+    CommandResult misuse(const CommandInfo& command);
+
+    CommandResult showOverview();
+    CommandResult showTree(const QString& group);
+    CommandResult showGroup(const QString& group);
+    CommandResult showOutline(const QString& file);
+    CommandResult showSearch(const QString& text);
+    CommandResult showClasses(const QString& name);
+    CommandResult runFilter(const QString& argument);
+    CommandResult switchType(const QString& extension, bool allowed);
+    CommandResult showNotes(const CodeAnswer& notes);
+    CommandResult openPlace(const QString& text);
+    CommandResult openPath(const NodeName& file, std::uint32_t line);
+    CommandResult showOutcome(const CodeAnswer& outcome);
+    CommandResult showState();
+    CommandResult showPairing();
+    CommandResult showDevices();
+    CommandResult showProject();
+    CommandResult showVersion();
+
+    /// Prints a view: as JSON, or as `render` has it.
+    template <typename Render>
+    CommandResult showView(const CodeAnswer& answer, const Render& render);
+    CommandResult fail(const CodeAnswer& answer);
+    CommandResult fail(CommandResult result, const QString& problem, const QString& hint);
+    void print(const QString& text) { printed_ += text; }
+    void printLine(const QString& text) { printed_ += text + u'\n'; }
+    void printHeading(const QString& title);
+
+    /// A failure where there is no project.
+    CodeAnswer wholeTree();
+    /// The tree without the files of types that are hidden.
+    CodeAnswer shownTree();
+    std::optional<NodeName> nodeNamed(const std::vector<NodeName>& nodes, const QString& text,
+                                      const QString& what);
+    CommandResult refuseMany(const QString& text, const QString& what, const QStringList& names);
+    std::optional<std::uint32_t> lineOfSymbol(const NodeName& file, const std::string& symbol);
+    std::string someSource(const View& tree);
+    QString outlineText(const View& view) const;
+    QString fileTypesText(const View& view) const;
+
+    World world_;
+    MapText mapText_;
+    QString printed_;
+    CommandResult lastFailure_ = CommandResult::done;
+};
+
+} // namespace navrel

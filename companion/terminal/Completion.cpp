@@ -1,0 +1,96 @@
+#include "companion/terminal/Completion.h"
+
+#include "companion/terminal/CommandTable.h"
+
+#include <algorithm>
+
+namespace navrel {
+
+namespace {
+
+QStringList beginningWith(const QString& part, const QStringList& words) {
+    QStringList result;
+    for (const QString& word : words) {
+        if (word.startsWith(part, Qt::CaseInsensitive)) {
+            result.append(word);
+        }
+    }
+    result.sort(Qt::CaseInsensitive);
+    result.removeDuplicates();
+    return result;
+}
+
+QStringList commandNames() {
+    QStringList names;
+    for (const CommandInfo& command : commandTable()) {
+        names.append(command.name);
+    }
+    return names;
+}
+
+Completion placeCompletion(const QString& line, qsizetype begin, const CompletionWords& words) {
+    const QString part = line.sliced(begin);
+    const qsizetype colon = part.indexOf(u':');
+    if (colon <= 0) {
+        return {begin, beginningWith(part, words.files())};
+    }
+    return {begin + colon + 1,
+            beginningWith(part.sliced(colon + 1), words.symbols(part.first(colon)))};
+}
+
+Completion argumentCompletion(const CommandInfo& command, const QString& line, qsizetype begin,
+                              const CompletionWords& words) {
+    const QString part = line.sliced(begin);
+    switch (command.argument) {
+    case ArgumentKind::file:
+        return {begin, beginningWith(part, words.files())};
+    case ArgumentKind::place:
+        return placeCompletion(line, begin, words);
+    case ArgumentKind::group:
+        return {begin, beginningWith(part, words.groups())};
+    case ArgumentKind::type:
+        return {begin, beginningWith(part, words.types())};
+    case ArgumentKind::extension:
+        return {begin, beginningWith(part, words.extensions())};
+    case ArgumentKind::command:
+        return {begin, beginningWith(part, commandNames())};
+    case ArgumentKind::none:
+    case ArgumentKind::text:
+        break;
+    }
+    return {begin, {}};
+}
+
+} // namespace
+
+QString Completion::common() const {
+    QString common = candidates.value(0);
+    for (const QString& candidate : candidates) {
+        qsizetype same = 0;
+        while (same < std::min(common.size(), candidate.size()) &&
+               common.at(same).toCaseFolded() == candidate.at(same).toCaseFolded()) {
+            ++same;
+        }
+        common.truncate(same);
+    }
+    return common;
+}
+
+Completion completionOf(const QString& line, const CompletionWords& words) {
+    qsizetype begin = 0;
+    while (begin < line.size() && line.at(begin) == u' ') {
+        ++begin;
+    }
+    const qsizetype blank = line.indexOf(u' ', begin);
+    if (blank < 0) {
+        return {begin, beginningWith(line.sliced(begin), commandNames())};
+    }
+    const CommandInfo* const command = commandNamed(line.sliced(begin, blank - begin));
+    qsizetype argument = blank;
+    while (argument < line.size() && line.at(argument) == u' ') {
+        ++argument;
+    }
+    return command == nullptr ? Completion() : argumentCompletion(*command, line, argument, words);
+}
+
+} // namespace navrel

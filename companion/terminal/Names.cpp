@@ -1,0 +1,161 @@
+#include "companion/terminal/Names.h"
+
+#include "companion/terminal/ViewAccess.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <functional>
+
+namespace navrel {
+
+namespace json = boost::json;
+
+namespace {
+
+template <typename Item, typename Test>
+std::vector<Item> thoseThat(const std::vector<Item>& items, const Test& test) {
+    std::vector<Item> result;
+    std::copy_if(items.begin(), items.end(), std::back_inserter(result), test);
+    return result;
+}
+
+/// The items that fit by the first of the tests that any fits by.
+template <typename Item>
+std::vector<Item> firstThatFit(const std::vector<Item>& items,
+                               const std::vector<std::function<bool(const Item&)>>& tests) {
+    for (const auto& test : tests) {
+        std::vector<Item> fitting = thoseThat(items, test);
+        if (!fitting.empty()) {
+            return fitting;
+        }
+    }
+    return {};
+}
+
+std::string_view withoutExtension(std::string_view name) {
+    const auto dot = name.rfind('.');
+    return dot == std::string_view::npos || dot == 0 ? name : name.substr(0, dot);
+}
+
+/// "rise" of "-rise:to:" and of "rise(to:)".
+std::string_view withoutParameters(std::string_view name) {
+    if (name.starts_with('-') || name.starts_with('+')) {
+        name.remove_prefix(1);
+    }
+    return name.substr(0, name.find_first_of("(:"));
+}
+
+void addNodes(const json::object& node, std::vector<NodeName>& nodes) {
+    nodes.push_back({bytesAt(node, "id"), bytesAt(node, "name"), bytesAt(node, "path"),
+                     bytesAt(node, "kind") != "file", numberAt(node, "symbols")});
+    for (const json::value& child : arrayAt(node, "children")) {
+        addNodes(objectOf(child), nodes);
+    }
+}
+
+void addSymbols(const json::array& items, std::vector<SymbolName>& symbols) {
+    for (const json::value& item : items) {
+        const json::object& symbol = objectOf(item);
+        symbols.push_back({bytesAt(symbol, "name"), bytesAt(symbol, "kind"),
+                           static_cast<std::uint32_t>(numberAt(symbol, "line")),
+                           static_cast<std::uint32_t>(numberAt(symbol, "endLine"))});
+        addSymbols(arrayAt(symbol, "children"), symbols);
+    }
+}
+
+} // namespace
+
+std::string lowered(std::string_view text) {
+    std::string result(text);
+    std::transform(result.begin(), result.end(), result.begin(), [](char character) {
+        return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a')
+                                                    : character;
+    });
+    return result;
+}
+
+std::vector<NodeName> nodesOf(const json::object& tree) {
+    std::vector<NodeName> nodes;
+    const json::object& root = objectAt(tree, "root");
+    if (!root.empty()) {
+        addNodes(root, nodes);
+    }
+    return nodes;
+}
+
+std::vector<NodeName> nodesNamed(const std::vector<NodeName>& nodes, std::string_view text,
+                                 std::string_view absolute) {
+    const std::string low = lowered(text);
+    const std::string end = '/' + std::string(text);
+    return firstThatFit<NodeName>(
+        nodes,
+        {
+            [&](const NodeName& node) { return node.id == text; },
+            [&](const NodeName& node) { return node.path == text && !text.empty(); },
+            [&](const NodeName& node) {
+                return !node.path.empty() && absolute.ends_with('/' + node.path) &&
+                       text.find('/') != std::string_view::npos;
+            },
+            [&](const NodeName& node) { return node.path == absolute && !text.empty(); },
+            [&](const NodeName& node) { return node.path.ends_with(end); },
+            [&](const NodeName& node) { return node.name == text; },
+            [&](const NodeName& node) { return lowered(node.name) == low; },
+            [&](const NodeName& node) { return lowered(withoutExtension(node.name)) == low; },
+            [&](const NodeName& node) {
+                return !low.empty() && (lowered(node.name).find(low) != std::string::npos ||
+                                        lowered(node.path).ends_with('/' + low));
+            },
+            [&](const NodeName& node) {
+                return low.find('/') != std::string::npos &&
+                       lowered(node.path).find(low) != std::string::npos;
+            },
+        });
+}
+
+std::vector<SymbolName> symbolsOf(const json::object& outline) {
+    std::vector<SymbolName> symbols;
+    addSymbols(arrayAt(outline, "items"), symbols);
+    return thoseThat(symbols, [](const SymbolName& symbol) { return !symbol.name.empty(); });
+}
+
+std::vector<SymbolName> symbolsNamed(const std::vector<SymbolName>& symbols,
+                                     std::string_view text) {
+    const std::string low = lowered(text);
+    return firstThatFit<SymbolName>(
+        symbols,
+        {
+            [&](const SymbolName& symbol) { return symbol.name == text; },
+            [&](const SymbolName& symbol) { return withoutParameters(symbol.name) == text; },
+            [&](const SymbolName& symbol) {
+                return lowered(withoutParameters(symbol.name)) == low ||
+                       lowered(symbol.name) == low;
+            },
+            [&](const SymbolName& symbol) {
+                return !low.empty() && lowered(symbol.name).find(low) != std::string::npos;
+            },
+        });
+}
+
+std::vector<PlaceText> placesIn(std::string_view text) {
+    std::vector<PlaceText> places;
+    const auto last = text.rfind(':');
+    if (last != std::string_view::npos && last > 0) {
+        std::uint32_t line = 0;
+        const char* const end = text.data() + text.size();
+        const auto [stop, error] = std::from_chars(text.data() + last + 1, end, line);
+        if (error == std::errc() && stop == end && line > 0) {
+            places.push_back({std::string(text.substr(0, last)), {}, line});
+        }
+    }
+    places.push_back({std::string(text), {}, 0});
+    for (auto at = text.find(':'); at != std::string_view::npos; at = text.find(':', at + 1)) {
+        if (at > 0 && at + 1 < text.size()) {
+            places.push_back(
+                {std::string(text.substr(0, at)), std::string(text.substr(at + 1)), 0});
+        }
+    }
+    return places;
+}
+
+} // namespace navrel
