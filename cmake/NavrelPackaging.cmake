@@ -31,6 +31,11 @@ foreach(picture IN ITEMS browser-phone browser-tablet-light companion open-panel
     install(FILES "${PROJECT_SOURCE_DIR}/docs/images/${picture}.png" DESTINATION "${doc}/images")
 endforeach()
 
+install(FILES "${PROJECT_SOURCE_DIR}/packaging/completions/navrel-companion.bash"
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" RENAME navrel-companion)
+install(FILES "${PROJECT_SOURCE_DIR}/packaging/completions/_navrel-companion"
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions")
+
 configure_file("${linux}/navrel.service.in" "${PROJECT_BINARY_DIR}/packaging/navrel.service" @ONLY)
 # Not under the library folder: systemd reads user units from here, whatever the architecture.
 install(FILES "${PROJECT_BINARY_DIR}/packaging/navrel.service" DESTINATION lib/systemd/user)
