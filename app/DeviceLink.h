@@ -15,6 +15,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <vector>
 
 namespace navrel {
@@ -53,6 +54,8 @@ public:
     DeviceLink& operator=(const DeviceLink&) = delete;
 
     LinkState state() const { return state_; }
+    /// As LoopbackGate has them.
+    const std::set<qint64>& refusedUsers() const { return gate_.refusedUsers(); }
 
     /// Observes the devices that the hub announces; the last one attached is reached, as soon as no
     /// channel is connected. Once.

@@ -28,6 +28,9 @@ public:
     /// until a peer has been served again.
     Trust trustIn(const PTChannel& channel);
 
+    /// Users that were turned away since a peer was served; -1 for an unknown one.
+    const std::set<qint64>& refusedUsers() const { return loggedRefusedUsers_; }
+
 private:
     void logRefusal(const LoopbackPeer& peer);
 

@@ -11,6 +11,7 @@
 
 #include <QDateTime>
 #include <QFile>
+#include <QTime>
 
 #include <algorithm>
 #include <chrono>
@@ -109,12 +110,20 @@ void BrowserService::publishFileTypes() {
     }
 }
 
-ProgramFacts BrowserService::facts() const {
+ProgramFacts BrowserService::facts() {
     const AccessStatus access = access_.status();
     const std::vector<PairedDevice> devices = access_.devices();
     const CodeMapSnapshotPtr snapshot = map_.snapshot();
-    return gatherFacts({collaborators_.delegate, collaborators_.dataManager, collaborators_.editor,
-                        *snapshot, access_.settings(), access, devices});
+    ProgramFacts facts =
+        gatherFacts({collaborators_.delegate, collaborators_.dataManager, collaborators_.editor,
+                     *snapshot, access_.settings(), access, devices});
+    if (facts.device.state != ProgramFacts::Device::State::connected) {
+        deviceSince_.clear();
+    } else if (deviceSince_.isEmpty()) {
+        deviceSince_ = QTime::currentTime().toString(QStringLiteral("HH:mm"));
+    }
+    facts.device.since = deviceSince_;
+    return facts;
 }
 
 // Nothing is asked of an editor while no client could see the answer.

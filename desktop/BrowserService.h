@@ -49,7 +49,7 @@ public:
 
     const BrowserAccess& access() const { return access_; }
     /// What is the case with the program now.
-    ProgramFacts facts() const;
+    ProgramFacts facts();
 
 private:
     static AccessSettings settingsOf(const Collaborators& collaborators);
@@ -72,6 +72,7 @@ private:
     AccessStatus loggedStatus_; ///< the last one that the log was told of
     QString project_;           ///< that the code map was told of
     std::vector<FileTypeSwitch> fileTypes_;
+    QString deviceSince_; ///< the time of day when the device was connected; empty for none
     QTimer lookTimer_;
 };
 

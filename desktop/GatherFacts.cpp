@@ -4,6 +4,8 @@
 #include "project/Editor.h"
 #include "project/KZDataManager.h"
 
+#include <QFileInfo>
+
 #include <algorithm>
 
 namespace navrel {
@@ -32,11 +34,38 @@ ProgramFacts::Project projectOf(const FactSources& sources) {
     return project;
 }
 
-ProgramFacts::Device deviceOf(const AppDelegate& delegate) {
+/// Where the daemon listens unless the environment names another place, which is not looked at.
+const QString kUSBDaemonSocket = QStringLiteral("/var/run/usbmuxd");
+
+bool isUSBDaemonAbsent() {
+    return !qEnvironmentVariableIsSet("USBMUXD_SOCKET_ADDRESS") &&
+           !QFileInfo::exists(kUSBDaemonSocket);
+}
+
+QString nameOfUser(qint64 user) {
+    return user < 0 ? QString() : QString::number(user);
+}
+
+ProgramFacts::Device deviceOf(const DeviceLink& link) {
+    using State = ProgramFacts::Device::State;
     ProgramFacts::Device device;
-    if (delegate.connectedChannel()) {
-        device.state = ProgramFacts::Device::State::connected;
-        device.isSimulator = delegate.connectedDeviceID() == nullptr;
+    switch (link.state()) {
+    case LinkState::connectedToDevice:
+    case LinkState::connectedToSimulator:
+        device.state = State::connected;
+        device.isSimulator = link.state() == LinkState::connectedToSimulator;
+        return device;
+    case LinkState::reachingDevice:
+        device.state = State::silent;
+        return device;
+    case LinkState::idle:
+        break;
+    }
+    if (!link.refusedUsers().empty()) {
+        device.state = State::refused;
+        device.user = nameOfUser(*link.refusedUsers().rbegin());
+    } else if (isUSBDaemonAbsent()) {
+        device.state = State::noDaemon;
     }
     return device;
 }
@@ -122,7 +151,7 @@ ProgramState::Editor stateOf(ProgramFacts::Editor::State editor) {
 ProgramFacts gatherFacts(const FactSources& sources) {
     ProgramFacts facts;
     facts.project = projectOf(sources);
-    facts.device = deviceOf(sources.delegate);
+    facts.device = deviceOf(sources.delegate.deviceLink());
     facts.editor = editorOf(sources);
     facts.browsers = browsersOf(sources);
     facts.codeMap = codeMapOf(sources.snapshot);
