@@ -88,15 +88,21 @@ std::vector<NodeName> nodesNamed(const std::vector<NodeName>& nodes, std::string
                                  std::string_view absolute) {
     const std::string low = lowered(text);
     const std::string end = '/' + std::string(text);
+    // A file at the top has a path that others end in: the longest one is meant.
+    const auto isAt = [&](const NodeName& node) {
+        return text.find('/') != std::string_view::npos && !node.path.empty() &&
+               absolute.ends_with('/' + node.path);
+    };
+    std::size_t longest = 0;
+    for (const NodeName& node : nodes) {
+        longest = isAt(node) ? std::max(longest, node.path.size()) : longest;
+    }
     return firstThatFit<NodeName>(
         nodes,
         {
             [&](const NodeName& node) { return node.id == text; },
             [&](const NodeName& node) { return node.path == text && !text.empty(); },
-            [&](const NodeName& node) {
-                return !node.path.empty() && absolute.ends_with('/' + node.path) &&
-                       text.find('/') != std::string_view::npos;
-            },
+            [&](const NodeName& node) { return node.path.size() == longest && isAt(node); },
             [&](const NodeName& node) { return node.path == absolute && !text.empty(); },
             [&](const NodeName& node) { return node.path.ends_with(end); },
             [&](const NodeName& node) { return node.name == text; },

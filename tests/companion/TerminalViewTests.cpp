@@ -43,7 +43,7 @@ TEST(Output, escapesTakeNoColumns) {
 TEST(Output, withoutUnicodeSignsAreDrawnInASCII) {
     EXPECT_EQ(asASCII(text("├── “a”… é")), text("|-- \"a\"... <U+00E9>"));
     EXPECT_EQ(fitted(text("└── a"), {false, false, 0, 0}), text("`-- a"));
-    EXPECT_EQ(fitted(text("one two"), {true, true, 4, 9}), text("one\n  two"));
+    EXPECT_EQ(fitted(text("one two"), {true, true, 5, 9}), text("one\n  two"));
     EXPECT_EQ(fitted(text("one two"), {false, true, 4, 9}), text("one two"));
 }
 
