@@ -3,6 +3,7 @@
 #include "app/AppDelegate.h"
 #include "app/ProgramVersion.h"
 #include "desktop/BrowserSettings.h"
+#include "desktop/GatherFacts.h"
 #include "desktop/windows/PairingWindow.h"
 #include "project/Editor.h"
 #include "project/KZDataManager.h"

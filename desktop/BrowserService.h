@@ -3,7 +3,6 @@
 #include "app/ProgramFacts.h"
 #include "codemap/CodeMap.h"
 #include "desktop/BrowserHost.h"
-#include "desktop/GatherFacts.h"
 #include "web/BrowserAccess.h"
 
 #include <QObject>

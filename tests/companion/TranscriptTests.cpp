@@ -208,7 +208,7 @@ TEST_P(Transcripts, areAsTheyWere) {
     EXPECT_EQ(shown.toStdString(), file.readAll().toStdString());
 }
 
-INSTANTIATE_TEST_SUITE_P(, Transcripts, ::testing::ValuesIn(scripts()), [](const auto& test) {
+INSTANTIATE_TEST_SUITE_P(Sessions, Transcripts, ::testing::ValuesIn(scripts()), [](const auto& test) {
     return QString::fromUtf8(test.param.name).replace(u'-', u'_').toStdString();
 });
 
