@@ -37,7 +37,7 @@ struct ProgramFacts {
 
     struct Editor {
         enum class State {
-            notAsked, ///< nobody could see the answer
+            notAsked, ///< nobody follows it, and it does not choose the project
             none,
             follows,
             silent,  ///< one is there, and has not answered for a while

@@ -135,8 +135,8 @@ StateSentence sentenceOf(const ProgramFacts::Editor& editor) {
     switch (editor.state) {
     case State::notAsked:
         return {Part::editor, Level::idle,
-                QStringLiteral("Navrel does not follow the editor while no browser can reach it."),
-                QStringLiteral("Files are opened in it all the same.")};
+                QStringLiteral("No editor is asked while no browser or terminal follows it."),
+                QStringLiteral("Files are opened in your editor all the same.")};
     case State::follows:
         return {Part::editor, Level::good, QStringLiteral("%1 answers.").arg(name), {}};
     case State::silent:

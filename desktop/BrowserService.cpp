@@ -117,7 +117,7 @@ ProgramFacts BrowserService::facts() {
     const CodeMapSnapshotPtr snapshot = map_.snapshot();
     ProgramFacts facts =
         gatherFacts({collaborators_.delegate, collaborators_.dataManager, collaborators_.editor,
-                     *snapshot, access_.settings(), access, devices});
+                     *snapshot, access_.settings(), access, devices, isEditorFollowed_});
     if (facts.device.state != ProgramFacts::Device::State::connected) {
         deviceSince_.clear();
     } else if (deviceSince_.isEmpty()) {
@@ -129,6 +129,7 @@ ProgramFacts BrowserService::facts() {
 
 // Nothing is asked of an editor while no client could see the answer.
 void BrowserService::followEditor(bool anyClientFollows) {
+    isEditorFollowed_ = anyClientFollows;
     if (!anyClientFollows) {
         collaborators_.editor.onMove(nullptr);
         return access_.publishActive({}, 0);

@@ -71,6 +71,7 @@ private:
     AccessStatus loggedStatus_; ///< the last one that the log was told of
     QString project_;           ///< that the code map was told of
     std::vector<FileTypeSwitch> fileTypes_;
+    bool isEditorFollowed_ = false; ///< a client listens
     QString deviceSince_; ///< the time of day when the device was connected; empty for none
     QTimer lookTimer_;
 };

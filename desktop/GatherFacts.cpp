@@ -73,8 +73,11 @@ ProgramFacts::Device deviceOf(const DeviceLink& link) {
 ProgramFacts::Editor editorOf(const FactSources& sources) {
     using State = ProgramFacts::Editor::State;
     ProgramFacts::Editor facts;
-    if (sources.settings.mode != AccessSettings::Mode::off) {
-        facts.state = sources.editor.position() ? State::follows : State::none;
+    facts.name = sources.editor.name();
+    if (sources.editor.position() || !facts.name.isEmpty()) {
+        facts.state = State::follows;
+    } else if (sources.isEditorFollowed || sources.dataManager.automaticProjectSelection()) {
+        facts.state = State::none;
     }
     return facts;
 }

@@ -23,6 +23,7 @@ struct FactSources {
     const AccessSettings& settings;
     const AccessStatus& access;
     const std::vector<PairedDevice>& devices;
+    bool isEditorFollowed = false; ///< a client listens
 };
 
 /// Collects what is the case now. Asks nobody, and never blocks. Main thread.

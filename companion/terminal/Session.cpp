@@ -331,13 +331,6 @@ std::unique_ptr<Commands> Session::makeCommands() {
 }
 
 CommandResult Session::follow() {
-    const CodeAnswer state = source_->state();
-    if (bytesAt(objectAt(state.view, "browsers"), "mode") == "off") {
-        complain(QStringLiteral("Navrel does not follow the editor while no browser can reach it.\n"
-                                "Choose \"Phone or Tablet…\" in Navrel's menu, and \"This "
-                                "machine\"."));
-        return CommandResult::notFound;
-    }
     const bool redraws = traits_.isTerminal && !arguments_.isPlain && !isDumb();
     Follow view({owner_, *source_, text_, traits_, redraws,
                  [this](const QString& text) { write(stdout, fitted(text, traits_)); }});

@@ -111,8 +111,8 @@ TEST(StateSentences, editors) {
     ProgramFacts::Editor editor;
     EXPECT_EQ(sentenceOf(editor),
               sentence(Part::editor, Level::idle,
-                       "Navrel does not follow the editor while no browser can reach it.",
-                       "Files are opened in it all the same."));
+                       "No editor is asked while no browser or terminal follows it.",
+                       "Files are opened in your editor all the same."));
     editor.state = ProgramFacts::Editor::State::none;
     EXPECT_EQ(sentenceOf(editor),
               sentence(Part::editor, Level::idle, "No editor answers.",
