@@ -107,8 +107,8 @@ const std::vector<CommandInfo>& table() {
          {},
          q("FILE[:LINE|:SYMBOL]"),
          q("open a file in the editor"),
-         q("open Tide.swift, open Tide.swift:12 or open Tide.swift:rise. A path, a part of a name "
-           "and an identifier do, too."),
+         q("open Tide.swift, open Tide.swift:12 or open Tide.swift:rise. A path, part of a name "
+           "or an identifier works, too."),
          Kind::place},
         {ID::back,
          q("back"),
