@@ -9,9 +9,11 @@
 #include <QFile>
 #include <QProcess>
 #include <QProcessEnvironment>
+#include <QRegularExpression>
 #include <QStringList>
 
 #include <cstdlib>
+#include <map>
 #include <ostream>
 
 namespace navrel {
@@ -80,6 +82,90 @@ QString folderOfTranscripts() {
     return QStringLiteral(NAVREL_TRANSCRIPTS);
 }
 
+/// How characters look. tmux's own sequences differ from version to version.
+class Style {
+public:
+    /// Takes the numbers of one sequence "ESC [ … m".
+    void change(const QStringList& numbers) {
+        for (const QString& text : numbers) {
+            const int number = text.toInt();
+            if (number == 0) {
+                parts_.clear();
+            } else if (number == kColour + kUsual || number == kBackground + kUsual) {
+                parts_.erase(number - kUsual);
+            } else {
+                parts_[kindOf(number)] = number;
+            }
+        }
+    }
+    QString sequence() const {
+        QString result = QStringLiteral("\x1B[0");
+        for (const auto& part : parts_) {
+            result += u';' + QString::number(part.second);
+        }
+        return result + u'm';
+    }
+    bool operator==(const Style&) const = default;
+
+private:
+    static constexpr int kColour = 30;
+    static constexpr int kBackground = 40;
+    static constexpr int kUsual = 9;
+    static constexpr int kBrightColour = 90;
+    static constexpr int kBrightBackground = 100;
+
+    static int kindOf(int number) {
+        if (number < kColour) {
+            return number;
+        }
+        const bool isBackground =
+            number >= kBrightBackground || (number >= kBackground && number < kBrightColour);
+        return isBackground ? kBackground : kColour;
+    }
+
+    std::map<int, int> parts_; ///< by kind: an attribute, the colour, the background
+};
+
+/// Lines in which each sequence says all that holds from there on, and none holds beyond its line.
+QString plainlyStyled(const QString& captured) {
+    static const QRegularExpression sequence(QStringLiteral("\x1B\\[([0-9;]*)m"));
+    QStringList result;
+    Style style;
+    for (const QString& line : captured.split(u'\n')) {
+        QString shown;
+        Style shownStyle;
+        qsizetype at = 0;
+        const auto show = [&](qsizetype end) {
+            if (end > at && style != shownStyle) {
+                shown += style.sequence();
+                shownStyle = style;
+            }
+            shown += QStringView(line).mid(at, end - at);
+        };
+        for (const QRegularExpressionMatch& match : sequence.globalMatch(line)) {
+            show(match.capturedStart());
+            at = match.capturedEnd();
+            style.change(match.captured(1).split(u';'));
+        }
+        show(line.size());
+        result.append(shownStyle == Style() ? shown : shown + Style().sequence());
+    }
+    return result.join(u'\n');
+}
+
+QString withoutBlankEnds(const QString& text) {
+    QStringList lines = text.split(u'\n');
+    for (QString& line : lines) {
+        while (line.endsWith(u' ')) {
+            line.chop(1);
+        }
+    }
+    while (!lines.isEmpty() && lines.last().isEmpty()) {
+        lines.removeLast();
+    }
+    return lines.join(u'\n') + u'\n';
+}
+
 /// A terminal with the companion in it.
 class CompanionTerminal {
 public:
@@ -109,35 +195,30 @@ public:
         run({QStringLiteral("send-keys"), QStringLiteral("Enter")});
     }
 
-    /// What stands on the screen, with its colours, without blanks at the ends.
+    /// What stands on the screen, without blanks at the ends: with its colours, or the text alone.
     QString screen() const {
-        QStringList result = QString::fromUtf8(run({QStringLiteral("capture-pane"),
-                                                    QStringLiteral("-p"), QStringLiteral("-e")}))
-                                 .split(u'\n');
-        for (QString& line : result) {
-            while (line.endsWith(u' ')) {
-                line.chop(1);
-            }
-        }
-        while (!result.isEmpty() && result.last().isEmpty()) {
-            result.removeLast();
-        }
-        return result.join(u'\n') + u'\n';
+        return withoutBlankEnds(plainlyStyled(captured({QStringLiteral("-e")})));
     }
+    QString text() const { return withoutBlankEnds(captured({})); }
 
     /// Whether as many prompts are there, and nothing behind the last one.
     bool waitForPrompts(const QString& prompt, int count) const {
         return waitUntil([&] {
-            const QStringList all = screen().split(u'\n', Qt::SkipEmptyParts);
+            const QStringList all = text().split(u'\n', Qt::SkipEmptyParts);
             int prompts = 0;
             for (const QString& line : all) {
                 prompts += line == prompt || line.startsWith(prompt + u' ') ? 1 : 0;
             }
-            return prompts == count && all.last() == prompt;
+            return prompts == count && !all.isEmpty() && all.last() == prompt;
         });
     }
 
 private:
+    QString captured(const QStringList& options) const {
+        return QString::fromUtf8(
+            run(QStringList{QStringLiteral("capture-pane"), QStringLiteral("-p")} + options));
+    }
+
     QByteArray run(const QStringList& arguments) const {
         QProcess tmux;
         tmux.setProcessEnvironment(environment_);
@@ -208,9 +289,10 @@ TEST_P(Transcripts, areAsTheyWere) {
     EXPECT_EQ(shown.toStdString(), file.readAll().toStdString());
 }
 
-INSTANTIATE_TEST_SUITE_P(Sessions, Transcripts, ::testing::ValuesIn(scripts()), [](const auto& test) {
-    return QString::fromUtf8(test.param.name).replace(u'-', u'_').toStdString();
-});
+INSTANTIATE_TEST_SUITE_P(
+    Sessions, Transcripts, ::testing::ValuesIn(scripts()), [](const auto& test) {
+        return QString::fromUtf8(test.param.name).replace(u'-', u'_').toStdString();
+    });
 
 } // namespace
 } // namespace navrel
