@@ -11,7 +11,7 @@ namespace navrel {
 namespace {
 
 /// A first start that is busy for longer comes to the front later: the connection waits for it.
-constexpr int kPatience = 1000;
+constexpr int kAnswerWithin = 1000;
 
 } // namespace
 
@@ -34,7 +34,7 @@ SecondStart::SecondStart(const QString& socketPath, std::function<void()> didSta
 bool SecondStart::tellFirst(const QString& socketPath) {
     QLocalSocket connection;
     connection.connectToServer(socketPath);
-    return connection.waitForConnected(kPatience);
+    return connection.waitForConnected(kAnswerWithin);
 }
 
 } // namespace navrel

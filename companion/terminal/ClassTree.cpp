@@ -11,7 +11,7 @@ namespace json = boost::json;
 
 namespace {
 
-constexpr int kIndentation = 2;
+constexpr int kTreeIndentation = 2;
 /// Deeper ones would leave the right edge of any terminal.
 constexpr int kDeepest = 40;
 
@@ -49,7 +49,7 @@ void ClassTree::appendBelow(const std::string& name, int depth, Names& entered,
     }
     const auto [first, last] = derived_.equal_range(name);
     for (auto it = first; it != last; ++it) {
-        result += QString(depth * kIndentation, u' ') + line(*it->second) + u'\n';
+        result += QString(depth * kTreeIndentation, u' ') + line(*it->second) + u'\n';
         appendBelow(bytesAt(*it->second, "name"), depth + 1, entered, result);
     }
 }

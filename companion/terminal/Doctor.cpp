@@ -14,15 +14,15 @@ namespace navrel {
 
 namespace {
 
-constexpr int kTitleWidth = 10;
+constexpr int kFactTitleWidth = 10;
 const QString kUSBDaemonSocket = QStringLiteral("/var/run/usbmuxd");
 
 QString line(const QString& title, const QString& value) {
-    return title.leftJustified(kTitleWidth) + value + u'\n';
+    return title.leftJustified(kFactTitleWidth) + value + u'\n';
 }
 
 QString hint(const QString& text) {
-    return QString(kTitleWidth, u' ') + text + u'\n';
+    return QString(kFactTitleWidth, u' ') + text + u'\n';
 }
 
 QString socketLines(const DoctorFacts& facts) {

@@ -20,7 +20,7 @@ constexpr std::chrono::seconds kOpeningAtMost{30};
 constexpr long kFirstRefusal = 300;
 
 constexpr std::chrono::seconds kSwitchingAtMost{5};
-constexpr std::chrono::milliseconds kLookAgainAfter{20};
+constexpr std::chrono::milliseconds kAskAgainAfter{20};
 
 bool hasItem(const json::object& view, const json::object& item) {
     const json::array& items = arrayAt(view, "items");
@@ -100,7 +100,7 @@ CodeAnswer OwnerSource::switchFileType(const std::string& extension, bool allowe
     const QDeadlineTimer deadline(kSwitchingAtMost);
     CodeAnswer types = fileTypes();
     while (types.isView() && !hasItem(types.view, item) && !deadline.hasExpired()) {
-        std::this_thread::sleep_for(kLookAgainAfter);
+        std::this_thread::sleep_for(kAskAgainAfter);
         types = fileTypes();
     }
     return types;
