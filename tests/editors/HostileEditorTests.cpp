@@ -9,6 +9,7 @@
 #include "editors/NeovimServers.h"
 #include "support/ToolRunner.h"
 #include "tests/LogRecorder.h"
+#include "tests/StopProcess.h"
 #include "tests/WaitUntil.h"
 #include "tests/editors/FakeServer.h"
 #include "tests/editors/ScratchEnvironment.h"
@@ -348,7 +349,7 @@ protected:
         };
         ASSERT_TRUE(waitUntil(showsTheFile));
 
-        signal(SIGSTOP);
+        ASSERT_TRUE(stopProcess(process.processId()));
         EXPECT_TRUE(showsTheFile());
         EXPECT_EQ(FollowedEditor({lateComer}, nullptr).activeProjectPath(), std::nullopt);
         // Also when it has been asked again.

@@ -4,6 +4,7 @@
 #include "editors/KateEditor.h"
 #include "support/ToolRunner.h"
 #include "tests/SessionBus.h"
+#include "tests/StopProcess.h"
 #include "tests/WaitUntil.h"
 #include "tests/editors/ScratchEnvironment.h"
 
@@ -128,7 +129,7 @@ TEST_F(Kate, theWayBackLeadsThroughWhereItWasLedTo) {
 
 TEST_F(Kate, oneThatIsStoppedShowsWhatItShowedAndIsNotAskedToOpen) {
     ASSERT_EQ(editor->activeFileName(), QStringLiteral("a.m"));
-    ::kill(static_cast<pid_t>(kate.processId()), SIGSTOP);
+    ASSERT_TRUE(stopProcess(kate.processId()));
     EXPECT_EQ(editor->activeFileName(), QStringLiteral("a.m"));
     EXPECT_EQ(editor->activeFileName(), QStringLiteral("a.m"));
     FollowedEditor hasty({std::make_shared<KateEditor>(bus->connect())}, nullptr);

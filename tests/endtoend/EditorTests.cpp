@@ -3,6 +3,7 @@
 
 #include "support/ToolRunner.h"
 #include "tests/SmallProject.h"
+#include "tests/StopProcess.h"
 #include "tests/TestDevice.h"
 #include "tests/WaitUntil.h"
 #include "tests/editors/ScratchEnvironment.h"
@@ -116,7 +117,7 @@ TEST_F(NeovimTest, theElementsOfTheEditorsFileAreShown) {
 TEST_F(NeovimTest, whileTheEditorIsStoppedRequestsGoOnBeingAnswered) {
     ASSERT_TRUE(waitUntil([this] { return shownFiles() == 1; }));
     const auto process = static_cast<pid_t>(neovim_.processID());
-    ASSERT_EQ(::kill(process, SIGSTOP), 0);
+    ASSERT_TRUE(stopProcess(process));
     for (int request = 0; request < 20; ++request) {
         const auto elements = elementsOfActiveFile();
         ASSERT_TRUE(elements.has_value()) << "it still shows what it showed";
