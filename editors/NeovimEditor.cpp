@@ -145,18 +145,19 @@ std::optional<ActiveFile> NeovimEditor::activeFile(const QDeadlineTimer& deadlin
     answers_.forgetAllBut(sockets);
     hearLateAnswers(sockets);
     QHash<QByteArray, ProbedNeovim*> probed;
-    auto servers = probeNeovims(silent_.without(sockets), deadline,
-                                std::chrono::milliseconds(deadline.remainingTime()) / 2);
+    // Looked up once: the time of one that is left alone may end while the others are asked.
+    const QByteArrayList asked = silent_.without(sockets);
+    auto servers =
+        probeNeovims(asked, deadline, std::chrono::milliseconds(deadline.remainingTime()) / 2);
     for (ProbedNeovim& server : servers) {
         probed.insert(server.socket, &server);
     }
     std::optional<ActiveFile> lastKnown;
     for (const QByteArray& socket : sockets) {
         ProbedNeovim* const server = probed.value(socket, nullptr);
-        const bool isLeftAlone = server == nullptr && silent_.contains(socket);
         if (server != nullptr) {
             learnFrom(*server, deadline);
-        } else if (!isLeftAlone) {
+        } else if (asked.contains(socket)) {
             answers_.forget(socket);
         }
         const auto file = answers_.of(socket);
