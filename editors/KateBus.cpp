@@ -35,13 +35,17 @@ QVariant firstOf(const QDBusMessage& reply) {
 }
 
 /// The processes of Kate by their names on the bus, the one started last first: process
-/// identifiers grow.
-QStringList katesOn(const QDBusConnection& bus, const QDeadlineTimer& deadline) {
+/// identifiers grow. Nothing where the bus itself does not answer.
+std::optional<QStringList> katesOn(const QDBusConnection& bus, const QDeadlineTimer& deadline) {
     const auto list = QDBusMessage::createMethodCall(
         QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
         QStringLiteral("org.freedesktop.DBus"), QStringLiteral("ListNames"));
+    const QVariant answer = firstOf(call(bus, list, {}, deadline));
+    if (!answer.isValid()) {
+        return std::nullopt;
+    }
     const QString prefix = QStringLiteral("org.kde.kate-");
-    QStringList names = firstOf(call(bus, list, {}, deadline)).toStringList();
+    QStringList names = answer.toStringList();
     names.removeIf([&](const QString& name) { return !name.startsWith(prefix); });
     std::sort(names.begin(), names.end(), [&](const QString& left, const QString& right) {
         return left.mid(prefix.size()).toLongLong() > right.mid(prefix.size()).toLongLong();
@@ -91,11 +95,14 @@ KateReading readKateWindow(const QDBusConnection& bus, const QDeadlineTimer& dea
     if (!bus.isConnected()) {
         return {};
     }
-    const QStringList kates = katesOn(bus, deadline);
-    if (kates.isEmpty()) {
+    const auto kates = katesOn(bus, deadline);
+    if (!kates) {
+        return {Outcome::Silent, {}};
+    }
+    if (kates->isEmpty()) {
         return {};
     }
-    const QString& service = kates.constFirst();
+    const QString& service = kates->constFirst();
     const QStringList windows = windowsOf(bus, service, deadline);
     if (windows.isEmpty()) {
         return {Outcome::Silent, {service, {}, false}};

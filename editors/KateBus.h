@@ -22,7 +22,7 @@ struct KateReading {
     enum class Outcome {
         Window,
         None,  ///< no Kate is on the bus
-        Silent ///< one is, and did not answer in time
+        Silent ///< one is, and did not answer in time; or the bus did not: no service is named then
     };
     Outcome outcome = Outcome::None;
     KateWindow window;

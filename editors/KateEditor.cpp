@@ -102,7 +102,8 @@ JumpResult KateEditor::jump(const EditorPlace& place, const QDeadlineTimer& dead
         return {};
     }
     const KateReading reading = readKateWindow(bus_, end);
-    if (reading.outcome == KateOutcome::None) {
+    // Where the bus itself is silent, another editor is asked: nobody knows of a Kate.
+    if (reading.outcome == KateOutcome::None || reading.window.service.isEmpty()) {
         return {};
     }
     if (reading.outcome == KateOutcome::Silent) {

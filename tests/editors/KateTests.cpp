@@ -89,6 +89,10 @@ protected:
     bool shows(const QString& file) {
         return waitUntil([&] { return last && last->path == file; });
     }
+    /// Whether it says so in the end: on a busy machine the first question may find no answer.
+    bool names(const QString& file) {
+        return waitUntil([&] { return editor->activeFileName() == file; });
+    }
 
     /// What Kate writes when it quits: the cursors of its documents, and the lines around them.
     QByteArray sessionAfterQuitting() {
@@ -111,7 +115,7 @@ protected:
 TEST_F(Kate, aJumpLeadsToTheLineAndIsFollowed) {
     EXPECT_EQ(open(fileB(), 42), Kind::opened);
     EXPECT_TRUE(shows(fileB()));
-    EXPECT_EQ(editor->activeFileName(), QStringLiteral("b: 100%.m"));
+    EXPECT_TRUE(names(QStringLiteral("b: 100%.m")));
     EXPECT_TRUE(sessionAfterQuitting().contains("CursorLine=41")) << "it counts from 0";
     EXPECT_EQ(open(fileB(), 42), Kind::notRunning);
 }
@@ -128,11 +132,12 @@ TEST_F(Kate, theWayBackLeadsThroughWhereItWasLedTo) {
 }
 
 TEST_F(Kate, oneThatIsStoppedShowsWhatItShowedAndIsNotAskedToOpen) {
-    ASSERT_EQ(editor->activeFileName(), QStringLiteral("a.m"));
+    ASSERT_TRUE(names(QStringLiteral("a.m")));
     ASSERT_TRUE(stopProcess(kate.processId()));
     EXPECT_EQ(editor->activeFileName(), QStringLiteral("a.m"));
     EXPECT_EQ(editor->activeFileName(), QStringLiteral("a.m"));
-    FollowedEditor hasty({std::make_shared<KateEditor>(bus->connect())}, nullptr);
+    constexpr std::chrono::seconds enoughToFindIt(2);
+    FollowedEditor hasty({std::make_shared<KateEditor>(bus->connect(), enoughToFindIt)}, nullptr);
     EXPECT_EQ(outcomeOf([&](const auto& done) { hasty.open(fileB(), 3, done); }), Kind::asksUser);
     ::kill(static_cast<pid_t>(kate.processId()), SIGCONT);
     EXPECT_FALSE(sessionAfterQuitting().contains("b:")) << "it opened the file all the same";
