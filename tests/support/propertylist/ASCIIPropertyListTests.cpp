@@ -2,6 +2,7 @@
 #include "support/propertylist/PropertyList.h"
 #include "support/propertylist/PropertyListDocument.h"
 #include "support/propertylist/PropertyListLimits.h"
+#include "tests/support/propertylist/PropertyListTest.h"
 
 #include <gtest/gtest.h>
 
@@ -12,25 +13,8 @@ namespace {
 
 using propertylist::NodeArray;
 
-QVariant readList(const QByteArray& text) {
-    std::optional<Error> error;
-    const std::optional<QVariant> list = propertyListWithData(text, &error);
-    EXPECT_TRUE(list.has_value()) << (error ? error->description().toStdString() : "no reason");
-    return list.value_or(QVariant());
-}
-
 QString readText(const QByteArray& text) {
     return readList(text).toString();
-}
-
-QString reasonOf(const QByteArray& text) {
-    std::optional<Error> error;
-    EXPECT_FALSE(propertyListWithData(text, &error).has_value());
-    return error ? error->localizedDescription().value_or(QString()) : QString();
-}
-
-QVariantMap map(std::initializer_list<std::pair<QString, QVariant>> entries) {
-    return QVariantMap(entries);
 }
 
 const QString a = QStringLiteral("a");

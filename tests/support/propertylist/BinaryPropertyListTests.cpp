@@ -1,6 +1,7 @@
 #include "support/propertylist/PropertyList.h"
 #include "support/propertylist/PropertyListLimits.h"
 #include "support/propertylist/PropertyListValues.h"
+#include "tests/support/propertylist/PropertyListTest.h"
 
 #include <QDateTime>
 #include <QObject>
@@ -15,10 +16,6 @@ namespace {
 
 QByteArray hex(const char* digits) {
     return QByteArray::fromHex(digits);
-}
-
-QVariantMap map(std::initializer_list<std::pair<QString, QVariant>> entries) {
-    return QVariantMap(entries);
 }
 
 QByteArray bigEndian(quint64 number, int size) {
@@ -48,43 +45,21 @@ QByteArray fileOf(const QList<QByteArray>& objects, Sizes sizes = {}) {
            bigEndian(0, 8) + bigEndian(table, 8);
 }
 
-QVariant readFile(const QByteArray& bytes) {
-    std::optional<Error> error;
-    const std::optional<QVariant> list = propertyListWithData(bytes, &error);
-    EXPECT_TRUE(list.has_value()) << (error ? error->description().toStdString() : "no reason");
-    return list.value_or(QVariant());
-}
-
 QVariant readObject(const QByteArray& object) {
-    return readFile(fileOf({object}));
+    return readList(fileOf({object}));
 }
 
-Error errorOf(const QByteArray& bytes) {
-    std::optional<Error> error;
-    EXPECT_FALSE(propertyListWithData(bytes, &error).has_value());
-    return error.value_or(Error(QStringLiteral("none"), 0));
+QByteArray binaryOf(const QVariant& list) {
+    return written(list, binaryDataWithPropertyList);
 }
 
-QString reasonOf(const QByteArray& bytes) {
-    return errorOf(bytes).localizedDescription().value_or(QString());
-}
-
-QByteArray write(const QVariant& list) {
-    std::optional<Error> error;
-    const std::optional<QByteArray> bytes = binaryDataWithPropertyList(list, &error);
-    EXPECT_TRUE(bytes.has_value()) << (error ? error->description().toStdString() : "no reason");
-    return bytes.value_or(QByteArray());
-}
-
-QString unwritableReason(const QVariant& list) {
-    std::optional<Error> error;
-    EXPECT_FALSE(binaryDataWithPropertyList(list, &error).has_value());
-    return error ? error->localizedDescription().value_or(QString()) : QString();
+QString reasonAgainstBinary(const QVariant& list) {
+    return unwritableReason(list, binaryDataWithPropertyList);
 }
 
 /// The bytes of a scalar as the writer makes them.
 QByteArray writtenObject(const QVariant& value) {
-    const QByteArray bytes = write(value);
+    const QByteArray bytes = binaryOf(value);
     return bytes.sliced(8, bytes.size() - 8 - 1 - 32);
 }
 
@@ -110,7 +85,7 @@ TEST(BinaryPropertyList, aListIsWrittenAsTheseBytes) {
              {QStringLiteral("name"), QString::fromUtf8("\u00E9\u4E2D")}});
 
     // The numbers of objects are those of the writer: an array's elements come before what follows.
-    EXPECT_EQ(write(reply).toHex(),
+    EXPECT_EQ(binaryOf(reply).toHex(),
               hex("62706c6973743030"  // "bplist00"
                   "d2 01 02 03 05"    // 0: dictionary, 2 keys: 1 and 2, values 3 and 5
                   "55 6974656d73"     // 1: "items"
@@ -124,7 +99,7 @@ TEST(BinaryPropertyList, aListIsWrittenAsTheseBytes) {
 }
 
 TEST(BinaryPropertyList, theseBytesAreReadAsAList) {
-    EXPECT_EQ(readFile(kReply),
+    EXPECT_EQ(readList(kReply),
               QVariant(map({{QStringLiteral("items"),
                              QVariantList{QStringLiteral("name"), qlonglong{1}, qlonglong{1}}},
                             {QStringLiteral("name"), QString::fromUtf8("\u00E9\u4E2D")}})));
@@ -163,7 +138,7 @@ TEST(BinaryPropertyList, everyIntegerTypeIsWritten) {
           QVariant::fromValue<short>(7), QVariant::fromValue<quint8>(7)}) {
         EXPECT_EQ(writtenObject(value), hex("1007")) << value.typeName();
     }
-    EXPECT_EQ(unwritableReason(std::numeric_limits<qulonglong>::max()),
+    EXPECT_EQ(reasonAgainstBinary(std::numeric_limits<qulonglong>::max()),
               QStringLiteral("the list: a value of type qulonglong"));
 }
 
@@ -198,8 +173,8 @@ TEST(BinaryPropertyList, aDateIsSecondsSinceTheFirstDayOf2001) {
 TEST(BinaryPropertyList, datesAreWithinTheYears1To9999) {
     const QDateTime first(QDate(1, 1, 1), QTime(0, 0), propertylist::kUTC);
     const QDateTime last(QDate(9999, 12, 31), QTime(23, 59, 59, 999), propertylist::kUTC);
-    EXPECT_EQ(readFile(write(first)), QVariant(first));
-    EXPECT_EQ(readFile(write(last)), QVariant(last));
+    EXPECT_EQ(readList(binaryOf(first)), QVariant(first));
+    EXPECT_EQ(readList(binaryOf(last)), QVariant(last));
 
     const double tooLate = static_cast<double>(
         QDateTime(QDate(2001, 1, 1), QTime(0, 0), propertylist::kUTC).secsTo(last.addMSecs(1)));
@@ -208,9 +183,9 @@ TEST(BinaryPropertyList, datesAreWithinTheYears1To9999) {
         EXPECT_EQ(reasonOf(fileOf({date})),
                   QStringLiteral("byte 8: expected a date within the years 1 to 9999"));
     }
-    EXPECT_EQ(unwritableReason(QDateTime()),
+    EXPECT_EQ(reasonAgainstBinary(QDateTime()),
               QStringLiteral("the list: a date outside the years 1 to 9999"));
-    EXPECT_EQ(unwritableReason(last.addMSecs(1)),
+    EXPECT_EQ(reasonAgainstBinary(last.addMSecs(1)),
               QStringLiteral("the list: a date outside the years 1 to 9999"));
 }
 
@@ -231,9 +206,9 @@ TEST(BinaryPropertyList, longerLengthsFollowAsAnInteger) {
               QVariant(QStringLiteral("xy")));
 
     const QByteArray data(70'000, 'd');
-    EXPECT_TRUE(write(data).startsWith("bplist00\x4F" + hex("12 00011170") + "dd"));
-    EXPECT_EQ(readFile(write(data)), QVariant(data));
-    EXPECT_EQ(readFile(write(QString(300, u'\u00E9'))), QVariant(QString(300, u'\u00E9')));
+    EXPECT_TRUE(binaryOf(data).startsWith("bplist00\x4F" + hex("12 00011170") + "dd"));
+    EXPECT_EQ(readList(binaryOf(data)), QVariant(data));
+    EXPECT_EQ(readList(binaryOf(QString(300, u'\u00E9'))), QVariant(QString(300, u'\u00E9')));
 }
 
 TEST(BinaryPropertyList, textIsASCIIOrUTF16) {
@@ -248,22 +223,22 @@ TEST(BinaryPropertyList, textThatIsNoneIsRefused) {
     EXPECT_EQ(reasonOf(fileOf({hex("61 d83d")})), QStringLiteral("byte 8: expected UTF-16 text"));
     EXPECT_EQ(reasonOf(fileOf({hex("62 de00 d83d")})),
               QStringLiteral("byte 8: expected UTF-16 text"));
-    EXPECT_EQ(unwritableReason(map({{QStringLiteral("k"), QString(QChar(0xD83D))}})),
+    EXPECT_EQ(reasonAgainstBinary(map({{QStringLiteral("k"), QString(QChar(0xD83D))}})),
               QStringLiteral("k: text that is not Unicode"));
 }
 
 TEST(BinaryPropertyList, offsetsHaveOneToEightBytes) {
     for (int size = 1; size <= 8; ++size) {
-        EXPECT_EQ(readFile(fileOf({hex("51 61")}, {.offset = size})),
+        EXPECT_EQ(readList(fileOf({hex("51 61")}, {.offset = size})),
                   QVariant(QStringLiteral("a")));
     }
-    EXPECT_EQ(write(QByteArray(300, 'd')).at(8 + 4 + 300 + 2 + 6), 2); // two bytes for 312
+    EXPECT_EQ(binaryOf(QByteArray(300, 'd')).at(8 + 4 + 300 + 2 + 6), 2); // two bytes for 312
 }
 
 TEST(BinaryPropertyList, referencesHaveOneToEightBytes) {
     for (int size = 1; size <= 8; ++size) {
         const QByteArray array = hex("a1") + bigEndian(1, size);
-        EXPECT_EQ(readFile(fileOf({array, hex("09")}, {.reference = size})),
+        EXPECT_EQ(readList(fileOf({array, hex("09")}, {.reference = size})),
                   QVariant(QVariantList{true}));
     }
 }
@@ -274,10 +249,10 @@ TEST(BinaryPropertyList, manyObjectsTakeLongerReferences) {
         integers.append(i);
     }
     const QVariantList few = integers.first(300);
-    EXPECT_EQ(write(few).at(write(few).size() - 25), 2);
-    EXPECT_EQ(write(integers).at(write(integers).size() - 25), 4);
-    EXPECT_EQ(readFile(write(few)), QVariant(few));
-    EXPECT_EQ(readFile(write(integers)), QVariant(integers));
+    EXPECT_EQ(binaryOf(few).at(binaryOf(few).size() - 25), 2);
+    EXPECT_EQ(binaryOf(integers).at(binaryOf(integers).size() - 25), 4);
+    EXPECT_EQ(readList(binaryOf(few)), QVariant(few));
+    EXPECT_EQ(readList(binaryOf(integers)), QVariant(integers));
 }
 
 TEST(BinaryPropertyList, everyKindOfValueComesBack) {
@@ -289,7 +264,7 @@ TEST(BinaryPropertyList, everyKindOfValueComesBack) {
              {QStringLiteral("real"), 0.1},
              {QString::fromUtf8("cl\u00E9"), QString()}});
 
-    EXPECT_EQ(readFile(write(all)), QVariant(all));
+    EXPECT_EQ(readList(binaryOf(all)), QVariant(all));
 }
 
 TEST(BinaryPropertyList, aKeyThatIsNoTextIsRefused) {
@@ -309,18 +284,19 @@ TEST(BinaryPropertyList, valuesThatAreNoneAreNamedWithTheirPlace) {
     QObject object;
     const QVariantList items{1, map({{QStringLiteral("path"), QVariant::fromValue(&object)}})};
 
-    EXPECT_EQ(unwritableReason(map({{QStringLiteral("items"), items}})),
+    EXPECT_EQ(reasonAgainstBinary(map({{QStringLiteral("items"), items}})),
               QStringLiteral("items[1].path: a value of type QObject*"));
-    EXPECT_EQ(unwritableReason(QVariantList{QVariantList{QVariant()}}),
+    EXPECT_EQ(reasonAgainstBinary(QVariantList{QVariantList{QVariant()}}),
               QStringLiteral("[0][0]: nothing instead of a value"));
-    EXPECT_EQ(unwritableReason(QVariant()), QStringLiteral("the list: nothing instead of a value"));
-    EXPECT_EQ(unwritableReason(QVariant::fromValue(nullptr)),
+    EXPECT_EQ(reasonAgainstBinary(QVariant()),
+              QStringLiteral("the list: nothing instead of a value"));
+    EXPECT_EQ(reasonAgainstBinary(QVariant::fromValue(nullptr)),
               QStringLiteral("the list: a value of type std::nullptr_t"));
 }
 
 TEST(BinaryPropertyList, aSharedArrayIsReadWhereverItStands) {
     const QVariantList shared{true};
-    EXPECT_EQ(readFile(fileOf({hex("a2 01 01"), hex("a1 02"), hex("09")})),
+    EXPECT_EQ(readList(fileOf({hex("a2 01 01"), hex("a1 02"), hex("09")})),
               QVariant(QVariantList{QVariant(shared), QVariant(shared)}));
 }
 
@@ -375,8 +351,9 @@ TEST(BinaryPropertyList, nestingHasALimit) {
     for (int depth = 1; depth < kMaxPropertyListDepth; ++depth) {
         list = QVariantList{list};
     }
-    EXPECT_EQ(readFile(write(list)), list);
-    EXPECT_TRUE(unwritableReason(QVariantList{list}).endsWith(QStringLiteral("nested too deeply")));
+    EXPECT_EQ(readList(binaryOf(list)), list);
+    EXPECT_TRUE(
+        reasonAgainstBinary(QVariantList{list}).endsWith(QStringLiteral("nested too deeply")));
 }
 
 TEST(BinaryPropertyList, objectsThatClaimTheSameBytesAreRefused) {
@@ -472,7 +449,7 @@ TEST(BinaryPropertyList, noSingleChangedByteDoesHarm) {
             bytes[place] = static_cast<char>(byte);
             const std::optional<QVariant> list = propertyListWithData(bytes);
             if (list) {
-                EXPECT_EQ(write(readFile(write(*list))), write(*list));
+                EXPECT_EQ(binaryOf(readList(binaryOf(*list))), binaryOf(*list));
             }
         }
     }

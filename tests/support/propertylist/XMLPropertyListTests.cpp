@@ -1,6 +1,7 @@
 #include "support/propertylist/PropertyList.h"
 #include "support/propertylist/PropertyListLimits.h"
 #include "support/propertylist/PropertyListValues.h"
+#include "tests/support/propertylist/PropertyListTest.h"
 
 #include <QDateTime>
 #include <QObject>
@@ -20,42 +21,16 @@ QByteArray fileOf(const QByteArray& value) {
     return kHeader + "<plist version=\"1.0\">" + value + "</plist>";
 }
 
-QVariant readFile(const QByteArray& bytes) {
-    std::optional<Error> error;
-    const std::optional<QVariant> list = propertyListWithData(bytes, &error);
-    EXPECT_TRUE(list.has_value()) << (error ? error->description().toStdString() : "no reason");
-    return list.value_or(QVariant());
-}
-
 QVariant readValue(const QByteArray& value) {
-    return readFile(fileOf(value));
+    return readList(fileOf(value));
 }
 
-Error errorOf(const QByteArray& bytes) {
-    std::optional<Error> error;
-    EXPECT_FALSE(propertyListWithData(bytes, &error).has_value()) << bytes.left(200).constData();
-    return error.value_or(Error(QStringLiteral("none"), 0));
+QByteArray xmlOf(const QVariant& list) {
+    return written(list, XMLDataWithPropertyList);
 }
 
-QString reasonOf(const QByteArray& bytes) {
-    return errorOf(bytes).localizedDescription().value_or(QString());
-}
-
-QByteArray write(const QVariant& list) {
-    std::optional<Error> error;
-    const std::optional<QByteArray> bytes = XMLDataWithPropertyList(list, &error);
-    EXPECT_TRUE(bytes.has_value()) << (error ? error->description().toStdString() : "no reason");
-    return bytes.value_or(QByteArray());
-}
-
-QString unwritableReason(const QVariant& list) {
-    std::optional<Error> error;
-    EXPECT_FALSE(XMLDataWithPropertyList(list, &error).has_value());
-    return error ? error->localizedDescription().value_or(QString()) : QString();
-}
-
-QVariantMap map(std::initializer_list<std::pair<QString, QVariant>> entries) {
-    return QVariantMap(entries);
+QString reasonAgainstXML(const QVariant& list) {
+    return unwritableReason(list, XMLDataWithPropertyList);
 }
 
 TEST(XMLPropertyList, aListIsWrittenWithHeaderAndDocumentType) {
@@ -64,7 +39,7 @@ TEST(XMLPropertyList, aListIsWrittenWithHeaderAndDocumentType) {
                                      {QStringLiteral("Ports"), QVariantList{true, 1.5}},
                                      {QStringLiteral("Tail"), QVariantMap()}});
 
-    EXPECT_EQ(write(message), kHeader + "<plist version=\"1.0\">\n"
+    EXPECT_EQ(xmlOf(message), kHeader + "<plist version=\"1.0\">\n"
                                         "    <dict>\n"
                                         "        <key>MessageType</key>\n"
                                         "        <string>Connect</string>\n"
@@ -99,26 +74,26 @@ TEST(XMLPropertyList, everyElementGivesItsKindOfValue) {
 }
 
 TEST(XMLPropertyList, commentsInstructionsAndWhiteSpaceStandBetweenElements) {
-    EXPECT_EQ(readFile("\xEF\xBB\xBF<!-- 1 --><plist>\n<!-- 2 --><array> <?x y?> <true/>"
+    EXPECT_EQ(readList("\xEF\xBB\xBF<!-- 1 --><plist>\n<!-- 2 --><array> <?x y?> <true/>"
                        "<!-- 3 -->\n</array>\n</plist><!-- 4 -->\n"),
               QVariant(QVariantList{true}));
 }
 
 TEST(XMLPropertyList, theTextIsUTF8WhereItDeclaresNothingElse) {
     for (const char* encoding : {"UTF-8", "utf8", "UTF-16"}) {
-        EXPECT_EQ(readFile(QByteArray("<?xml version=\"1.0\" encoding=\"") + encoding +
+        EXPECT_EQ(readList(QByteArray("<?xml version=\"1.0\" encoding=\"") + encoding +
                            "\"?><plist><string>\xC3\xA9</string></plist>"),
                   QVariant(QString::fromUtf8("\u00E9")));
     }
-    EXPECT_EQ(readFile("<plist><string>\xC3\xA9 encoding='ISO-8859-1'</string></plist>"),
+    EXPECT_EQ(readList("<plist><string>\xC3\xA9 encoding='ISO-8859-1'</string></plist>"),
               QVariant(QString::fromUtf8("\u00E9 encoding='ISO-8859-1'")));
 }
 
 TEST(XMLPropertyList, theDeclaredEncodingIsRead) {
-    EXPECT_EQ(readFile("<?xml version='1.0' encoding='ISO-8859-1'?><plist><string>\xE9</string>"
+    EXPECT_EQ(readList("<?xml version='1.0' encoding='ISO-8859-1'?><plist><string>\xE9</string>"
                        "</plist>"),
               QVariant(QString::fromUtf8("\u00E9")));
-    EXPECT_EQ(readFile("<?xml version=\"1.0\" encoding=\"Shift_JIS\" ?><plist>"
+    EXPECT_EQ(readList("<?xml version=\"1.0\" encoding=\"Shift_JIS\" ?><plist>"
                        "<string>\x8A\xBF\x8E\x9A</string></plist>"),
               QVariant(QString::fromUtf8("\u6F22\u5B57")));
 }
@@ -138,7 +113,7 @@ TEST(XMLPropertyList, aTextInUTF16OrUTF32IsReadWithAndWithoutAByteOrderMark) {
                 continue; // no XML without a mark
             }
             const QByteArray bytes = QStringEncoder(encoding, flags).encode(text);
-            EXPECT_EQ(readFile(bytes), QVariant(QString::fromUtf8("\u00E9\U0001F600")));
+            EXPECT_EQ(readList(bytes), QVariant(QString::fromUtf8("\u00E9\U0001F600")));
         }
     }
 }
@@ -166,29 +141,29 @@ TEST(XMLPropertyList, everyKindOfValueComesBack) {
          {QString::fromUtf8("cl\u00E9<&>"), QString::fromUtf8(" \U0001F600\n\t\r\n\r ]]> \"'")},
          {QString(), QString()}});
 
-    EXPECT_EQ(readFile(write(all)), QVariant(all));
+    EXPECT_EQ(readList(xmlOf(all)), QVariant(all));
 }
 
 TEST(XMLPropertyList, datesKeepWholeSeconds) {
     const QDateTime date(QDate(2024, 2, 29), QTime(1, 2, 3, 999), propertylist::kUTC);
-    EXPECT_EQ(readFile(write(date)), QVariant(date.addMSecs(-999)));
+    EXPECT_EQ(readList(xmlOf(date)), QVariant(date.addMSecs(-999)));
 }
 
 TEST(XMLPropertyList, textThatXMLCannotCarryIsNamedWithItsPlace) {
     const QString reason = QStringLiteral("items[0].name: text that XML cannot carry");
     for (const char16_t unit : {u'\0', u'\x01', u'\v', u'\x1F', u'\xFFFE', u'\xFFFF', u'\xD83D'}) {
         const QVariantMap item = map({{QStringLiteral("name"), QString(QChar(unit))}});
-        EXPECT_EQ(unwritableReason(map({{QStringLiteral("items"), QVariantList{item}}})), reason);
+        EXPECT_EQ(reasonAgainstXML(map({{QStringLiteral("items"), QVariantList{item}}})), reason);
     }
 }
 
 TEST(XMLPropertyList, valuesThatAreNoneAreNamedWithTheirPlace) {
     QObject object;
-    EXPECT_EQ(unwritableReason(QVariantList{1, QVariant::fromValue(&object)}),
+    EXPECT_EQ(reasonAgainstXML(QVariantList{1, QVariant::fromValue(&object)}),
               QStringLiteral("[1]: a value of type QObject*"));
-    EXPECT_EQ(unwritableReason(map({{QStringLiteral("a"), QVariant()}})),
+    EXPECT_EQ(reasonAgainstXML(map({{QStringLiteral("a"), QVariant()}})),
               QStringLiteral("a: nothing instead of a value"));
-    EXPECT_EQ(unwritableReason(QDateTime()),
+    EXPECT_EQ(reasonAgainstXML(QDateTime()),
               QStringLiteral("the list: a date outside the years 1 to 9999"));
 }
 
@@ -267,7 +242,7 @@ TEST(XMLPropertyList, aTagHasALimitAndSoHaveItsAttributes) {
 
 TEST(XMLPropertyList, onlyTagsHaveThatLimit) {
     const QByteArray text = QByteArray("<a b='").repeated(100);
-    EXPECT_EQ(readFile("<?x " + text + "?><!--" + text + "--><plist version='>'><string><![CDATA[" +
+    EXPECT_EQ(readList("<?x " + text + "?><!--" + text + "--><plist version='>'><string><![CDATA[" +
                        text + "]]></string></plist>"),
               QVariant(QString::fromUtf8(text)));
 }
@@ -287,8 +262,8 @@ TEST(XMLPropertyList, nestingHasALimit) {
     for (int depth = 1; depth < kMaxPropertyListDepth; ++depth) {
         list = QVariantList{list};
     }
-    EXPECT_EQ(readFile(write(list)), list);
-    EXPECT_TRUE(unwritableReason(QVariantList{list}).endsWith(QStringLiteral("nested too deeply")));
+    EXPECT_EQ(readList(xmlOf(list)), list);
+    EXPECT_TRUE(reasonAgainstXML(QVariantList{list}).endsWith(QStringLiteral("nested too deeply")));
 }
 
 TEST(XMLPropertyList, valuesHaveALimit) {
@@ -313,7 +288,7 @@ TEST(XMLPropertyList, theMostValuesMayAllHaveKeys) {
                             QByteArray("<key>a</key><string>b</string>").repeated(entries) +
                             "</dict></plist>";
 
-    EXPECT_EQ(readFile(file), QVariant(QVariantMap{{QStringLiteral("a"), QStringLiteral("b")}}));
+    EXPECT_EQ(readList(file), QVariant(QVariantMap{{QStringLiteral("a"), QStringLiteral("b")}}));
 }
 
 } // namespace
