@@ -1,6 +1,7 @@
 #include "companion/terminal/Commands.h"
 #include "companion/terminal/WireSource.h"
 #include "protocol/CompanionProtocol.h"
+#include "tests/companion/ShortText.h"
 
 #include <QStringList>
 #include <QVariantList>
@@ -21,10 +22,6 @@ struct Question {
 
 void PrintTo(const Question& question, std::ostream* stream) {
     *stream << question.type << " with " << question.request.size() << " keys";
-}
-
-QString text(const char* bytes) {
-    return QString::fromUtf8(bytes);
 }
 
 QVariantMap item(const char* name, const char* identifier, bool isGroup, const char* path) {

@@ -7,6 +7,7 @@
 #include "companion/terminal/Theme.h"
 #include "companion/terminal/ViewAccess.h"
 #include "companion/terminal/Waiting.h"
+#include "tests/companion/ShortText.h"
 
 #include <QStringList>
 #include <gmock/gmock.h>
@@ -21,10 +22,6 @@ namespace {
 using Background = TerminalText::Background;
 
 const TerminalText kPlain(TerminalText::Style::plain);
-
-QString text(const char* bytes) {
-    return QString::fromUtf8(bytes);
-}
 
 TEST(Output, longLinesAreBrokenAtBlanksBelowTheirSecondColumn) {
     EXPECT_EQ(wrappedLine(text("short"), 10), text("short"));

@@ -1,15 +1,12 @@
 #include "companion/terminal/Arguments.h"
 #include "companion/terminal/Completion.h"
+#include "tests/companion/ShortText.h"
 
 #include <QStringList>
 #include <gtest/gtest.h>
 
 namespace navrel {
 namespace {
-
-QString text(const char* bytes) {
-    return QString::fromUtf8(bytes);
-}
 
 CompletionWords words() {
     CompletionWords words;
