@@ -11,14 +11,14 @@
 namespace navrel {
 namespace {
 
-constexpr quint32 kLoopback = 0x7F000001;
-constexpr char kHeader[] = "  sl  local_address rem_address   st tx_queue rx_queue tr tm->when "
-                           "retrnsmt   uid  timeout inode\n";
+constexpr quint32 kLoopbackAddress = 0x7F000001;
+constexpr char kTableHead[] = "  sl  local_address rem_address   st tx_queue rx_queue tr tm->when "
+                              "retrnsmt   uid  timeout inode\n";
 
 /// The program's end is 127.0.0.1:54002 (D2F2), the peer's 127.0.0.1:2345 (0929).
 std::optional<uid_t> owner(const QByteArray& rows) {
-    return ownerOfPeer(kHeader + rows, IPv4SocketAddress(54002, kLoopback),
-                       IPv4SocketAddress(2345, kLoopback));
+    return ownerOfPeer(kTableHead + rows, IPv4SocketAddress(54002, kLoopbackAddress),
+                       IPv4SocketAddress(2345, kLoopbackAddress));
 }
 
 const QByteArray kOwnRow =

@@ -6,20 +6,20 @@
 namespace navrel {
 namespace {
 
-const QByteArray kHeader = QByteArray::fromHex("00000001"   // version
-                                               "000000C8"   // type 200
-                                               "FEDCBA98"   // tag
-                                               "00010203"); // payload size
+const QByteArray kHeaderBytes = QByteArray::fromHex("00000001"   // version
+                                                    "000000C8"   // type 200
+                                                    "FEDCBA98"   // tag
+                                                    "00010203"); // payload size
 
 constexpr PTFrameHeader kFields = {200, 0xFEDCBA98, 0x00010203};
 
 TEST(PTFrame, encodesItsWordsMostSignificantByteFirst) {
     const auto bytes = encodedFrameHeader(kFields);
-    EXPECT_EQ(QByteArray(bytes.data(), bytes.size()).toHex(), kHeader.toHex());
+    EXPECT_EQ(QByteArray(bytes.data(), bytes.size()).toHex(), kHeaderBytes.toHex());
 }
 
 TEST(PTFrame, decodesWhatItEncodes) {
-    EXPECT_EQ(decodedFrameHeader(kHeader), kFields);
+    EXPECT_EQ(decodedFrameHeader(kHeaderBytes), kFields);
 }
 
 TEST(PTFrame, decodesTheLargestValues) {
@@ -29,15 +29,15 @@ TEST(PTFrame, decodesTheLargestValues) {
 
 TEST(PTFrame, refusesEveryOtherVersion) {
     for (const char* version : {"00000000", "00000002", "01000000", "FFFFFFFF"}) {
-        QByteArray bytes = kHeader;
+        QByteArray bytes = kHeaderBytes;
         bytes.replace(0, 4, QByteArray::fromHex(version));
         EXPECT_FALSE(decodedFrameHeader(bytes)) << version;
     }
 }
 
 TEST(PTFrame, refusesFewerBytesThanAHeaderHas) {
-    for (qsizetype size = 0; size < kHeader.size(); ++size) {
-        EXPECT_FALSE(decodedFrameHeader(QByteArrayView(kHeader).first(size))) << size;
+    for (qsizetype size = 0; size < kHeaderBytes.size(); ++size) {
+        EXPECT_FALSE(decodedFrameHeader(QByteArrayView(kHeaderBytes).first(size))) << size;
     }
 }
 

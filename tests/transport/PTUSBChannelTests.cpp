@@ -16,9 +16,6 @@ namespace {
 
 using Message = PTUSBChannel::Message;
 
-const QString kListen = QStringLiteral("Listen");
-const QString kConnect = QStringLiteral("Connect");
-
 struct Reply {
     std::optional<Error> error;
     Message message;

@@ -19,10 +19,6 @@ namespace {
 
 using Outcomes = std::vector<std::optional<Error>>;
 
-const QString kDeviceID = QStringLiteral("DeviceID");
-const QString kListen = QStringLiteral("Listen");
-const QString kConnect = QStringLiteral("Connect");
-
 class PTUSBHubTest : public testing::Test {
 protected:
     void SetUp() override { ASSERT_TRUE(daemon_.start()); }

@@ -3,6 +3,7 @@
 #include "tests/transport/RawPeer.h"
 #include "transport/USBDaemon.h"
 
+#include <QString>
 #include <QtEndian>
 
 #include <cerrno>
@@ -10,6 +11,11 @@
 #include <vector>
 
 namespace navrel {
+
+/// Words of the daemon's messages.
+inline const QString kDeviceID = QStringLiteral("DeviceID");
+inline const QString kListen = QStringLiteral("Listen");
+inline const QString kConnect = QStringLiteral("Connect");
 
 /// A daemon whose end of each stream is the test's, as plain bytes.
 class PairedUSBDaemon final : public USBDaemon {

@@ -19,9 +19,6 @@ namespace {
 using std::chrono::milliseconds;
 using Outcomes = std::vector<std::optional<Error>>;
 
-const QString kDeviceID = QStringLiteral("DeviceID");
-const QString kListen = QStringLiteral("Listen");
-
 /// A hub on a keeper on a daemon that comes and goes.
 class USBDaemonKeeperTest : public testing::Test {
 protected:
