@@ -12,7 +12,7 @@ namespace {
 
 using ::testing::IsSupersetOf;
 
-const QDeadlineTimer kWhenever(QDeadlineTimer::Forever);
+const QDeadlineTimer kWithoutEnd(QDeadlineTimer::Forever);
 
 class FolderEntries : public ::testing::Test {
 protected:
@@ -28,7 +28,7 @@ protected:
 
 TEST_F(FolderEntries, everyEntryIsSeenByItsBytes) {
     QByteArrayList names;
-    EXPECT_EQ(forEachFolderEntry(folder, kWhenever,
+    EXPECT_EQ(forEachFolderEntry(folder, kWithoutEnd,
                                  [&](const QByteArray& name) {
                                      names.append(name);
                                      return true;
@@ -39,8 +39,9 @@ TEST_F(FolderEntries, everyEntryIsSeenByItsBytes) {
 
 TEST_F(FolderEntries, whoHasSeenEnoughSeesNoMore) {
     int seen = 0;
-    EXPECT_EQ(forEachFolderEntry(folder, kWhenever, [&](const QByteArray&) { return ++seen < 2; }),
-              FolderEnd::Stopped);
+    EXPECT_EQ(
+        forEachFolderEntry(folder, kWithoutEnd, [&](const QByteArray&) { return ++seen < 2; }),
+        FolderEnd::Stopped);
     EXPECT_EQ(seen, 2);
 }
 
@@ -63,8 +64,8 @@ TEST_F(FolderEntries, aFolderThatCannotBeReadHasNothing) {
         ADD_FAILURE() << name.constData();
         return true;
     };
-    EXPECT_EQ(forEachFolderEntry(folder + "/none", kWhenever, fail), FolderEnd::Reached);
-    EXPECT_EQ(forEachFolderEntry(folder + "/a", kWhenever, fail), FolderEnd::Reached);
+    EXPECT_EQ(forEachFolderEntry(folder + "/none", kWithoutEnd, fail), FolderEnd::Reached);
+    EXPECT_EQ(forEachFolderEntry(folder + "/a", kWithoutEnd, fail), FolderEnd::Reached);
 }
 
 TEST_F(FolderEntries, aFolderIsLookedThroughSoFarAndNoFurther) {
@@ -74,7 +75,7 @@ TEST_F(FolderEntries, aFolderIsLookedThroughSoFarAndNoFurther) {
         ASSERT_EQ(::symlink("x", link.constData()), 0);
     }
     int seen = 0;
-    EXPECT_EQ(forEachFolderEntry(environment.bytesOf("large"), kWhenever,
+    EXPECT_EQ(forEachFolderEntry(environment.bytesOf("large"), kWithoutEnd,
                                  [&](const QByteArray&) { return ++seen > 0; }),
               FolderEnd::TooLarge); // "." and ".." are entries too
     EXPECT_EQ(seen, kMaximumFolderEntries);

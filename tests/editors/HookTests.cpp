@@ -25,24 +25,24 @@
 namespace navrel {
 namespace {
 
-using Kind = HookMessage::Kind;
+using MessageKind = HookMessage::Kind;
 
 TEST(HookMessage, everyLineOfTheProtocolIsRead) {
     const auto hello =
         hookMessageFrom(R"({"hello":"VS Code","version":1,"pid":7,"folders":["/a","/b"]})");
     ASSERT_TRUE(hello.has_value());
-    EXPECT_EQ(hello->kind, Kind::Hello);
+    EXPECT_EQ(hello->kind, MessageKind::Hello);
     EXPECT_EQ(hello->editor, QStringLiteral("VS Code"));
     EXPECT_EQ(hello->folders, QStringList({QStringLiteral("/a"), QStringLiteral("/b")}));
 
     const auto active = hookMessageFrom(R"({"active":"/a.m","line":3,"column":9,"modified":true})");
-    EXPECT_EQ(active->kind, Kind::Active);
+    EXPECT_EQ(active->kind, MessageKind::Active);
     EXPECT_EQ(active->place, (EditorPlace{"/a.m", 3, 9, true}));
     EXPECT_EQ(hookMessageFrom(R"({"active":null})")->place, EditorPlace());
 
     EXPECT_EQ(hookMessageFrom(R"({"opened":4})")->request, 4);
     const auto refused = hookMessageFrom(R"({"refused":5,"reason":"no"})");
-    EXPECT_EQ(refused->kind, Kind::Refused);
+    EXPECT_EQ(refused->kind, MessageKind::Refused);
     EXPECT_EQ(refused->request, 5);
     EXPECT_EQ(refused->reason, QStringLiteral("no"));
 }
@@ -54,9 +54,9 @@ TEST(HookMessage, whatIsNoObjectIsNoMessage) {
 }
 
 TEST(HookMessage, valuesOfAnotherTypeCountAsAbsent) {
-    EXPECT_EQ(hookMessageFrom(R"({"hello":3})")->kind, Kind::Other);
-    EXPECT_EQ(hookMessageFrom(R"({"opened":"4"})")->kind, Kind::Other);
-    EXPECT_EQ(hookMessageFrom(R"({"later":1})")->kind, Kind::Other);
+    EXPECT_EQ(hookMessageFrom(R"({"hello":3})")->kind, MessageKind::Other);
+    EXPECT_EQ(hookMessageFrom(R"({"opened":"4"})")->kind, MessageKind::Other);
+    EXPECT_EQ(hookMessageFrom(R"({"later":1})")->kind, MessageKind::Other);
     EXPECT_EQ(hookMessageFrom(R"({"active":{},"line":"x","column":-3})")->place, EditorPlace());
     EXPECT_EQ(hookMessageFrom(R"({"hello":"x","folders":3})")->folders, QStringList());
 }

@@ -25,8 +25,6 @@ namespace {
 
 using Kind = EditorOutcome::Kind;
 
-/// No limit of a jump is tested here.
-constexpr std::chrono::milliseconds kPatience{60'000};
 constexpr int kLine = 42;
 
 enum class Ends { atTheLine, inAReason };

@@ -24,9 +24,6 @@ namespace {
 
 using Kind = EditorOutcome::Kind;
 
-/// Far beyond what a busy machine needs: these tests are not about time.
-constexpr std::chrono::milliseconds kPatience{60'000};
-
 TEST(KateEditor, withoutABusOrAKateNoneRuns) {
     KateEditor nowhere(QDBusConnection(QStringLiteral("no such connection")));
     EXPECT_EQ(nowhere.activeFile(QDeadlineTimer(1000)), std::nullopt);

@@ -25,9 +25,6 @@ namespace {
 
 using Kind = EditorOutcome::Kind;
 
-/// No limit of a jump is tested here.
-constexpr std::chrono::milliseconds kPatience{60'000};
-
 class LeadAndFollow : public ::testing::TestWithParam<const char*> {
 protected:
     void SetUp() override {

@@ -133,18 +133,18 @@ TEST_F(NeovimEditorTest, aFileIsOpenedWithoutALine) {
 
 /// Where the person may be when a file is to be opened: the keys that lead there, and how to tell
 /// that they did.
-struct State {
+struct NeovimState {
     const char* name;
     QStringList keys;
     const char* expression;
     QByteArray value;
 };
 
-void PrintTo(const State& state, std::ostream* stream) {
+void PrintTo(const NeovimState& state, std::ostream* stream) {
     *stream << state.name;
 }
 
-class NeovimStates : public NeovimEditorTest, public ::testing::WithParamInterface<State> {};
+class NeovimStates : public NeovimEditorTest, public ::testing::WithParamInterface<NeovimState> {};
 
 TEST_P(NeovimStates, aFileIsOpenedAndItsLineSelectedAndSeen) {
     ASSERT_NO_FATAL_FAILURE(start(fileA()));
@@ -165,29 +165,29 @@ TEST_P(NeovimStates, aFileIsOpenedAndItsLineSelectedAndSeen) {
 INSTANTIATE_TEST_SUITE_P(
     , NeovimStates,
     ::testing::Values(
-        State{"normal", {QStringLiteral("2j")}, "line('.')", "3"},
-        State{"insert", {QStringLiteral("ihello")}, "mode()", "i"},
-        State{"replace", {QStringLiteral("R")}, "mode()", "R"},
-        State{"visual", {QStringLiteral("v3j")}, "mode()", "v"},
-        State{"select", {QStringLiteral("gh")}, "mode()", "s"},
-        State{"commandLine", {QStringLiteral(":echo 1")}, "mode()", "c"},
-        State{"search", {QStringLiteral("/line")}, "mode()", "c"},
-        State{"commandLineWindow", {QStringLiteral("q:")}, "getcmdwintype()", ":"},
-        State{"insertInACommandLineWindow", {QStringLiteral("q:i")}, "mode()", "i"},
-        State{"operatorPending", {QStringLiteral("d")}, "mode(1)", "no"},
-        State{"terminal",
-              {QStringLiteral(":terminal"), QStringLiteral("Enter"), QStringLiteral("i")},
-              "mode()",
-              "t"},
-        State{"terminalNormal",
-              {QStringLiteral(":terminal"), QStringLiteral("Enter")},
-              "mode(1)",
-              "nt"},
-        State{"help", {QStringLiteral(":help"), QStringLiteral("Enter")}, "&buftype", "help"},
-        State{"quickfix",
-              {QStringLiteral(":copen"), QStringLiteral("Enter")},
-              "&buftype",
-              "quickfix"}),
+        NeovimState{"normal", {QStringLiteral("2j")}, "line('.')", "3"},
+        NeovimState{"insert", {QStringLiteral("ihello")}, "mode()", "i"},
+        NeovimState{"replace", {QStringLiteral("R")}, "mode()", "R"},
+        NeovimState{"visual", {QStringLiteral("v3j")}, "mode()", "v"},
+        NeovimState{"select", {QStringLiteral("gh")}, "mode()", "s"},
+        NeovimState{"commandLine", {QStringLiteral(":echo 1")}, "mode()", "c"},
+        NeovimState{"search", {QStringLiteral("/line")}, "mode()", "c"},
+        NeovimState{"commandLineWindow", {QStringLiteral("q:")}, "getcmdwintype()", ":"},
+        NeovimState{"insertInACommandLineWindow", {QStringLiteral("q:i")}, "mode()", "i"},
+        NeovimState{"operatorPending", {QStringLiteral("d")}, "mode(1)", "no"},
+        NeovimState{"terminal",
+                    {QStringLiteral(":terminal"), QStringLiteral("Enter"), QStringLiteral("i")},
+                    "mode()",
+                    "t"},
+        NeovimState{"terminalNormal",
+                    {QStringLiteral(":terminal"), QStringLiteral("Enter")},
+                    "mode(1)",
+                    "nt"},
+        NeovimState{"help", {QStringLiteral(":help"), QStringLiteral("Enter")}, "&buftype", "help"},
+        NeovimState{"quickfix",
+                    {QStringLiteral(":copen"), QStringLiteral("Enter")},
+                    "&buftype",
+                    "quickfix"}),
     [](const auto& instance) { return std::string(instance.param.name); });
 
 TEST_F(NeovimEditorTest, aLineOutsideTheFileIsTheNearestOne) {
