@@ -18,14 +18,14 @@ namespace {
 
 using Path = std::filesystem::path;
 
-struct Source {
+struct CaseSource {
     Path path;
     Language language{};
     std::string text;
 };
 
-std::vector<Source> sourcesOf(const std::string& language) {
-    std::vector<Source> sources;
+std::vector<CaseSource> sourcesOf(const std::string& language) {
+    std::vector<CaseSource> sources;
     const Path folder = Path(NAVREL_OUTLINE_CASES) / language;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
         const std::string extension = entry.path().extension().string();
@@ -42,7 +42,7 @@ std::vector<Source> sourcesOf(const std::string& language) {
 }
 
 /// The declarations at file level that end before a line, with all that is inside them.
-std::vector<std::string> declarationsBefore(const Outline& outline, std::uint32_t line) {
+std::vector<std::string> finishedBefore(const Outline& outline, std::uint32_t line) {
     std::vector<std::string> found;
     for (std::size_t index = 0; index < outline.symbols().size();) {
         const Symbol& first = outline.symbols()[index];
@@ -60,14 +60,15 @@ std::vector<std::string> declarationsBefore(const Outline& outline, std::uint32_
 }
 
 /// `place` is where the damage begins.
-void expectUnchangedBefore(const Source& source, const std::string& damaged, std::size_t place) {
+void expectUnchangedBefore(const CaseSource& source, const std::string& damaged,
+                           std::size_t place) {
     const auto begin = source.text.begin();
     const auto line = static_cast<std::uint32_t>(
         1 + std::count(begin, begin + static_cast<std::ptrdiff_t>(place), '\n'));
     const Outline whole = outlineOfSource(source.language, source.text);
-    const std::vector<std::string> expected = declarationsBefore(whole, line);
+    const std::vector<std::string> expected = finishedBefore(whole, line);
     std::vector<std::string> found =
-        declarationsBefore(outlineOfSource(source.language, damaged), UINT32_MAX);
+        finishedBefore(outlineOfSource(source.language, damaged), UINT32_MAX);
     ASSERT_GE(found.size(), expected.size()) << source.path << " at " << place;
     found.resize(expected.size());
     ASSERT_EQ(found, expected) << source.path << " at " << place;
@@ -76,7 +77,7 @@ void expectUnchangedBefore(const Source& source, const std::string& damaged, std
 class DamagedCFamilySources : public testing::TestWithParam<std::string> {};
 
 TEST_P(DamagedCFamilySources, keepTheDeclarationsBeforeACut) {
-    for (const Source& source : sourcesOf(GetParam())) {
+    for (const CaseSource& source : sourcesOf(GetParam())) {
         for (std::size_t place = 0; place < source.text.size(); ++place) {
             expectUnchangedBefore(source, source.text.substr(0, place), place);
             if (HasFatalFailure()) {
@@ -87,7 +88,7 @@ TEST_P(DamagedCFamilySources, keepTheDeclarationsBeforeACut) {
 }
 
 TEST_P(DamagedCFamilySources, keepTheDeclarationsBeforeALostBracket) {
-    for (const Source& source : sourcesOf(GetParam())) {
+    for (const CaseSource& source : sourcesOf(GetParam())) {
         std::size_t place = source.text.find_first_of("{}()[]");
         while (place != std::string::npos) {
             std::string damaged = source.text;
@@ -102,7 +103,7 @@ TEST_P(DamagedCFamilySources, keepTheDeclarationsBeforeALostBracket) {
 }
 
 TEST_P(DamagedCFamilySources, surviveSwappedHalves) {
-    for (const Source& source : sourcesOf(GetParam())) {
+    for (const CaseSource& source : sourcesOf(GetParam())) {
         for (std::size_t place = 0; place < source.text.size(); ++place) {
             const std::string swapped = source.text.substr(place) + source.text.substr(0, place);
             const Outline outline = outlineOfSource(source.language, swapped);
