@@ -131,8 +131,8 @@ function(navrel_add_tests name)
         set(main navrel_test_main_widgets)
     endif()
     add_executable(${name} ${arg_SOURCES})
-    # Each file has helpers of its own, of the same short names.
-    set_target_properties(${name} PROPERTIES UNITY_BUILD OFF)
+    # Few enough that both processors have something to compile until the end.
+    set_target_properties(${name} PROPERTIES UNITY_BUILD_BATCH_SIZE 6)
     target_link_libraries(${name} PRIVATE navrel_options ${arg_LINK} ${main} GTest::gmock)
     if(NAVREL_PRECOMPILE_HEADERS)
         target_precompile_headers(${name} REUSE_FROM navrel_test_main)
