@@ -105,8 +105,9 @@ std::optional<QString> openIn(NeovimConnection& editor, const QByteArray& path,
     if (auto obstacle = leaveMode(editor, deadline)) {
         return obstacle;
     }
-    const QVariant lineOrNil = line ? QVariant(*line) : QVariant();
-    const Reply opened = runScript(editor, kNeovimOpenScript, {path, lineOrNil}, deadline);
+    // An argument that is left out is nil there; a nil that is sent is not, and counts as true.
+    const QVariantList arguments = line ? QVariantList{path, *line} : QVariantList{path};
+    const Reply opened = runScript(editor, kNeovimOpenScript, arguments, deadline);
     return opened.kind == Reply::Kind::Result ? std::nullopt : std::optional(failureText(opened));
 }
 

@@ -47,7 +47,8 @@ local mode = vim.api.nvim_get_mode().mode
 return vim.fn.getcmdwintype() == '' and (mode == 'n' or mode == 'nt')
 )lua";
 
-/// Opens a file and selects a line: one operation. Arguments: the path, and the line or nil.
+/// Opens a file and selects a line: one operation. Arguments: the path, and the line where there is
+/// one.
 inline constexpr char kNeovimOpenScript[] = R"lua(
 local path, line = ...
 local api, fn, cmd = vim.api, vim.fn, vim.cmd

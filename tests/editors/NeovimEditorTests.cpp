@@ -129,6 +129,14 @@ TEST_F(NeovimEditorTest, aFileIsOpenedWithoutALine) {
     EXPECT_EQ(valueOf("expand('%:p')"), fileB());
     EXPECT_EQ(valueOf("mode()"), "n");
     EXPECT_EQ(valueOf("&buflisted"), "1");
+    EXPECT_EQ(log.messages(), QStringList());
+}
+
+TEST_F(NeovimEditorTest, aJumpWithoutALineSaysThatItWentWell) {
+    ASSERT_NO_FATAL_FAILURE(start(fileA()));
+    const JumpResult result = editor.jump({fileB(), 0, 0, false}, QDeadlineTimer(seconds(10)));
+    EXPECT_EQ(result.kind, EditorOutcome::Kind::opened) << qUtf8Printable(result.reason);
+    EXPECT_EQ(valueOf("expand('%:p')"), fileB());
 }
 
 /// Where the person may be when a file is to be opened: the keys that lead there, and how to tell
