@@ -175,6 +175,18 @@ void Declarations::addMacro(const Directive& definition, std::size_t begin, std:
     add(macro, end);
 }
 
+void Declarations::addMacroLater(const Directive& definition, std::size_t begin, std::size_t end) {
+    laterMacros_.push_back({definition, begin, end});
+}
+
+void Declarations::addMacrosBefore(std::size_t place) {
+    while (!laterMacros_.empty() && laterMacros_.front().begin < place) {
+        const LaterMacro macro = laterMacros_.front();
+        laterMacros_.pop_front();
+        addMacro(macro.definition, macro.begin, macro.end);
+    }
+}
+
 void Declarations::add(const Found& found, std::size_t end) {
     with(found, [this, end](const OutlineBuilder::Declaration& declaration) {
         scopes_.add(declaration, lines_.lineAt(std::max<std::size_t>(end, 1) - 1));

@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -52,12 +53,17 @@ public:
     /// The case that the head is.
     void addCase(std::size_t end);
     void addMacro(const Directive& definition, std::size_t begin, std::size_t end);
+    /// A macro that is defined amid a head takes its place among what the head declares.
+    void addMacroLater(const Directive& definition, std::size_t begin, std::size_t end);
+    /// At the end of a head: those that are left.
+    void addLaterMacros() { addMacrosBefore(SIZE_MAX); }
 
     /// `end` is the place after its last byte.
     void add(const Found& found, std::size_t end);
     /// Calls `use` with the declaration of what was found.
     template <typename Use>
     void with(const Found& found, Use use) {
+        addMacrosBefore(found.nameAt);
         std::string edited;
         const std::string_view signature = signatureOf(found, edited);
         OutlineBuilder::Declaration declaration;
@@ -71,8 +77,14 @@ public:
     }
 
 private:
+    struct LaterMacro {
+        Directive definition;
+        std::size_t begin;
+        std::size_t end;
+    };
     enum class Role { none, ordinary, typeDefinition, alias };
 
+    void addMacrosBefore(std::size_t place);
     Role role() const;
     bool isInstantiation() const;
     bool isModuleLine() const;
@@ -94,6 +106,7 @@ private:
     Scopes& scopes_;
     LineCounter& lines_;
     bool isHeader_;
+    std::deque<LaterMacro> laterMacros_;
 };
 
 } // namespace navrel::cfamily

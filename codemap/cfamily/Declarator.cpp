@@ -231,16 +231,31 @@ private:
                 return true;
             }
             if (head_[i].kind != TokenKind::word && !head_[i].is(kScopeSign)) {
-                const bool isMacroAndName = head_[i].is(')') && i == index_ + 3 && types_ > 0 &&
-                                            head_[i - 1].isName() && head_[i - 2].isName();
-                return isMacroAndName || (head_[i].is('(') && i == index_ + 1);
+                return (head_[i].is('(') && i == index_ + 1) || holdsMacroAndName(i);
             }
         }
         return false;
     }
 
+    /// Before a named type alone the macro must be in capitals: "f (int a)(b)" may be a call.
+    bool holdsMacroAndName(std::size_t end) const {
+        return head_[end].is(')') && end == index_ + 3 && head_[end - 1].isName() &&
+               head_[end - 2].isName() && (types_ > 0 || isAllCapitals(head_.textOf(end - 2)));
+    }
+
+    /// "Name(" or "explicit Name(" in the class of that name.
+    bool isConstructorAt(std::size_t index) const {
+        if (index < head_.size() && head_.textOf(index) == "explicit") {
+            index = head_.is(index + 1, '(') ? head_.after(index + 1) : index + 1;
+        }
+        return head_.is(index + 1, '(') && head_.textOf(index) == className_;
+    }
+
     /// A name without a type, with a group and more after it, is a macro. A constructor is not.
     bool isMacroBefore(std::size_t after) const {
+        if (realTypes_ == 0 && isConstructorAt(after) && isAllCapitals(head_.textOf(name_.last))) {
+            return true;
+        }
         const int macros = result_.isAfterMacro ? 1 : 0;
         const bool mayBeMacro = macros == 0 || isAllCapitals(head_.textOf(name_.last));
         if (types_ > macros || !mayBeMacro || result_.isOperator || after >= head_.size() ||

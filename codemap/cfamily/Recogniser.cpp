@@ -306,7 +306,7 @@ void Recogniser::readDefinition(const Directive& directive, std::size_t begin, s
     if (head_.empty()) {
         declarations_.addMacro(directive, begin, end);
     } else {
-        laterMacros_.push_back({directive, begin, end});
+        declarations_.addMacroLater(directive, begin, end);
     }
 }
 
@@ -712,12 +712,7 @@ void Recogniser::clearHead() {
     signatureEnd_ = 0;
     hasReadColon_ = false;
     isFirstNameTaken_ = false;
-    if (laterMacros_.empty()) {
-        return;
-    }
-    for (const LaterMacro& macro : std::exchange(laterMacros_, {})) {
-        declarations_.addMacro(macro.directive, macro.begin, macro.end);
-    }
+    declarations_.addLaterMacros();
 }
 
 void Recogniser::endStatement(const Token& sign) {

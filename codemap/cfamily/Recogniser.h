@@ -105,12 +105,6 @@ private:
     bool takeIf(Sign sign);
     std::string takeNames(Sign opening, Sign closing);
 
-    struct LaterMacro {
-        Directive directive;
-        std::size_t begin;
-        std::size_t end;
-    };
-
     std::uint32_t lineAt(std::size_t position) { return lines_.lineAt(position); }
     std::size_t indentAt(std::size_t position) const;
     bool isFirstOnLine(std::size_t position) const;
@@ -131,8 +125,7 @@ private:
     std::size_t signatureEnd_ = 0; ///< where a constructor's initializers begin; 0 without
     bool hasReadColon_ = false;    ///< whether the head had a colon that was no constructor's
     bool isFirstNameTaken_ = false;
-    std::vector<LaterMacro> laterMacros_; ///< defined amid a head: added after it
-    std::size_t directivesRead_ = 0;      ///< those before it have been told of
+    std::size_t directivesRead_ = 0; ///< those before it have been told of
 
     bool isBalanced_ = true;
     bool trustsIndentation_ = false; ///< from the beginning
