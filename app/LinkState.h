@@ -1,9 +1,8 @@
 #pragma once
 
-#include <QtGlobal>
+#include "support/core/TransitionTable.h"
 
-#include <array>
-#include <cstddef>
+#include <QtGlobal>
 
 namespace navrel {
 
@@ -25,16 +24,12 @@ enum class LinkEvent : quint8 {
     channelGone,        ///< there is no connected channel
 };
 
-inline constexpr std::size_t kLinkStates = 4;
-inline constexpr std::size_t kLinkEvents = 6;
-
 namespace detail {
 
 using enum LinkState;
 
 // clang-format off
-/// The table of transitions: a row for each state, a column for each event, in their order.
-inline constexpr std::array<std::array<LinkState, kLinkEvents>, kLinkStates> kLinkTransitions = {{
+inline constexpr TransitionTable<LinkState, 4, 6> kLinkTransitions = {{
     // deviceWanted         wantedDeviceGone      deviceConnected    simulatorConnected    deviceForgotten       channelGone
     {{reachingDevice,       idle,                 connectedToDevice, connectedToSimulator, idle,                 idle}},
     {{reachingDevice,       idle,                 connectedToDevice, connectedToSimulator, reachingDevice,       reachingDevice}},
@@ -48,8 +43,7 @@ inline constexpr std::array<std::array<LinkState, kLinkEvents>, kLinkStates> kLi
 /// The state after an event. Every event may come in every state. An end leads to `idle`; where a
 /// device is still wanted, `deviceWanted` follows at once.
 constexpr LinkState nextLinkState(LinkState state, LinkEvent event) {
-    return detail::kLinkTransitions[static_cast<std::size_t>(state)]
-                                   [static_cast<std::size_t>(event)];
+    return stateAfter(detail::kLinkTransitions, state, event);
 }
 
 /// Whether a channel stands. The connection queue is suspended in these states, and in no other.

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <QtGlobal>
+#include "support/core/TransitionTable.h"
 
-#include <array>
-#include <cstddef>
+#include <QtGlobal>
 
 namespace navrel {
 
@@ -28,17 +27,12 @@ enum class KeptStreamEvent : quint8 {
     over,            ///< nothing more can pass
 };
 
-inline constexpr std::size_t kKeptStreamStages = 7;
-inline constexpr std::size_t kKeptStreamEvents = 6;
-
 namespace detail {
 
 using enum KeptStreamStage;
 
 // clang-format off
-/// The table of transitions: a row for each stage, a column for each event, in their order.
-inline constexpr std::array<std::array<KeptStreamStage, kKeptStreamEvents>, kKeptStreamStages>
-    kKeptStreamTransitions = {{
+inline constexpr TransitionTable<KeptStreamStage, 7, 6> kKeptStreamTransitions = {{
     // listenRequested   otherRequested    replied           daemonReached     daemonGone        over
     {{waitingForDaemon,  awaitingReply,    awaitingRequest,  awaitingRequest,  awaitingRequest,  ended}},
     {{awaitingReply,     awaitingReply,    relaying,         awaitingReply,    refused,          ended}},
@@ -54,8 +48,7 @@ inline constexpr std::array<std::array<KeptStreamStage, kKeptStreamEvents>, kKep
 
 /// The stage after an event. Every event may come in every stage.
 constexpr KeptStreamStage nextKeptStreamStage(KeptStreamStage stage, KeptStreamEvent event) {
-    return detail::kKeptStreamTransitions[static_cast<std::size_t>(stage)]
-                                         [static_cast<std::size_t>(event)];
+    return stateAfter(detail::kKeptStreamTransitions, stage, event);
 }
 
 } // namespace navrel
