@@ -31,7 +31,7 @@ struct WallTime {
 /// is much longer than the other, so that a busy neighbour would mostly interrupt that one.
 struct ProcessorTime {
     static double now() {
-        struct timespec time {};
+        struct timespec time = {};
         ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
         return double(time.tv_sec) + double(time.tv_nsec) / 1e9;
     }

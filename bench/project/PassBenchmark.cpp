@@ -1,6 +1,7 @@
 // The update pass over an unchanged project against one `stat` by absolute path a file.
 
 #include "bench/Ratio.h"
+#include "bench/RegisterBenchmark.h"
 #include "bench/project/QuietWorld.h"
 #include "project/KZDataManager.h"
 #include "project/store/CDObject.h"
@@ -121,7 +122,7 @@ public:
     void pass() { manager_->updateInBackground(); }
 
     void statEveryFile() const {
-        struct stat status {};
+        struct stat status = {};
         for (const QByteArray& path : project_.files()) {
             if (::stat(path.constData(), &status) != 0) {
                 std::exit(EXIT_FAILURE);
@@ -137,15 +138,6 @@ private:
     NoDialogs dialogs_;
     std::shared_ptr<KZDataManager> manager_;
 };
-
-template <typename Job>
-void registerBenchmark(const std::string& name, Job job) {
-    benchmark::RegisterBenchmark(name.c_str(), [job](benchmark::State& state) {
-        for ([[maybe_unused]] const auto round : state) {
-            job();
-        }
-    })->Unit(benchmark::kMicrosecond);
-}
 
 } // namespace
 } // namespace navrel::bench

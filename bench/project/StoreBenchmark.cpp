@@ -2,6 +2,7 @@
 // inserted and saved, the elements of one file fetched, and one changed file saved.
 
 #include "bench/Ratio.h"
+#include "bench/RegisterBenchmark.h"
 #include "bench/project/BareStore.h"
 #include "project/store/ManagedObjectContext.h"
 #include "project/store/PersistentStoreCoordinator.h"
@@ -170,15 +171,6 @@ double changeRatio(Stores& stores) {
             stores.own().replace(files[nextOwn], static_cast<qint64>(nextOwn + 1));
             ++nextOwn;
         });
-}
-
-template <typename Job>
-void registerBenchmark(const char* name, Job job) {
-    benchmark::RegisterBenchmark(name, [job](benchmark::State& state) {
-        for ([[maybe_unused]] const auto round : state) {
-            job();
-        }
-    })->Unit(benchmark::kMillisecond);
 }
 
 } // namespace

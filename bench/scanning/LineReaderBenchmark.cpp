@@ -1,6 +1,7 @@
 // Reading a tree of sources line by line against getline(3), which does not look at the encoding.
 
 #include "bench/Ratio.h"
+#include "bench/RegisterBenchmark.h"
 #include "bench/scanning/SourceTree.h"
 #include "scanning/QWFileReader.h"
 
@@ -43,16 +44,6 @@ void readByReader(const SourceTree& tree) {
     benchmark::DoNotOptimize(lines);
 }
 
-template <typename Job>
-void registerBenchmark(const char* name, const SourceTree& tree, Job job) {
-    benchmark::RegisterBenchmark(name, [&tree, job](benchmark::State& state) {
-        for ([[maybe_unused]] const auto round : state) {
-            job(tree);
-        }
-        state.SetBytesProcessed(state.iterations() * tree.size());
-    })->Unit(benchmark::kMillisecond);
-}
-
 } // namespace
 } // namespace navrel::bench
 
@@ -61,8 +52,8 @@ int main(int argc, char** argv) {
 
     benchmark::Initialize(&argc, argv);
     const SourceTree tree;
-    registerBenchmark("getline(3)", tree, readByGetline);
-    registerBenchmark("line reader", tree, readByReader);
+    registerBenchmark("getline(3)", tree.size(), [&] { readByGetline(tree); });
+    registerBenchmark("line reader", tree.size(), [&] { readByReader(tree); });
     benchmark::RunSpecifiedBenchmarks();
     printRatio("E line reader, of getline(3)",
                timeRatio([&] { readByGetline(tree); }, [&] { readByReader(tree); }), kGoal);

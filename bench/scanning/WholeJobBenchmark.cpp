@@ -2,6 +2,7 @@
 // store, against a plain load of the same files.
 
 #include "bench/Ratio.h"
+#include "bench/RegisterBenchmark.h"
 #include "bench/project/QuietWorld.h"
 #include "bench/scanning/PlainLoad.h"
 #include "bench/scanning/SourceTree.h"
@@ -143,15 +144,6 @@ private:
 double ratioTo(PlainPeer::Way way, Loads& loads) {
     PlainLoad plain(way);
     return timeRatio([&] { loads.loadPlain(plain); }, [&] { loads.loadOwn(); }, kWholeJobRounds);
-}
-
-template <typename Job>
-void registerBenchmark(const char* name, Job job) {
-    benchmark::RegisterBenchmark(name, [job](benchmark::State& state) {
-        for ([[maybe_unused]] const auto round : state) {
-            job();
-        }
-    })->Unit(benchmark::kMillisecond);
 }
 
 } // namespace

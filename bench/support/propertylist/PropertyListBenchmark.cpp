@@ -2,6 +2,7 @@
 // NAVREL_BENCH_PBXPROJ set to a file's path, that file is measured as well.
 
 #include "bench/Ratio.h"
+#include "bench/RegisterBenchmark.h"
 #include "bench/support/propertylist/ByteClassFloor.h"
 #include "bench/support/propertylist/ProjectFile.h"
 #include "support/propertylist/PropertyListDocument.h"
@@ -55,17 +56,6 @@ void parseAndIndex(PropertyListDocument& document, PropertyListIndex& index, con
     benchmark::DoNotOptimize(index.size());
 }
 
-template <typename Job>
-void registerBenchmark(const std::string& name, const Input& input, Job job) {
-    benchmark::RegisterBenchmark(
-        (name + "/" + input.name).c_str(), [&input, job](benchmark::State& state) {
-            for ([[maybe_unused]] const auto round : state) {
-                job();
-            }
-            state.SetBytesProcessed(state.iterations() * input.bytes.size());
-        });
-}
-
 void measure(const Input& input) {
     PropertyListDocument document;
     PropertyListIndex index;
@@ -88,9 +78,11 @@ int main(int argc, char** argv) {
     PropertyListDocument document;
     PropertyListIndex index;
     for (const Input& input : inputs) {
-        registerBenchmark("floor", input, [&] { readFloor(input); });
-        registerBenchmark("parse", input, [&] { parse(document, input); });
-        registerBenchmark("parse and index", input, [&] { parseAndIndex(document, index, input); });
+        registerBenchmark("floor/" + input.name, input.bytes.size(), [&] { readFloor(input); });
+        registerBenchmark("parse/" + input.name, input.bytes.size(),
+                          [&] { parse(document, input); });
+        registerBenchmark("parse and index/" + input.name, input.bytes.size(),
+                          [&] { parseAndIndex(document, index, input); });
     }
     benchmark::RunSpecifiedBenchmarks();
     for (const Input& input : inputs) {
