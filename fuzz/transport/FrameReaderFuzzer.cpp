@@ -1,3 +1,4 @@
+#include "fuzz/transport/CutInput.h"
 #include "support/Assertion.h"
 #include "support/dispatch/DispatchIO.h"
 #include "support/dispatch/DispatchQueue.h"
@@ -25,7 +26,6 @@
 namespace navrel {
 namespace {
 
-constexpr size_t kMostPieces = 16;
 constexpr quint32 kRefusedType = 666;
 
 struct Frame {
@@ -130,8 +130,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (bytes.isEmpty()) {
         return 0;
     }
-    const auto pieces = static_cast<qsizetype>(data[0] % (navrel::kMostPieces + 1));
-    const auto cuts = std::min(pieces, bytes.size() - 1);
-    navrel::receive(bytes.sliced(1, cuts), bytes.sliced(1 + cuts));
+    const auto input = navrel::CutInput::from(bytes);
+    navrel::receive(input.cuts, input.bytes);
     return 0;
 }

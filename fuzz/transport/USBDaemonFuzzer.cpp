@@ -1,3 +1,4 @@
+#include "fuzz/transport/CutInput.h"
 #include "support/Assertion.h"
 #include "support/Log.h"
 #include "support/NotificationCentre.h"
@@ -28,7 +29,6 @@ namespace navrel {
 namespace {
 
 constexpr uint8_t kConnects = 0x80;
-constexpr size_t kMostPieces = 16;
 constexpr quint32 kRequestTag = 1;
 
 void serve() {
@@ -235,9 +235,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (bytes.isEmpty()) {
         return 0;
     }
-    const auto pieces = static_cast<qsizetype>((data[0] & 0x7F) % (navrel::kMostPieces + 1));
-    const auto cuts = std::min(pieces, bytes.size() - 1);
+    const auto input = navrel::CutInput::from(bytes);
     const auto run = (data[0] & navrel::kConnects) != 0 ? navrel::connect : navrel::listen;
-    run(bytes.sliced(1, cuts), bytes.sliced(1 + cuts));
+    run(input.cuts, input.bytes);
     return 0;
 }

@@ -1,3 +1,4 @@
+#include "fuzz/transport/CutInput.h"
 #include "support/Assertion.h"
 #include "support/Log.h"
 #include "support/NotificationCentre.h"
@@ -19,8 +20,6 @@
 // same; the hub must tell of each device that was attached or detached, and of no other.
 namespace navrel {
 namespace {
-
-constexpr size_t kMostPieces = 16;
 
 /// The packets of bytes that arrive piece by piece.
 class Reader {
@@ -137,8 +136,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (bytes.isEmpty()) {
         return 0;
     }
-    const auto pieces = static_cast<qsizetype>((data[0] & 0x7F) % (navrel::kMostPieces + 1));
-    const auto cuts = std::min(pieces, bytes.size() - 1);
-    navrel::run(bytes.sliced(1, cuts), bytes.sliced(1 + cuts));
+    const auto input = navrel::CutInput::from(bytes);
+    navrel::run(input.cuts, input.bytes);
     return 0;
 }
