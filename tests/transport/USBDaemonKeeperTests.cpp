@@ -1,5 +1,6 @@
 #include "support/NotificationCentre.h"
 #include "support/dispatch/DispatchQueue.h"
+#include "tests/FakeClock.h"
 #include "tests/FakeUSBDaemon.h"
 #include "tests/LogRecorder.h"
 #include "tests/WaitUntil.h"
@@ -16,14 +17,12 @@
 namespace navrel {
 namespace {
 
-using std::chrono::milliseconds;
+using std::chrono::seconds;
 using Outcomes = std::vector<std::optional<Error>>;
 
 /// A hub on a keeper on a daemon that comes and goes.
 class USBDaemonKeeperTest : public testing::Test {
 protected:
-    static constexpr milliseconds kImpatience{300};
-
     USBDaemonKeeperTest() { makeHub(); }
 
     void makeHub() {
@@ -63,14 +62,13 @@ protected:
             [this](const auto& error) { connectionEnds_.push_back(error); });
     }
 
-    bool waitForTold(const QStringList& told, milliseconds atMost = std::chrono::seconds(20)) {
-        return waitUntil([&] { return told_ == told; }, atMost);
+    bool waitForTold(const QStringList& told) {
+        return waitUntil([&] { return told_ == told; });
     }
-
-    /// Waits for replies no longer than a test can.
-    void becomeImpatient() {
+    /// Time passes only where a test says so.
+    void stopTheClock() {
         keeper_ = std::make_shared<USBDaemonKeeper>(*USBDaemonAddress::fromText(daemon_.address()),
-                                                    kImpatience);
+                                                    USBDaemonKeeper::kReplyTimeout, clock_);
         makeHub();
     }
 
@@ -98,6 +96,7 @@ protected:
         }
     }
 
+    FakeClock clock_;
     FakeUSBDaemon daemon_;
     std::shared_ptr<USBDaemonKeeper> keeper_ =
         std::make_shared<USBDaemonKeeper>(*USBDaemonAddress::fromText(daemon_.address()));
@@ -170,9 +169,10 @@ TEST_F(USBDaemonKeeperTest, aRefusalOfTheRepeatedListenIsLoggedOnceAndAskedAgain
 }
 
 TEST_F(USBDaemonKeeperTest, aDaemonAbsentAtStartIsLoggedOnceWithTheReason) {
+    stopTheClock();
     listen();
     EXPECT_EQ(starts_, Outcomes{std::nullopt});
-    EXPECT_FALSE(waitUntil([&] { return log_.messages().size() > 1; }, milliseconds(2500)));
+    EXPECT_EQ(clock_.advance(seconds(3)), 3) << "looked for once a second";
     EXPECT_EQ(log_.messages(),
               QStringList{QStringLiteral("PTUSBHub failed to initialize: Error "
                                          "Domain=NSPOSIXErrorDomain Code=2 \"No such file or "
@@ -181,21 +181,25 @@ TEST_F(USBDaemonKeeperTest, aDaemonAbsentAtStartIsLoggedOnceWithTheReason) {
 }
 
 TEST_F(USBDaemonKeeperTest, devicesOfADaemonThatAppearsAreToldWithinTwoSeconds) {
+    stopTheClock();
     listen();
     ASSERT_TRUE(daemon_.start());
     daemon_.attach(7);
-    EXPECT_TRUE(waitForTold(list("+7"), milliseconds(2000)));
+    clock_.advance(seconds(2));
+    EXPECT_TRUE(waitForTold(list("+7")));
 }
 
 TEST_F(USBDaemonKeeperTest, aFolderThatAppearsWithTheDaemonIsNoticedToo) {
     QTemporaryDir folder;
     const QString late = folder.filePath(QStringLiteral("late"));
     hub_ = PTUSBHub::create(std::make_shared<USBDaemonKeeper>(
-        USBDaemonAddress{late + QStringLiteral("/usbmuxd"), {}, {}}));
+        USBDaemonAddress{late + QStringLiteral("/usbmuxd"), {}, {}}, USBDaemonKeeper::kReplyTimeout,
+        clock_));
     listen();
     ASSERT_TRUE(daemon_.start());
     ASSERT_TRUE(QDir().rename(QFileInfo(daemon_.socketPath()).path(), late));
-    EXPECT_TRUE(waitUntil([&] { return daemon_.listenerCount() == 1; }, milliseconds(2000)));
+    clock_.advance(seconds(2));
+    EXPECT_TRUE(waitUntil([&] { return daemon_.listenerCount() == 1; }));
     ASSERT_TRUE(QDir().rename(late, QFileInfo(daemon_.socketPath()).path()));
 }
 
@@ -213,10 +217,12 @@ TEST_F(USBDaemonKeeperTest, whenTheDaemonGoesItsDevicesAreDetached) {
 }
 
 TEST_F(USBDaemonKeeperTest, listeningIsTakenUpAgainEachTimeTheDaemonComesBack) {
+    stopTheClock();
     startAndListen();
     for (int round = 0; round < 3; ++round) {
         daemon_.attach(7);
-        ASSERT_TRUE(waitForTold(list("+7"), milliseconds(2000))) << round;
+        clock_.advance(seconds(2));
+        ASSERT_TRUE(waitForTold(list("+7"))) << round;
         daemon_.stop();
         ASSERT_TRUE(waitForTold(list("+7 -7"))) << round;
         told_.clear();
@@ -240,16 +246,22 @@ TEST_F(USBDaemonKeeperTest, aDaemonThatGoesBeforeItAnswersCountsAsAbsent) {
 }
 
 TEST_F(USBDaemonKeeperTest, aDaemonThatNeverAnswersTheListenCountsAsAbsentAndIsAskedAgain) {
-    becomeImpatient();
+    stopTheClock();
     daemon_.listenAnswer = std::nullopt;
     ASSERT_TRUE(daemon_.start());
-    listen();
+    hub_->listenOnQueue(
+        DispatchQueue::mainQueue(), [this](const auto& error) { starts_.push_back(error); },
+        nullptr);
+    ASSERT_TRUE(waitUntil([&] { return daemon_.listenerCount() == 1; }));
+    clock_.advance(USBDaemonKeeper::kReplyTimeout);
+    ASSERT_TRUE(waitUntil([&] { return !starts_.empty(); }));
     EXPECT_EQ(starts_, Outcomes{std::nullopt});
     EXPECT_EQ(log_.messages(),
               QStringList{QStringLiteral("PTUSBHub failed to initialize: Error "
                                          "Domain=NSPOSIXErrorDomain Code=110 \"Connection timed "
                                          "out\"")});
     daemon_.listenAnswer = 0;
+    clock_.advance(seconds(2));
     EXPECT_TRUE(waitUntil([&] { return daemon_.countOfRequests(kListen) == 2; }));
     daemon_.attach(7);
     EXPECT_TRUE(waitForTold(list("+7")));
@@ -465,25 +477,34 @@ TEST_F(USBDaemonKeeperTest, aDaemonThatGoesInTheMiddleOfAConnectRefusesIt) {
 }
 
 TEST_F(USBDaemonKeeperTest, aConnectThatIsNeverAnsweredIsRefusedInTheEnd) {
-    becomeImpatient();
+    stopTheClock();
     startAndListen();
     daemon_.attach(7);
     daemon_.connectAnswer = std::nullopt;
     connect();
+    ASSERT_TRUE(waitUntil([&] { return daemon_.countOfRequests(kConnect) == 1; }));
+    EXPECT_TRUE(connectOutcomes_.empty());
+    clock_.advance(USBDaemonKeeper::kReplyTimeout);
     ASSERT_TRUE(waitUntil([&] { return !connectOutcomes_.empty(); }));
     EXPECT_EQ(connectOutcomes_[0], Error(kPTUSBHubErrorDomain, 3));
     EXPECT_TRUE(waitUntil([&] { return daemon_.connectionCount() == 1; }));
 }
 
 TEST_F(USBDaemonKeeperTest, onceAnsweredAStreamMayBeSilentForAsLongAsItLikes) {
-    becomeImpatient();
+    stopTheClock();
     startAndListen();
     daemon_.attach(7);
     connect();
     ASSERT_TRUE(waitUntil([&] { return stream_ != nullptr; }));
-    const RawPeer device(daemon_.waitForDeviceConnection());
-    EXPECT_FALSE(waitUntil([&] { return device.hasEnded() || daemon_.listenerCount() == 0; },
-                           3 * kImpatience));
+    RawPeer device(daemon_.waitForDeviceConnection());
+    EXPECT_EQ(clock_.advance(3 * USBDaemonKeeper::kReplyTimeout), 0);
+    EXPECT_EQ(daemon_.listenerCount(), 1);
+    stream_->write(DispatchData::copying("still there"), DispatchQueue::mainQueue(), nullptr);
+    QByteArray received;
+    EXPECT_TRUE(waitUntil([&] {
+        received += device.receive();
+        return received == "still there";
+    }));
     EXPECT_EQ(daemon_.countOfRequests(kListen), 1);
 }
 
