@@ -71,6 +71,15 @@ protected:
         ASSERT_TRUE(waitUntil([&] { return clock_.scheduledCalls() == kAtRest + 1; }));
     }
 
+    /// The daemon goes and comes back, with a device that it can connect.
+    void expectServedAfterDaemonsReturn() {
+        daemon_.stop();
+        ASSERT_TRUE(waitForLog(QStringLiteral("PTUSBDeviceDidDetachNotification: 7")));
+        daemon_.connectAnswer = 0;
+        ASSERT_TRUE(daemon_.start());
+        EXPECT_TRUE(connectDevice(7));
+    }
+
     bool waitForLog(const QString& message) {
         return waitUntil([&] { return log_.messages().contains(message); });
     }
@@ -588,14 +597,14 @@ TEST_F(USBLinkTest, theEndOfADeviceThatIsNotConnectedIsLoggedAndForgetsNothing) 
 
 // The daemon comes and goes.
 
-TEST_F(USBLinkTest, aDaemonAbsentAtStartIsFoundWithItsDevicesWithinTwoSeconds) {
+TEST_F(USBLinkTest, aDaemonAbsentAtStartIsFoundWithItsDevices) {
     launchUnconnected();
     listen();
     ASSERT_TRUE(waitUntil([&] { return !log_.messages().isEmpty(); }));
     EXPECT_TRUE(log_.messages()[0].startsWith(QStringLiteral("PTUSBHub failed to initialize: ")));
     ASSERT_TRUE(daemon_.start());
     daemon_.attach(7);
-    ASSERT_TRUE(waitUntil([&] { return connects() == 1; }, milliseconds(2000)));
+    ASSERT_TRUE(waitUntil([&] { return connects() == 1; }));
     EXPECT_TRUE(waitForDevice());
     EXPECT_EQ(log_.messages().size(), 2);
 }
@@ -612,11 +621,7 @@ TEST_F(USBLinkTest, aDaemonThatGoesWhileADeviceIsReachedComesBack) {
     daemon_.connectAnswer = std::nullopt;
     daemon_.attach(7);
     ASSERT_TRUE(waitUntil([&] { return connects() == 1; }));
-    daemon_.stop();
-    ASSERT_TRUE(waitForLog(QStringLiteral("PTUSBDeviceDidDetachNotification: 7")));
-    daemon_.connectAnswer = 0;
-    ASSERT_TRUE(daemon_.start());
-    EXPECT_TRUE(connectDevice(7));
+    expectServedAfterDaemonsReturn();
 }
 
 TEST_F(USBLinkTest, aDaemonThatGoesBetweenTwoAttemptsComesBack) {
@@ -624,11 +629,7 @@ TEST_F(USBLinkTest, aDaemonThatGoesBetweenTwoAttemptsComesBack) {
     daemon_.connectAnswer = 3;
     daemon_.attach(7);
     ASSERT_TRUE(waitWhileTimePasses([&] { return connects() == 2; }));
-    daemon_.stop();
-    ASSERT_TRUE(waitForLog(QStringLiteral("PTUSBDeviceDidDetachNotification: 7")));
-    daemon_.connectAnswer = 0;
-    ASSERT_TRUE(daemon_.start());
-    EXPECT_TRUE(connectDevice(7));
+    expectServedAfterDaemonsReturn();
 }
 
 TEST_F(USBLinkTest, aDaemonThatGoesWhileADeviceIsConnectedComesBack) {
