@@ -136,6 +136,7 @@ function(navrel_add_tests name)
     target_link_libraries(${name} PRIVATE navrel_options ${arg_LINK} ${main} GTest::gmock)
     if(NAVREL_PRECOMPILE_HEADERS)
         target_precompile_headers(${name} REUSE_FROM navrel_test_main)
+        target_compile_options(${name} PRIVATE -fPIC)
     endif()
     # Both times only end what hangs: a busy machine is slow.
     set(properties TIMEOUT 600)
