@@ -21,7 +21,7 @@ constexpr int kNoDescriptor = -1;
 int openSessionFile(const QString& path) {
     const int descriptor = ::open(QFile::encodeName(path).constData(),
                                   O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0600);
-    struct stat status {};
+    struct stat status = {};
     const bool isOurs = descriptor != kNoDescriptor && ::fstat(descriptor, &status) == 0 &&
                         S_ISREG(status.st_mode) && status.st_uid == ::geteuid();
     if (descriptor != kNoDescriptor && !isOurs) {

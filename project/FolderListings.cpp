@@ -30,7 +30,7 @@ using OpenFolder = std::unique_ptr<DIR, FolderCloser>;
 /// The entry as it is shown; nil where it is left out.
 std::optional<ListedEntry> shownEntry(int folder, const char* name) {
     const QByteArray bytes(name);
-    struct stat status {};
+    struct stat status = {};
     if (bytes.startsWith('.') || !isValidUTF8(bytes) || ::fstatat(folder, name, &status, 0) != 0) {
         return std::nullopt;
     }
@@ -38,7 +38,7 @@ std::optional<ListedEntry> shownEntry(int folder, const char* name) {
     if (!isFolder && !S_ISREG(status.st_mode)) {
         return std::nullopt;
     }
-    struct stat itself {};
+    struct stat itself = {};
     const bool isLink = isFolder && ::fstatat(folder, name, &itself, AT_SYMLINK_NOFOLLOW) == 0 &&
                         S_ISLNK(itself.st_mode);
     return ListedEntry{bytes, isFolder && !isBundleName(bytes), isLink};
@@ -77,7 +77,7 @@ bool isBundleName(QByteArrayView name) {
 }
 
 std::optional<FolderNumber> folderNumberAt(const QByteArray& path) {
-    struct stat status {};
+    struct stat status = {};
     const bool isThere =
         canNameAFile(path) && ::stat(path.constData(), &status) == 0 && S_ISDIR(status.st_mode);
     return isThere ? std::optional(FolderNumber{status.st_dev, status.st_ino}) : std::nullopt;
@@ -106,7 +106,7 @@ bool FolderListings::stillHold() {
 }
 
 std::optional<FolderListings::Identity> FolderListings::identityOf(const QByteArray& folder) {
-    struct stat status {};
+    struct stat status = {};
     if (!canNameAFile(folder) || ::stat(folder.constData(), &status) != 0) {
         return std::nullopt;
     }

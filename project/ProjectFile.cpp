@@ -40,7 +40,7 @@ ProjectFile::Identity::Identity(const struct stat& status)
       modified(modificationDateIn(status)), statusChanged(statusChangeDateIn(status)) {}
 
 void ProjectFile::read(const QByteArray& path) {
-    struct stat status {};
+    struct stat status = {};
     const std::optional<QString> obstacle = obstacleTo(path, status);
     const bool isThere = !obstacle;
     const Identity identity = isThere ? Identity(status) : Identity();

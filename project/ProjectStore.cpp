@@ -58,7 +58,7 @@ PersistentStoreCoordinator* ProjectStore::coordinator() {
 
 /// Makes the coordinator. False, with a reason or a cause, where that fails.
 bool ProjectStore::open(QString& failureReason, std::optional<Error>& cause) {
-    struct stat status {};
+    struct stat status = {};
     if (::stat(QFile::encodeName(folder_).constData(), &status) == 0) {
         if (!S_ISDIR(status.st_mode)) {
             failureReason =
@@ -102,7 +102,7 @@ void ProjectStore::present(const QString& failureReason, std::optional<Error> ca
 /// What is in the place of the store, or of its folder; nil where nothing is.
 std::optional<QString> ProjectStore::obstacle() const {
     for (const QString& place : {path(), folder_}) {
-        struct stat status {};
+        struct stat status = {};
         if (::lstat(QFile::encodeName(place).constData(), &status) == 0) {
             return place;
         }

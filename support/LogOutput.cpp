@@ -78,7 +78,7 @@ bool StandardError::take(const QByteArray& line) {
 }
 
 bool StandardError::write(const QByteArray& text) {
-    struct stat status {};
+    struct stat status = {};
     if (::fstat(descriptor_, &status) != 0) {
         return true;
     }
@@ -137,7 +137,7 @@ bool SystemLog::take(const QByteArray& line) {
 
 bool SystemLog::connectAgain() {
     close(socket_);
-    struct sockaddr_un address {};
+    struct sockaddr_un address = {};
     address.sun_family = AF_UNIX;
     if (static_cast<std::size_t>(socketPath_.size()) >= sizeof(address.sun_path)) {
         return false;

@@ -25,7 +25,7 @@ bool isAbsolutePath(const char* variable) {
 QByteArray folderInUserDatabase() {
     constexpr std::size_t kLongestEntry = 65536;
     const auto memory = std::make_unique<std::array<char, kLongestEntry>>();
-    struct passwd entry {};
+    struct passwd entry = {};
     struct passwd* found = nullptr;
     ::getpwuid_r(::getuid(), &entry, memory->data(), memory->size(), &found);
     return found != nullptr && found->pw_dir != nullptr ? QByteArray(found->pw_dir) : QByteArray();

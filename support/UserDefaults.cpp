@@ -135,7 +135,7 @@ void UserDefaults::read() {
 /// The file's bytes, none where there is no file; nil for what is no preferences file.
 std::optional<QByteArray> UserDefaults::bytesOfFile() const {
     const QByteArray path = QFile::encodeName(filePath_);
-    struct stat status {};
+    struct stat status = {};
     if (::stat(path.constData(), &status) != 0 && errno == ENOENT) {
         return QByteArray();
     }

@@ -69,8 +69,8 @@ WebService::Parts::Parts(const AccessSettings& settings, MapSource map, Companio
                          WebWorld world)
     : map_(std::move(map)), host_(host), world_(std::move(world)), assets_(world_.assetFolder),
       devices(settings.folder + "/devices.json", world_.wallTime), desk(world_.wallTime),
-      site(siteParts(settings)), connectionWorld_{site, world_.limits, world_.now, views_,
-                                                  repository_},
+      site(siteParts(settings)),
+      connectionWorld_({site, world_.limits, world_.now, views_, repository_}),
       server({*context_, connectionWorld_, world_.privateAddresses, world_.wallTime,
               [this](const AccessStatus& status) { setStatus(status); }}) {
     observer_ = map_.addObserver([this](const CodeMap::Change& change) {

@@ -18,7 +18,7 @@ DiskKind kindIn(const struct stat& status) {
 }
 
 bool isSettled(const FileStamp& stamp) {
-    struct timespec now {};
+    struct timespec now = {};
     ::clock_gettime(CLOCK_REALTIME, &now);
     // The modification date does not count: it may be set to any time.
     return stamp.statusChanged < nanosecondsOf(now) - 2 * longestStepOfDate(stamp.statusChanged);
@@ -31,7 +31,7 @@ bool canBeAPath(const std::string& path) {
 } // namespace
 
 DiskStatus diskStatusOf(const std::string& path) {
-    struct stat status {};
+    struct stat status = {};
     if (!canBeAPath(path) || ::lstat(path.c_str(), &status) != 0) {
         return {};
     }

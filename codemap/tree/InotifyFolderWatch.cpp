@@ -89,7 +89,7 @@ private:
             }
             std::size_t place = 0;
             while (place < static_cast<std::size_t>(size)) {
-                struct inotify_event event {};
+                struct inotify_event event = {};
                 std::memcpy(&event, buffer.data() + place, sizeof event);
                 take(event, event.len > 0 ? buffer.data() + place + sizeof event : "", events);
                 place += sizeof event + event.len;

@@ -15,8 +15,10 @@ namespace navrel {
 /// An attribute of an entity: its name, which is also that of its column, and the record's field.
 template <typename Record, typename Value>
 struct Attribute {
+    using Field = std::optional<Value> Record::*;
+
     const char* name;
-    std::optional<Value> Record::*field;
+    Field field;
 };
 
 template <typename Record, typename Value>

@@ -69,7 +69,7 @@ QByteArrayList columnsOf() {
 
 /// Whether there is nothing at the path yet, or a file of which a store can be made.
 std::optional<Error> checkFileKind(const QByteArray& path, qint64 maximumSize) {
-    struct stat status {};
+    struct stat status = {};
     if (::stat(path.constData(), &status) != 0) {
         return errno == ENOENT ? std::nullopt : errorFromErrno(errno);
     }

@@ -16,7 +16,7 @@ constexpr mode_t kOthers = S_IRWXG | S_IRWXO;
 constexpr mode_t kUserAlone = S_IRWXU;
 
 bool isThere(const QByteArray& path) {
-    struct stat status {};
+    struct stat status = {};
     return ::lstat(path.constData(), &status) == 0;
 }
 
@@ -35,7 +35,7 @@ std::optional<Error> makeStoreFolder(const QByteArray& path) {
     if (errno != EEXIST) {
         return errorFromErrno(errno);
     }
-    struct stat status {};
+    struct stat status = {};
     if (::stat(path.constData(), &status) != 0) {
         return errorFromErrno(errno);
     }
@@ -44,7 +44,7 @@ std::optional<Error> makeStoreFolder(const QByteArray& path) {
 }
 
 void keepFromOthers(const QByteArray& path) {
-    struct stat status {};
+    struct stat status = {};
     if (::stat(path.constData(), &status) == 0 && (status.st_mode & kOthers) != 0) {
         ::chmod(path.constData(), status.st_mode & kUserAlone);
     }

@@ -14,6 +14,12 @@ inline constexpr size_t kUsualInlineSize = 64;
 template <typename Signature, size_t InlineSize = kUsualInlineSize>
 class MoveOnlyFunction;
 
+/// What a wrapper can take over and call later: anything that is called so, but no other wrapper of
+/// its kind, which it moves instead.
+template <typename Callable, typename Wrapper, typename Result, typename... Arguments>
+concept CallableFor = !std::is_same_v<std::remove_cvref_t<Callable>, Wrapper> &&
+                      std::is_invocable_r_v<Result, std::remove_cvref_t<Callable>&, Arguments...>;
+
 /// Something to call, with one owner at a time. Unlike a std::function it may hold what cannot be
 /// copied, such as another function of this kind, and it allocates nothing for what fits into
 /// `kInlineSize` bytes, counted references included: what happens with every frame of a connection
@@ -28,10 +34,8 @@ public:
     MoveOnlyFunction(std::nullptr_t) {}
 
     /// Takes over whatever can be called so. A std::function with nothing in it is nothing to call.
-    template <typename Callable>
-    requires(!std::is_same_v<std::remove_cvref_t<Callable>, MoveOnlyFunction> &&
-             std::is_invocable_r_v<Result, std::remove_cvref_t<Callable>&, Arguments...>)
-        MoveOnlyFunction(Callable&& callable) {
+    template <CallableFor<MoveOnlyFunction, Result, Arguments...> Callable>
+    MoveOnlyFunction(Callable&& callable) {
         if constexpr (std::is_constructible_v<bool, const Callable&> &&
                       requires { callable == nullptr; }) {
             if (callable == nullptr) {
@@ -92,8 +96,9 @@ private:
 
     template <typename Callable>
     static constexpr bool kFitsInline =
-        sizeof(Callable) <= kInlineSize &&
-        alignof(Callable) <= alignof(void*) && std::is_nothrow_move_constructible_v<Callable>;
+        sizeof(Callable) <= kInlineSize
+            ? alignof(Callable) <= alignof(void*) && std::is_nothrow_move_constructible_v<Callable>
+            : false;
 
     template <typename Callable, typename Given>
     void hold(Given&& given) {

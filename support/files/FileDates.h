@@ -48,7 +48,7 @@ constexpr qint64 longestStepOfDate(qint64 nanoseconds) {
 
 /// The time of day in nanoseconds since 1970, as file systems give it to what changes now.
 inline qint64 currentFileDate() {
-    struct timespec time {};
+    struct timespec time = {};
     ::clock_gettime(CLOCK_REALTIME, &time);
     return nanosecondsOf(time);
 }

@@ -59,7 +59,7 @@ RegularFile::~RegularFile() {
 }
 
 std::optional<struct stat> RegularFile::status() const {
-    struct stat status {};
+    struct stat status = {};
     return ::fstat(descriptor_, &status) == 0 ? std::optional(status) : std::nullopt;
 }
 

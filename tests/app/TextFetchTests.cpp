@@ -77,11 +77,11 @@ TEST(TextFetch, aHundredMegabytesAreLeftWhereTheyAre) {
 }
 
 TEST(TextFetch, aServerThatStallsIsGivenUpAtTheLimit) {
-    for (const auto& answer :
-         {TestWebServer::stall(), TestWebServer::Answer([](int connection, const TestWebServer&s) {
-              TestWebServer::send(connection, "HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\n1.");
-              TestWebServer::stall()(connection, s);
-          })}) {
+    const TestWebServer::Answer stallsInTheBody = [](int connection, const TestWebServer& server) {
+        TestWebServer::send(connection, "HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\n1.");
+        TestWebServer::stall()(connection, server);
+    };
+    for (const auto& answer : {TestWebServer::Answer(TestWebServer::stall()), stallsInTheBody}) {
         const TestWebServer server(answer);
         QElapsedTimer timer;
         timer.start();

@@ -73,7 +73,7 @@ TEST_F(InstanceLockTest, aStoreFolderThatIsAFileIsNoObstacle) {
 
 TEST_F(InstanceLockTest, theStoresFolderIsMadeForTheUserAlone) {
     const InstanceLock lock(file(), store());
-    struct stat status {};
+    struct stat status = {};
     ASSERT_EQ(::stat(QFile::encodeName(store()).constData(), &status), 0);
     EXPECT_EQ(status.st_mode & 07777U, 0700U);
 }

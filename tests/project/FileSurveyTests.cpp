@@ -50,7 +50,7 @@ TEST_F(FileSurveyTest, datesAreExactAndMissingFilesHaveNone) {
 }
 
 TEST_F(FileSurveyTest, datesCenturiesAwayAreToldApart) {
-    struct stat status {};
+    struct stat status = {};
     status.st_mtim.tv_sec = std::numeric_limits<time_t>::max();
     const qint64 latest = modificationDateIn(status);
     status.st_mtim.tv_sec -= 1;
@@ -164,7 +164,7 @@ TEST_F(FileSurveyTest, oddPathsAreResolvedAsTheSystemDoes) {
           path("link"), path("link/b"), path("link/c/d"), QByteArray("/"), QByteArray("."),
           relative, path("a")}) {
         SCOPED_TRACE(odd.toStdString());
-        struct stat status {};
+        struct stat status = {};
         ASSERT_EQ(::stat(odd.constData(), &status), 0);
         EXPECT_EQ(survey_.modificationDate(odd), modificationDateIn(status));
     }

@@ -112,7 +112,7 @@ TEST_F(FolderListingsTest, aFolderThatDidNotChangeIsNotReadAgain) {
 
 TEST_F(FolderListingsTest, aChangeThatKeepsTheDateIsSeen) {
     settle(path());
-    struct stat before {};
+    struct stat before = {};
     ASSERT_EQ(::stat(path().constData(), &before), 0);
     write("a.m");
     const struct timespec times[2] = {before.st_atim, before.st_mtim};

@@ -54,9 +54,7 @@ qint32 killWhileSaving(const QString& path, int milliseconds) {
     }
     ::close(pipe[1]);
     // The child's writing does not wake it: nobody asks for readiness to read.
-    struct pollfd end {
-        pipe[0], 0, 0
-    };
+    struct pollfd end = {pipe[0], 0, 0};
     ::poll(&end, 1, milliseconds);
     EXPECT_EQ(end.revents, 0) << "the child ended by itself";
     ::kill(child, SIGKILL);

@@ -178,8 +178,10 @@ TEST(ScanEquality, realSourcesGiveWhatThePatternsGive) {
 // A comparison that finds no fault is worth what it would find.
 
 struct PlantedFault {
+    using Pattern = ScanPattern ScanPatterns::*;
+
     const char* name;
-    ScanPattern ScanPatterns::*pattern;
+    Pattern pattern;
     const char* from;
     const char* to;
 };

@@ -15,13 +15,13 @@ TEST(Application, runsOnQtsOwnEventLoop) {
 }
 
 TEST(Application, leavesNothingInTheEnvironmentOfProgramsThatItStarts) {
-    { const OwnEventLoop choice; }
+    std::make_unique<OwnEventLoop>().reset();
     EXPECT_FALSE(qEnvironmentVariableIsSet("QT_NO_GLIB"));
 }
 
 TEST(Application, keepsWhatTheEnvironmentSaysOfTheEventLoop) {
     qputenv("QT_NO_GLIB", "0");
-    { const OwnEventLoop choice; }
+    std::make_unique<OwnEventLoop>().reset();
     EXPECT_EQ(qgetenv("QT_NO_GLIB"), "0");
     qunsetenv("QT_NO_GLIB");
 }

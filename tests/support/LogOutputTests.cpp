@@ -133,7 +133,7 @@ class LogSocket {
 public:
     explicit LogSocket(const QByteArray& path) : socket_(::socket(AF_UNIX, SOCK_DGRAM, 0)) {
         ::unlink(path.constData());
-        struct sockaddr_un address {};
+        struct sockaddr_un address = {};
         address.sun_family = AF_UNIX;
         std::memcpy(address.sun_path, path.constData(), static_cast<std::size_t>(path.size()));
         EXPECT_EQ(

@@ -220,7 +220,8 @@ struct Payload {
 PTProtocol::PayloadCallback recordInto(Payload& payload) {
     return [&payload](const std::optional<Error>& error, const std::optional<DispatchData>& data,
                       const char* buffer, size_t size) {
-        payload = {payload.calls + 1, error, data, buffer, size};
+        const int calls = payload.calls + 1;
+        payload = {calls, error, data, buffer, size};
     };
 }
 
