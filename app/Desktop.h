@@ -23,7 +23,7 @@ public:
     /// thread.
     virtual void openURL(const QUrl& url, std::function<void()> wasRefused) = 0;
 
-    /// Puts the status item with its menu where the person's desktop shows such items. `imagePath`
+    /// Puts the status item with its menu where the user's desktop shows such items. `imagePath`
     /// is a resource or file; without it the item has no image. Once; the menu outlives the
     /// desktop's use of it.
     virtual void showStatusItem(StatusMenu& menu, const QString& imagePath) = 0;

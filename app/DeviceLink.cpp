@@ -169,7 +169,7 @@ void DeviceLink::connectedToUSBDevice(const std::shared_ptr<PTChannel>& channel,
         connectedDeviceID_ = wanted;
         return setConnectedChannel(channel);
     }
-    // The same object, not the same number: a device that was attached anew has its own attempt.
+    // The same object, not the same number: a device that was attached again has its own attempt.
     if (channel->userInfo() == wanted) {
         usbRetry_ = world_.clock.after(kReconnectDelay, [this] { enqueueConnectToUSBDevice(); });
     }

@@ -57,7 +57,7 @@ private:
     Action action_;
 };
 
-/// Shows a status menu to the person, and hears of its changes.
+/// Shows a status menu to the user, and hears of its changes.
 class StatusMenuView {
 public:
     virtual ~StatusMenuView() = default;
@@ -100,7 +100,7 @@ public:
     /// Null when there is none, or no longer.
     const MenuEntry* entryWithID(int id) const;
 
-    /// The person chose an entry. Nothing happens for one that is gone, or only read.
+    /// The user chose an entry. Nothing happens for one that is gone, or only read.
     void choose(int id) const;
 
     /// Views are not owned; each must be removed before it ends.

@@ -45,7 +45,7 @@ private:
 
     mutable std::mutex mutex_; ///< guards everything below; any thread
     std::shared_ptr<const DeviceID> connectingToDeviceID_;
-    QVariantMap connectedDeviceProperties_; ///< kept for whoever debugs, not read
+    QVariantMap connectedDeviceProperties_; ///< for the debugger, not read
     std::vector<Device> announced_;         ///< in the order of their announcements
     bool isChoiceDue_ = false;
 };

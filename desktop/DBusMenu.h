@@ -9,7 +9,7 @@
 namespace navrel {
 
 /// The status menu on the session bus, as panels read it: "com.canonical.dbusmenu". One level of
-/// entries below the root, which has the id 0. An entry that the person chooses does its work after
+/// entries below the root, which has the id 0. An entry that the user chooses does its work after
 /// the panel has its answer, since that work may be a dialog. Main thread.
 class DBusMenu final : public QDBusAbstractAdaptor, public StatusMenuView {
     Q_OBJECT

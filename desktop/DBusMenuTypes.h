@@ -29,7 +29,7 @@ struct DBusMenuLayoutItem {
     QList<DBusMenuLayoutItem> children;
 };
 
-/// (isvu): what the person did to an entry, and when.
+/// (isvu): what the user did to an entry, and when.
 struct DBusMenuEvent {
     int id = 0;
     QString eventID;

@@ -4,7 +4,7 @@
 
 namespace navrel {
 
-/// The editor of last resort: the desktop's opener, which opens a file with whatever the person has
+/// The editor of last resort: the desktop's opener, which opens a file with whatever the user has
 /// chosen for it, and knows of no active file and no line.
 class DesktopEditor final : public Editor {
 public:

@@ -4,11 +4,11 @@ namespace navrel {
 
 namespace {
 
-// Evaluated with lexical scope: the names below must not meet variables of the person's own.
+// Evaluated with lexical scope: the names below must not meet variables of the user's own.
 constexpr char kBegin[] = "(progn (require 'cl-lib) (require 'seq) (eval '(let* (";
 constexpr char kEnd[] = ") t))";
 
-// The window that the person looks at. A daemon's first frame is seen by nobody, and the minibuffer
+// The window that the user looks at. A daemon's first frame is seen by nobody, and the minibuffer
 // holds no file.
 constexpr char kBindWindow[] = R"lisp(
 (coding (or file-name-coding-system default-file-name-coding-system))

@@ -13,7 +13,7 @@ namespace navrel {
 
 /// What each editor answered last. One that waits for the rest of a command, stands behind a prompt
 /// or was stopped (Ctrl-Z in its terminal) still shows what it showed: to take it for gone would
-/// make another project of it, or none, and build the store anew, twice. One thread at a time.
+/// make another project of it, or none, and build the store again, twice. One thread at a time.
 class LastAnswers {
 public:
     /// `standsFor` is how long an answer is worth as much as a new one of another editor.

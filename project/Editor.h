@@ -29,7 +29,7 @@ struct EditorOutcome {
     QString reason; ///< one sentence for users; empty where the file was opened
 };
 
-/// The editor that the person works in. Main thread. A query blocks while the editor answers; the
+/// The editor that the user works in. Main thread. A query blocks while the editor answers; the
 /// body bounds that time.
 class Editor {
 public:

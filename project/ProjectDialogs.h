@@ -12,14 +12,14 @@ class Error;
 /// What `runAlert` returns for the first button; each further one is one more.
 inline constexpr int kAlertFirstButtonReturn = 1000;
 
-/// The dialogs that the project model shows. All of them are modal: a call returns when the person
+/// The dialogs that the project model shows. All of them are modal: a call returns when the user
 /// has answered. Main thread.
 class ProjectDialogs {
 public:
     virtual ~ProjectDialogs() = default;
 
-    /// Lets the person pick one file of the given types (extensions without the dot). Its path, or
-    /// nil when the person cancelled.
+    /// Lets the user pick one file of the given types (extensions without the dot). Its path, or
+    /// nil when the user cancelled.
     virtual std::optional<QString> runOpenPanel(const QString& title,
                                                 const QStringList& allowedFileTypes) = 0;
 

@@ -23,8 +23,8 @@ struct ShortcutRecord {
 /// buffer. One thread at a time.
 ///
 /// The program itself reads sources whole and scans them in one pass (SourceFileScanner.h), which
-/// is faster. This is the reader for whoever wants lines, and the scans of lines are what the tests
-/// hold that pass to.
+/// is faster. This is the reader for callers that want lines, and the scans of lines are what the
+/// tests hold that pass to.
 class QWFileReader {
 public:
     /// A reader at the beginning of the file, or null where `RegularFile::open` gives no file.

@@ -82,7 +82,7 @@ public:
     const std::optional<QByteArrayView>& superclass() const { return superclass_; }
     void setSuperclass(QByteArrayView name) { superclass_ = name; }
 
-    /// In order of line, one a line at the most.
+    /// In order of line, at most one a line.
     const std::vector<SourceShortcut>& shortcuts() const { return shortcuts_; }
     /// A shortcut on the line of the last one takes its place.
     void addShortcut(const SourceShortcut& shortcut);

@@ -10,7 +10,7 @@
 
 namespace navrel {
 
-/// Something that happened to its sender, told to whoever observes it.
+/// Something that happened to its sender, told to those that observe it.
 struct Notification {
     QString name;
     const void* sender = nullptr; ///< for comparison only

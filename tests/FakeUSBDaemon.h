@@ -59,9 +59,9 @@ public:
     /// Those of them that listen now.
     int listenerCount() const;
 
-    /// Sends bytes, whatever they are, to whoever listens.
+    /// Sends bytes, whatever they are, to every listener.
     void sendToListeners(const QByteArray& bytes);
-    /// The same to whoever waits for an answer to "Connect".
+    /// The same to every client that waits for an answer to "Connect".
     void sendToConnecting(const QByteArray& bytes);
     void closeConnecting();
     /// Whether all that was to be sent is on its way.

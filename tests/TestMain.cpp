@@ -24,7 +24,7 @@ int main(int argc, char** argv) {
     }
 #endif
 #ifdef NAVREL_WIDGETS
-    // Never on the desktop of whoever runs the tests.
+    // Never on the desktop of the user who runs the tests.
     qputenv("QT_QPA_PLATFORM", "offscreen");
 #endif
     const auto application = navrel::makeApplication<Application>(argc, argv);

@@ -24,7 +24,7 @@ public:
     BufferedSocket(const BufferedSocket&) = delete;
     BufferedSocket& operator=(const BufferedSocket&) = delete;
 
-    /// What has arrived; whoever takes bytes removes them.
+    /// What has arrived; the caller removes what it takes.
     QByteArray& received() { return received_; }
 
     /// Whether nothing more arrives: the peer is gone, or the stream failed.

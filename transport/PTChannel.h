@@ -40,7 +40,7 @@ enum PTConnState : quint8 {
 ///
 /// All calls on the queue of its protocol, where the delegate is called too. Callbacks may be null;
 /// connect, listen and send in the wrong state call theirs with the POSIX error EPERM. A channel
-/// that is connected or listening keeps itself alive until it has ended, whoever else lets go of
+/// that is connected or listening keeps itself alive until it has ended, whatever else lets go of
 /// it.
 class PTChannel final : public std::enable_shared_from_this<PTChannel> {
 public:

@@ -61,7 +61,7 @@ public:
         quint32 type_;
     };
 
-    /// A frame as in FrameCallback. Whoever is told calls `resume` once the payload has been read:
+    /// A frame as in FrameCallback. The callee must call `resume` once the payload has been read:
     /// only then is the next header read. After type 0, `resume` does nothing.
     using OnFrame = std::function<void(const std::optional<Error>& error, quint32 type, quint32 tag,
                                        quint32 payloadSize, Resume resume)>;

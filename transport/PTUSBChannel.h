@@ -22,7 +22,7 @@ class DispatchQueue;
 
 /// One connection to the USB multiplexing daemon, which carries packets (PTUSBPacket.h): requests,
 /// their replies, and broadcasts. After a successful "Connect" its stream carries the bytes of a
-/// device's port instead, and lives on in whoever took it.
+/// device's port instead, and lives on with its taker.
 ///
 /// All calls on the queue that it was opened on, where all callbacks run, later than the call; that
 /// of a message which no property list can hold is called before the call returns. Dropping it lets
@@ -98,7 +98,7 @@ public:
     /// packet is being read.
     void scheduleReadPacketWithBroadcastHandler(BroadcastHandler broadcastHandler);
     /// Reads a packet. Deliberately, a stream that ends where a packet should come or in the middle
-    /// of one stops the program: a daemon never does that, and whoever provides a stream sees to
+    /// of one stops the program: a daemon never does that, and the provider of a stream sees to
     /// it. A size that no packet has is a read error, EBADMSG, and stops the stream.
     void scheduleReadPacketWithCallback(PacketCallback callback);
 

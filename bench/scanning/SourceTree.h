@@ -7,8 +7,8 @@
 
 namespace navrel::bench {
 
-/// Source files to read: those of the folder that NAVREL_BENCH_SOURCES names, or 45 MB made up,
-/// with the density of comments, declarations and marks that large projects have.
+/// Source files to read: those of the folder that NAVREL_BENCH_SOURCES names, or 45 MB of synthetic
+/// ones, with the density of comments, declarations and marks that large projects have.
 class SourceTree {
 public:
     SourceTree();

@@ -13,7 +13,7 @@ namespace {
 
 using Outcome = MessagePackReading::Outcome;
 
-/// Cut at so many places at the most: each is a reading of its own.
+/// Cut at so many places at most: each is a reading of its own.
 constexpr qsizetype kMostCuts = 64;
 
 /// Whether the value is of the kinds that are written, none of which is a map or a real number.

@@ -44,7 +44,7 @@ private:
         // False after a record came behind younger ones, as one whose value was changed does.
         bool isInOrder = true;
     };
-    // Seeded anew in every process, so that no project file is made of keys that collide.
+    // Seeded differently in every process, so that no project file is made of keys that collide.
     struct Hash {
         using is_transparent = void;
         std::size_t operator()(QByteArrayView value) const {

@@ -39,8 +39,8 @@ constexpr std::size_t kRowsInBatch = 16;
 
 // What a first load writes stays in memory until the commit, instead of being spilled half-way.
 // A rollback journal, SQLite's default mode, is one extra file during a save and none at rest, and
-// lets a killed process's half-written save be undone by whoever opens the file next. FULL also
-// keeps a loss of power from damaging the file.
+// lets a killed process's half-written save be undone by the next process that opens the file. FULL
+// also keeps a loss of power from damaging the file.
 constexpr const char* kSettings = "PRAGMA cache_size = -65536;"
                                   "PRAGMA cell_size_check = ON;"
                                   "PRAGMA synchronous = FULL;";

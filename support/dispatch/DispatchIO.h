@@ -28,7 +28,7 @@ class DispatchQueue;
 /// so nobody else may read the descriptor. It reads only while an operation waits, a few times an
 /// event, and not while more than `kMostUnwrittenBytes` or `kMostUnwrittenWrites` wait for a peer
 /// that does not read. So what a peer can make it hold is bounded by the piece that the first read
-/// asks for, and whoever takes a length from a peer is to limit it.
+/// asks for, and a caller that takes a length from a peer must limit it.
 ///
 /// Operations may be called on any thread; off the queue's thread they take effect in the order of
 /// their calls as soon as the queue gets there. The channel stays alive while operations are
@@ -42,15 +42,15 @@ public:
     /// One delivery of a read: the next piece of its bytes, whether it is the last delivery, and
     /// for the last one an errno value. At the end of the stream an unfinished read first delivers
     /// what it has, if anything, and then an empty last piece with errno 0. A piece that was read
-    /// ahead shares that buffer of 64 KiB: whoever keeps small ones for long copies them.
+    /// ahead shares that buffer of 64 KiB: a caller that keeps small ones for long must copy them.
     using ReadHandler = MoveOnlyFunction<void(bool done, DispatchData data, int errnoValue),
                                          kReadHandlerInlineSize>;
 
     /// The end of a write: 0 when all its bytes are written.
     using WriteHandler = MoveOnlyFunction<void(int errnoValue)>;
 
-    /// The end of the channel: EBADF when the descriptor turned out to be none, else 0. Whoever
-    /// owns the descriptor closes it here, not before.
+    /// The end of the channel: EBADF when the descriptor turned out to be none, else 0. The
+    /// owner of the descriptor must close it here, not before.
     using CleanupHandler = MoveOnlyFunction<void(int errnoValue)>;
 
     enum class Close {

@@ -8,7 +8,7 @@
 namespace navrel {
 
 /// Bytes that were read before anybody asked for them, so that many small operations cost one
-/// system call. Its memory is allocated with the first use, and anew when somebody still has a
+/// system call. Its memory is allocated with the first use, and again when somebody still has a
 /// share in it.
 class ReadAhead {
 public:
@@ -33,7 +33,8 @@ public:
     std::span<const char> waiting() const { return {bytes_.get() + begin_, end_ - begin_}; }
     void taken(size_t count) { begin_ += count; }
 
-    /// The first `count` waiting bytes, which are taken; whoever holds them keeps the whole buffer.
+    /// The first `count` waiting bytes, which are taken; the one that holds them keeps the whole
+    /// buffer.
     std::shared_ptr<char[]> takeShared(size_t count) {
         std::shared_ptr<char[]> first(bytes_, bytes_.get() + begin_);
         begin_ += count;
@@ -41,7 +42,7 @@ public:
     }
 
 private:
-    // Whoever let go of the last share, maybe on another thread, has read from it before.
+    // The one that let go of the last share, maybe on another thread, has read from it before.
     bool isMine() const {
         if (bytes_.use_count() != 1) {
             return false;

@@ -15,7 +15,7 @@ namespace navrel {
 /// with what has arrived, since the announced length is somebody else's word.
 class ReadOperation {
 public:
-    /// Allocated at once for whoever announces as much or more; beyond it a buffer at most doubles,
+    /// Allocated at once where as much or more is announced; beyond it a buffer at most doubles,
     /// so a peer that announces 4 GB and delivers little holds this much.
     static constexpr size_t kFirstCapacity = size_t{1024} * 1024;
 

@@ -12,8 +12,8 @@ namespace navrel {
 inline constexpr int kMaxPropertyListDepth = 512;
 
 /// Values of one list that is read into QVariants, of which each takes some 100 bytes; counted as
-/// they unfold: a shared array of a binary list counts wherever it stands, since whoever walks the
-/// result meets it there. A project file of 20 MB has half as many.
+/// they unfold: a shared array of a binary list counts wherever it stands, since a caller that
+/// walks the result meets it there. A project file of 20 MB has half as many.
 inline constexpr std::size_t kMaxPropertyListValues = 1'000'000;
 
 /// Values of one list that is read into a PropertyListDocument, keys included, of which each takes

@@ -12,14 +12,14 @@ namespace navrel {
 /// A desktop that shows nothing, answers as it was told to, and records what it was asked.
 class FakeDesktop final : public Desktop {
 public:
-    /// What the person picks in the next open panels; nil cancels.
+    /// What the user picks in the next open panels; nil cancels.
     std::optional<QString> pickedPath;
 
     QStringList panelTitles;
     QStringList openedFiles;
     std::vector<Error> presentedErrors;
     int terminations = 0;
-    /// What the person answers to alerts.
+    /// What the user answers to alerts.
     int alertAnswer = kAlertFirstButtonReturn + 1;
     QStringList alertTexts;
     bool opensURLs = true;

@@ -87,7 +87,7 @@ TEST_F(ShellTest, withoutAnActiveFileTheLastListStays) {
     delegate_->createMenu();
     EXPECT_THAT(shortcutTitles(), ElementsAre(kFirst, kSecond, kThird));
 
-    // Back in the same file the list is taken anew: nothing was remembered of it.
+    // Back in the same file the list is taken again: nothing was remembered of it.
     editor_.fileName = QStringLiteral("One.m");
     delegate_->createMenu();
     EXPECT_THAT(shortcutTitles(), ElementsAre(QStringLiteral("Added"), kFirst, kSecond));

@@ -1,6 +1,6 @@
 // Cases as files: cases/LANGUAGE/NAME holds one source and the file "expected", its outline in
 // plain text (see OutlineText.h). NAVREL_UPDATE_CASES=1 in the environment writes the expected
-// files anew from what is found: read each difference before it is kept.
+// files again from what is found: read each difference before it is kept.
 
 #include "codemap/SourceOutline.h"
 #include "tests/codemap/OutlineText.h"

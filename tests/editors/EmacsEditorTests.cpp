@@ -126,7 +126,7 @@ TEST_F(EmacsEditorTest, theServerOfTheEnvironmentIsAsked) {
 TEST_F(EmacsEditorTest, aTemporaryFolderThatIsSetToNothingIsTheOneOfAll) {
     const QByteArray folder = "/tmp/emacs" + QByteArray::number(::geteuid());
     if (QFileInfo::exists(QString::fromUtf8(folder))) {
-        GTEST_SKIP() << folder.constData() << " is there: an Emacs of the person's may be using it";
+        GTEST_SKIP() << folder.constData() << " is there: an Emacs of the user's may be using it";
     }
     environment.unset("XDG_RUNTIME_DIR");
     environment.unset("TMPDIR");

@@ -139,7 +139,7 @@ TEST_F(NeovimEditorTest, aJumpWithoutALineSaysThatItWentWell) {
     EXPECT_EQ(valueOf("expand('%:p')"), fileB());
 }
 
-/// Where the person may be when a file is to be opened: the keys that lead there, and how to tell
+/// Where the user may be when a file is to be opened: the keys that lead there, and how to tell
 /// that they did.
 struct NeovimState {
     const char* name;

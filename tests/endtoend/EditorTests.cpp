@@ -138,7 +138,7 @@ TEST_F(NeovimTest, whileTheEditorIsBusyItsProjectStays) {
     EXPECT_TRUE(whileItLasts.hasExpired()) << "the project was emptied";
     EXPECT_EQ(rememberedProject(), first_.bundle());
     EXPECT_TRUE(elementsOfActiveFile().has_value());
-    // And the project is told anew once nobody is there any more.
+    // And the project is told again once nobody is there any more.
     neovim_.kill();
     EXPECT_TRUE(waitUntil([this] { return rememberedProject() == QStringLiteral(""); }));
 }

@@ -110,7 +110,7 @@ TEST_F(LiveProjectTest, aProjectFileThatCannotBeReadLeavesNothingToShowUntilItCa
     project_.writeFile(file, "<<<<<<< HEAD\n{\n");
     EXPECT_TRUE(waitUntil([&] { return !device_.ask(202).has_value(); }));
 
-    project_.addEntry("A", "a.h"); // writes it anew
+    project_.addEntry("A", "a.h"); // writes it again
     EXPECT_TRUE(waitForNames({QStringLiteral("a.h"), QStringLiteral("b.m")}));
     EXPECT_FALSE(navrel_.log().contains("Deleted"));
 }

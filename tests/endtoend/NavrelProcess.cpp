@@ -69,7 +69,7 @@ void NavrelProcess::prepare(QProcess& process, const QStringList& arguments) con
     environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
     environment.remove(QStringLiteral("DISPLAY"));
     environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
-    // Nor does it show itself on the desktop of whoever runs the tests.
+    // Nor does it show itself on the desktop of the user who runs the tests.
     environment.remove(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"));
     for (auto variable = extraEnvironment_.cbegin(); variable != extraEnvironment_.cend();
          ++variable) {

@@ -43,7 +43,7 @@ TEST_F(HostileProject, aCycleOfRecordsWhoseFilesAreGoneEndsTheWalk) {
     const auto text =
         ProjectText().group("MAIN", {"A"}).group("A", {"B"}, "a").group("B", {"A"}, "b");
     load(text);
-    // Their paths are resolved anew now, longer at every turn.
+    // Their paths are resolved again now, longer at every turn.
     ASSERT_TRUE(QDir(pathOf("a")).removeRecursively());
     pass();
     EXPECT_THAT(identifiers(), ElementsAre("MAIN"));

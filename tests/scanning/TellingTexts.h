@@ -5,7 +5,7 @@
 
 namespace navrel {
 
-/// A source made up to try a scan with.
+/// A source written to try a scan with.
 struct TellingText {
     QByteArray path;
     QByteArray text;

@@ -144,7 +144,7 @@ TEST_F(USBDaemonKeeperTest, afterARefusalListeningIsTakenUpOnceTheDaemonAgrees) 
     daemon_.attach(7);
     EXPECT_TRUE(waitForTold(list("+7")));
     EXPECT_EQ(starts_.size(), 1U);
-    EXPECT_EQ(log_.messages(), QStringList()); // the hub tells whoever lets it listen
+    EXPECT_EQ(log_.messages(), QStringList()); // the hub tells the one that lets it listen
 }
 
 TEST_F(USBDaemonKeeperTest, aRefusalOfTheRepeatedListenIsLoggedOnceAndAskedAgain) {

@@ -26,8 +26,8 @@ struct Input {
 };
 
 std::vector<Input> makeInputs() {
-    std::vector<Input> inputs = {{"2.7 MB made up", makeProjectFile(2'700'000)},
-                                 {"11 MB made up", makeProjectFile(11'000'000)}};
+    std::vector<Input> inputs = {{"2.7 MB, synthetic", makeProjectFile(2'700'000)},
+                                 {"11 MB, synthetic", makeProjectFile(11'000'000)}};
     if (const char* path = std::getenv("NAVREL_BENCH_PBXPROJ")) {
         QFile file(QString::fromLocal8Bit(path));
         if (file.open(QIODevice::ReadOnly)) {

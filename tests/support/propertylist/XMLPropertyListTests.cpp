@@ -276,7 +276,7 @@ TEST(XMLPropertyList, valuesHaveALimit) {
 
 TEST(XMLPropertyList, tagsAreCountedBeforeAnythingIsMadeOfThem) {
     const auto tooMany = static_cast<qsizetype>(4 * kMaxPropertyListValues + 5);
-    // The list is malformed at once for whoever reads it; what is told is that it is too large.
+    // The list is malformed at once for a reader; what is told is that it is too large.
     const QByteArray file = "<plist><foo>" + QByteArray("<a>").repeated(tooMany);
 
     EXPECT_EQ(errorOf(file).code(), static_cast<qint64>(PropertyListErrorCode::tooLarge));
