@@ -177,6 +177,7 @@ private:
             result.kind = kMark;
             result.name = file.outline->text(heading.text);
             result.line = heading.line;
+            result.container = symbolAround(*file.outline, heading.line);
             break;
         }
         case Table::notes: {
@@ -184,6 +185,7 @@ private:
             result.kind = kNote;
             result.name = file.outline->text(note.text);
             result.line = note.line;
+            result.container = symbolAround(*file.outline, note.line);
             break;
         }
         }
@@ -196,6 +198,17 @@ private:
         result.name = file.name;
         const MapNode* const parent = snapshot_.node(file.parent);
         result.container = parent != nullptr ? std::string_view(parent->name) : std::string_view();
+    }
+
+    /// The innermost declaration that holds a line; empty at the top of a file.
+    static std::string_view symbolAround(const Outline& outline, std::uint32_t line) {
+        std::string_view name;
+        for (const Symbol& symbol : outline.symbols()) {
+            if (symbol.line <= line && line <= symbol.endLine) {
+                name = outline.nameOf(symbol);
+            }
+        }
+        return name;
     }
 
     static void describeSymbol(const Outline& outline, std::uint32_t index, SearchResult& result) {

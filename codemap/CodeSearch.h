@@ -23,7 +23,8 @@ struct SearchRequest {
 struct SearchResult {
     std::string_view kind; ///< "file", "mark", "note" or a symbol's kind
     std::string_view name;
-    std::string_view container; ///< the type that declares it, or the group that holds a file
+    /// The type that declares it, the group that holds a file, the declaration around a comment.
+    std::string_view container;
     const MapNode* file = nullptr;
     std::uint32_t line = 0;               ///< 0 for files
     std::vector<std::uint32_t> positions; ///< matched characters, in UTF-16 units, ascending

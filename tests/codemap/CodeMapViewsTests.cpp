@@ -8,7 +8,9 @@
 #include <algorithm>
 #include <boost/json/parse.hpp>
 #include <boost/json/serialize.hpp>
+#include <map>
 #include <random>
+#include <string>
 #include <utility>
 
 namespace navrel {
@@ -89,6 +91,27 @@ TEST_F(CodeMapViewsTests, ASearchNamesKindPlaceAndPositions) {
     const json::object tides = searchView(snapshot, {"tide", {}, 2});
     EXPECT_EQ(tides.at("truncated"), true);
     EXPECT_EQ(tides.at("items").as_array().size(), 2U);
+}
+
+TEST_F(CodeMapViewsTests, ACommentIsFoundWithTheDeclarationAroundIt) {
+    builder_.addFile("Reef.m", [](OutlineBuilder& outline) {
+        outline.addNote(NoteKind::todo, 1, "coral one");
+        outline.open(declaration(SymbolKind::classType, 2, "Reef"));
+        outline.addHeading(3, "coral two", false);
+        outline.add(declaration(SymbolKind::method, 4, "-grow"), 6);
+        outline.addNote(NoteKind::todo, 5, "coral in it");
+        outline.addNote(NoteKind::todo, 7, "coral behind");
+        outline.close(8);
+    });
+    std::map<std::string, std::string> containers;
+    const CodeMapSnapshot snapshot = builder_.build();
+    for (const SearchResult& result : searchIn(snapshot, {"coral", {}, 50}).items) {
+        containers.emplace(result.name, result.container);
+    }
+    EXPECT_THAT(containers, testing::ElementsAre(testing::Pair("coral behind", "Reef"),
+                                                 testing::Pair("coral in it", "-grow"),
+                                                 testing::Pair("coral one", ""),
+                                                 testing::Pair("coral two", "Reef")));
 }
 
 TEST_F(CodeMapViewsTests, ASearchIsLimitedToKinds) {
