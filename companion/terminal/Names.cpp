@@ -46,6 +46,14 @@ std::string_view withoutParameters(std::string_view name) {
     return name.substr(0, name.find_first_of("(:"));
 }
 
+/// 0 for what is no number.
+std::uint32_t lineIn(std::string_view digits) {
+    std::uint32_t line = 0;
+    const char* const end = digits.data() + digits.size();
+    const auto [stop, error] = std::from_chars(digits.data(), end, line);
+    return error == std::errc() && stop == end ? line : 0;
+}
+
 void addNodes(const json::object& node, std::vector<NodeName>& nodes) {
     nodes.push_back({bytesAt(node, "id"), bytesAt(node, "name"), bytesAt(node, "path"),
                      bytesAt(node, "kind") != "file", numberAt(node, "symbols")});
@@ -145,22 +153,25 @@ std::vector<SymbolName> symbolsNamed(const std::vector<SymbolName>& symbols,
 
 std::vector<PlaceText> placesIn(std::string_view text) {
     std::vector<PlaceText> places;
-    const auto last = text.rfind(':');
-    if (last != std::string_view::npos && last > 0) {
-        std::uint32_t line = 0;
-        const char* const end = text.data() + text.size();
-        const auto [stop, error] = std::from_chars(text.data() + last + 1, end, line);
-        if (error == std::errc() && stop == end && line > 0) {
+    const auto addLine = [&](char separator) {
+        const auto last = text.rfind(separator);
+        const std::uint32_t line = last == text.npos ? 0 : lineIn(text.substr(last + 1));
+        if (line > 0 && last > 0) {
             places.push_back({std::string(text.substr(0, last)), {}, line});
         }
-    }
+    };
+    addLine(':');
     places.push_back({std::string(text), {}, 0});
-    for (auto at = text.find(':'); at != std::string_view::npos; at = text.find(':', at + 1)) {
+    for (auto at = text.find(':'); at != text.npos; at = text.find(':', at + 1)) {
         if (at > 0 && at + 1 < text.size()) {
             places.push_back(
                 {std::string(text.substr(0, at)), std::string(text.substr(at + 1)), 0});
         }
     }
+    if (text.size() > 1 && text.ends_with(':')) {
+        places.push_back({std::string(text.substr(0, text.size() - 1)), {}, 0});
+    }
+    addLine(' ');
     return places;
 }
 

@@ -48,7 +48,7 @@ std::vector<SymbolName> symbolsOf(const boost::json::object& outline);
 std::vector<SymbolName> symbolsNamed(const std::vector<SymbolName>& symbols, std::string_view text);
 
 /// Ways to read "FILE", "FILE:LINE" and "FILE:SYMBOL", the likeliest first: file names and symbols
-/// may contain colons.
+/// may contain colons. The least likely one is "FILE LINE".
 struct PlaceText {
     std::string file;
     std::string symbol;     ///< empty for none

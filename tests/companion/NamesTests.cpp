@@ -71,10 +71,13 @@ TEST(Names, placesAreReadInEveryWayThatColonsAllow) {
               (Places{{"View.m", "", 12}, {"View.m:12", "", 0}, {"View.m", "12", 0}}));
     EXPECT_EQ(placesIn("View.m:-fall:by:"), (Places{{"View.m:-fall:by:", "", 0},
                                                     {"View.m", "-fall:by:", 0},
-                                                    {"View.m:-fall", "by:", 0}}));
+                                                    {"View.m:-fall", "by:", 0},
+                                                    {"View.m:-fall:by", "", 0}}));
     EXPECT_EQ(placesIn("a:b.m"), (Places{{"a:b.m", "", 0}, {"a", "b.m", 0}}));
     EXPECT_EQ(placesIn(":3"), (Places{{":3", "", 0}}));
     EXPECT_EQ(placesIn("View.m:0").front(), (PlaceText{"View.m:0", "", 0}));
+    EXPECT_EQ(placesIn("View.m:"), (Places{{"View.m:", "", 0}, {"View.m", "", 0}}));
+    EXPECT_EQ(placesIn("My View.m 12"), (Places{{"My View.m 12", "", 0}, {"My View.m", "", 12}}));
 }
 
 } // namespace
