@@ -21,6 +21,9 @@ namespace {
 constexpr int kUsageWidth = 28;
 /// More than that are not told apart at a glance.
 constexpr qsizetype kMostNamesListed = 20;
+/// Words of a question that are searched for one by one; shorter ones find nearly everything.
+constexpr qsizetype kMostWordsTried = 3;
+constexpr qsizetype kShortestWordTried = 4;
 /// Enough to find one that is worth a look.
 constexpr int kOutlinesToChooseFrom = 20;
 
@@ -72,6 +75,24 @@ json::object withoutTypes(const json::object& node, const std::set<std::string>&
     return kept;
 }
 
+/// The extension that a user means: "plist", ".plist", "*.plist", "PLIST" or "plists"; nil where
+/// the project has no such files.
+std::optional<std::string> typeNamed(const json::object& types, std::string_view text) {
+    const auto dot = text.starts_with('.') || text.starts_with('*') ? text.rfind('.') : text.npos;
+    const std::string name(dot == text.npos ? text : text.substr(dot + 1));
+    const std::string low = lowered(name);
+    const std::string singular = low.ends_with('s') ? low.substr(0, low.size() - 1) : low;
+    for (const std::string& meant : {name, low, singular}) {
+        for (const json::value& type : arrayAt(types, "items")) {
+            const std::string extension = bytesAt(objectOf(type), "extension");
+            if (extension == meant || (meant == low && lowered(extension) == low)) {
+                return extension;
+            }
+        }
+    }
+    return std::nullopt;
+}
+
 const json::object* nodeWithID(const json::object& node, const std::string& id) {
     if (bytesAt(node, "id") == id) {
         return &node;
@@ -93,6 +114,14 @@ std::vector<NodeName> thoseOfKind(const std::vector<NodeName>& nodes, bool isGro
 
 QString placeOf(const NodeName& node) {
     return shown(node.path.empty() ? node.name : node.path);
+}
+
+QStringList placesOf(const std::vector<NodeName>& nodes) {
+    QStringList places;
+    for (const NodeName& node : nodes) {
+        places.append(placeOf(node));
+    }
+    return places;
 }
 
 } // namespace
@@ -159,11 +188,11 @@ CommandResult Commands::runCommand(const CommandInfo& command, const QString& ar
     case CommandID::open:
         return openPlace(argument);
     case CommandID::back:
-        return showOutcome(source.back());
+        return showOutcome(source.back(), {});
     case CommandID::follow:
         return world_.follow ? world_.follow() : misuse(command);
     case CommandID::state:
-        return showState();
+        return showState(argument);
     case CommandID::doctor:
         print(world_.doctor ? world_.doctor() : QString());
         return CommandResult::done;
@@ -218,7 +247,8 @@ CommandResult Commands::refuseUnknown(const QString& name) {
 CommandResult Commands::misuse(const CommandInfo& command) {
     return fail(CommandResult::usage,
                 QStringLiteral("Usage: %1 %2").arg(command.name, command.parameters).trimmed(),
-                command.details);
+                command.parameters.isEmpty() ? QStringLiteral("It takes nothing behind its name.")
+                                             : command.details);
 }
 
 CommandResult Commands::answerHelp(const QString& argument) {
@@ -410,12 +440,27 @@ CommandResult Commands::showOutline(const QString& file) {
                 : lastFailure_;
 }
 
+/// A question in several words finds nothing, where one of them would.
+QString Commands::hintForSearch(const QString& text) {
+    QStringList words;
+    for (const QString& word : text.split(u' ', Qt::SkipEmptyParts)) {
+        const bool isAsked = word.size() >= kShortestWordTried && words.size() < kMostWordsTried;
+        if (isAsked && word != text &&
+            !arrayAt(world_.source.search(word.toStdString()).view, "items").empty()) {
+            words.append(QStringLiteral("find ") + TerminalText::harmless(word));
+        }
+    }
+    return words.isEmpty()
+               ? QStringLiteral("Try fewer letters: they need not be next to each other.")
+               : QStringLiteral("One word finds more: %1.").arg(words.join(QStringLiteral(", ")));
+}
+
 CommandResult Commands::showSearch(const QString& text) {
     const CodeAnswer found = world_.source.search(text.toStdString());
     if (found.isView() && arrayAt(found.view, "items").empty()) {
         return fail(CommandResult::notFound,
                     QStringLiteral("Nothing is called \"%1\".").arg(TerminalText::harmless(text)),
-                    QStringLiteral("Try fewer letters: they need not be next to each other."));
+                    hintForSearch(text));
     }
     return showView(found, [this](const View& view) { return mapText_.search(view); });
 }
@@ -441,7 +486,7 @@ CommandResult Commands::showClasses(const QString& name) {
         return fail(CommandResult::notFound,
                     QStringLiteral("Nothing in the project derives from %1.")
                         .arg(TerminalText::harmless(name)),
-                    {});
+                    QStringLiteral("\"classes\" lists all that others derive from."));
     }
     print(*below);
     return CommandResult::done;
@@ -478,28 +523,27 @@ CommandResult Commands::runFilter(const QString& argument) {
     }
     const QString setting = argument.section(u' ', -1).toLower();
     if (setting != QStringLiteral("on") && setting != QStringLiteral("off")) {
-        return misuse(*commandNamed(QStringLiteral("filter")));
+        return fail(CommandResult::usage, QStringLiteral("Usage: filter [EXT on|off]"),
+                    QStringLiteral("filter plist off hides property lists. For what derives from "
+                                   "a class: classes %1")
+                        .arg(TerminalText::harmless(argument)));
     }
     return switchType(argument.chopped(setting.size()).trimmed(), setting == QStringLiteral("on"));
 }
 
 CommandResult Commands::switchType(const QString& extension, bool allowed) {
-    const QString name = extension.startsWith(u'.') || extension.startsWith(u'*')
-                             ? extension.section(u'.', -1)
-                             : extension;
     const CodeAnswer before = world_.source.fileTypes();
-    const json::array& types = arrayAt(before.view, "items");
-    const bool isThere = std::any_of(types.begin(), types.end(), [&](const json::value& type) {
-        return bytesAt(objectOf(type), "extension") == name.toStdString();
-    });
-    if (before.isView() && !isThere) {
+    if (!before.isView()) {
+        return fail(before);
+    }
+    const auto name = typeNamed(before.view, extension.toStdString());
+    if (!name) {
         return fail(CommandResult::notFound,
                     QStringLiteral("The project has no files of type \"%1\".")
-                        .arg(TerminalText::harmless(name)),
+                        .arg(TerminalText::harmless(extension)),
                     QStringLiteral("\"filter\" lists the types that it has."));
     }
-    return showView(before.isView() ? world_.source.switchFileType(name.toStdString(), allowed)
-                                    : before,
+    return showView(world_.source.switchFileType(*name, allowed),
                     [this](const View& view) { return fileTypesText(view); });
 }
 
@@ -529,16 +573,13 @@ std::optional<NodeName> Commands::nodeNamed(const std::vector<NodeName>& nodes, 
             CommandResult::notFound,
             QStringLiteral("The project has no %1 \"%2\".").arg(what, TerminalText::harmless(text)),
             world_.source.hasCodeMap()
-                ? QStringLiteral("\"find %1\" searches symbols, too; \"tree\" shows all files.")
+                ? QStringLiteral("\"find %1\" searches symbols, too, and shows places that open "
+                                 "takes; \"tree\" shows all files.")
                       .arg(TerminalText::harmless(text))
                 : QStringLiteral("\"tree\" shows all files."));
         return std::nullopt;
     }
-    QStringList names;
-    for (const NodeName& node : found) {
-        names.append(placeOf(node));
-    }
-    refuseMany(text, what, names);
+    refuseMany(text, what, placesOf(found));
     return std::nullopt;
 }
 
@@ -583,6 +624,9 @@ CommandResult Commands::openPlace(const QString& text) {
         if (found.empty()) {
             continue;
         }
+        if (found.size() > 1 && !place.symbol.empty()) {
+            return openSymbolInOneOf(found, place);
+        }
         if (found.size() > 1) {
             return nodeNamed(files, file, QStringLiteral("file")) ? CommandResult::done
                                                                   : lastFailure_;
@@ -602,26 +646,75 @@ CommandResult Commands::openPlace(const QString& text) {
     return lastFailure_;
 }
 
-CommandResult Commands::openPath(const NodeName& file, std::uint32_t line) {
-    return showOutcome(world_.source.open(file.id, file.path, line));
+/// Where several files have the name, the one that declares the symbol is meant.
+CommandResult Commands::openSymbolInOneOf(const std::vector<NodeName>& files,
+                                          const PlaceText& place) {
+    std::vector<std::pair<NodeName, SymbolName>> found;
+    QStringList names;
+    for (const NodeName& file : files) {
+        if (names.size() == kMostNamesListed) {
+            break;
+        }
+        const CodeAnswer outline = world_.source.outline(file.id);
+        for (const SymbolName& each : symbolsNamed(symbolsOf(outline.view), place.symbol)) {
+            found.emplace_back(file, each);
+            names.append(QStringLiteral("%1:%2  %3")
+                             .arg(placeOf(file))
+                             .arg(each.line)
+                             .arg(shown(each.name)));
+        }
+    }
+    if (found.size() == 1) {
+        return openPath(found.front().first, found.front().second.line);
+    }
+    return refuseMany(shown(found.empty() ? place.file : place.symbol),
+                      found.empty() ? QStringLiteral("file") : QStringLiteral("symbol"),
+                      found.empty() ? placesOf(files) : names);
 }
 
-CommandResult Commands::showOutcome(const CodeAnswer& outcome) {
-    return showView(outcome, [](const View& view) {
+CommandResult Commands::openPath(const NodeName& file, std::uint32_t line) {
+    const QString name = file.name.empty() ? shown(file.path) : shown(file.name);
+    const QString place = line > 0 ? QStringLiteral("%1:%2").arg(name).arg(line) : name;
+    return showOutcome(world_.source.open(file.id, file.path, line), place);
+}
+
+/// `place` is what was to be opened; empty where that is not known.
+CommandResult Commands::showOutcome(const CodeAnswer& outcome, const QString& place) {
+    return showView(outcome, [&](const View& view) {
         const QString editor = textAt(view, "editor");
+        const QString what = place.isEmpty() ? QString() : u' ' + place;
         if (bytesAt(view, "outcome") != "opened") {
-            return QStringLiteral("Navrel was asked to open it.\n");
+            return QStringLiteral("Navrel was asked to open%1.\n")
+                .arg(place.isEmpty() ? QStringLiteral(" it") : what);
         }
-        return editor.isEmpty() ? QStringLiteral("Opened.\n")
-                                : QStringLiteral("Opened in %1.\n").arg(editor);
+        return editor.isEmpty() ? QStringLiteral("Opened%1.\n").arg(what)
+                                : QStringLiteral("Opened%1 in %2.\n").arg(what, editor);
     });
 }
 
 // The program.
 
-CommandResult Commands::showState() {
-    return showView(world_.source.state(),
-                    [this](const View& view) { return stateText(view, world_.text); });
+CommandResult Commands::showState(const QString& part) {
+    CodeAnswer state = world_.source.state();
+    if (state.isView() && !part.isEmpty()) {
+        json::array kept;
+        QStringList parts;
+        for (const json::value& sentence : arrayAt(state.view, "sentences")) {
+            const QString title = textAt(objectOf(sentence), "part");
+            parts.append(title.toLower());
+            if (title.startsWith(part, Qt::CaseInsensitive)) {
+                kept.push_back(sentence);
+            }
+        }
+        if (kept.empty()) {
+            return fail(
+                CommandResult::notFound,
+                QStringLiteral("The state has no part \"%1\".").arg(TerminalText::harmless(part)),
+                QStringLiteral("Its parts: %1.").arg(parts.join(QStringLiteral(", "))));
+        }
+        state.view = {{"sentences", std::move(kept)}};
+    }
+    return showView(state, [this](const View& view) { return stateText(view, world_.text); });
 }
 
 CommandResult Commands::showPairing() {
@@ -641,7 +734,8 @@ CommandResult Commands::showDevices() {
     return showView(world_.source.devices(), [](const View& view) {
         const QString text = devicesText(view);
         return text.isEmpty()
-                   ? QStringLiteral("No device is paired. \"pair\" shows a code for one.\n")
+                   ? QStringLiteral("No browser is paired. \"pair\" shows a code for one; "
+                                    "\"state device\" says how a device on the cable stands.\n")
                    : text;
     });
 }

@@ -52,14 +52,16 @@ private:
     CommandResult showGroup(const QString& group);
     CommandResult showOutline(const QString& file);
     CommandResult showSearch(const QString& text);
+    QString hintForSearch(const QString& text);
     CommandResult showClasses(const QString& name);
     CommandResult runFilter(const QString& argument);
     CommandResult switchType(const QString& extension, bool allowed);
     CommandResult showNotes(const CodeAnswer& notes);
     CommandResult openPlace(const QString& text);
+    CommandResult openSymbolInOneOf(const std::vector<NodeName>& files, const PlaceText& place);
     CommandResult openPath(const NodeName& file, std::uint32_t line);
-    CommandResult showOutcome(const CodeAnswer& outcome);
-    CommandResult showState();
+    CommandResult showOutcome(const CodeAnswer& outcome, const QString& place);
+    CommandResult showState(const QString& part);
     CommandResult showPairing();
     CommandResult showDevices();
     CommandResult showProject();

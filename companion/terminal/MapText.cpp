@@ -39,6 +39,13 @@ QString withBlankBefore(const QString& text) {
     return text.isEmpty() ? text : QLatin1Char(' ') + text;
 }
 
+/// Whether a name says already what it is the name of: "init(station:)".
+bool saysKind(const QString& name, const QString& kind) {
+    static const QStringList kKindsInNames = {QStringLiteral("init"), QStringLiteral("deinit"),
+                                              QStringLiteral("subscript")};
+    return kKindsInNames.contains(kind) && name.startsWith(kind);
+}
+
 } // namespace
 
 QString MapText::tree(const Object& view) const {
@@ -123,9 +130,10 @@ QList<QPair<qint64, QString>> MapText::outlineLines(const Object& view, qint64 l
     appendSymbols(view, "items", 0, lines);
     for (const json::value& item : arrayAt(view, "notes")) {
         const Object& note = objectOf(item);
-        lines.append(
-            {numberAt(note, "line"),
-             text_.warning(textAt(note, "kind") + QStringLiteral(": ") + textAt(note, "text"))});
+        const QString text = textAt(note, "kind") + QStringLiteral(": ") + textAt(note, "text");
+        lines.append({numberAt(note, "line"), bytesAt(note, "kind") == "shortcut"
+                                                  ? text_.accent(text)
+                                                  : text_.warning(text)});
     }
     std::stable_sort(lines.begin(), lines.end(),
                      [](const auto& left, const auto& right) { return left.first < right.first; });
@@ -137,13 +145,19 @@ QList<QPair<qint64, QString>> MapText::outlineLines(const Object& view, qint64 l
     return lines;
 }
 
+QString MapText::declaration(const Object& symbol) const {
+    const QString kind = textAt(symbol, "kind");
+    const QString name = textAt(symbol, "name");
+    return saysKind(name, kind) ? name : text_.faint(kind) + withBlankBefore(name);
+}
+
 /// Declarations nest no deeper than their outline, which bounds the recursion.
 void MapText::appendSymbols(const Object& parent, const char* key, int depth,
                             QList<QPair<qint64, QString>>& lines) const {
     for (const json::value& item : arrayAt(parent, key)) {
         const Object& symbol = objectOf(item);
         QString line(depth * kIndentation, QLatin1Char(' '));
-        line += text_.faint(textAt(symbol, "kind")) + withBlankBefore(textAt(symbol, "name"));
+        line += declaration(symbol);
         const QString inherits = joined(arrayAt(symbol, "inherits"));
         if (!inherits.isEmpty()) {
             line += text_.faint(QStringLiteral(": ") + inherits);
@@ -164,7 +178,9 @@ QString MapText::search(const Object& view) const {
     for (const json::value& value : arrayAt(view, "items")) {
         const Object& item = objectOf(value);
         const QString container = textAt(item, "container");
-        result += textAt(item, "kind") + withBlankBefore(textAt(item, "name"));
+        const QString kind = textAt(item, "kind");
+        const QString name = textAt(item, "name");
+        result += saysKind(name, kind) ? name : kind + withBlankBefore(name);
         if (!container.isEmpty()) {
             result += text_.faint(QStringLiteral(" in ") + container);
         }

@@ -37,6 +37,7 @@ private:
     QString nodeLine(const Object& node) const;
     void appendSymbols(const Object& parent, const char* key, int depth,
                        QList<QPair<qint64, QString>>& lines) const;
+    QString declaration(const Object& symbol) const;
     QString place(const Object& item) const;
 
     TerminalText text_;

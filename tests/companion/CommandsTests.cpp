@@ -125,10 +125,14 @@ TEST_F(CommandsTest, helpListsWhatADeviceIsServedAndExplainsEachCommand) {
 TEST_F(CommandsTest, wrongArgumentsAreAnsweredByTheUsage) {
     EXPECT_THAT(output("outline", CommandResult::usage),
                 ::testing::StartsWith("!Usage: outline FILE\n"));
-    EXPECT_THAT(output("shortcuts now", CommandResult::usage),
-                ::testing::StartsWith("!Usage: shortcuts\n"));
+    for (const char* name : {"shortcuts", "project", "version", "quit"}) {
+        EXPECT_EQ(output((std::string(name) + " now").c_str(), CommandResult::usage),
+                  std::string("!Usage: ") + name + "\nIt takes nothing behind its name.\n");
+    }
     EXPECT_THAT(output("filter m maybe", CommandResult::usage),
                 ::testing::StartsWith("!Usage: filter [EXT on|off]\n"));
+    EXPECT_THAT(output("types UIView", CommandResult::usage),
+                ::testing::HasSubstr("classes UIView\n"));
     EXPECT_TRUE(questions_.empty());
 }
 
@@ -177,19 +181,23 @@ TEST_F(CommandsTest, anOutlineShowsDeclarationsMarksAndWarnings) {
 }
 
 TEST_F(CommandsTest, openTakesALineASymbolOrNeither) {
-    const auto opened = [this](const char* line) {
-        EXPECT_EQ(output(line), "Navrel was asked to open it.\n");
+    const auto opened = [this](const char* line, const std::string& place) {
+        EXPECT_EQ(output(line), "Navrel was asked to open " + place + ".\n");
         return questions_.back().request;
     };
     const QString path = text("/p/Views/TideView.m");
-    EXPECT_EQ(opened("open TideView.m"), (QVariantMap{{text("path"), path}}));
-    EXPECT_EQ(opened("open TideView.m:42"),
-              (QVariantMap{{text("path"), path}, {text("line"), 42U}}));
-    EXPECT_EQ(opened("open TideView.m:rise"),
-              (QVariantMap{{text("path"), path}, {text("line"), 12U}}));
-    EXPECT_EQ(opened("open TideView.m:-rise:"),
-              (QVariantMap{{text("path"), path}, {text("line"), 12U}}));
-    EXPECT_EQ(opened("open /dev/null:3"),
+    for (const char* line : {"open TideView.m", "open TideView.m:"}) {
+        EXPECT_EQ(opened(line, "TideView.m"), (QVariantMap{{text("path"), path}}));
+    }
+    for (const char* line : {"open TideView.m:42", "edit TideView.m 42"}) {
+        EXPECT_EQ(opened(line, "TideView.m:42"),
+                  (QVariantMap{{text("path"), path}, {text("line"), 42U}}));
+    }
+    for (const char* line : {"open TideView.m:rise", "open TideView.m:-rise:"}) {
+        EXPECT_EQ(opened(line, "TideView.m:12"),
+                  (QVariantMap{{text("path"), path}, {text("line"), 12U}}));
+    }
+    EXPECT_EQ(opened("open /dev/null:3", "/dev/null:3"),
               (QVariantMap{{text("path"), text("/dev/null")}, {text("line"), 3U}}));
 }
 
@@ -199,8 +207,13 @@ TEST_F(CommandsTest, openSaysWhatIsNotThere) {
     EXPECT_EQ(
         output("open TideView.m:fall", CommandResult::notFound),
         "!TideView.m declares no \"fall\".\n\"outline TideView.m\" shows what it declares.\n");
-    EXPECT_THAT(output("open tide:3", CommandResult::notFound),
-                ::testing::StartsWith("!2 files fit \"tide\":\n"));
+    for (const char* line : {"open tide:3", "open tide:fall"}) {
+        EXPECT_THAT(output(line, CommandResult::notFound),
+                    ::testing::StartsWith("!2 files fit \"tide\":\n"));
+    }
+    EXPECT_EQ(output("open tide:rise", CommandResult::notFound),
+              "!2 symbols fit \"rise\":\n  /p/Views/TideView.m:12  -rise:\n"
+              "  /p/Views/TideView.h:12  -rise:\nType more of the one that you mean.\n");
 }
 
 TEST_F(CommandsTest, classesAreShownWithWhatDerivesFromThem) {
@@ -213,7 +226,8 @@ TEST_F(CommandsTest, classesAreShownWithWhatDerivesFromThem) {
 
 TEST_F(CommandsTest, fileTypesAreListedAndSwitched) {
     EXPECT_EQ(output("types"), "on  m\noff plist\non  (no extension)\n");
-    for (const char* line : {"type plist on", "filter plist ON", "show plist", "show .plist"}) {
+    for (const char* line : {"type plist on", "filter plist ON", "show plist", "show .plist",
+                             "show *.plist", "show PLIST", "show plists"}) {
         run(text(line));
         EXPECT_EQ(questions_.back(),
                   (Question{kFrameChangeFileType,
