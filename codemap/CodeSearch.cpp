@@ -84,10 +84,11 @@ public:
 private:
     void visitFiles() {
         std::unordered_set<const Outline*> seen; // of a file that is listed twice
+        seen.reserve(snapshot_.nodes().size());
         for (node_ = 0; node_ < snapshot_.nodes().size(); ++node_) {
             const MapNode& node = *snapshot_.nodes()[node_];
             if (filter_.files && node.kind == NodeKind::file) {
-                consider(node.name, letterSetOf(node.name), node, Table::files, 0);
+                consider(node.name, nameLettersOf(node.name), node, Table::files, 0);
             }
             if (node.outline && seen.insert(node.outline.get()).second) {
                 visitOutline(node, *node.outline);
@@ -99,7 +100,7 @@ private:
         const LetterSet wanted = match_.letters();
         std::uint32_t index = 0;
         for (const Symbol& symbol : outline.symbols()) {
-            if (mayHold(symbol.letters, wanted) && filter_.allows(symbol.kind)) {
+            if (mayHold(symbol.letters.all, wanted) && filter_.allows(symbol.kind)) {
                 consider(outline.text(symbol.name), symbol.letters, file, Table::symbols, index);
             }
             ++index;
@@ -122,9 +123,9 @@ private:
         }
     }
 
-    void consider(std::string_view name, LetterSet letters, const MapNode& file, Table table,
-                  std::uint32_t index) {
-        if (!mayHold(letters, match_.letters())) {
+    void consider(std::string_view name, const NameLetters& letters, const MapNode& file,
+                  Table table, std::uint32_t index) {
+        if (!mayHold(letters.all, match_.letters())) {
             return;
         }
         Candidate candidate{

@@ -153,6 +153,23 @@ char32_t nextCharacter(std::string_view text, std::size_t& place) {
     return static_cast<char32_t>(character);
 }
 
+/// A score that no placement of a word reaches beyond: takes each character at its best place,
+/// wherever that is. One that never stands right behind the one before it costs a gap, and begins
+/// a run of its own. `bonusAt` gives the highest bonus that the name has for a place of the word,
+/// `mayGoOnAt` whether its character may stand right behind the one before.
+template <typename BonusAt, typename MayGoOnAt>
+int boundOf(std::size_t length, BonusAt bonusAt, MayGoOnAt mayGoOnAt) {
+    int ofRun = bonusAt(0);
+    int sum = kMatch + ofRun * kFirstCharacterFactor;
+    for (std::size_t index = 1; index < length; ++index) {
+        const int own = bonusAt(index);
+        const bool mayGoOn = mayGoOnAt(index);
+        ofRun = mayGoOn ? std::max(own, ofRun) : own;
+        sum += kMatch + (mayGoOn ? std::max(ofRun, kInARow) : own + kGapStart);
+    }
+    return sum;
+}
+
 } // namespace
 
 FuzzyMatch::FuzzyMatch(std::string_view query) {
@@ -170,6 +187,14 @@ FuzzyMatch::FuzzyMatch(std::string_view query) {
     }
     if (!word.empty()) {
         words_.push_back(std::move(word));
+    }
+    for (const Characters& each : words_) {
+        char32_t before = 0;
+        std::vector<Sought>& sought = sought_.emplace_back();
+        for (const char32_t here : each) {
+            sought.push_back({NameLetters::pairOf(before, here), NameLetters::wordLetter(here)});
+            before = here;
+        }
     }
 }
 
@@ -234,17 +259,25 @@ std::optional<int> FuzzyMatch::scoreOfCharacter(std::string_view name) const {
     return best < 0 ? std::nullopt : std::optional(kMatch + best * kFirstCharacterFactor);
 }
 
-int FuzzyMatch::bound(std::string_view name, LetterSet letters) const {
+int FuzzyMatch::bound(std::string_view name, const NameLetters& letters) const {
     static const LetterSet kBlank = letterSetOf(" ");
-    const auto first = name.empty() ? '\0' : name.front();
-    const bool mayFollowBlank = mayHold(letters, kBlank) || (first & '\x80') != 0;
+    const char first = name.empty() ? '\0' : name.front();
+    const bool mayFollowBlank = mayHold(letters.all, kBlank) || (first & '\x80') != 0;
+    const char32_t begin = kASCII[static_cast<unsigned char>(first) & 0x7F].folded;
     int sum = 0;
-    for (const Characters& word : words_) {
-        const bool begins =
-            mayFollowBlank || kASCII[static_cast<unsigned char>(first)].folded == word.front();
-        const int bonus = begins ? kAfterBlank : kAfterDelimiter;
-        const int length = static_cast<int>(word.size());
-        sum += length * (kMatch + bonus) + (kFirstCharacterFactor - 1) * bonus;
+    for (std::size_t word = 0; word < words_.size(); ++word) {
+        const auto bonusAt = [&](std::size_t index) {
+            const Sought& sought = sought_[word][index];
+            if ((letters.starts & sought.wordLetter) != 0) {
+                const bool isFirst = mayFollowBlank || words_[word][index] == begin;
+                return isFirst ? kAfterBlank : kAfterDelimiter;
+            }
+            return (letters.humps & sought.wordLetter) != 0 ? kCamelCase : 0;
+        };
+        const auto mayGoOnAt = [&](std::size_t index) {
+            return (letters.pairs & sought_[word][index].pair) != 0;
+        };
+        sum += boundOf(words_[word].size(), bonusAt, mayGoOnAt);
     }
     return sum;
 }
@@ -314,12 +347,7 @@ bool FuzzyMatch::findFirstPlaces(const Characters& word) {
     return true;
 }
 
-/// Takes each character at its best place, wherever that is. One that never stands right behind the
-/// one before it costs a gap, and begins a run of its own.
 int FuzzyMatch::boundOfWord(const Characters& word) const {
-    constexpr auto pairOf = [](char32_t before, char32_t here) {
-        return std::uint64_t{1} << ((before * 7 + here) % 64);
-    };
     std::array<std::int16_t, 128> best{};
     std::uint64_t pairs = 0;
     char32_t before = 0;
@@ -329,18 +357,14 @@ int FuzzyMatch::boundOfWord(const Characters& word) const {
             return INT_MAX;
         }
         best[here] = std::max(best[here], bonus_[column]);
-        pairs |= pairOf(before, here);
+        pairs |= NameLetters::pairOf(before, here);
         before = here;
     }
-    int ofRun = best[word.front()];
-    int sum = kMatch + ofRun * kFirstCharacterFactor;
-    for (std::size_t index = 1; index < word.size(); ++index) {
-        const int own = best[word[index]];
-        const bool mayGoOn = (pairs & pairOf(word[index - 1], word[index])) != 0;
-        ofRun = mayGoOn ? std::max(own, ofRun) : own;
-        sum += kMatch + (mayGoOn ? std::max(ofRun, kInARow) : own + kGapStart);
-    }
-    return sum;
+    return boundOf(
+        word.size(), [&](std::size_t index) { return int{best[word[index]]}; },
+        [&](std::size_t index) {
+            return (pairs & NameLetters::pairOf(word[index - 1], word[index])) != 0;
+        });
 }
 
 int FuzzyMatch::scoreOfWord(const Characters& word) {

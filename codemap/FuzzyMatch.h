@@ -1,6 +1,6 @@
 #pragma once
 
-#include "codemap/LetterSet.h"
+#include "codemap/NameLetters.h"
 
 #include <cstdint>
 #include <optional>
@@ -35,7 +35,7 @@ public:
     LetterSet letters() const { return letters_; }
 
     /// A score that no name reaches beyond, by its first character and its letters alone.
-    int bound(std::string_view name, LetterSet letters) const;
+    int bound(std::string_view name, const NameLetters& letters) const;
 
     /// The score of a name; nothing where the query is not in it, or where it is certain that the
     /// score is below `atLeast`, which is cheaper to find out.
@@ -47,6 +47,12 @@ public:
 
 private:
     using Characters = std::u32string;
+
+    /// Of one character of a word: the bits that it has in a name's letters.
+    struct Sought {
+        std::uint64_t pair; ///< with the character before it
+        std::uint32_t wordLetter;
+    };
 
     std::optional<int> scoreOfCharacter(std::string_view name) const;
     bool prepare(std::string_view name);
@@ -62,6 +68,7 @@ private:
     std::size_t at(std::size_t row, std::size_t column) const { return row * length_ + column; }
 
     std::vector<Characters> words_; // folded
+    std::vector<std::vector<Sought>> sought_;
     LetterSet letters_ = 0;
 
     // Of the name at hand.

@@ -10,6 +10,20 @@ namespace navrel {
 /// a search passes over most names by one comparison.
 using LetterSet = std::uint64_t;
 
+/// The bit of one byte of UTF-8.
+constexpr LetterSet letterBitOf(unsigned char byte) {
+    constexpr int kFirstDigit = 26;
+    constexpr int kFirstSign = 36;
+    constexpr int kSignBits = 27;
+    constexpr int kNotASCII = 63;
+    const int bit = byte >= 'a' && byte <= 'z'   ? byte - 'a'
+                    : byte >= 'A' && byte <= 'Z' ? byte - 'A'
+                    : byte >= '0' && byte <= '9' ? kFirstDigit + byte - '0'
+                    : byte < 0x80                ? kFirstSign + byte % kSignBits
+                                                 : kNotASCII;
+    return LetterSet{1} << bit;
+}
+
 LetterSet letterSetOf(std::string_view utf8);
 
 /// Whether a text with this set holds ASCII alone.

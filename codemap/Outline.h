@@ -1,7 +1,7 @@
 #pragma once
 
 #include "codemap/Language.h"
-#include "codemap/LetterSet.h"
+#include "codemap/NameLetters.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -77,10 +77,10 @@ struct Symbol {
     /// is none.
     std::uint32_t end = 0;
     TextRange name;
-    TextRange signature;   ///< the declaration without its body, in one line
-    TextRange inherits;    ///< superclass and protocols in their order and without their generic
-                           ///< arguments, a line feed between two
-    LetterSet letters = 0; ///< the name's
+    TextRange signature; ///< the declaration without its body, in one line
+    TextRange inherits;  ///< superclass and protocols in their order and without their generic
+                         ///< arguments, a line feed between two
+    NameLetters letters; ///< the name's
 };
 
 /// A heading between declarations.
@@ -88,7 +88,7 @@ struct Heading {
     std::uint32_t line = 0; ///< from 1
     bool separator = false; ///< whether it asks for a dividing line
     TextRange text;         ///< may be empty where it is a separator
-    LetterSet letters = 0;  ///< the text's
+    NameLetters letters;    ///< the text's
 };
 
 enum class NoteKind : std::uint8_t { shortcut, todo, fixme, hack, xxx, warning, error };
@@ -101,7 +101,7 @@ struct Note {
     NoteKind kind{};
     std::uint32_t line = 0; ///< from 1
     TextRange text;
-    LetterSet letters = 0; ///< the text's
+    NameLetters letters; ///< the text's
 };
 
 /// What one source declares, in the order of the text: each symbol before those declared inside it.

@@ -88,14 +88,14 @@ std::string_view OutlineBuilder::innermostName() const {
 void OutlineBuilder::addHeading(std::uint32_t line, std::string_view text, bool separator) {
     if (outline_.headings_.size() < kMaximumSymbolsOfSource) {
         const TextRange kept = keepInOneLine(text);
-        outline_.headings_.push_back({line, separator, kept, letterSetOf(outline_.text(kept))});
+        outline_.headings_.push_back({line, separator, kept, nameLettersOf(outline_.text(kept))});
     }
 }
 
 void OutlineBuilder::addNote(NoteKind kind, std::uint32_t line, std::string_view text) {
     if (outline_.notes_.size() < kMaximumSymbolsOfSource) {
         const TextRange kept = keepInOneLine(text);
-        outline_.notes_.push_back({kind, line, kept, letterSetOf(outline_.text(kept))});
+        outline_.notes_.push_back({kind, line, kept, nameLettersOf(outline_.text(kept))});
     }
 }
 
@@ -123,7 +123,7 @@ std::uint32_t OutlineBuilder::append(const Declaration& declaration) {
     symbol.access = declaration.access;
     symbol.depth = static_cast<std::uint16_t>(open_.size());
     symbol.line = declaration.line;
-    symbol.letters = letterSetOf(declaration.name);
+    symbol.letters = nameLettersOf(declaration.name);
     symbol.signature = keepInOneLine(beginningOf(declaration.signature, kMaximumSignatureLength));
     symbol.name = keepName(declaration, symbol);
     if (!declaration.inherits.empty()) {
@@ -148,7 +148,7 @@ TextRange OutlineBuilder::keepName(const Declaration& declaration, const Symbol&
             return range;
         }
     }
-    return keep(name, isASCII(symbol.letters));
+    return keep(name, isASCII(symbol.letters.all));
 }
 
 TextRange OutlineBuilder::keep(std::string_view text, bool isASCII) {

@@ -3,6 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <random>
+#include <string>
+
 namespace navrel {
 namespace {
 
@@ -81,6 +84,30 @@ TEST(FuzzyMatchTests, TheLettersHoldWhateverIsFound) {
     EXPECT_TRUE(mayHold(letterSetOf("TideView"), FuzzyMatch("tv").letters()));
     EXPECT_FALSE(mayHold(letterSetOf("TideView"), FuzzyMatch("tx").letters()));
     EXPECT_TRUE(mayHold(letterSetOf("Über"), FuzzyMatch("ü").letters()));
+}
+
+// Few characters, so that queries are found often, at each kind of place.
+TEST(FuzzyMatchTests, NoScoreIsAboveItsBound) {
+    constexpr std::string_view kCharacters = "abcABC12_/( \xC3";
+    std::mt19937 random(7);
+    const auto textOf = [&](std::size_t length) {
+        std::string text;
+        while (text.size() < length) {
+            text += kCharacters[random() % kCharacters.size()];
+        }
+        return text;
+    };
+    int found = 0;
+    for (int round = 0; round < 20'000; ++round) {
+        const std::string name = textOf(1 + random() % 16);
+        const std::string query = textOf(1 + random() % 4);
+        FuzzyMatch match(query);
+        if (const std::optional<int> score = match.score(name)) {
+            ASSERT_LE(*score, match.bound(name, nameLettersOf(name))) << query << " in " << name;
+            ++found;
+        }
+    }
+    EXPECT_GT(found, 1000);
 }
 
 } // namespace
