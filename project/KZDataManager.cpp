@@ -19,6 +19,8 @@ namespace navrel {
 namespace {
 
 constexpr std::chrono::milliseconds kUpdateInterval{1000};
+/// What is scanned before requests are let in: some milliseconds' worth.
+constexpr qint64 kBytesOfSlice = 256 * 1024;
 
 const QString kSynchronizedFoldersKey = QStringLiteral("synchronizedFolders");
 
@@ -45,11 +47,30 @@ KZDataManager::~KZDataManager() = default;
 
 /// The event loop of a modal dialog runs the timer too: no update happens behind an open dialog.
 void KZDataManager::scheduleUpdates(Clock& clock) {
-    updates_ = clock.every(kUpdateInterval, [this] {
-        if (!selection_->isPanelShown() && !store_->isDialogShown()) {
-            update();
+    updates_ = clock.every(kUpdateInterval, [this, &clock] {
+        if (!isDialogShown()) {
+            nextSlice_.reset();
+            selection_->follow();
+            if (!runPass(kBytesOfSlice, false)) {
+                continueLater(clock);
+            }
         }
     });
+}
+
+/// Lets requests in, then goes on. Where a dialog has opened meanwhile, the rest is left to the
+/// pass after it.
+void KZDataManager::continueLater(Clock& clock) {
+    nextSlice_ = clock.after(std::chrono::milliseconds(0), [this, &clock] {
+        nextSlice_.reset();
+        if (!isDialogShown() && !runPass(kBytesOfSlice, true)) {
+            continueLater(clock);
+        }
+    });
+}
+
+bool KZDataManager::isDialogShown() const {
+    return selection_->isPanelShown() || store_->isDialogShown();
 }
 
 const std::optional<QString>& KZDataManager::projectPath() const {
@@ -127,12 +148,19 @@ void KZDataManager::update() {
 }
 
 void KZDataManager::updateInBackground() {
-    if (pbxProjPath()) {
-        selection_->beginPass();
-        // A copy: during a dialog of the pass, a request may select another project.
-        const QString bundle = *pbxProjPath();
-        pass_->run(bundle);
+    runPass(ScanAllowance::kUnlimited, false);
+}
+
+/// False where the pass is to be continued.
+bool KZDataManager::runPass(qint64 bytesToScan, bool resumes) {
+    if (!pbxProjPath()) {
+        return true;
     }
+    selection_->beginPass();
+    // A copy: during a dialog of the pass, a request may select another project.
+    const QString bundle = *pbxProjPath();
+    const auto end = resumes ? pass_->resume(bundle, bytesToScan) : pass_->run(bundle, bytesToScan);
+    return end == ProjectPass::End::Complete;
 }
 
 void KZDataManager::generateObjectForID(const QByteArray& identifier,

@@ -105,7 +105,8 @@ public:
 
     // Loading.
 
-    /// What the timer calls: follows the editor where automatic selection is on, then runs a pass.
+    /// Follows the editor where automatic selection is on, then runs a pass. The timer does the
+    /// same once a second, in slices: where many files changed, requests are answered in between.
     void update();
     /// One pass: reads the project file, brings the records up to date, saves. Synchronous, despite
     /// its name. A pass that follows one without changes costs one question to the file system a
@@ -151,6 +152,9 @@ public:
 private:
     explicit KZDataManager(const Collaborators& collaborators);
     void scheduleUpdates(Clock& clock);
+    void continueLater(Clock& clock);
+    bool isDialogShown() const;
+    bool runPass(qint64 bytesToScan, bool resumes);
 
     std::shared_ptr<KZDataManager> weakSelf_;
     std::unique_ptr<ProjectStore> store_;
@@ -158,6 +162,7 @@ private:
     std::unique_ptr<ProjectPass> pass_;
     std::unique_ptr<EditorControl> editor_;
     std::unique_ptr<ScheduledCall> updates_;
+    std::unique_ptr<ScheduledCall> nextSlice_; ///< while a pass is to be continued
 };
 
 } // namespace navrel

@@ -1,7 +1,6 @@
 #include "project/ProjectPass.h"
 
 #include "project/ProjectStore.h"
-#include "project/ProjectWalk.h"
 #include "project/store/ManagedObjectContext.h"
 #include "support/Log.h"
 #include "support/core/MainThread.h"
@@ -10,16 +9,29 @@
 
 namespace navrel {
 
-void ProjectPass::run(const QString& bundlePath) {
+ProjectPass::End ProjectPass::run(const QString& bundlePath, qint64 bytesToScan) {
     NAVREL_ASSERT_MAIN_THREAD();
+    isResumed_ = false;
+    return perform(bundlePath, bytesToScan);
+}
+
+ProjectPass::End ProjectPass::resume(const QString& bundlePath, qint64 bytesToScan) {
+    NAVREL_ASSERT_MAIN_THREAD();
+    isResumed_ = true;
+    return perform(bundlePath, bytesToScan);
+}
+
+ProjectPass::End ProjectPass::perform(const QString& bundlePath, qint64 bytesToScan) {
     projectFile_.read(bundlePath.toUtf8() + "/project.pbxproj");
     logProblem(bundlePath);
+    End end = End::Complete;
     if (ManagedObjectContext* context = store_.context()) {
         if (!wouldChangeNothing(*context)) {
-            update(*context, bundlePath);
+            end = update(*context, bundlePath, bytesToScan);
         }
         store_.save();
     }
+    return end;
 }
 
 /// Says why nothing is shown, once for each reason. The empty path is no project that could be
@@ -43,7 +55,8 @@ void ProjectPass::generateObjectForID(const QByteArray& identifier,
     if (ManagedObjectContext* context = store_.context()) {
         survey_.clear();
         quietPass_.reset();
-        walk(*context, identifier, referencePath, parentID, index);
+        ScanAllowance allowance;
+        walk(*context, identifier, referencePath, parentID, index, allowance);
     }
 }
 
@@ -61,28 +74,38 @@ bool ProjectPass::wouldChangeNothing(const ManagedObjectContext& context) {
            listings_.stillHold();
 }
 
-void ProjectPass::update(ManagedObjectContext& context, const QString& bundlePath) {
+ProjectPass::End ProjectPass::update(ManagedObjectContext& context, const QString& bundlePath,
+                                     qint64 bytesToScan) {
     const quint64 generation = context.objectsGeneration();
-    survey_.clear();
-    listings_.beginPass();
+    if (!isResumed_) {
+        survey_.clear();
+        listings_.beginPass();
+    }
     quietPass_.reset();
+    ScanAllowance allowance{bytesToScan};
     if (const std::optional<QByteArray>& root = projectFile_.rootID()) {
-        walk(context, *root, deletingLastPathComponent(bundlePath.toUtf8()), std::nullopt, 0);
+        walk(context, *root, deletingLastPathComponent(bundlePath.toUtf8()), std::nullopt, 0,
+             allowance);
     }
     if (!context.hasRoom()) {
         log(QStringLiteral("The project is too large: not all of it is shown"));
     }
     deleteVanishedObjects(context);
+    if (allowance.isUsedUp) {
+        return End::ToBeContinued;
+    }
     if (context.objectsGeneration() == generation) {
         quietPass_ = QuietPass{projectFile_.generation(), generation};
     }
+    return End::Complete;
 }
 
 void ProjectPass::walk(ManagedObjectContext& context, const QByteArray& identifier,
                        const std::optional<QByteArray>& referencePath,
-                       const std::optional<QByteArray>& parentID, qint32 index) {
+                       const std::optional<QByteArray>& parentID, qint32 index,
+                       ScanAllowance& allowance) {
     FolderListings* listings = showsSynchronizedFolders_ ? &listings_ : nullptr;
-    ProjectWalk(context, projectFile_.objects(), scanner_, survey_, listings)
+    ProjectWalk(context, projectFile_.objects(), scanner_, survey_, listings, allowance)
         .generateObjectForID(identifier, referencePath, parentID, index);
 }
 

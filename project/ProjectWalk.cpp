@@ -65,9 +65,10 @@ std::optional<QByteArray> resolvedPath(const std::optional<QByteArray>& referenc
 } // namespace
 
 ProjectWalk::ProjectWalk(ManagedObjectContext& context, const PropertyListIndex* objects,
-                         SourceFileScanner& scanner, FileSurvey& survey, FolderListings* listings)
-    : context_(context), objects_(objects), scanner_(scanner), survey_(survey),
-      listings_(listings) {}
+                         SourceFileScanner& scanner, FileSurvey& survey, FolderListings* listings,
+                         ScanAllowance& allowance)
+    : context_(context), objects_(objects), scanner_(scanner), survey_(survey), listings_(listings),
+      allowance_(allowance), bytesScannedBefore_(scanner.bytesScanned()) {}
 
 void ProjectWalk::generateObjectForID(const QByteArray& identifier,
                                       const std::optional<QByteArray>& referencePath,
@@ -150,8 +151,13 @@ std::optional<QByteArray> ProjectWalk::pathOf(const Visit& visit, Value entry) c
 /// or no room for it.
 CDObject* ProjectWalk::refreshedRecord(const Visit& visit, Value entry) {
     CDObject* object = context_.lastObjectWithIdentifier(visit.identifier);
-    if (object != nullptr && isInPlace(*object, visit) && isUpToDate(*object)) {
-        return object;
+    if (object != nullptr && isInPlace(*object, visit)) {
+        const std::optional<qint64> date =
+            object->path() ? survey_.modificationDate(*object->path()) : std::nullopt;
+        if (isUpToDate(*object, date) || (date && !mayScan())) {
+            return object;
+        }
+        object->setModified(date);
     }
     // A path that is too long names no file; what lies below would only have longer ones, without
     // bound.
@@ -178,16 +184,16 @@ bool ProjectWalk::isInPlace(const CDObject& object, const Visit& visit) const {
     return visit.onDisk == nullptr || object.path() == pathOf(visit, Value());
 }
 
-/// Whether the record's file is as it was when the record was built. Takes note of the date where
-/// it is not.
-bool ProjectWalk::isUpToDate(CDObject& object) {
-    const std::optional<qint64> date =
-        object.path() ? survey_.modificationDate(*object.path()) : std::nullopt;
-    if (date && date == object.modified()) {
-        return true;
-    }
-    object.setModified(date);
-    return false;
+/// Whether the record's file is as it was when the record was built.
+bool ProjectWalk::isUpToDate(const CDObject& object, const std::optional<qint64>& date) const {
+    return date && date == object.modified();
+}
+
+/// Whether one more changed file may be scanned. Takes note of it where not.
+bool ProjectWalk::mayScan() {
+    const bool may = scanner_.bytesScanned() - bytesScannedBefore_ < allowance_.bytes;
+    allowance_.isUsedUp = allowance_.isUsedUp || !may;
+    return may;
 }
 
 void ProjectWalk::build(CDObject& object, const Visit& visit, Value entry,

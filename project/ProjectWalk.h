@@ -5,6 +5,7 @@
 
 #include <QByteArray>
 
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -25,6 +26,15 @@ class SourceFileScanner;
 /// it, of which real projects have two or three, while a cycle would lengthen it without end.
 inline constexpr std::size_t kMaximumPathsOfObject = 8;
 
+/// What a walk may scan of the files that changed: it begins no further one once it has scanned so
+/// many bytes. Their records stay as they are, for the next walk.
+struct ScanAllowance {
+    static constexpr qint64 kUnlimited = std::numeric_limits<qint64>::max();
+
+    qint64 bytes = kUnlimited;
+    bool isUsedUp = false; ///< whether a record was left for the next walk
+};
+
 /// One walk over the group tree of a project file, which builds and refreshes the records of its
 /// objects: depth first, parents before children, children in project order. The tree is untrusted:
 /// it may be cyclic, of any depth, and name an object in many places. What the references name
@@ -32,9 +42,11 @@ inline constexpr std::size_t kMaximumPathsOfObject = 8;
 class ProjectWalk {
 public:
     /// `objects` is null where there is no project file. `listings` are those of synchronized
-    /// folders; without them such a folder is a leaf, as every kind that is not known.
+    /// folders; without them such a folder is a leaf, as every kind that is not known. New files
+    /// are scanned whatever the allowance.
     ProjectWalk(ManagedObjectContext& context, const PropertyListIndex* objects,
-                SourceFileScanner& scanner, FileSurvey& survey, FolderListings* listings);
+                SourceFileScanner& scanner, FileSurvey& survey, FolderListings* listings,
+                ScanAllowance& allowance);
 
     /// Walks from one object on. `referencePath` is the parent's resolved path.
     void generateObjectForID(const QByteArray& identifier,
@@ -79,7 +91,8 @@ private:
     std::optional<QByteArray> pathOf(const Visit& visit, Value entry) const;
     CDObject* refreshedRecord(const Visit& visit, Value entry);
     bool isInPlace(const CDObject& object, const Visit& visit) const;
-    bool isUpToDate(CDObject& object);
+    bool isUpToDate(const CDObject& object, const std::optional<qint64>& date) const;
+    bool mayScan();
     void build(CDObject& object, const Visit& visit, Value entry,
                const std::optional<QByteArray>& path);
     void buildFileReference(CDObject& object, Value entry, const std::optional<QByteArray>& path);
@@ -97,6 +110,8 @@ private:
     SourceFileScanner& scanner_;
     FileSurvey& survey_;
     FolderListings* listings_;
+    ScanAllowance& allowance_;
+    const qint64 bytesScannedBefore_;
     std::vector<Level> levels_;
     std::vector<FolderLevel> folderLevels_; ///< of the synchronized folder that is being walked
     // The paths under which the children of an object were walked.

@@ -18,10 +18,14 @@ public:
     /// cannot be read. Valid until the next call.
     const SourceFindings& scan(const std::optional<QByteArray>& path);
 
+    /// How many bytes of sources have been scanned so far.
+    qint64 bytesScanned() const { return bytesScanned_; }
+
 private:
     SourceFileBuffer buffer_;
     SourceFindings findings_;
     SuperclassBudget superclassBudget_;
+    qint64 bytesScanned_ = 0;
 };
 
 } // namespace navrel

@@ -120,7 +120,8 @@ std::size_t pathsAskedAbout(ManagedObjectContext& context, const QByteArray& fol
     objects.build(document.root()["objects"]);
     SourceFileScanner scanner;
     FileSurvey survey;
-    ProjectWalk(context, &objects, scanner, survey, nullptr)
+    ScanAllowance allowance;
+    ProjectWalk(context, &objects, scanner, survey, nullptr, allowance)
         .generateObjectForID("MAIN", folder, std::nullopt, 0);
     return survey.size();
 }

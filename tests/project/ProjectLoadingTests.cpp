@@ -3,7 +3,11 @@
 #include "tests/FakeMenuItem.h"
 #include "tests/project/DataManagerFixture.h"
 
+#include <array>
+#include <functional>
+#include <memory>
 #include <unistd.h>
+#include <vector>
 
 namespace navrel {
 namespace {
@@ -385,6 +389,74 @@ TEST_F(ProjectLoading, aTouchedFileIsScannedAnewAndOthersKeepTheirRecords) {
         EXPECT_EQ(context().elementsWithIdentifier("A").size(), 1U);
         EXPECT_EQ(context().shortcutsWithIdentifier("A").size(), 1U);
     }
+}
+
+/// Three sources, each of more than is scanned in one slice.
+class LargeSources : public ProjectLoading {
+protected:
+    void SetUp() override {
+        defaults.setBool(QStringLiteral("automaticProjectSelection"), false);
+        for (const char* name : kNames) {
+            writeFile(name, padding_ + kSource);
+        }
+        load(ProjectText()
+                 .group("MAIN", {"A", "B", "C"})
+                 .file("A", kNames[0])
+                 .file("B", kNames[1])
+                 .file("C", kNames[2]));
+    }
+    void changeAll(qint64 date) {
+        for (const char* name : kNames) {
+            writeFile(name, padding_ + kSource + kSource);
+            touch(name, date);
+        }
+    }
+    /// How many shortcuts each file has.
+    std::vector<std::size_t> shortcuts() {
+        std::vector<std::size_t> counts;
+        for (const char* identifier : {"A", "B", "C"}) {
+            counts.push_back(context().shortcutsWithIdentifier(identifier).size());
+        }
+        return counts;
+    }
+
+    static constexpr std::array<const char*, 3> kNames{"a.m", "b.m", "c.m"};
+    std::unique_ptr<ScheduledCall> changes_;
+    const QByteArray padding_ = QByteArray(1024 * 1024, '\n');
+};
+
+TEST_F(LargeSources, requestsAreLetInBetweenTheSlicesOfAPass) {
+    changeAll(1'000'000'000);
+    std::vector<std::vector<std::size_t>> seen;
+    const auto request = clock.every(std::chrono::seconds(1), [&] { seen.push_back(shortcuts()); });
+    std::vector<std::unique_ptr<ScheduledCall>> requests;
+    for (int slice = 0; slice < 3; ++slice) {
+        requests.push_back(
+            clock.after(std::chrono::seconds(1), [&] { seen.push_back(shortcuts()); }));
+    }
+    clock.advance(std::chrono::seconds(1));
+    EXPECT_THAT(seen, ::testing::Contains(std::vector<std::size_t>{2, 1, 1}));
+    EXPECT_EQ(shortcuts(), (std::vector<std::size_t>{2, 2, 2}));
+}
+
+TEST_F(LargeSources, aFileThatChangesAllTheTimeHoldsUpNoOther) {
+    changeAll(1'000'000'000);
+    qint64 date = 1'000'000'001;
+    const std::function<void()> change = [&] {
+        touch("a.m", date++);
+        if (date < 1'000'000'100) {
+            changes_ = clock.after(std::chrono::milliseconds(0), change);
+        }
+    };
+    changes_ = clock.after(std::chrono::seconds(1), change);
+    clock.advance(std::chrono::seconds(1));
+    EXPECT_EQ(shortcuts(), (std::vector<std::size_t>{2, 2, 2}));
+}
+
+TEST_F(LargeSources, aPassThatIsAskedForLeavesNothingForLater) {
+    changeAll(1'000'000'000);
+    pass();
+    EXPECT_EQ(shortcuts(), (std::vector<std::size_t>{2, 2, 2}));
 }
 
 TEST_F(ProjectLoading, anyDifferenceOfDatesCountsAlsoABackwardOne) {
