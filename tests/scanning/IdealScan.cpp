@@ -67,7 +67,7 @@ struct IdealScan::Patterns {
     RE2 shortcut{"(?i)(// *navrel:)[ -]+(" + kDot + "*)", memoryForLongLines()};
 
     std::string methodName(re2::StringPiece match) const {
-        std::string name = match.as_string();
+        std::string name(match);
         RE2::GlobalReplace(&name, argument, ":");
         RE2::GlobalReplace(&name, typeCast, "");
         return without(std::move(name), {" ", "{", ";"});
@@ -154,17 +154,17 @@ void IdealScan::scan(QByteArrayView source, const SourceName& name,
     findings.clear();
     scanLines(text, patterns.shortcutLine,
               name.kind() == SourceKind::Header ? &superclass : nullptr, findings);
-    const auto secondGroup = [](const auto& groups) { return groups[2].as_string(); };
+    const auto secondGroup = [](const auto& groups) { return std::string(groups[2]); };
     ElementList elements(text, findings);
     if (name.kind() == SourceKind::Swift) {
         elements.add(patterns.swiftClass, ElementType::Class, [](const auto& groups) {
-            return without(groups[0].as_string(), {"\n", "class", " "});
+            return without(std::string(groups[0]), {"\n", "class", " "});
         });
         elements.add(patterns.swiftFunction, ElementType::Method, [](const auto& groups) {
-            return without(groups[0].as_string(), {"\n", "func", " "}) + "()";
+            return without(std::string(groups[0]), {"\n", "func", " "}) + "()";
         });
         elements.add(patterns.swiftVariable, ElementType::Property, [](const auto& groups) {
-            return without(groups[0].as_string(), {"var", "let", " "});
+            return without(std::string(groups[0]), {"var", "let", " "});
         });
     } else {
         elements.add(name.kind() == SourceKind::Header ? patterns.methodDeclaration
