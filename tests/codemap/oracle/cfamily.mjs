@@ -72,8 +72,13 @@ function declaratorsOf(node) {
     }
     const type = node.childForFieldName("type");
     const found = [];
+    let isValue = false;
     for (let i = 0; i < node.childCount; ++i) {
         const one = node.child(i);
+        isValue = one.type === "=" || (isValue && one.type !== ",");
+        if (isValue) {
+            continue;
+        }
         if (type && one.id === type.id) {
             continue;
         }
@@ -264,8 +269,10 @@ class Reader {
     readMethod(node) {
         let selector = "";
         let first;
-        for (const one of node.namedChildren) {
-            if (one.type === "identifier" && selector.includes(":") && /^[A-Z_]+$/.test(one.text)) {
+        const parts = node.namedChildren;
+        for (const [index, one] of parts.entries()) {
+            const isPart = parts[index + 1]?.type === "method_parameter";
+            if (one.type === "identifier" && first && !isPart) {
                 break; // a macro for an attribute
             }
             if (one.type === "identifier") {

@@ -116,6 +116,7 @@ const files = given.folders.flatMap((folder) => filesBelow(folder, language.exte
 const outlines = outlinesOf(given.program, files);
 const table = new Table();
 const lines = [];
+let read = 0;
 let unread = 0;
 for (const file of files) {
     const text = readFileSync(file, "utf8");
@@ -126,6 +127,7 @@ for (const file of files) {
     if (tree.rootNode.hasError()) {
         ++unread;
     } else {
+        ++read;
         const theirs = language.declarationsOf(tree.rootNode, extname(file) === ".h");
         const ours = outlines.get(file).filter(language.isCompared ?? (() => true));
         lines.push(...compare(theirs, ours, table).map((difference) => `${file}\t${difference}`));
@@ -133,5 +135,5 @@ for (const file of files) {
     tree.delete();
 }
 writeFileSync(given.differences, lines.map((line) => line + "\n").join(""));
-console.log(`${files.length} files, ${unread} left out, ${lines.length} differences\n`);
+console.log(`${read} files compared, ${unread} left out, ${lines.length} differences\n`);
 table.print();
