@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -94,6 +95,28 @@ protected:
         git({QStringLiteral("commit"), QStringLiteral("-qm"), QStringLiteral("Change")});
     }
 
+    void editAnyFolder(int folder, int edit) const {
+        const std::string text = "class C" + std::to_string(edit) + " { var v = 1 }\n";
+        const std::string aside = "Aside" + std::to_string(folder);
+        const std::string renamed = folderOf(folder) + "Renamed" + std::to_string(edit);
+        switch (edit % 5) {
+        case 0:
+            return write(folder, edit, text);
+        case 1:
+            return scratch_.replace(folderOf(folder) + "/Saved.swift", text);
+        case 2:
+            write(folder, 0, text);
+            scratch_.remove(aside);
+            scratch_.remove(renamed);
+            scratch_.rename(folderOf(folder), aside);
+            return scratch_.rename(aside, renamed);
+        case 3:
+            return scratch_.remove(folderOf(folder));
+        default:
+            return scratch_.write(folderOf(folder) + "/Deep/Deeper/New.swift", text);
+        }
+    }
+
     /// Another branch: a tenth of the folders is changed, some are renamed, some are gone.
     void makeBranches() const {
         git({QStringLiteral("init"), QStringLiteral("-q")});
@@ -153,6 +176,47 @@ TEST_F(LargeProjectTests, FollowsRenamedFolders) {
     expectEqualToAFreshMap(map);
     scratch_.rename(folderOf(0), folderOf(1) + "/Inside");
     scratch_.replace(folderOf(1) + "/Inside/File0.swift", "class Saved {}\n");
+    expectEqualToAFreshMap(map);
+}
+
+/// What people and tools do to a large project in a moment.
+TEST_F(LargeProjectTests, EqualsAFreshMapAfterEveryBurst) {
+    constexpr int kBursts = 4;
+    constexpr int kEdits = 80;
+    makeBranches();
+    CodeMap map;
+    map.open(bundle_);
+    expectEqualToAFreshMap(map);
+    // Other edits with --gtest_shuffle --gtest_random_seed=N.
+    std::mt19937 random(4 + static_cast<unsigned>(testing::UnitTest::GetInstance()->random_seed()));
+    for (int burst = 0; burst < kBursts; ++burst) {
+        for (int edit = 0; edit < kEdits; ++edit) {
+            editAnyFolder(static_cast<int>(random() % kFolders), edit);
+        }
+        if (burst == kBursts / 2) {
+            git({QStringLiteral("checkout"), QStringLiteral("-qf"), QStringLiteral("other")});
+        }
+        expectEqualToAFreshMap(map);
+        EXPECT_TRUE(map.isWatching());
+    }
+}
+
+/// As over a slow network: a piece, and a while later the next.
+TEST_F(LargeProjectTests, FollowsAFileThatComesInPieces) {
+    CodeMap map;
+    map.open(bundle_);
+    expectEqualToAFreshMap(map);
+    const std::size_t before = map.snapshot()->symbolCount();
+    std::string text = "// comes in pieces\n";
+    for (std::size_t piece = 1; piece <= 10; ++piece) {
+        // Half of a class, and the rest of the one before.
+        text += "class Piece" + std::to_string(piece) + " {\n    func f() {}\n";
+        write(0, kFilesOfFolder, text);
+        EXPECT_TRUE(waitUntil([&] { return map.snapshot()->symbolCount() == before + 2 * piece; }))
+            << piece;
+        text += "}\n";
+    }
+    write(0, kFilesOfFolder, text);
     expectEqualToAFreshMap(map);
 }
 
