@@ -77,7 +77,8 @@ void measureAgainstCtags(const std::vector<std::string>& files, const SourceText
             names << file << '\n';
         }
     }
-    const std::string command = "ctags --kinds-C=+p --kinds-C++=+p -L " + list + " -f /dev/null";
+    const std::string command =
+        "ctags --kinds-C=+p --kinds-C++=+p --sort=no -L " + list + " -f - > /dev/null";
     bool isThere = true;
     const auto peer = [&] { isThere = isThere && std::system(command.c_str()) == 0; };
     const double ratio = timeRatio([&] { outlineAll(sources); }, peer, kPeerRounds);
