@@ -1,20 +1,31 @@
 // The heights of a long list's rows: guessed until a row has been on the screen, measured from then on.
 
 export class Heights {
-  private readonly measured: (number | undefined)[] = [];
+  private readonly heights: Float64Array;
   /** `tops[i]` is where row i begins; one more for the end. Made again when something was measured. */
   private tops: Float64Array | undefined;
 
   constructor(
     readonly count: number,
-    private readonly guess: number,
-  ) {}
+    private guess: number,
+  ) {
+    this.heights = new Float64Array(count).fill(guess);
+  }
 
-  /** Notes a row's height; the answer is by how much it differs from what was taken for it. */
+  /** Takes another height for all rows; must come before any is measured. Whether it is another one. */
+  guessAgain(guess: number): boolean {
+    if (guess === this.guess) return false;
+    this.guess = guess;
+    this.heights.fill(guess);
+    this.tops = undefined;
+    return true;
+  }
+
+  /** Notes the height of one of the rows; the answer is by how much it differs from what was taken for it. */
   measure(row: number, height: number): number {
-    const before = this.measured[row] ?? this.guess;
+    const before = this.heights[row]!;
     if (before === height) return 0;
-    this.measured[row] = height;
+    this.heights[row] = height;
     this.tops = undefined;
     return height - before;
   }
@@ -43,7 +54,7 @@ export class Heights {
   private all(): Float64Array {
     if (this.tops) return this.tops;
     const tops = new Float64Array(this.count + 1);
-    for (let row = 0; row < this.count; row++) tops[row + 1] = tops[row]! + (this.measured[row] ?? this.guess);
+    for (let row = 0; row < this.count; row++) tops[row + 1] = tops[row]! + this.heights[row]!;
     return (this.tops = tops);
   }
 }

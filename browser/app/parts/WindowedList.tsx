@@ -6,8 +6,8 @@ import { isLeftAlone, touched } from "../following";
 import { Heights } from "../model/heights";
 
 const kRowsAround = 6;
-/** What a row of one line takes; others are measured when they come into sight. */
-const kGuessedHeight = 49;
+/** What a row of one line takes at the usual text size; others are measured when they come into sight. */
+const kUsualHeight = matchMedia("(pointer: fine)").matches ? 40 : 48;
 
 export interface RowPlace {
   index: number;
@@ -33,6 +33,8 @@ interface Properties<Row> {
 }
 
 const scrolledTo = new Map<string, number>();
+/** How high most rows of a list are. A right guess spares it being drawn twice for each row that comes into sight. */
+const guesses = new Map<string, number>();
 /** Of the last list that was shown: the next one has much the same. */
 let lastHeight = innerHeight;
 
@@ -42,7 +44,7 @@ export function WindowedList<Row>(properties: Properties<Row>) {
   const list = useRef<HTMLUListElement>(null);
   const [rewrapped, wrapAgain] = useReducer<number, void>((count) => count + 1, 0);
   const [, drawAgain] = useReducer<number, void>((count) => count + 1, 0);
-  const heights = useMemo(() => new Heights(rows.length, kGuessedHeight), [rows, rewrapped]);
+  const heights = useMemo(() => new Heights(rows.length, guesses.get(memory) ?? kUsualHeight), [rows, rewrapped]);
   const width = useRef(0);
   // A tap shows what is in sight; the rows around it come when that has been painted.
   const around = useRef(0);
@@ -65,7 +67,7 @@ export function WindowedList<Row>(properties: Properties<Row>) {
   const scrollToRow = (row: number, isFar: boolean) => {
     wanted.current = { row, isFar };
     const box = scroller.current!;
-    const above = headings.length > 0 ? kGuessedHeight : 0;
+    const above = headings.length > 0 ? kUsualHeight : 0;
     const rowTop = heights.top(row);
     const rowEnd = heights.top(row + 1);
     const isAbove = rowTop < box.scrollTop + above;
@@ -78,7 +80,12 @@ export function WindowedList<Row>(properties: Properties<Row>) {
   // Rows that came into sight are measured before they are painted, and what stands above stays in place.
   useLayoutEffect(() => {
     const box = scroller.current!;
+    const drawn = [...list.current!.children].map((child) => child.getBoundingClientRect().height);
+    let isOther = false;
     if (isFirst.current) {
+      const guess = middleOf(drawn) ?? kUsualHeight;
+      guesses.set(memory, guess);
+      isOther = heights.guessAgain(guess);
       box.scrollTop = scrolledTo.get(memory) ?? 0;
       width.current = box.clientWidth;
       lastHeight = box.clientHeight || lastHeight;
@@ -88,11 +95,10 @@ export function WindowedList<Row>(properties: Properties<Row>) {
     if (anchor.current !== undefined) box.scrollTop = heights.top(anchor.current);
     anchor.current = undefined;
     const firstInSight = heights.rowAt(box.scrollTop);
-    let isOther = false;
     let moved = 0;
-    [...list.current!.children].forEach((child, place) => {
+    drawn.forEach((height, place) => {
       const row = first + place;
-      const difference = heights.measure(row, child.getBoundingClientRect().height);
+      const difference = heights.measure(row, height);
       if (difference !== 0) isOther = true;
       if (row < firstInSight) moved += difference;
     });
@@ -138,7 +144,7 @@ export function WindowedList<Row>(properties: Properties<Row>) {
   };
 
   const onKeyDown = (event: KeyboardEvent) => {
-    const page = Math.max(1, Math.floor(height / kGuessedHeight) - 1);
+    const page = Math.max(1, Math.floor(height / kUsualHeight) - 1);
     const steps: Record<string, number> = { ArrowDown: 1, ArrowUp: -1, PageDown: page, PageUp: -page, Home: -rows.length, End: rows.length };
     const by = steps[event.key];
     if (by === undefined || event.altKey || event.ctrlKey || event.metaKey) return;
@@ -171,13 +177,23 @@ export function WindowedList<Row>(properties: Properties<Row>) {
       >
         {rows.slice(first, end).map((row, place) => {
           const index = first + place;
-          return <Keyed key={keyOf(row)}>{draw(row, { index, count: rows.length, isCursor: index === current })}</Keyed>;
+          return <Drawn key={keyOf(row)} row={row} index={index} count={rows.length} isCursor={index === current} draw={draw} />;
         })}
       </ul>
     </div>
   );
 }
 
-function Keyed({ children }: { children: ComponentChildren }) {
-  return <>{children}</>;
+function middleOf(values: readonly number[]): number | undefined {
+  return [...values].sort((a, b) => a - b)[values.length >> 1];
+}
+
+interface DrawnProperties<Row> extends RowPlace {
+  row: Row;
+  draw(row: Row, place: RowPlace): ComponentChildren;
+}
+
+/** Stays as it was while the list is only scrolled: the list's owner draws with another function when it is drawn again. */
+function Drawn<Row>({ row, index, count, isCursor, draw }: DrawnProperties<Row>) {
+  return useMemo(() => <>{draw(row, { index, count, isCursor })}</>, [row, index, count, isCursor, draw]);
 }

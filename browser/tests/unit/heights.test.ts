@@ -26,3 +26,14 @@ test("an empty list has no height", () => {
   assert.equal(heights.total, 0);
   assert.equal(heights.rowAt(10), 0);
 });
+
+test("a better guess holds for all rows that were not measured", () => {
+  const heights = new Heights(20_000, 48);
+  assert.equal(heights.total, 20_000 * 48);
+  assert.equal(heights.guessAgain(40), true);
+  assert.equal(heights.guessAgain(40), false);
+  assert.equal(heights.measure(1, 40), 0);
+  assert.equal(heights.measure(2, 64), 24);
+  assert.equal(heights.top(3), 144);
+  assert.equal(heights.total, 20_000 * 40 + 24);
+});
