@@ -17,8 +17,9 @@ export function startHistory(): void {
 
 export function go(place: Place): void {
   left.set(now().place.tab, now().place);
-  history.pushState(place, "");
   update({ place });
+  // The browser takes as long for its history as for drawing the place: that comes first.
+  setTimeout(() => history.pushState(place, ""));
 }
 
 export function goToTab(tab: Tab): void {
