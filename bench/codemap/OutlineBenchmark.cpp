@@ -78,7 +78,7 @@ void measureAgainstCtags(const std::vector<std::string>& files, const SourceText
         }
     }
     const std::string command =
-        "ctags --kinds-C=+p --kinds-C++=+p --sort=no -L " + list + " -f - > /dev/null";
+        "ctags --kinds-C=+p --kinds-C++=+p --sort=no -L " + list + " -f - > /dev/null 2>&1";
     bool isThere = true;
     const auto peer = [&] { isThere = isThere && std::system(command.c_str()) == 0; };
     const double ratio = timeRatio([&] { outlineAll(sources); }, peer, kPeerRounds);
