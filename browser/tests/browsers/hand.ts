@@ -82,12 +82,14 @@ export class Hand {
     await until(`${name} to be lit`, async () => (await this.lit(list)) === name);
   }
 
-  /** What reaches beyond the page's edge. */
+  /** What reaches beyond the page's edge, or beyond that of a part which cuts it off. */
   whatIsTooWide(): Promise<string[]> {
-    return this.view.run(() =>
-      [...document.querySelectorAll("body *")]
-        .filter((each) => each.getBoundingClientRect().right > innerWidth + 1 && !each.closest(".hidden"))
-        .map((each) => `${each.tagName}.${each.className} is too wide`),
-    );
+    return this.view.run(() => {
+      const isBeyond = (each: Element) => each.getBoundingClientRect().right > innerWidth + 1;
+      const isCutOff = (each: Element) => /hidden|clip/.test(getComputedStyle(each).overflowX) && each.scrollWidth > each.clientWidth + 1;
+      return [...document.querySelectorAll("body *")]
+        .filter((each) => !each.closest(".hidden") && (isBeyond(each) || isCutOff(each)))
+        .map((each) => `${each.tagName}.${each.className} is too wide`);
+    });
   }
 }

@@ -21,6 +21,21 @@ const noProject = (server: MockServer, state: "none" | "loading" | "unreadable")
   server.state = { ...server.state, project };
 };
 
+/** As generated code has them: without a blank, and far longer than any line. */
+const kLongName = "AbstractTideStationObservationControllerDelegateFactoryProviderForRegionsWithoutAnyTidesAtAll";
+
+/** Gives the file that Neovim shows, its first symbol and its groups names of that length. */
+function lengthen(server: MockServer): void {
+  const name = `${kLongName}.m`;
+  const path = `Tidewatch/${kLongName}/${name}`;
+  const { id } = server.active.file!;
+  const outline = server.outlines.get(id)!;
+  const items = outline.items.map((item, index) => (index === 0 ? { ...item, name: kLongName } : item));
+  server.outlines.set(id, { ...outline, name, path, items });
+  server.active = { file: { ...server.active.file!, name, path } };
+  server.root = { ...server.root!, name: kLongName, children: [{ id: "00000000000000aa", name: kLongName, kind: "group", children: [] }, ...server.root!.children!] };
+}
+
 export const kScreens: readonly Screen[] = [
   { name: "pairing", isPaired: false, reach: (hand) => hand.sees("Pair this device") },
   {
@@ -116,6 +131,31 @@ export const kScreens: readonly Screen[] = [
       await hand.view.type("#search", "qqq");
       await hand.sees("Nothing is called");
     },
+  },
+  {
+    name: "opened-lately",
+    isPaired: true,
+    reach: async (hand) => {
+      await hand.goToFile("Model", "TideTable.swift");
+      await hand.row("next(after:)");
+      await hand.sees("is open in Neovim");
+      await hand.tab("Search");
+      await hand.sees("Opened lately");
+    },
+  },
+  {
+    name: "no-file",
+    isPaired: true,
+    prepare: (server) => void (server.active = { file: null }),
+    reach: async (hand) => (await hand.tab("Outline"), hand.sees("No file is shown.")),
+  },
+  { name: "long-names-files", isPaired: true, prepare: lengthen, reach: (hand) => hand.sees(kLongName) },
+  { name: "long-names-outline", isPaired: true, prepare: lengthen, reach: async (hand) => (await hand.tab("Outline"), hand.sees(`${kLongName}.m`)) },
+  {
+    name: "looking-only",
+    isPaired: true,
+    prepare: (server) => void (server.state = { ...server.state, browsers: { ...server.state.browsers, readOnly: true } }),
+    reach: async (hand) => (await hand.tab("More"), hand.sees("may look, not open")),
   },
   { name: "notes", isPaired: true, reach: async (hand) => (await hand.tab("Notes"), hand.sees("reuse the cells")) },
   { name: "more", isPaired: true, reach: async (hand) => (await hand.tab("More"), hand.sees("up to date")) },
