@@ -111,7 +111,7 @@ std::vector<NodeName> nodesNamed(const std::vector<NodeName>& nodes, std::string
             [&](const NodeName& node) { return node.id == text; },
             [&](const NodeName& node) { return node.path == text && !text.empty(); },
             [&](const NodeName& node) { return node.path.size() == longest && isAt(node); },
-            [&](const NodeName& node) { return node.path == absolute && !text.empty(); },
+            [&](const NodeName& node) { return node.path == absolute && !absolute.empty(); },
             [&](const NodeName& node) { return node.path.ends_with(end); },
             [&](const NodeName& node) { return node.name == text; },
             [&](const NodeName& node) { return lowered(node.name) == low; },

@@ -37,6 +37,7 @@ TEST(Names, filesAreNamedByTheFirstReadingThatFits) {
     EXPECT_EQ(found("lib"), "03");
     EXPECT_EQ(found("gone"), "");
     EXPECT_EQ(found(""), "");
+    EXPECT_EQ(found("Tide.h", ""), "05"); // not the project, which has no path either
     EXPECT_TRUE(nodesOf({{"revision", 0}}).empty());
 }
 
