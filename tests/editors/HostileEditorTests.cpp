@@ -358,7 +358,7 @@ protected:
         EXPECT_TRUE(later.hasExpired());
 
         signal(SIGCONT);
-        EXPECT_TRUE(showsTheFile());
+        EXPECT_TRUE(waitUntil(showsTheFile));
         process.kill();
         process.waitForFinished();
         EXPECT_TRUE(waitUntil([&] { return !followed.activeFileName().has_value(); }));

@@ -95,7 +95,7 @@ const std::vector<State> kEmacsStates = {
     {"recording", "C-x (", "Def", Ends::atTheLine},
     {"narrowed", "C-n C-Space C-n C-n C-x n n", "Narrow|disabled", Ends::atTheLine},
     {"help", "C-h t", "Emacs tutorial", Ends::atTheLine},
-    {"directory", "C-x d Enter", "total", Ends::atTheLine},
+    {"directory", "C-x d Enter", "Dired", Ends::atTheLine},
     {"listing", "C-x C-b", "Buffer List", Ends::atTheLine},
     {"splitWindow", "C-x 2", "line 2", Ends::atTheLine},
     {"terminal", "M-x shell Enter", "shell\\*", Ends::atTheLine},
