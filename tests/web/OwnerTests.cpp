@@ -29,7 +29,7 @@ protected:
 };
 
 TEST_F(OwnerTests, aFileIsOpenedByItsPath) {
-    EXPECT_EQ(run("open TideView.swift:2"), "Opened in Neovim.\n");
+    EXPECT_EQ(run("open TideView.swift:2"), "Opened TideView.swift:2 in Neovim.\n");
     EXPECT_THAT(host.asked(), ::testing::Contains("open " + path("TideView.swift") + ":2"));
     EXPECT_THAT(run("open Notes.txt --json"), ::testing::HasSubstr("\"outcome\":\"opened\""));
     host.outcome = OpenOutcome{false, "", "No editor answers."};
@@ -48,7 +48,7 @@ TEST_F(OwnerTests, theProjectIsShown) {
 }
 
 TEST_F(OwnerTests, aSymbolIsOpenedByItsName) {
-    EXPECT_EQ(run("open tideview:rise"), "Opened in Neovim.\n");
+    EXPECT_EQ(run("open tideview:rise"), "Opened TideView.swift:2 in Neovim.\n");
     EXPECT_EQ(host.asked(), std::vector{"open " + path("TideView.swift") + ":2"});
     EXPECT_EQ(run("open TideView.swift:fall", CommandResult::notFound),
               "TideView.swift declares no \"fall\".\n\"outline TideView.swift\" shows what it "
@@ -60,7 +60,8 @@ TEST_F(OwnerTests, whatDerivesFromAClassIsListed) {
     EXPECT_EQ(run("classes uiview"), "TideView  TideView.swift:1\n");
     EXPECT_EQ(run("classes"), "UIView\n  TideView  TideView.swift:1\n");
     EXPECT_EQ(run("class TideView", CommandResult::notFound),
-              "Nothing in the project derives from TideView.\n");
+              "Nothing in the project derives from TideView.\n"
+              "\"classes\" lists all that others derive from.\n");
     EXPECT_EQ(run("class Foo", CommandResult::notFound),
               "No type is called \"Foo\".\n\"classes\" lists all that others derive from.\n");
 }
@@ -77,7 +78,7 @@ TEST_F(OwnerTests, theSentencesOfTheStateAreShown) {
 }
 
 TEST_F(OwnerTests, devicesArePairedListedAndForgotten) {
-    EXPECT_THAT(run("devices"), ::testing::HasSubstr("No device is paired."));
+    EXPECT_THAT(run("devices"), ::testing::HasSubstr("No browser is paired."));
     const std::string url = valueAt(run("pair --json"), "url");
     EXPECT_EQ(post("/api/pair",
                    R"({"label":"iPad","ticket":")" + url.substr(url.find('=') + 1) + "\"}", "")
