@@ -8,11 +8,14 @@
 #include "companion/terminal/CommandTable.h"
 #include "companion/terminal/Session.h"
 
+#include <QByteArray>
 #include <QCoreApplication>
 
 #include <clocale>
 #include <csignal>
 #include <cstdio>
+#include <memory>
+#include <optional>
 #include <string_view>
 
 namespace {
@@ -46,6 +49,22 @@ int printHelp() {
     return 0;
 }
 
+/// Qt takes UTF-8 alone, and where the user's locale has another encoding it says so and changes
+/// the locale. What is shown suits the user's all the same, so it comes back.
+std::unique_ptr<QCoreApplication> applicationInEveryLocale(int& argc, char** argv) {
+    const std::optional<QByteArray> chosen =
+        qEnvironmentVariableIsSet("LC_ALL") ? std::optional(qgetenv("LC_ALL")) : std::nullopt;
+    qputenv("LC_ALL", "C.UTF-8");
+    auto application = std::make_unique<QCoreApplication>(argc, argv);
+    if (chosen) {
+        qputenv("LC_ALL", *chosen);
+    } else {
+        qunsetenv("LC_ALL");
+    }
+    std::setlocale(LC_ALL, "");
+    return application;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -54,7 +73,7 @@ int main(int argc, char** argv) {
     if (argc > 1 && std::string_view(argv[1]) == "map") {
         return runMapCommand({argv + 2, argv + argc});
     }
-    const QCoreApplication application(argc, argv);
+    const auto application = applicationInEveryLocale(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("navrel-companion"));
     if (argc == 2 && std::string_view(argv[1]) == "install-extension") {
         return runInstallExtension();
