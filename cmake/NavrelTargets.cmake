@@ -54,6 +54,14 @@ if(NOT CMAKE_BUILD_TYPE STREQUAL "Debug" AND NOT NAVREL_SANITIZE)
     if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
         target_compile_options(navrel_options INTERFACE -fcf-protection)
     endif()
+    # A program may take a copy of a library's variable: then Qt's own half of QCoreApplication would not know the
+    # instance that was made here.
+    include(CheckCXXCompilerFlag)
+    check_cxx_compiler_flag(-mno-direct-extern-access NAVREL_KNOWS_INDIRECT_ACCESS)
+    if(NAVREL_KNOWS_INDIRECT_ACCESS)
+        target_compile_options(navrel_options INTERFACE -mno-direct-extern-access)
+        target_link_options(navrel_options INTERFACE -mno-direct-extern-access)
+    endif()
     if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
         target_link_options(navrel_options INTERFACE -Wl,-z,relro,-z,now,-z,noexecstack)
     endif()
@@ -76,9 +84,6 @@ if(NAVREL_PRECOMPILE_HEADERS)
     target_precompile_headers(navrel_precompiled PRIVATE ${NAVREL_PRECOMPILED_HEADERS})
 endif()
 
-include(CheckCXXCompilerFlag)
-check_cxx_compiler_flag(-mno-direct-extern-access NAVREL_KNOWS_INDIRECT_ACCESS)
-
 # navrel_add_library(NAME SOURCES file... [LINK library...] [PRECOMPILE header...] [OPTIMIZE_ACROSS_FILES])
 # One layer, or one part of a layer, as a static library. PRECOMPILE is for a library most of whose files include
 # some large headers that no other library does. OPTIMIZE_ACROSS_FILES is for those that do little at a time but
@@ -100,12 +105,6 @@ function(navrel_add_library name)
             $<$<CXX_COMPILER_ID:GNU>:-Wno-alloc-size-larger-than>)
         # Programs are linked on all processors, too, and without a warning that they are not.
         target_link_options(${name} INTERFACE $<$<CXX_COMPILER_ID:GNU>:-flto=auto>)
-        # The linker's half compiles for a program, which takes copies of a library's variables: then Qt's own half of
-        # QCoreApplication would not know the instance that was made here.
-        if(NAVREL_KNOWS_INDIRECT_ACCESS)
-            target_compile_options(${name} PRIVATE -mno-direct-extern-access)
-            target_link_options(${name} INTERFACE -mno-direct-extern-access)
-        endif()
     endif()
 endfunction()
 
