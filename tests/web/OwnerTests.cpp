@@ -36,7 +36,7 @@ TEST_F(OwnerTests, aFileIsOpenedByItsPath) {
     EXPECT_EQ(run("open Notes.txt", CommandResult::notFound), "No editor answers.\n");
     EXPECT_EQ(run("open Nothing.txt", CommandResult::notFound),
               "The project has no file \"Nothing.txt\".\n\"find Nothing.txt\" searches symbols, "
-              "too; \"tree\" shows all files.\n");
+              "too, and shows places that open takes; \"tree\" shows all files.\n");
 }
 
 TEST_F(OwnerTests, theProjectIsShown) {
