@@ -54,6 +54,8 @@ public:
     DeviceLink& operator=(const DeviceLink&) = delete;
 
     LinkState state() const { return state_; }
+    /// Whether something answers that knows the devices on USB; also before the link is started.
+    bool isUSBDaemonThere() const { return !hub_ || hub_->isDaemonThere(); }
     /// As LoopbackGate has them.
     const std::set<qint64>& refusedUsers() const { return gate_.refusedUsers(); }
 

@@ -1,10 +1,10 @@
 #include "desktop/GatherFacts.h"
 
 #include "app/AppDelegate.h"
+#include "app/DeviceFacts.h"
+#include "app/EditorFacts.h"
 #include "project/Editor.h"
 #include "project/KZDataManager.h"
-
-#include <QFileInfo>
 
 #include <algorithm>
 
@@ -32,73 +32,6 @@ ProgramFacts::Project projectOf(const FactSources& sources) {
                     : snapshot.state() == MapState::unreadable ? State::unreadable
                                                                : State::loading;
     return project;
-}
-
-/// Where the daemon listens unless the environment names another place, which is not looked at.
-const QString kUSBDaemonSocket = QStringLiteral("/var/run/usbmuxd");
-
-bool isUSBDaemonAbsent() {
-    return !qEnvironmentVariableIsSet("USBMUXD_SOCKET_ADDRESS") &&
-           !QFileInfo::exists(kUSBDaemonSocket);
-}
-
-QString nameOfUser(qint64 user) {
-    return user < 0 ? QString() : QString::number(user);
-}
-
-ProgramFacts::Device deviceOf(const DeviceLink& link) {
-    using State = ProgramFacts::Device::State;
-    ProgramFacts::Device device;
-    switch (link.state()) {
-    case LinkState::connectedToDevice:
-    case LinkState::connectedToSimulator:
-        device.state = State::connected;
-        device.isSimulator = link.state() == LinkState::connectedToSimulator;
-        return device;
-    case LinkState::reachingDevice:
-        device.state = State::silent;
-        return device;
-    case LinkState::idle:
-        break;
-    }
-    if (!link.refusedUsers().empty()) {
-        device.state = State::refused;
-        device.user = nameOfUser(*link.refusedUsers().rbegin());
-    } else if (isUSBDaemonAbsent()) {
-        device.state = State::noDaemon;
-    }
-    return device;
-}
-
-ProgramFacts::Editor editorOf(const FactSources& sources) {
-    using State = ProgramFacts::Editor::State;
-    ProgramFacts::Editor facts;
-    facts.name = sources.editor.name();
-    if (sources.editor.position() || !facts.name.isEmpty()) {
-        facts.state = State::follows;
-    } else if (sources.isEditorFollowed || sources.dataManager.automaticProjectSelection()) {
-        facts.state = State::none;
-    }
-    return facts;
-}
-
-ProgramFacts::Browsers browsersOf(const FactSources& sources) {
-    using Reach = ProgramFacts::Browsers::Reach;
-    using Mode = AccessSettings::Mode;
-    ProgramFacts::Browsers browsers;
-    browsers.reach = sources.settings.mode == Mode::off       ? Reach::nobody
-                     : sources.settings.mode == Mode::machine ? Reach::machine
-                                                              : Reach::network;
-    browsers.isPlain = sources.settings.plainHTTP;
-    browsers.problem = QString::fromStdString(sources.access.problem);
-    if (!sources.access.addresses.empty()) {
-        browsers.address = QString::fromStdString(sources.access.addresses.front());
-    }
-    browsers.paired = static_cast<int>(sources.devices.size());
-    browsers.connected =
-        static_cast<int>(std::count_if(sources.devices.begin(), sources.devices.end(),
-                                       [](const PairedDevice& each) { return each.connected; }));
-    return browsers;
 }
 
 ProgramFacts::CodeMap codeMapOf(const CodeMapSnapshot& snapshot) {
@@ -151,12 +84,32 @@ ProgramState::Editor stateOf(ProgramFacts::Editor::State editor) {
 
 } // namespace
 
+ProgramFacts::Browsers browserFacts(const AccessSettings& settings, const AccessStatus& access,
+                                    const std::vector<PairedDevice>& devices) {
+    using Reach = ProgramFacts::Browsers::Reach;
+    using Mode = AccessSettings::Mode;
+    ProgramFacts::Browsers browsers;
+    browsers.reach = settings.mode == Mode::off       ? Reach::nobody
+                     : settings.mode == Mode::machine ? Reach::machine
+                                                      : Reach::network;
+    browsers.isPlain = settings.plainHTTP;
+    browsers.problem = QString::fromStdString(access.problem);
+    if (!access.addresses.empty()) {
+        browsers.address = QString::fromStdString(access.addresses.front());
+    }
+    browsers.paired = static_cast<int>(devices.size());
+    browsers.connected = static_cast<int>(std::count_if(
+        devices.begin(), devices.end(), [](const PairedDevice& each) { return each.connected; }));
+    return browsers;
+}
+
 ProgramFacts gatherFacts(const FactSources& sources) {
     ProgramFacts facts;
     facts.project = projectOf(sources);
-    facts.device = deviceOf(sources.delegate.deviceLink());
-    facts.editor = editorOf(sources);
-    facts.browsers = browsersOf(sources);
+    facts.device = deviceFacts(sources.delegate.deviceLink());
+    facts.editor = editorFacts(sources.editor, sources.isEditorFollowed ||
+                                                   sources.dataManager.automaticProjectSelection());
+    facts.browsers = browserFacts(sources.settings, sources.access, sources.devices);
     facts.codeMap = codeMapOf(sources.snapshot);
     facts.update = sources.delegate.update();
     return facts;

@@ -29,6 +29,10 @@ struct FactSources {
 /// Collects what is the case now. Asks nobody, and never blocks. Main thread.
 ProgramFacts gatherFacts(const FactSources& sources);
 
+/// What is the case with browsers. Pure.
+ProgramFacts::Browsers browserFacts(const AccessSettings& settings, const AccessStatus& access,
+                                    const std::vector<PairedDevice>& devices);
+
 /// The facts and their sentences as the server publishes them. Pure.
 ProgramState programStateOf(const ProgramFacts& facts);
 

@@ -44,13 +44,16 @@ std::optional<QByteArray> FollowedEditor::activeFile() {
         if (file && (!followed || file->isCurrent)) {
             followed = file;
             name_ = editor->name();
+            named_ = editor;
         }
         if (followed && followed->isCurrent) {
             break;
         }
     }
+    isSilent_ = followed && !followed->isCurrent;
     if (!followed) {
         name_.clear();
+        named_ = nullptr;
         return std::nullopt;
     }
     // A buffer may bear any name; one that is no path is no file.
@@ -199,6 +202,13 @@ void FollowedEditor::back(OutcomeObserver done) {
     }
 }
 
+Editor::Presence FollowedEditor::presence() {
+    if (named_ != nullptr && named_->isSuspended()) {
+        return Presence::stopped;
+    }
+    return isSilent_ ? Presence::silent : Presence::answers;
+}
+
 void FollowedEditor::onMove(MoveObserver observer) {
     const bool wasFollowing = observer_ != nullptr;
     observer_ = std::move(observer);
@@ -231,6 +241,8 @@ void FollowedEditor::hear(std::size_t editor, const EditorPlace& place,
     }
     shown_ = editor;
     name_ = editors_[editor]->name();
+    named_ = editors_[editor];
+    isSilent_ = false;
     const auto path = place.path.startsWith('/') ? decodeUTF8(place.path) : std::nullopt;
     const EditorPosition position =
         path ? EditorPosition{*path, place.line, place.column, place.isModified} : EditorPosition();

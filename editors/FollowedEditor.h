@@ -50,6 +50,7 @@ public:
     void openFile(const QString& path, std::optional<int> line) override;
 
     QString name() override { return name_; }
+    Presence presence() override;
     std::optional<EditorPosition> position() override { return position_; }
     void onMove(MoveObserver observer) override;
     /// In the order of these and of `openFile`.
@@ -72,8 +73,10 @@ private:
     const std::shared_ptr<DispatchQueue> requests_;
     /// What was told last: it stands while folders are too slow to tell. Main thread.
     QString activeProject_ = QStringLiteral("");
-    QString name_;          ///< of the editor that answered or moved last; main thread
-    MoveObserver observer_; ///< main thread
+    QString name_; ///< of the editor that answered or moved last; main thread
+    std::shared_ptr<RunningEditor> named_;   ///< that editor; null for none; main thread
+    bool isSilent_ = false;                  ///< it stands by an answer of long ago; main thread
+    MoveObserver observer_;                  ///< main thread
     std::optional<EditorPosition> position_; ///< main thread
     std::size_t shown_ = 0;                  ///< the editor that `position_` is of; main thread
     std::optional<std::size_t> focused_;     ///< the editor that was moved in last; main thread

@@ -5,6 +5,7 @@
 #include "editors/NeovimFollower.h"
 #include "editors/NeovimScripts.h"
 #include "editors/NeovimServers.h"
+#include "editors/StoppedPeer.h"
 #include "support/Log.h"
 
 #include <QHash>
@@ -163,11 +164,27 @@ std::optional<ActiveFile> NeovimEditor::activeFile(const QDeadlineTimer& deadlin
         }
         const auto file = answers_.of(socket);
         if (file && file->isCurrent) {
+            shown_ = socket;
             return file;
         }
-        lastKnown = lastKnown ? lastKnown : file;
+        if (file && !lastKnown) {
+            lastKnown = file;
+            shown_ = socket;
+        }
     }
     return lastKnown;
+}
+
+/// By the connections that stand anyway: to servers that are left alone, and to those followed.
+bool NeovimEditor::isSuspended() const {
+    const bool isFollowing = follower_ && !follower_->lastServer().isEmpty();
+    const QByteArray& server = isFollowing ? follower_->lastServer() : shown_;
+    int descriptor = follower_ ? follower_->descriptorOf(server) : -1;
+    const auto late = late_.find(server);
+    if (descriptor < 0 && late != late_.end() && late->second.connection != nullptr) {
+        descriptor = late->second.connection->descriptor();
+    }
+    return descriptor >= 0 && isPeerStopped(descriptor);
 }
 
 /// A server that was left alone and has answered since may be asked again.

@@ -28,6 +28,7 @@ public:
     bool open(const QByteArray& path, std::optional<int> line,
               const QDeadlineTimer& deadline) override;
     QString name() const override { return QStringLiteral("Neovim"); }
+    bool isSuspended() const override;
     JumpResult jump(const EditorPlace& place, const QDeadlineTimer& deadline) override;
     /// Every Neovim of this user is listened to: the one that moves is the one that the user is in.
     void follow(PlaceObserver observer) override;
@@ -45,6 +46,7 @@ private:
     const std::chrono::milliseconds leaveModeAtMost_;
     SilentEditors silent_; ///< any thread: opening learns from queries, and the reverse
     LastAnswers answers_;  ///< main thread
+    QByteArray shown_;     ///< the server whose answer was given last; main thread
     /// Servers that are left alone, as long as they may still answer. Main thread.
     std::map<QByteArray, ProbedNeovim> late_;
     std::unique_ptr<NeovimFollower> follower_; ///< main thread; null while nobody follows

@@ -92,6 +92,11 @@ std::unique_ptr<NeovimFollower::Followed> NeovimFollower::begun(const QByteArray
     return std::make_unique<Followed>(std::move(connection), std::move(notifier));
 }
 
+int NeovimFollower::descriptorOf(const QByteArray& socket) const {
+    const auto found = servers_.find(socket);
+    return found == servers_.end() ? -1 : found->second->connection->descriptor();
+}
+
 /// Takes what a server has sent. One that is gone, or sends what is no message, is let go; where it
 /// still listens it is tried again later.
 void NeovimFollower::hear(const QByteArray& socket) {
@@ -123,6 +128,7 @@ void NeovimFollower::hear(const QByteArray& socket) {
     const bool isSecondary = news == RunningEditor::PlaceNews::isThere && hasReported_;
     if (latest && !isSecondary) {
         hasReported_ = true;
+        lastServer_ = socket;
         observer_(*latest, news);
     }
 }

@@ -27,6 +27,11 @@ public:
     NeovimFollower(const NeovimFollower&) = delete;
     NeovimFollower& operator=(const NeovimFollower&) = delete;
 
+    /// The socket of the one that was reported last; empty before.
+    const QByteArray& lastServer() const { return lastServer_; }
+    /// The connection to a server; -1 for none.
+    int descriptorOf(const QByteArray& socket) const;
+
 private:
     struct Followed;
 
@@ -36,6 +41,7 @@ private:
 
     const RunningEditor::PlaceObserver observer_;
     bool hasReported_ = false;
+    QByteArray lastServer_;
     QTimer search_;
     std::map<QByteArray, std::unique_ptr<Followed>> servers_; // by socket
 };

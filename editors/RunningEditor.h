@@ -56,6 +56,10 @@ public:
     /// Its name for users; empty for one that cannot jump.
     virtual QString name() const { return {}; }
 
+    /// Whether the process of the editor that answered or moved last is suspended, as far as that
+    /// can be seen without asking it. Main thread; never blocks.
+    virtual bool isSuspended() const { return false; }
+
     /// As `open`, but it gives up sooner, reports how it ended instead of logging, and goes to the
     /// column where one is given, with nothing selected. Not on the main thread.
     virtual JumpResult jump(const EditorPlace& place, const QDeadlineTimer& deadline) {

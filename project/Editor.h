@@ -58,6 +58,15 @@ public:
     /// The editor's name for users, "Neovim"; empty where none has answered. Never blocks.
     virtual QString name() { return {}; }
 
+    /// How the editor that `name` names stood when it was last heard.
+    enum class Presence {
+        answers,
+        silent, ///< it has not answered for a while
+        stopped ///< its process is suspended
+    };
+    /// Never blocks.
+    virtual Presence presence() { return Presence::answers; }
+
     using MoveObserver = std::function<void(const EditorPosition& position)>;
     using OutcomeObserver = std::function<void(const EditorOutcome& outcome)>;
 

@@ -52,6 +52,9 @@ public:
     void connectToDevice(const QVariant& deviceID, quint16 port, const StartCallback& onStart,
                          const Callback& onEnd);
 
+    /// Whether the daemon has been reached, as far as it was looked for.
+    bool isDaemonThere() const { return daemon_ && daemon_->isThere(); }
+
     /// Tells the observers what a broadcast says.
     void handleBroadcastPacket(const std::optional<QVariantMap>& packet);
 

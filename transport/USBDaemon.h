@@ -21,6 +21,9 @@ public:
     /// uses the stream.
     virtual OwnedDescriptor openStream() = 0;
 
+    /// False while no stream that listens reaches it; true where that is not known.
+    virtual bool isThere() const { return true; }
+
 protected:
     USBDaemon() = default;
     USBDaemon(const USBDaemon&) = default;

@@ -37,6 +37,7 @@ public:
     USBDaemonKeeper& operator=(const USBDaemonKeeper&) = delete;
 
     OwnedDescriptor openStream() override;
+    bool isThere() const override { return !isDaemonMissing(); }
 
 private:
     void daemonIsMissing();

@@ -56,6 +56,8 @@ public:
         ++stepsBack;
         return {goesBack ? EditorOutcome::Kind::opened : EditorOutcome::Kind::notRunning, {}, {}};
     }
+    QString name() const override { return QStringLiteral("Fake"); }
+    bool isSuspended() const override { return isHeldByTheShell; }
     void follow(PlaceObserver toTell) override { observer = std::move(toTell); }
 
     std::vector<Opened> opened() const {
@@ -72,6 +74,7 @@ public:
     bool isBusy = false;
     /// Takes all the time that it is given, and then answers nothing.
     bool isStopped = false;
+    bool isHeldByTheShell = false;
     int queries = 0;
     std::chrono::milliseconds timeGiven{};
     std::chrono::milliseconds timeTaken{};
@@ -127,6 +130,22 @@ TEST_F(FollowedEditorTest, theFirstThatAnswersIsFollowed) {
 TEST_F(FollowedEditorTest, whenNoneAnswersTheLastResortDoes) {
     EXPECT_EQ(followed.activeFileName(), QStringLiteral(""));
     EXPECT_EQ(followed.activeProjectPath(), QStringLiteral(""));
+}
+
+TEST_F(FollowedEditorTest, itSaysWhetherTheEditorAnswersIsSilentOrStopped) {
+    using Presence = Editor::Presence;
+    first->file = "/a.m";
+    followed.activeFileName();
+    EXPECT_EQ(followed.presence(), Presence::answers);
+    first->isBusy = true;
+    followed.activeFileName();
+    EXPECT_EQ(followed.presence(), Presence::silent);
+    first->isHeldByTheShell = true;
+    EXPECT_EQ(followed.presence(), Presence::stopped);
+    first->file.reset();
+    followed.activeFileName();
+    EXPECT_EQ(followed.name(), QString());
+    EXPECT_EQ(followed.presence(), Presence::answers);
 }
 
 TEST_F(FollowedEditorTest, anEditorThatIsStoppedLeavesTheNextOneItsShare) {
