@@ -1,6 +1,10 @@
 #pragma once
 
+#include "app/StateSentences.h"
+
 #include <QString>
+
+#include <vector>
 
 namespace navrel {
 
@@ -9,6 +13,7 @@ struct AboutFacts {
     QString version;
     QString storeFolder;
     QString preferencesFile;
+    std::vector<StateSentence> state = {}; ///< no section about it where there are none
 };
 
 /// The page about the program, as HTML of Qt's rich-text subset. Empty when the program lacks the

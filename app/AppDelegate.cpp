@@ -77,9 +77,11 @@ void AppDelegate::quit() {
 }
 
 void AppDelegate::about() {
+    const StatusMenu* const menu = shortcutMenu_.menu();
     collaborators_.desktop.showAboutWindow(aboutPage(
         {collaborators_.version, collaborators_.dataManager.applicationDocumentsDirectory(),
-         collaborators_.userDefaults.fileName()}));
+         collaborators_.userDefaults.fileName(),
+         menu != nullptr ? menu->state() : std::vector<StateSentence>()}));
 }
 
 void AppDelegate::manual() {

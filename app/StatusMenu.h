@@ -1,12 +1,14 @@
 #pragma once
 
 #include "app/MenuEntry.h"
+#include "app/StateSentences.h"
 
 #include <QString>
 #include <QStringList>
 
 #include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace navrel {
@@ -65,6 +67,13 @@ public:
     /// The user chose an entry. Nothing happens for one that is gone, or only read.
     void choose(int id) const;
 
+    /// How the program stands, for views with room for that: asked whenever one shows it. Null, as
+    /// at first, for nothing to show.
+    void setState(std::function<std::vector<StateSentence>()> state) { state_ = std::move(state); }
+    std::vector<StateSentence> state() const {
+        return state_ ? state_() : std::vector<StateSentence>();
+    }
+
     /// Views are not owned; each must be removed before it ends.
     void addView(StatusMenuView& view);
     void removeView(StatusMenuView& view);
@@ -82,6 +91,7 @@ private:
     MenuEntry overflow_;
     Entries entries_;
     std::vector<StatusMenuView*> views_;
+    std::function<std::vector<StateSentence>()> state_;
 };
 
 } // namespace navrel

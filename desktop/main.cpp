@@ -115,6 +115,7 @@ int runApplication(const std::optional<SessionFiles>& files) {
     const auto delegate = AppDelegate::create(world);
     BrowserService browsers(
         {*dataManager, *editor, userDefaults, *delegate, QtDesktop::isDisplayThere(), &notifyUser});
+    menu.setState([&browsers] { return stateSentences(browsers.facts()); });
     layOutStatusMenu(menu, *delegate, *dataManager, [&browsers] { browsers.showPairingWindow(); });
     QTimer::singleShot(0, qApp, [&browsers, &delegate] {
         browsers.start();

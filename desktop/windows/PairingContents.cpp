@@ -1,5 +1,7 @@
 #include "desktop/windows/PairingContents.h"
 
+#include "desktop/GatherFacts.h"
+
 #include <chrono>
 
 namespace navrel {
@@ -54,27 +56,18 @@ QString grouped(const std::string& code) {
     return text.size() == 6 ? text.first(3) + u' ' + text.last(3) : text;
 }
 
-QString stateOf(const AccessSettings& settings, const AccessStatus& status) {
-    if (!status.problem.empty()) {
-        return QString::fromStdString(status.problem);
+/// What to know before a device is paired.
+QString adviceOf(const AccessSettings& settings, const StateSentence& state) {
+    if (settings.mode == Mode::machine) {
+        return QStringLiteral("A device reaches this machine where you forward the port to it, by "
+                              "USB or SSH.");
     }
-    switch (settings.mode) {
-    case Mode::off:
-        return QStringLiteral("No browser can reach Navrel.");
-    case Mode::machine:
-        return QStringLiteral("Browsers on this machine can reach Navrel, and devices to which you "
-                              "forward the port, by USB or SSH.");
-    case Mode::network:
-        break;
+    if (settings.mode == Mode::network && !settings.plainHTTP) {
+        return QStringLiteral("The browser warns of the certificate: compare its fingerprint with "
+                              "the one below.");
     }
-    return settings.plainHTTP
-               ? QStringLiteral("Devices in this network can reach Navrel once they are paired. "
-                                "Without encryption, others in the network can read your code and "
-                                "use a paired device's access.")
-               : QStringLiteral(
-                     "Devices in this network can reach Navrel once they are paired. The "
-                     "browser warns of the certificate: compare its fingerprint with "
-                     "the one below.");
+    // Where nobody is let in, the hint leads to this window.
+    return settings.mode == Mode::network ? state.hint : QString();
 }
 
 } // namespace
@@ -84,7 +77,9 @@ PairingContents pairingContents(const AccessSettings& settings, const AccessStat
                                 const QString& chosenAddress, const QDateTime& now) {
     PairingContents contents;
     contents.mode = settings.mode;
-    contents.state = stateOf(settings, status);
+    const StateSentence state = sentenceOf(browserFacts(settings, status, devices));
+    contents.state = state.text;
+    contents.advice = status.problem.empty() ? adviceOf(settings, state) : QString();
     contents.isAmiss = !status.problem.empty();
     for (const std::string& address : status.addresses) {
         contents.addresses.append(QString::fromStdString(address));

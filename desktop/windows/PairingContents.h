@@ -20,7 +20,8 @@ struct PairingContents {
     };
 
     AccessSettings::Mode mode = AccessSettings::Mode::off;
-    QString state;         ///< in plain words: what works now, or what is amiss
+    QString state;         ///< the sentence about browsers, as it is shown everywhere
+    QString advice;        ///< what to know before a device is paired; may be empty
     bool isAmiss = false;  ///< whether `state` tells of a problem
     QStringList addresses; ///< the likeliest first; empty while nothing is listened on
     QString address;       ///< the one that is chosen

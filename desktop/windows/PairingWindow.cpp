@@ -54,6 +54,7 @@ void makeSelectable(QLabel& label, const QFont& font) {
 PairingWindow::PairingWindow(Events events) : events_(std::move(events)) {
     setWindowTitle(QStringLiteral("Phone or Tablet"));
     state_ = plainLabel();
+    advice_ = plainLabel();
     auto* sides = new QHBoxLayout;
     sides->setSpacing(2 * kMargin);
     sides->addWidget(pairingSide());
@@ -63,6 +64,7 @@ PairingWindow::PairingWindow(Events events) : events_(std::move(events)) {
     layout->setSpacing(kSpacing);
     layout->addWidget(modeChoice());
     layout->addWidget(state_);
+    layout->addWidget(advice_);
     layout->addLayout(sides, 1);
     due_.setInterval(std::chrono::seconds(1));
     connect(&due_, &QTimer::timeout, this, [this] { events_.isDue(); });
@@ -158,6 +160,8 @@ void PairingWindow::show(const PairingContents& contents) {
     contents_ = contents;
     modes_.button(static_cast<int>(contents.mode))->setChecked(true);
     state_->setText(contents.state);
+    advice_->setText(contents.advice);
+    advice_->setHidden(contents.advice.isEmpty());
     pairing_->setVisible(!contents.addresses.isEmpty());
     code_->setText(contents.url);
     showAddresses(contents);

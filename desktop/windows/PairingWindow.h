@@ -56,6 +56,7 @@ private:
     PairingContents contents_;
     QButtonGroup modes_;
     QLabel* state_ = nullptr; // owned by the window, as all that follow
+    QLabel* advice_ = nullptr;
     QWidget* pairing_ = nullptr;
     QRCode* code_ = nullptr;
     QComboBox* addresses_ = nullptr;

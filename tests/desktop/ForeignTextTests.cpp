@@ -133,7 +133,11 @@ TEST(ForeignText, isNoMarkupInTheMenuAndItsWindow) {
 
 TEST(ForeignText, isNoMarkupInTheAboutWindow) {
     AboutWindow window([](const QUrl&) {});
-    window.showPage(aboutPage({kForeign, kForeign, kForeign}));
+    window.showPage(aboutPage(
+        {kForeign,
+         kForeign,
+         kForeign,
+         {{StateSentence::Part::project, StateSentence::Level::error, kForeign, kForeign}}}));
     EXPECT_TRUE(isShownAsWritten(window.toPlainText()));
 }
 

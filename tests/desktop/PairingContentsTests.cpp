@@ -63,13 +63,17 @@ TEST_F(PairingContentsTest, withoutAnAddressNothingCanBePaired) {
 }
 
 TEST_F(PairingContentsTest, theStateIsToldInPlainWordsAndAProblemFirst) {
-    EXPECT_TRUE(contents().state.contains(QStringLiteral("fingerprint")));
+    EXPECT_EQ(contents().state, QStringLiteral("Paired devices in this network can reach Navrel at "
+                                               "https://192.168.1.5:2346: 0 paired, 0 connected."));
+    EXPECT_TRUE(contents().advice.contains(QStringLiteral("fingerprint")));
     settings_.plainHTTP = true;
-    EXPECT_TRUE(contents().state.contains(QStringLiteral("others in the network can read")));
+    EXPECT_TRUE(contents().advice.contains(QStringLiteral("others in the network can read")));
     settings_.mode = Mode::machine;
     EXPECT_TRUE(contents().state.contains(QStringLiteral("this machine")));
+    EXPECT_TRUE(contents().advice.contains(QStringLiteral("SSH")));
     settings_.mode = Mode::off;
     EXPECT_EQ(contents().state, QStringLiteral("No browser can reach Navrel."));
+    EXPECT_EQ(contents().advice, QString());
     EXPECT_FALSE(contents().isAmiss);
     status_.problem = "Ports 2346 to 2356 are taken.";
     EXPECT_EQ(contents().state, QStringLiteral("Ports 2346 to 2356 are taken."));
