@@ -6,7 +6,6 @@ import { go } from "../places";
 import { setFollow, setTheme } from "../settings";
 import { type Follow, type MorePage, type Theme, useStore } from "../store";
 import { canStayAwake, stayAwake } from "../wakefulness";
-import type { Shape } from "../wire/wire";
 import { ChangesPage } from "./ChangesPage";
 import { FileTypesPage } from "./FileTypesPage";
 import { KeysPage } from "./KeysPage";
@@ -93,29 +92,19 @@ function Awake() {
   );
 }
 
-const kDevices: Record<Shape.State["device"]["state"], string> = {
-  connected: "connected",
-  attached: "attached, not connected",
-  absent: "none",
-  noDaemon: "cannot be looked for: usbmuxd does not run",
-  refused: "refused",
-};
+type Fact = [name: string, value: string, hint?: string | undefined];
 
 function Status() {
   const state = useStore((all) => all.state);
   const connection = useStore((all) => all.connection);
   const freshAt = useStore((all) => all.freshAt);
   if (!state) return null;
-  const { project, editor, device, browsers } = state;
-  const facts: [string, string][] = [
+  const facts: Fact[] = [
     ["Connection", connection === "open" ? "up to date" : `last up to date ${age(Date.now() - freshAt)}`],
-    ["Project", project.name ?? "none"],
-    ["Editor", editorWords(editor)],
-    ["Device on the cable", device.reason ?? kDevices[device.state]],
-    ["Browsers", `${browsers.devices} paired`],
+    ...(state.sentences ?? []).map(({ part, text, hint }): Fact => [part, text, hint]),
     ["Navrel", state.version],
   ];
-  if (browsers.readOnly) facts.unshift(["This device", "may look, not open"]);
+  if (state.browsers.readOnly) facts.unshift(["This device", "may look, not open"]);
   return (
     <>
       <h2 class="list-title">Status</h2>
@@ -125,18 +114,16 @@ function Status() {
         </p>
       ))}
       <dl class="facts">
-        {facts.map(([name, value]) => (
+        {facts.map(([name, value, hint]) => (
           <div key={name}>
             <dt>{name}</dt>
-            <dd>{value}</dd>
+            <dd>
+              {value}
+              {hint && <span class="fact-hint"> {hint}</span>}
+            </dd>
           </div>
         ))}
       </dl>
     </>
   );
-}
-
-function editorWords({ name, state }: Shape.State["editor"]): string {
-  if (state === "none") return "none is running";
-  return state === "follows" ? (name ?? "yes") : `${name ?? "one"}, which does not answer`;
 }

@@ -172,6 +172,11 @@ export const sampleState: Shape.State = {
   device: { state: "absent" },
   browsers: { mode: "machine", addresses: ["http://127.0.0.1:2346"], devices: 1 },
   messages: [],
+  sentences: [
+    { part: "Project", level: "good", text: `${kProject} is loaded: 15 files.` },
+    { part: "Device", level: "idle", text: "No device is attached.", hint: "Plug one in." },
+    { part: "Editor", level: "good", text: "Neovim answers." },
+  ],
 };
 
 /** Everything with a name, for the search. */
