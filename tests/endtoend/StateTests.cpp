@@ -1,0 +1,79 @@
+// What the real program says about itself, with USB daemons that come and go.
+
+#include "tests/FakeUSBDaemon.h"
+#include "tests/RealUSBDaemon.h"
+#include "tests/SmallProject.h"
+#include "tests/TestDevice.h"
+#include "tests/WaitUntil.h"
+#include "tests/endtoend/NavrelProcess.h"
+#include "tests/web/WebClient.h"
+
+#include <gtest/gtest.h>
+
+#include <regex>
+
+namespace navrel {
+namespace {
+
+class StateTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        project_.writeFile(QStringLiteral("a.m"), "- (void)run {\n}\n");
+        project_.addEntry("A", "a.m");
+        navrel_.setLastKnownProject(project_.bundle());
+    }
+
+    std::string state() const {
+        const QString socket = navrel_.runtimeFolder() + QStringLiteral("/nl.kelvane.Navrel.sock");
+        return WebClient(socket.toStdString()).ask("GET /api/state HTTP/1.1\r\n\r\n").body;
+    }
+    /// Waits until the state has a sentence that a pattern fits.
+    [[nodiscard]] bool waitForSentence(const std::string& pattern) const {
+        const std::regex sentence("\"text\":\"" + pattern + "\"");
+        return waitUntil([&] { return std::regex_search(state(), sentence); });
+    }
+
+    SmallProject project_;
+    NavrelProcess navrel_;
+};
+
+constexpr char kNoDaemon[] = "No device is found: the USB daemon, usbmuxd, is not running\\.";
+constexpr char kNoDevice[] = "No device is attached\\.";
+
+TEST_F(StateTest, followsADeviceOverUSB) {
+    FakeUSBDaemon daemon;
+    navrel_.setUSBDaemonAddress(daemon.address());
+    ASSERT_TRUE(navrel_.start());
+    EXPECT_TRUE(waitForSentence(kNoDaemon)) << state();
+    ASSERT_TRUE(daemon.start());
+    EXPECT_TRUE(waitForSentence(kNoDevice)) << state();
+    daemon.connectAnswer = 3;
+    daemon.attach(7);
+    EXPECT_TRUE(waitForSentence("A device is attached, but no app listens on its port 2345\\."))
+        << state();
+    daemon.connectAnswer = 0;
+    TestDevice device;
+    device.adopt(daemon.waitForDeviceConnection());
+    ASSERT_TRUE(device.waitUntilServed());
+    EXPECT_TRUE(waitForSentence("A device is connected over USB since [0-2][0-9]:[0-5][0-9]\\."))
+        << state();
+    daemon.stop();
+    EXPECT_TRUE(waitForSentence(kNoDaemon)) << state();
+}
+
+TEST_F(StateTest, followsDebiansUSBDaemon) {
+    RealUSBDaemon daemon;
+    if (!daemon.start()) {
+        GTEST_SKIP() << "no USB daemon can run here: " << daemon.log().constData();
+    }
+    navrel_.setUSBDaemonAddress(daemon.address());
+    ASSERT_TRUE(navrel_.start());
+    EXPECT_TRUE(waitForSentence(kNoDevice)) << state();
+    daemon.stop(); // its socket's file stays
+    EXPECT_TRUE(waitForSentence(kNoDaemon)) << state();
+    ASSERT_TRUE(daemon.start());
+    EXPECT_TRUE(waitForSentence(kNoDevice)) << state();
+}
+
+} // namespace
+} // namespace navrel
