@@ -1,16 +1,21 @@
-// What the real program says about itself, with USB daemons that come and go.
+// What the real program says about itself, with USB daemons and editors that come and go.
 
 #include "tests/FakeUSBDaemon.h"
 #include "tests/RealUSBDaemon.h"
 #include "tests/SmallProject.h"
+#include "tests/StopProcess.h"
 #include "tests/TestDevice.h"
 #include "tests/WaitUntil.h"
+#include "tests/editors/ScratchEnvironment.h"
+#include "tests/endtoend/HeadlessNeovim.h"
 #include "tests/endtoend/NavrelProcess.h"
 #include "tests/web/WebClient.h"
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <regex>
+#include <sys/types.h>
 
 namespace navrel {
 namespace {
@@ -73,6 +78,59 @@ TEST_F(StateTest, followsDebiansUSBDaemon) {
     EXPECT_TRUE(waitForSentence(kNoDaemon)) << state();
     ASSERT_TRUE(daemon.start());
     EXPECT_TRUE(waitForSentence(kNoDevice)) << state();
+}
+
+/// The program asks the editor once a second, since it follows the editor's project.
+class EditorStateTest : public StateTest {
+protected:
+    void SetUp() override {
+        if (!HeadlessNeovim::isAvailable()) {
+            GTEST_SKIP() << "needs nvim";
+        }
+        ASSERT_NO_FATAL_FAILURE(StateTest::SetUp());
+        environment_.set("NVIM", socket().toUtf8());
+        navrel_.writeDefaults("[General]\nautomaticProjectSelection=true\nlastKnownProject=\"" +
+                              project_.bundle().toUtf8() + "\"\n");
+    }
+
+    QString socket() const { return environment_.pathOf(QStringLiteral("neovim")); }
+    [[nodiscard]] bool startNeovim() {
+        return neovim_.start(socket(), project_.folder() + QStringLiteral("/a.m"));
+    }
+
+    ScratchEnvironment environment_;
+    HeadlessNeovim neovim_;
+};
+
+constexpr char kNoEditor[] = "No editor answers\\.";
+constexpr char kNeovimAnswers[] = "Neovim answers\\.";
+
+TEST_F(EditorStateTest, followsAnEditorThatStartsAndDies) {
+    ASSERT_TRUE(navrel_.start());
+    EXPECT_TRUE(waitForSentence(kNoEditor)) << state();
+    ASSERT_TRUE(startNeovim());
+    EXPECT_TRUE(waitForSentence(kNeovimAnswers)) << state();
+    neovim_.kill();
+    EXPECT_TRUE(waitForSentence(kNoEditor)) << state();
+}
+
+TEST_F(EditorStateTest, followsAnEditorThatIsStopped) {
+    ASSERT_TRUE(startNeovim());
+    ASSERT_TRUE(navrel_.start());
+    ASSERT_TRUE(waitForSentence(kNeovimAnswers)) << state();
+    ASSERT_TRUE(stopProcess(neovim_.processID()));
+    EXPECT_TRUE(waitForSentence("Neovim is stopped\\.")) << state();
+    ASSERT_EQ(::kill(static_cast<pid_t>(neovim_.processID()), SIGCONT), 0);
+    EXPECT_TRUE(waitForSentence(kNeovimAnswers)) << state();
+}
+
+TEST_F(EditorStateTest, followsAnEditorThatIsBusy) {
+    ASSERT_TRUE(startNeovim());
+    ASSERT_TRUE(navrel_.start());
+    ASSERT_TRUE(waitForSentence(kNeovimAnswers)) << state();
+    // Half a command: the name of a register is to follow.
+    neovim_.valueOf(QStringLiteral("feedkeys('\"')"));
+    EXPECT_TRUE(waitForSentence("Neovim does not answer\\.")) << state();
 }
 
 } // namespace
