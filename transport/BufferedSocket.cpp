@@ -1,6 +1,6 @@
 #include "transport/BufferedSocket.h"
 
-#include "transport/IPv4Socket.h"
+#include "support/sockets/IPv4Socket.h"
 
 #include <QObject>
 

@@ -5,7 +5,7 @@
 #include "support/dispatch/DispatchIO.h"
 #include "support/dispatch/DispatchQueue.h"
 #include "support/dispatch/DispatchSource.h"
-#include "transport/IPv4Socket.h"
+#include "support/sockets/IPv4Socket.h"
 #include "transport/PTAddress.h"
 #include "transport/PTData.h"
 #include "transport/PTFrame.h"

@@ -1,6 +1,6 @@
 #include "web/NetworkAddresses.h"
 
-#include "transport/OwnedDescriptor.h"
+#include "support/files/OwnedDescriptor.h"
 
 #include <algorithm>
 #include <arpa/inet.h>

@@ -1,7 +1,7 @@
 #include "web/PrivateFile.h"
 
+#include "support/files/OwnedDescriptor.h"
 #include "support/files/RegularFile.h"
-#include "transport/OwnedDescriptor.h"
 
 #include <cerrno>
 #include <cstdio>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "support/Error.h"
-#include "transport/OwnedDescriptor.h"
+#include "support/files/OwnedDescriptor.h"
 #include "transport/SystemLoopbackPeer.h"
 
 #include <QByteArray>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "transport/IPv4Socket.h"
+#include "support/sockets/IPv4Socket.h"
 
 #include <poll.h>
 #include <sys/socket.h>

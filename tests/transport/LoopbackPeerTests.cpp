@@ -1,5 +1,5 @@
+#include "support/sockets/IPv4Socket.h"
 #include "tests/transport/RawPeer.h"
-#include "transport/IPv4Socket.h"
 #include "transport/LoopbackPeer.h"
 
 #include <QByteArray>

@@ -1,4 +1,4 @@
-#include "transport/IPv4Socket.h"
+#include "support/sockets/IPv4Socket.h"
 
 #include <QDeadlineTimer>
 

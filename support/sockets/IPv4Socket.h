@@ -1,6 +1,6 @@
 #pragma once
 
-#include "transport/OwnedDescriptor.h"
+#include "support/files/OwnedDescriptor.h"
 
 #include <QtGlobal>
 

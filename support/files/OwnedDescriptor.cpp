@@ -1,4 +1,4 @@
-#include "transport/OwnedDescriptor.h"
+#include "support/files/OwnedDescriptor.h"
 
 #include <cerrno>
 #include <unistd.h>
