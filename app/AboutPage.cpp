@@ -1,6 +1,6 @@
 #include "app/AboutPage.h"
 
-#include "support/Log.h"
+#include "support/core/Log.h"
 
 #include <QFile>
 

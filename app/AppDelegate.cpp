@@ -6,8 +6,8 @@
 #include "app/WebServices.h"
 #include "project/KZDataManager.h"
 #include "protocol/CompanionProtocol.h"
-#include "support/Log.h"
-#include "support/UserDefaults.h"
+#include "support/core/Log.h"
+#include "support/core/UserDefaults.h"
 #include "transport/PTData.h"
 #include "transport/PTPayload.h"
 

@@ -4,7 +4,7 @@
 #include "app/ProgramVersion.h"
 #include "project/KZDataManager.h"
 #include "protocol/CompanionProtocol.h"
-#include "support/Log.h"
+#include "support/core/Log.h"
 #include "support/propertylist/PropertyList.h"
 #include "support/text/FilePath.h"
 #include "transport/PTFrame.h"

@@ -1,7 +1,7 @@
 #include "app/DeviceLink.h"
 
 #include "protocol/CompanionProtocol.h"
-#include "support/Log.h"
+#include "support/core/Log.h"
 #include "support/dispatch/DispatchQueue.h"
 #include "transport/PTAddress.h"
 #include "transport/PTUSBPacket.h"

@@ -5,8 +5,8 @@
 #include "app/LogLimiter.h"
 #include "app/LoopbackGate.h"
 #include "app/WantedDevice.h"
-#include "support/NotificationCentre.h"
 #include "support/core/Clock.h"
+#include "support/core/NotificationCentre.h"
 #include "transport/PTChannel.h"
 #include "transport/PTUSBHub.h"
 

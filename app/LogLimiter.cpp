@@ -1,6 +1,6 @@
 #include "app/LogLimiter.h"
 
-#include "support/Log.h"
+#include "support/core/Log.h"
 
 #include <chrono>
 #include <utility>

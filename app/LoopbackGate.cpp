@@ -1,7 +1,7 @@
 #include "app/LoopbackGate.h"
 
 #include "protocol/CompanionProtocol.h"
-#include "support/Log.h"
+#include "support/core/Log.h"
 #include "transport/PTChannel.h"
 #include "transport/SystemLoopbackPeer.h"
 

@@ -1,6 +1,6 @@
 #include "app/StatusMenu.h"
 
-#include "support/Assertion.h"
+#include "support/core/Assertion.h"
 
 #include <algorithm>
 #include <utility>

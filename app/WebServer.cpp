@@ -1,6 +1,6 @@
 #include "app/WebServer.h"
 
-#include "support/Log.h"
+#include "support/core/Log.h"
 
 namespace navrel {
 

@@ -3,7 +3,7 @@
 #include "app/Desktop.h"
 #include "app/TextFetch.h"
 #include "app/WebServer.h"
-#include "support/Log.h"
+#include "support/core/Log.h"
 
 #include <utility>
 

@@ -2,7 +2,7 @@
 
 #include "codemap/Characters.h"
 #include "codemap/TextForm.h"
-#include "support/Assertion.h"
+#include "support/core/Assertion.h"
 #include "support/text/UTF8.h"
 
 #include <algorithm>

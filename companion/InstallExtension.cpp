@@ -1,6 +1,6 @@
 #include "companion/InstallExtension.h"
 
-#include "support/ToolRunner.h"
+#include "support/process/ToolRunner.h"
 
 #include <QCoreApplication>
 #include <QDir>

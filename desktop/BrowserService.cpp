@@ -7,8 +7,8 @@
 #include "desktop/windows/PairingWindow.h"
 #include "project/Editor.h"
 #include "project/KZDataManager.h"
-#include "support/Log.h"
-#include "support/UserDefaults.h"
+#include "support/core/Log.h"
+#include "support/core/UserDefaults.h"
 
 #include <QDateTime>
 #include <QFile>

@@ -1,7 +1,7 @@
 #include "desktop/BrowserSettings.h"
 
-#include "support/Log.h"
-#include "support/UserDefaults.h"
+#include "support/core/Log.h"
+#include "support/core/UserDefaults.h"
 
 #include <QStringList>
 

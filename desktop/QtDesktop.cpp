@@ -3,9 +3,9 @@
 #include "desktop/AboutWindow.h"
 #include "desktop/OpenPanel.h"
 #include "desktop/StatusItem.h"
-#include "support/DesktopOpener.h"
-#include "support/Error.h"
-#include "support/Log.h"
+#include "support/core/Error.h"
+#include "support/core/Log.h"
+#include "support/process/DesktopOpener.h"
 
 #include <QApplication>
 #include <QGridLayout>

@@ -1,6 +1,6 @@
 #include "desktop/SecondStart.h"
 
-#include "support/Log.h"
+#include "support/core/Log.h"
 
 #include <QLocalSocket>
 

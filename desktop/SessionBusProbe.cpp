@@ -1,6 +1,6 @@
 #include "desktop/SessionBusProbe.h"
 
-#include "support/Log.h"
+#include "support/core/Log.h"
 
 #include <QDBusConnection>
 #include <QDeadlineTimer>

@@ -3,7 +3,7 @@
 #include "app/StatusMenu.h"
 #include "desktop/DBusMenu.h"
 #include "desktop/StatusNotifierItemAdaptor.h"
-#include "support/Log.h"
+#include "support/core/Log.h"
 
 #include <QCoreApplication>
 #include <QDBusMessage>

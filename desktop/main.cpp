@@ -14,10 +14,10 @@
 #include "desktop/UserNotification.h"
 #include "editors/EditorChoice.h"
 #include "project/KZDataManager.h"
-#include "support/Application.h"
-#include "support/Log.h"
-#include "support/StartConditions.h"
-#include "support/UserDefaults.h"
+#include "support/core/Application.h"
+#include "support/core/Log.h"
+#include "support/core/StartConditions.h"
+#include "support/core/UserDefaults.h"
 
 #include <QApplication>
 #include <QDir>

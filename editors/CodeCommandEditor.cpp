@@ -1,7 +1,7 @@
 #include "editors/CodeCommandEditor.h"
 
 #include "editors/Deadlines.h"
-#include "support/ToolRunner.h"
+#include "support/process/ToolRunner.h"
 
 #include <QDir>
 #include <QLocalSocket>

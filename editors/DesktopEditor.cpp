@@ -1,8 +1,8 @@
 #include "editors/DesktopEditor.h"
 
 #include "editors/RequestedPath.h"
-#include "support/DesktopOpener.h"
-#include "support/HarmlessFile.h"
+#include "support/files/HarmlessFile.h"
+#include "support/process/DesktopOpener.h"
 
 namespace navrel {
 

@@ -9,7 +9,7 @@
 #include "editors/XcodeEditor.h"
 #include "editors/hooks/HookSocket.h"
 #include "editors/hooks/HookedEditor.h"
-#include "support/Log.h"
+#include "support/core/Log.h"
 
 #include <QDBusConnection>
 #include <QFileInfo>

@@ -1,6 +1,6 @@
 #include "editors/EmacsClient.h"
 
-#include "support/ToolRunner.h"
+#include "support/process/ToolRunner.h"
 
 #include <QFileInfo>
 

@@ -4,8 +4,8 @@
 #include "editors/EmacsClient.h"
 #include "editors/EmacsExpressions.h"
 #include "editors/EmacsFollower.h"
-#include "support/Log.h"
-#include "support/ToolRunner.h"
+#include "support/core/Log.h"
+#include "support/process/ToolRunner.h"
 
 #include <utility>
 

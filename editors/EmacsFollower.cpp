@@ -2,7 +2,7 @@
 
 #include "editors/EmacsClient.h"
 #include "editors/EmacsExpressions.h"
-#include "support/ToolRunner.h"
+#include "support/process/ToolRunner.h"
 
 #include <chrono>
 #include <utility>

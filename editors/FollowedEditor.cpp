@@ -3,7 +3,7 @@
 #include "editors/Deadlines.h"
 #include "editors/ProjectBundle.h"
 #include "editors/RequestedPath.h"
-#include "support/Log.h"
+#include "support/core/Log.h"
 #include "support/dispatch/DispatchQueue.h"
 #include "support/text/FilePath.h"
 #include "support/text/UTF8.h"

@@ -2,7 +2,7 @@
 
 #include "editors/Deadlines.h"
 #include "editors/KateBus.h"
-#include "support/Log.h"
+#include "support/core/Log.h"
 #include "support/dispatch/DispatchQueue.h"
 
 #include <chrono>

@@ -1,6 +1,6 @@
 #include "editors/MessagePack.h"
 
-#include "support/Assertion.h"
+#include "support/core/Assertion.h"
 
 #include <QtEndian>
 

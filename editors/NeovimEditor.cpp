@@ -6,7 +6,7 @@
 #include "editors/NeovimScripts.h"
 #include "editors/NeovimServers.h"
 #include "editors/StoppedPeer.h"
-#include "support/Log.h"
+#include "support/core/Log.h"
 
 #include <QHash>
 #include <QVariantMap>

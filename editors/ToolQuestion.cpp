@@ -1,7 +1,7 @@
 #include "editors/ToolQuestion.h"
 
-#include "support/Log.h"
-#include "support/ToolRunner.h"
+#include "support/core/Log.h"
+#include "support/process/ToolRunner.h"
 
 #include <condition_variable>
 #include <mutex>

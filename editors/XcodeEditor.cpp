@@ -1,6 +1,6 @@
 #include "editors/XcodeEditor.h"
 
-#include "support/ToolRunner.h"
+#include "support/process/ToolRunner.h"
 #include "support/text/FilePath.h"
 #include "support/text/UTF8.h"
 

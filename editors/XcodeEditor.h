@@ -2,7 +2,7 @@
 
 #include "editors/ToolQuestion.h"
 #include "project/Editor.h"
-#include "support/Errands.h"
+#include "support/process/Errands.h"
 
 #include <QString>
 

@@ -9,7 +9,7 @@
 #include "project/views/NavigatorViews.h"
 #include "project/views/ScanViews.h"
 #include "scanning/ScanningOperations.h"
-#include "support/UserDefaults.h"
+#include "support/core/UserDefaults.h"
 #include "support/text/UTF8.h"
 
 #include <chrono>

@@ -1,6 +1,6 @@
 #include "project/ProjectFile.h"
 
-#include "support/Error.h"
+#include "support/core/Error.h"
 #include "support/files/FileDates.h"
 #include "support/files/RegularFile.h"
 

@@ -2,7 +2,7 @@
 
 #include "project/ProjectStore.h"
 #include "project/store/ManagedObjectContext.h"
-#include "support/Log.h"
+#include "support/core/Log.h"
 #include "support/core/MainThread.h"
 #include "support/text/FilePath.h"
 #include "support/text/UTF8.h"

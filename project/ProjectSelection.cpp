@@ -5,8 +5,8 @@
 #include "project/ProjectDialogs.h"
 #include "project/ProjectStore.h"
 #include "project/store/ManagedObjectContext.h"
-#include "support/UserDefaults.h"
 #include "support/core/MainThread.h"
+#include "support/core/UserDefaults.h"
 #include "support/text/FilePath.h"
 #include "support/text/UTF8.h"
 

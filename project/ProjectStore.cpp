@@ -4,7 +4,7 @@
 #include "project/store/ManagedObjectContext.h"
 #include "project/store/PersistentStoreCoordinator.h"
 #include "project/store/StoreFolder.h"
-#include "support/Log.h"
+#include "support/core/Log.h"
 #include "support/core/MainThread.h"
 
 #include <QCoreApplication>

@@ -1,8 +1,8 @@
 #include "project/StoreErrorWindow.h"
 
 #include "project/ProjectDialogs.h"
-#include "support/Error.h"
-#include "support/Log.h"
+#include "support/core/Error.h"
+#include "support/core/Log.h"
 #include "support/core/MainThread.h"
 
 #include <QScopedValueRollback>

@@ -1,6 +1,6 @@
 #include "scanning/LineExpressions.h"
 
-#include "support/Assertion.h"
+#include "support/core/Assertion.h"
 #include "support/text/UTF8.h"
 
 #include <utility>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "scanning/ChunkedList.h"
-#include "support/Assertion.h"
+#include "support/core/Assertion.h"
 
 #include <QByteArray>
 #include <QByteArrayView>

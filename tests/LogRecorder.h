@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/Log.h"
+#include "support/core/Log.h"
 
 #include <QStringList>
 

@@ -1,4 +1,4 @@
-#include "support/Application.h"
+#include "support/core/Application.h"
 #ifdef NAVREL_OWN_NETWORK
 #include "tests/NetworkNamespace.h"
 #endif

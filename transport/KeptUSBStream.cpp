@@ -1,6 +1,6 @@
 #include "transport/KeptUSBStream.h"
 
-#include "support/Log.h"
+#include "support/core/Log.h"
 #include "support/propertylist/PropertyList.h"
 #include "transport/PTUSBChannel.h"
 

@@ -1,6 +1,6 @@
 #include "transport/PTAddress.h"
 
-#include "support/Assertion.h"
+#include "support/core/Assertion.h"
 
 #include <QtEndian>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/Described.h"
+#include "support/core/Described.h"
 
 #include <QString>
 

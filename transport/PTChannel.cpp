@@ -1,7 +1,7 @@
 #include "transport/PTChannel.h"
 
-#include "support/Assertion.h"
-#include "support/Log.h"
+#include "support/core/Assertion.h"
+#include "support/core/Log.h"
 #include "support/dispatch/DispatchIO.h"
 #include "support/dispatch/DispatchQueue.h"
 #include "support/dispatch/DispatchSource.h"

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "support/Described.h"
-#include "support/Error.h"
+#include "support/core/Described.h"
+#include "support/core/Error.h"
 #include "support/dispatch/DispatchData.h"
 #include "support/dispatch/DispatchIO.h"
 #include "transport/PTChannelDelegate.h"

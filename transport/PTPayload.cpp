@@ -1,8 +1,8 @@
 #include "transport/PTPayload.h"
 
-#include "support/Assertion.h"
-#include "support/Error.h"
-#include "support/Log.h"
+#include "support/core/Assertion.h"
+#include "support/core/Error.h"
+#include "support/core/Log.h"
 #include "support/dispatch/DispatchQueue.h"
 #include "support/propertylist/PropertyList.h"
 

@@ -1,6 +1,6 @@
 #include "transport/PTProtocol.h"
 
-#include "support/Assertion.h"
+#include "support/core/Assertion.h"
 #include "support/dispatch/DispatchIO.h"
 #include "support/dispatch/DispatchQueue.h"
 #include "transport/PTFrame.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/Error.h"
+#include "support/core/Error.h"
 #include "support/dispatch/DispatchData.h"
 #include "transport/PTFrame.h"
 

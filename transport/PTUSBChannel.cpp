@@ -1,7 +1,7 @@
 #include "transport/PTUSBChannel.h"
 
-#include "support/Assertion.h"
-#include "support/Log.h"
+#include "support/core/Assertion.h"
+#include "support/core/Log.h"
 #include "support/dispatch/DispatchQueue.h"
 #include "support/propertylist/PropertyList.h"
 

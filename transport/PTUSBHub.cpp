@@ -1,7 +1,7 @@
 #include "transport/PTUSBHub.h"
 
-#include "support/Log.h"
-#include "support/NotificationCentre.h"
+#include "support/core/Log.h"
+#include "support/core/NotificationCentre.h"
 #include "support/dispatch/DispatchQueue.h"
 #ifdef __linux__
 #include "transport/USBDaemonKeeper.h"

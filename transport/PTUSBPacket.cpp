@@ -1,6 +1,6 @@
 #include "transport/PTUSBPacket.h"
 
-#include "support/Assertion.h"
+#include "support/core/Assertion.h"
 #include "support/propertylist/PropertyList.h"
 
 #include <QJsonDocument>

@@ -1,6 +1,6 @@
 #include "transport/USBDaemon.h"
 
-#include "support/Log.h"
+#include "support/core/Log.h"
 
 #include <QByteArray>
 #include <QFile>

@@ -1,7 +1,7 @@
 #include "web/Certificate.h"
 
-#include "support/Assertion.h"
-#include "support/Log.h"
+#include "support/core/Assertion.h"
+#include "support/core/Log.h"
 #include "web/PrivateFile.h"
 
 #include <QString>

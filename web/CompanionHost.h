@@ -28,7 +28,7 @@ public:
 
     /// Opens a file of the project (an absolute path, not looked at by the server) at a line, from
     /// 1; 0 for no line. Where the editor would be the desktop's opener, files that
-    /// `isHarmlessToOpen` (support/HarmlessFile.h) refuses must not be opened.
+    /// `isHarmlessToOpen` (support/files/HarmlessFile.h) refuses must not be opened.
     virtual void openFile(const std::string& absolutePath, std::uint32_t line, Reply reply) = 0;
 
     /// Takes the editor back to where it was before the last file that a browser had opened.

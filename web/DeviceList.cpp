@@ -1,6 +1,6 @@
 #include "web/DeviceList.h"
 
-#include "support/Log.h"
+#include "support/core/Log.h"
 #include "web/PrivateFile.h"
 #include "web/Secrets.h"
 

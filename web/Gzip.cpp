@@ -1,6 +1,6 @@
 #include "web/Gzip.h"
 
-#include "support/Assertion.h"
+#include "support/core/Assertion.h"
 
 #include <zlib.h>
 

@@ -1,6 +1,6 @@
 #include "web/Secrets.h"
 
-#include "support/Assertion.h"
+#include "support/core/Assertion.h"
 
 #include <array>
 #include <openssl/crypto.h>

@@ -1,6 +1,6 @@
 #include "web/Server.h"
 
-#include "support/Log.h"
+#include "support/core/Log.h"
 #include "support/sockets/UnixPeer.h"
 #include "web/NetworkAddresses.h"
 #include "web/TLSContexts.h"

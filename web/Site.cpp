@@ -1,7 +1,7 @@
 #include "web/Site.h"
 
 #include "codemap/CodeMapViews.h"
-#include "support/Log.h"
+#include "support/core/Log.h"
 #include "web/EventQueue.h"
 #include "web/Secrets.h"
 #include "web/SourceText.h"

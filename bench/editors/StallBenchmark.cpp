@@ -9,7 +9,7 @@
 #include "editors/NeovimConnection.h"
 #include "editors/NeovimEditor.h"
 #include "editors/hooks/HookSocket.h"
-#include "support/ToolRunner.h"
+#include "support/process/ToolRunner.h"
 #include "tests/WaitUntil.h"
 #include "tests/editors/FakeServer.h"
 #include "tests/editors/ScratchEnvironment.h"

@@ -6,7 +6,7 @@
 #include "project/KZDataManager.h"
 #include "project/store/CDObject.h"
 #include "project/store/ManagedObjectContext.h"
-#include "support/UserDefaults.h"
+#include "support/core/UserDefaults.h"
 
 #include <QCoreApplication>
 #include <QDir>

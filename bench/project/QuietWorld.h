@@ -2,7 +2,7 @@
 
 #include "project/Editor.h"
 #include "project/ProjectDialogs.h"
-#include "support/Error.h"
+#include "support/core/Error.h"
 
 #include <cstdio>
 #include <cstdlib>

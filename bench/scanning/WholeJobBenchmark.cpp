@@ -8,7 +8,7 @@
 #include "bench/scanning/SourceTree.h"
 #include "project/KZDataManager.h"
 #include "project/store/ManagedObjectContext.h"
-#include "support/UserDefaults.h"
+#include "support/core/UserDefaults.h"
 
 #include <QCoreApplication>
 #include <QDir>

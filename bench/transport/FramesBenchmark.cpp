@@ -1,6 +1,6 @@
 #include "bench/Ratio.h"
 #include "bench/transport/FramePeers.h"
-#include "support/Application.h"
+#include "support/core/Application.h"
 
 #include <QCoreApplication>
 #include <benchmark/benchmark.h>

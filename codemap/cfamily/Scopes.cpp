@@ -1,6 +1,6 @@
 #include "codemap/cfamily/Scopes.h"
 
-#include "support/Assertion.h"
+#include "support/core/Assertion.h"
 
 #include <algorithm>
 #include <utility>

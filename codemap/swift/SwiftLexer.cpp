@@ -3,7 +3,7 @@
 #include "codemap/CommentReader.h"
 #include "codemap/OutlineBuilder.h"
 #include "codemap/swift/SwiftOperators.h"
-#include "support/Assertion.h"
+#include "support/core/Assertion.h"
 
 #include <algorithm>
 #include <array>

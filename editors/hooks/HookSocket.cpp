@@ -1,6 +1,6 @@
 #include "editors/hooks/HookSocket.h"
 
-#include "support/Log.h"
+#include "support/core/Log.h"
 #include "support/sockets/UnixPeer.h"
 
 #include <QLocalSocket>

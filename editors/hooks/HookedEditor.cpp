@@ -1,6 +1,6 @@
 #include "editors/hooks/HookedEditor.h"
 
-#include "support/Log.h"
+#include "support/core/Log.h"
 #include "support/dispatch/DispatchQueue.h"
 
 #include <algorithm>

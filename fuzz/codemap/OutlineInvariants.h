@@ -2,7 +2,7 @@
 
 #include "codemap/Outline.h"
 #include "codemap/OutlineBuilder.h"
-#include "support/Assertion.h"
+#include "support/core/Assertion.h"
 #include "support/text/UTF8.h"
 
 #include <algorithm>

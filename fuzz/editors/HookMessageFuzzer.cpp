@@ -1,5 +1,5 @@
 #include "editors/hooks/HookMessage.h"
-#include "support/Assertion.h"
+#include "support/core/Assertion.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

@@ -1,5 +1,5 @@
 #include "editors/MessagePack.h"
-#include "support/Assertion.h"
+#include "support/core/Assertion.h"
 
 #include <algorithm>
 #include <cstddef>

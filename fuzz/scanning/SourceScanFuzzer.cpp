@@ -1,6 +1,6 @@
 #include "scanning/SourceScan.h"
 #include "scanning/SuperclassBudget.h"
-#include "support/Assertion.h"
+#include "support/core/Assertion.h"
 #include "tests/scanning/plain/PlainScan.h"
 
 #include <array>

@@ -1,5 +1,5 @@
 #include "fuzz/transport/CutInput.h"
-#include "support/Assertion.h"
+#include "support/core/Assertion.h"
 #include "support/dispatch/DispatchIO.h"
 #include "support/dispatch/DispatchQueue.h"
 #include "transport/PTChannel.h"

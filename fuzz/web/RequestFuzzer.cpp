@@ -1,6 +1,6 @@
 #include "codemap/OutlineBuilder.h"
-#include "support/Assertion.h"
-#include "support/Log.h"
+#include "support/core/Assertion.h"
+#include "support/core/Log.h"
 #include "web/RequestReader.h"
 #include "web/Site.h"
 

@@ -2,7 +2,7 @@
 
 #include "project/store/StoreLimits.h"
 #include "project/store/StoreTables.h"
-#include "support/Error.h"
+#include "support/core/Error.h"
 
 #include <QByteArrayView>
 

@@ -3,7 +3,7 @@
 #include "project/store/StoreFile.h"
 #include "project/store/StoreFolder.h"
 #include "project/store/StoreTables.h"
-#include "support/Log.h"
+#include "support/core/Log.h"
 #include "support/core/MainThread.h"
 #include "support/text/FilePath.h"
 #include "support/text/UTF8.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "project/store/RecordIndex.h"
-#include "support/Assertion.h"
+#include "support/core/Assertion.h"
 
 #include <QByteArray>
 #include <QByteArrayView>

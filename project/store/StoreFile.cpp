@@ -2,7 +2,7 @@
 
 #include "project/store/ManagedObjectModel.h"
 #include "project/store/StoreFolder.h"
-#include "support/Assertion.h"
+#include "support/core/Assertion.h"
 
 #include <QByteArrayList>
 

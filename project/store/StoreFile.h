@@ -3,7 +3,7 @@
 #include "project/store/SQLiteDatabase.h"
 #include "project/store/StoreLimits.h"
 #include "project/store/StoreTables.h"
-#include "support/Error.h"
+#include "support/core/Error.h"
 
 #include <QByteArray>
 #include <QString>

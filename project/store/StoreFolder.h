@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/Error.h"
+#include "support/core/Error.h"
 
 #include <QByteArray>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/Assertion.h"
+#include "support/core/Assertion.h"
 
 namespace navrel {
 

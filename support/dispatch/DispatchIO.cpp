@@ -1,6 +1,6 @@
 #include "support/dispatch/DispatchIO.h"
 
-#include "support/Assertion.h"
+#include "support/core/Assertion.h"
 #include "support/dispatch/DispatchQueue.h"
 
 #include <QEvent>

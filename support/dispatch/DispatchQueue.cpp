@@ -1,6 +1,6 @@
 #include "support/dispatch/DispatchQueue.h"
 
-#include "support/Assertion.h"
+#include "support/core/Assertion.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>

@@ -1,6 +1,6 @@
 #include "support/dispatch/ReadOperation.h"
 
-#include "support/Assertion.h"
+#include "support/core/Assertion.h"
 
 #include <algorithm>
 #include <cstring>

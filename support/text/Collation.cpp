@@ -1,6 +1,6 @@
 #include "support/text/Collation.h"
 
-#include "support/Assertion.h"
+#include "support/core/Assertion.h"
 
 #include <unicode/ucol.h>
 #include <unicode/uloc.h>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/Desktop.h"
-#include "support/Error.h"
+#include "support/core/Error.h"
 
 #include <QStringList>
 

@@ -1,6 +1,6 @@
 // The link with Debian's own USB multiplexing daemon.
 
-#include "support/NotificationCentre.h"
+#include "support/core/NotificationCentre.h"
 #include "support/dispatch/DispatchQueue.h"
 #include "tests/RealUSBDaemon.h"
 #include "tests/app/ServedProject.h"

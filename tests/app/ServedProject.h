@@ -2,7 +2,7 @@
 
 #include "app/AppDelegate.h"
 #include "project/KZDataManager.h"
-#include "support/UserDefaults.h"
+#include "support/core/UserDefaults.h"
 #include "tests/FakeClock.h"
 #include "tests/FakeEditor.h"
 #include "tests/LogRecorder.h"

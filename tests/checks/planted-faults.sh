@@ -22,7 +22,7 @@ mkdir -p "$tree"/{support,project/store,scanning,desktop,tests/support/text}
 cat >"$tree/project/Good.cpp" <<'END'
 #include "project/store/Table.h"
 #include "scanning/Scanner.h"
-#include "support/Error.h"
+#include "support/core/Error.h"
 namespace navrel {
 namespace {
 struct Hidden {};

@@ -2,7 +2,7 @@
 // NAVREL_UPDATE_TRANSCRIPTS=1 in the environment the files are written again.
 
 #include "codemap/MapBuilder.h"
-#include "support/ToolRunner.h"
+#include "support/process/ToolRunner.h"
 #include "tests/web/ServedSite.h"
 
 #include <QDir>

@@ -1,5 +1,5 @@
 #include "desktop/BrowserSettings.h"
-#include "support/UserDefaults.h"
+#include "support/core/UserDefaults.h"
 #include "tests/LogRecorder.h"
 
 #include <QFile>

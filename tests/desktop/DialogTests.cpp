@@ -4,7 +4,7 @@
 #include "desktop/AboutWindow.h"
 #include "desktop/OpenPanel.h"
 #include "desktop/QtDesktop.h"
-#include "support/Error.h"
+#include "support/core/Error.h"
 #include "tests/LogRecorder.h"
 #include "tests/WaitUntil.h"
 

@@ -7,7 +7,7 @@
 #include "desktop/MenuWindow.h"
 #include "desktop/QtDesktop.h"
 #include "desktop/windows/PairingWindow.h"
-#include "support/Error.h"
+#include "support/core/Error.h"
 
 #include <QApplication>
 #include <QHelpEvent>

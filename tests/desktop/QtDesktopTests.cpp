@@ -1,5 +1,5 @@
 #include "desktop/QtDesktop.h"
-#include "support/Error.h"
+#include "support/core/Error.h"
 #include "tests/LogRecorder.h"
 
 #include <gtest/gtest.h>

@@ -2,7 +2,7 @@
 // back by expressions of the tests' own.
 
 #include "editors/EmacsEditor.h"
-#include "support/ToolRunner.h"
+#include "support/process/ToolRunner.h"
 #include "tests/LogRecorder.h"
 #include "tests/WaitUntil.h"
 #include "tests/editors/ScratchEnvironment.h"

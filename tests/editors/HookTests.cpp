@@ -5,7 +5,7 @@
 #include "editors/hooks/HookMessage.h"
 #include "editors/hooks/HookSocket.h"
 #include "editors/hooks/HookedEditor.h"
-#include "support/ToolRunner.h"
+#include "support/process/ToolRunner.h"
 #include "tests/LogRecorder.h"
 #include "tests/WaitUntil.h"
 #include "tests/editors/ScratchEnvironment.h"

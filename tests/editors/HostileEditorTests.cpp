@@ -7,7 +7,7 @@
 #include "editors/NeovimConnection.h"
 #include "editors/NeovimEditor.h"
 #include "editors/NeovimServers.h"
-#include "support/ToolRunner.h"
+#include "support/process/ToolRunner.h"
 #include "tests/LogRecorder.h"
 #include "tests/StopProcess.h"
 #include "tests/WaitUntil.h"

@@ -6,7 +6,7 @@
 #include "editors/NeovimEditor.h"
 #include "editors/hooks/HookSocket.h"
 #include "editors/hooks/HookedEditor.h"
-#include "support/ToolRunner.h"
+#include "support/process/ToolRunner.h"
 #include "tests/WaitUntil.h"
 #include "tests/editors/ScratchEnvironment.h"
 #include "tests/editors/Terminal.h"

@@ -2,7 +2,7 @@
 
 #include "editors/FollowedEditor.h"
 #include "editors/KateEditor.h"
-#include "support/ToolRunner.h"
+#include "support/process/ToolRunner.h"
 #include "tests/SessionBus.h"
 #include "tests/StopProcess.h"
 #include "tests/WaitUntil.h"

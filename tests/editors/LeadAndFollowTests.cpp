@@ -4,7 +4,7 @@
 #include "editors/EmacsEditor.h"
 #include "editors/FollowedEditor.h"
 #include "editors/NeovimEditor.h"
-#include "support/ToolRunner.h"
+#include "support/process/ToolRunner.h"
 #include "tests/RecordingTool.h"
 #include "tests/WaitUntil.h"
 #include "tests/editors/FakeServer.h"

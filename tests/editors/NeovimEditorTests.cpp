@@ -2,7 +2,7 @@
 // command line, which shares nothing with what is tested.
 
 #include "editors/NeovimEditor.h"
-#include "support/ToolRunner.h"
+#include "support/process/ToolRunner.h"
 #include "tests/LogRecorder.h"
 #include "tests/WaitUntil.h"
 #include "tests/editors/ScratchEnvironment.h"

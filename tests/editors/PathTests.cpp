@@ -6,7 +6,7 @@
 #include "editors/FollowedEditor.h"
 #include "editors/NeovimEditor.h"
 #include "editors/XcodeEditor.h"
-#include "support/ToolRunner.h"
+#include "support/process/ToolRunner.h"
 #include "tests/RecordingTool.h"
 #include "tests/WaitUntil.h"
 #include "tests/editors/ScratchEnvironment.h"

@@ -1,6 +1,6 @@
 #include "tests/editors/Terminal.h"
 
-#include "support/ToolRunner.h"
+#include "support/process/ToolRunner.h"
 #include "tests/WaitUntil.h"
 
 #include <utility>

@@ -1,7 +1,7 @@
 // The real program, a device made of sockets, and an editor: the real Neovim, or Xcode's tools as
 // stand-ins at the paths where the real ones are.
 
-#include "support/ToolRunner.h"
+#include "support/process/ToolRunner.h"
 #include "tests/SmallProject.h"
 #include "tests/StopProcess.h"
 #include "tests/TestDevice.h"

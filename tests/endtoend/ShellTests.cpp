@@ -1,7 +1,7 @@
 // The real program's status item: on a session bus with the real daemon, and on a real X server.
 
 #include "desktop/DBusMenuTypes.h"
-#include "support/ToolRunner.h"
+#include "support/process/ToolRunner.h"
 #include "tests/RecordingTool.h"
 #include "tests/SessionBus.h"
 #include "tests/SmallProject.h"

@@ -1,6 +1,6 @@
 #include "tests/endtoend/XServer.h"
 
-#include "support/ToolRunner.h"
+#include "support/process/ToolRunner.h"
 #include "tests/WaitUntil.h"
 
 #include <QCoreApplication>

@@ -2,8 +2,8 @@
 
 #include "project/KZDataManager.h"
 #include "project/store/ManagedObjectContext.h"
-#include "support/Log.h"
-#include "support/UserDefaults.h"
+#include "support/core/Log.h"
+#include "support/core/UserDefaults.h"
 #include "support/text/FilePath.h"
 #include "support/text/UTF8.h"
 #include "tests/FakeClock.h"

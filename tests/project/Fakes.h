@@ -1,7 +1,7 @@
 #pragma once
 
 #include "project/ProjectDialogs.h"
-#include "support/Error.h"
+#include "support/core/Error.h"
 
 #include <QString>
 #include <QStringList>

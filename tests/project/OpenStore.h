@@ -2,7 +2,7 @@
 
 #include "project/store/ManagedObjectContext.h"
 #include "project/store/PersistentStoreCoordinator.h"
-#include "support/Assertion.h"
+#include "support/core/Assertion.h"
 
 #include <QString>
 

@@ -1,4 +1,4 @@
-#include "support/DesktopOpener.h"
+#include "support/process/DesktopOpener.h"
 #include "tests/LogRecorder.h"
 #include "tests/RecordingTool.h"
 #include "tests/WaitUntil.h"

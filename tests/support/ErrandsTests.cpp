@@ -1,4 +1,4 @@
-#include "support/Errands.h"
+#include "support/process/Errands.h"
 #include "tests/LogRecorder.h"
 #include "tests/WaitUntil.h"
 

@@ -1,5 +1,5 @@
-#include "support/Assertion.h"
-#include "support/Log.h"
+#include "support/core/Assertion.h"
+#include "support/core/Log.h"
 
 #include <QStringList>
 #include <gtest/gtest.h>

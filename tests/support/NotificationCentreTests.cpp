@@ -1,4 +1,4 @@
-#include "support/NotificationCentre.h"
+#include "support/core/NotificationCentre.h"
 
 #include <QStringList>
 #include <gtest/gtest.h>

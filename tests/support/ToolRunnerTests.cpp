@@ -1,4 +1,4 @@
-#include "support/ToolRunner.h"
+#include "support/process/ToolRunner.h"
 #include "tests/WaitUntil.h"
 
 #include <QFile>

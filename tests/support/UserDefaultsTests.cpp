@@ -1,4 +1,4 @@
-#include "support/UserDefaults.h"
+#include "support/core/UserDefaults.h"
 #include "tests/LogRecorder.h"
 
 #include <QDir>

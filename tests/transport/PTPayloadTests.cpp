@@ -1,4 +1,4 @@
-#include "support/Log.h"
+#include "support/core/Log.h"
 #include "tests/WaitUntil.h"
 #include "transport/PTData.h"
 #include "transport/PTPayload.h"

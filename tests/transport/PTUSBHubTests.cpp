@@ -1,4 +1,4 @@
-#include "support/NotificationCentre.h"
+#include "support/core/NotificationCentre.h"
 #include "support/dispatch/DispatchQueue.h"
 #include "tests/FakeUSBDaemon.h"
 #include "tests/LogRecorder.h"

@@ -1,4 +1,4 @@
-#include "support/StartConditions.h"
+#include "support/core/StartConditions.h"
 
 #include <QByteArray>
 

@@ -1,6 +1,6 @@
-#include "support/Errands.h"
+#include "support/process/Errands.h"
 
-#include "support/Log.h"
+#include "support/core/Log.h"
 
 #include <system_error>
 #include <thread>

@@ -1,4 +1,4 @@
-#include "support/HarmlessFile.h"
+#include "support/files/HarmlessFile.h"
 
 #include <cstdlib>
 #include <memory>

@@ -1,4 +1,4 @@
-#include "support/Application.h"
+#include "support/core/Application.h"
 
 #include <QByteArray>
 #include <QtGlobal>

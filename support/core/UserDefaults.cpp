@@ -1,6 +1,6 @@
-#include "support/UserDefaults.h"
+#include "support/core/UserDefaults.h"
 
-#include "support/Log.h"
+#include "support/core/Log.h"
 #include "support/files/RegularFile.h"
 
 #include <QDir>

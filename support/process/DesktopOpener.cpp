@@ -1,8 +1,8 @@
-#include "support/DesktopOpener.h"
+#include "support/process/DesktopOpener.h"
 
-#include "support/Errands.h"
-#include "support/Log.h"
-#include "support/ToolRunner.h"
+#include "support/core/Log.h"
+#include "support/process/Errands.h"
+#include "support/process/ToolRunner.h"
 #include "support/text/FilePath.h"
 
 #include <QDir>

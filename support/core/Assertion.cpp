@@ -1,6 +1,6 @@
-#include "support/Assertion.h"
+#include "support/core/Assertion.h"
 
-#include "support/Log.h"
+#include "support/core/Log.h"
 
 #include <QString>
 

@@ -1,4 +1,4 @@
-#include "support/Error.h"
+#include "support/core/Error.h"
 
 #include <QString>
 

@@ -1,6 +1,6 @@
-#include "support/Log.h"
+#include "support/core/Log.h"
 
-#include "support/LogOutput.h"
+#include "support/core/LogOutput.h"
 
 #include <QByteArray>
 

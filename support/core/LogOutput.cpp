@@ -1,4 +1,4 @@
-#include "support/LogOutput.h"
+#include "support/core/LogOutput.h"
 
 #include <array>
 #include <cerrno>
