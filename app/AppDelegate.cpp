@@ -8,8 +8,8 @@
 #include "protocol/CompanionProtocol.h"
 #include "support/core/Log.h"
 #include "support/core/UserDefaults.h"
-#include "transport/PTData.h"
-#include "transport/PTPayload.h"
+#include "transport/frames/PTData.h"
+#include "transport/frames/PTPayload.h"
 
 #include <chrono>
 #include <utility>

@@ -5,7 +5,7 @@
 #include "app/ProgramFacts.h"
 #include "app/ShortcutMenu.h"
 #include "support/core/Clock.h"
-#include "transport/SystemLoopbackPeer.h"
+#include "transport/peers/SystemLoopbackPeer.h"
 
 #include <QString>
 #include <QUrl>

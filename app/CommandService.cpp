@@ -7,8 +7,8 @@
 #include "support/core/Log.h"
 #include "support/propertylist/PropertyList.h"
 #include "support/text/FilePath.h"
-#include "transport/PTFrame.h"
-#include "transport/PTPayload.h"
+#include "transport/frames/PTFrame.h"
+#include "transport/frames/PTPayload.h"
 
 #include <QByteArrayView>
 

@@ -3,8 +3,8 @@
 #include "protocol/CompanionProtocol.h"
 #include "support/core/Log.h"
 #include "support/dispatch/DispatchQueue.h"
-#include "transport/PTAddress.h"
-#include "transport/PTUSBPacket.h"
+#include "transport/frames/PTAddress.h"
+#include "transport/usb/PTUSBPacket.h"
 
 #include <cerrno>
 #include <chrono>

@@ -7,8 +7,8 @@
 #include "app/WantedDevice.h"
 #include "support/core/Clock.h"
 #include "support/core/NotificationCentre.h"
-#include "transport/PTChannel.h"
-#include "transport/PTUSBHub.h"
+#include "transport/frames/PTChannel.h"
+#include "transport/usb/PTUSBHub.h"
 
 #include <QVariantMap>
 

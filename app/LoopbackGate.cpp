@@ -2,8 +2,8 @@
 
 #include "protocol/CompanionProtocol.h"
 #include "support/core/Log.h"
-#include "transport/PTChannel.h"
-#include "transport/SystemLoopbackPeer.h"
+#include "transport/frames/PTChannel.h"
+#include "transport/peers/SystemLoopbackPeer.h"
 
 #include <utility>
 

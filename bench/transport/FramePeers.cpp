@@ -2,9 +2,9 @@
 
 #include "support/dispatch/DispatchIO.h"
 #include "support/dispatch/DispatchQueue.h"
-#include "transport/PTChannel.h"
-#include "transport/PTData.h"
-#include "transport/PTFrame.h"
+#include "transport/frames/PTChannel.h"
+#include "transport/frames/PTData.h"
+#include "transport/frames/PTFrame.h"
 
 #include <QByteArray>
 #include <QEventLoop>

@@ -2,7 +2,7 @@
 
 #include "support/core/Error.h"
 #include "support/files/OwnedDescriptor.h"
-#include "transport/SystemLoopbackPeer.h"
+#include "transport/peers/SystemLoopbackPeer.h"
 
 #include <QByteArray>
 #include <QString>

@@ -2,10 +2,10 @@
 #include "support/core/Assertion.h"
 #include "support/dispatch/DispatchIO.h"
 #include "support/dispatch/DispatchQueue.h"
-#include "transport/PTChannel.h"
-#include "transport/PTData.h"
-#include "transport/PTFrame.h"
-#include "transport/PTPayload.h"
+#include "transport/frames/PTChannel.h"
+#include "transport/frames/PTData.h"
+#include "transport/frames/PTFrame.h"
+#include "transport/frames/PTPayload.h"
 
 #include <QByteArray>
 #include <QCoreApplication>

@@ -3,10 +3,10 @@
 #include "support/core/Log.h"
 #include "support/core/NotificationCentre.h"
 #include "support/dispatch/DispatchQueue.h"
-#include "transport/KeptUSBStream.h"
-#include "transport/PTUSBHub.h"
-#include "transport/PTUSBPacket.h"
-#include "transport/USBDaemonKeeper.h"
+#include "transport/usb/PTUSBHub.h"
+#include "transport/usb/PTUSBPacket.h"
+#include "transport/usb/daemon/KeptUSBStream.h"
+#include "transport/usb/daemon/USBDaemonKeeper.h"
 
 #include <QByteArray>
 #include <QCoreApplication>

@@ -2,9 +2,9 @@
 #include "support/core/Assertion.h"
 #include "support/core/Log.h"
 #include "support/core/NotificationCentre.h"
-#include "transport/PTUSBChannel.h"
-#include "transport/PTUSBHub.h"
-#include "transport/PTUSBPacket.h"
+#include "transport/usb/PTUSBChannel.h"
+#include "transport/usb/PTUSBHub.h"
+#include "transport/usb/PTUSBPacket.h"
 
 #include <QByteArray>
 #include <QByteArrayView>

@@ -1,5 +1,5 @@
 #include "tests/app/ServedProject.h"
-#include "transport/PTAddress.h"
+#include "transport/frames/PTAddress.h"
 
 #include <gmock/gmock.h>
 

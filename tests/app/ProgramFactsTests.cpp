@@ -6,8 +6,8 @@
 #include "support/dispatch/DispatchQueue.h"
 #include "tests/FakeUSBDaemon.h"
 #include "tests/app/ServedProject.h"
-#include "transport/PTUSBHub.h"
-#include "transport/USBDaemonKeeper.h"
+#include "transport/usb/PTUSBHub.h"
+#include "transport/usb/daemon/USBDaemonKeeper.h"
 
 #include <limits>
 

@@ -3,8 +3,8 @@
 #include "tests/FakeUSBDaemon.h"
 #include "tests/app/ServedProject.h"
 #include "tests/transport/FullListener.h"
-#include "transport/PTUSBHub.h"
-#include "transport/USBDaemonKeeper.h"
+#include "transport/usb/PTUSBHub.h"
+#include "transport/usb/daemon/USBDaemonKeeper.h"
 
 #include <QDir>
 

@@ -4,7 +4,7 @@
 #include "tests/WaitUntil.h"
 #include "tests/transport/RawPeer.h"
 #include "tests/transport/RecordingDelegate.h"
-#include "transport/PTChannel.h"
+#include "transport/frames/PTChannel.h"
 
 #include <gtest/gtest.h>
 

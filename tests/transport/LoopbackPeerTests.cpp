@@ -1,6 +1,6 @@
 #include "support/sockets/IPv4Socket.h"
 #include "tests/transport/RawPeer.h"
-#include "transport/LoopbackPeer.h"
+#include "transport/peers/LoopbackPeer.h"
 
 #include <QByteArray>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "transport/PTAddress.h"
+#include "transport/frames/PTAddress.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "support/dispatch/ReadOperation.h"
 #include "tests/transport/ChannelTest.h"
-#include "transport/PTFrame.h"
-#include "transport/PTReadOutcome.h"
+#include "transport/frames/PTFrame.h"
+#include "transport/frames/PTReadOutcome.h"
 
 #include <QEventLoop>
 #include <QFile>

@@ -1,5 +1,5 @@
 #include "tests/transport/FullListener.h"
-#include "transport/PTChannel.h"
+#include "transport/frames/PTChannel.h"
 
 #include <QElapsedTimer>
 #include <gtest/gtest.h>

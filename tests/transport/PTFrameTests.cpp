@@ -1,4 +1,4 @@
-#include "transport/PTFrame.h"
+#include "transport/frames/PTFrame.h"
 
 #include <QByteArray>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "support/core/Log.h"
 #include "tests/WaitUntil.h"
-#include "transport/PTData.h"
-#include "transport/PTPayload.h"
+#include "transport/frames/PTData.h"
+#include "transport/frames/PTPayload.h"
 
 #include <QPoint>
 #include <QStringList>

@@ -3,8 +3,8 @@
 #include "support/dispatch/ReadOperation.h"
 #include "tests/WaitUntil.h"
 #include "tests/transport/RawPeer.h"
-#include "transport/PTProtocol.h"
-#include "transport/PTReadOutcome.h"
+#include "transport/frames/PTProtocol.h"
+#include "transport/frames/PTReadOutcome.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "transport/PTReadOutcome.h"
+#include "transport/frames/PTReadOutcome.h"
 
 #include <gtest/gtest.h>
 

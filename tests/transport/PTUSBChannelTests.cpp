@@ -3,7 +3,7 @@
 #include "tests/LogRecorder.h"
 #include "tests/WaitUntil.h"
 #include "tests/transport/PairedUSBDaemon.h"
-#include "transport/PTUSBChannel.h"
+#include "transport/usb/PTUSBChannel.h"
 
 #include <QStringList>
 #include <gtest/gtest.h>

@@ -5,8 +5,8 @@
 #include "tests/WaitUntil.h"
 #include "tests/transport/PairedUSBDaemon.h"
 #include "tests/transport/RecordingDelegate.h"
-#include "transport/PTChannel.h"
-#include "transport/PTUSBHub.h"
+#include "transport/frames/PTChannel.h"
+#include "transport/usb/PTUSBHub.h"
 
 #include <QStringList>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "transport/PTUSBPacket.h"
+#include "transport/usb/PTUSBPacket.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "tests/transport/RawPeer.h"
-#include "transport/USBDaemon.h"
+#include "transport/usb/daemon/USBDaemon.h"
 
 #include <QString>
 #include <QtEndian>

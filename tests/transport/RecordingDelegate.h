@@ -1,8 +1,8 @@
 #pragma once
 
-#include "transport/PTAddress.h"
-#include "transport/PTChannel.h"
-#include "transport/PTData.h"
+#include "transport/frames/PTAddress.h"
+#include "transport/frames/PTChannel.h"
+#include "transport/frames/PTData.h"
 
 #include <functional>
 #include <memory>

@@ -5,8 +5,8 @@
 #include "tests/LogRecorder.h"
 #include "tests/WaitUntil.h"
 #include "tests/transport/PairedUSBDaemon.h"
-#include "transport/PTUSBHub.h"
-#include "transport/USBDaemonKeeper.h"
+#include "transport/usb/PTUSBHub.h"
+#include "transport/usb/daemon/USBDaemonKeeper.h"
 
 #include <QDir>
 #include <QStringList>

@@ -1,10 +1,10 @@
-#include "transport/PTUSBHub.h"
+#include "transport/usb/PTUSBHub.h"
 
 #include "support/core/Log.h"
 #include "support/core/NotificationCentre.h"
 #include "support/dispatch/DispatchQueue.h"
 #ifdef __linux__
-#include "transport/USBDaemonKeeper.h"
+#include "transport/usb/daemon/USBDaemonKeeper.h"
 #endif
 
 #include <utility>

@@ -1,8 +1,8 @@
-#include "transport/KeptUSBStream.h"
+#include "transport/usb/daemon/KeptUSBStream.h"
 
 #include "support/core/Log.h"
 #include "support/propertylist/PropertyList.h"
-#include "transport/PTUSBChannel.h"
+#include "transport/usb/PTUSBChannel.h"
 
 #include <cerrno>
 #include <utility>

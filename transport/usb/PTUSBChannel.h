@@ -3,9 +3,9 @@
 #include "support/core/Error.h"
 #include "support/dispatch/DispatchData.h"
 #include "support/dispatch/DispatchIO.h"
-#include "transport/BundleInformation.h"
-#include "transport/PTUSBPacket.h"
-#include "transport/USBDaemon.h"
+#include "transport/usb/BundleInformation.h"
+#include "transport/usb/PTUSBPacket.h"
+#include "transport/usb/daemon/USBDaemon.h"
 
 #include <QByteArray>
 #include <QHash>

@@ -1,4 +1,4 @@
-#include "transport/PTData.h"
+#include "transport/frames/PTData.h"
 
 #include <utility>
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "support/core/Clock.h"
-#include "transport/KeptUSBStream.h"
-#include "transport/USBDaemon.h"
+#include "transport/usb/daemon/KeptUSBStream.h"
+#include "transport/usb/daemon/USBDaemon.h"
 
 #include <QFileSystemWatcher>
 

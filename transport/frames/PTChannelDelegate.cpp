@@ -1,4 +1,4 @@
-#include "transport/PTChannelDelegate.h"
+#include "transport/frames/PTChannelDelegate.h"
 
 namespace navrel {
 

@@ -1,4 +1,4 @@
-#include "transport/USBDaemon.h"
+#include "transport/usb/daemon/USBDaemon.h"
 
 #include "support/core/Log.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "transport/PTUSBChannel.h"
+#include "transport/usb/PTUSBChannel.h"
 
 #include <QString>
 #include <QVariant>

@@ -1,4 +1,4 @@
-#include "transport/LoopbackPeer.h"
+#include "transport/peers/LoopbackPeer.h"
 
 #include <QByteArray>
 #include <QByteArrayList>

@@ -1,4 +1,4 @@
-#include "transport/BufferedSocket.h"
+#include "transport/usb/daemon/BufferedSocket.h"
 
 #include "support/sockets/IPv4Socket.h"
 

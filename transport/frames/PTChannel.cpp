@@ -1,4 +1,4 @@
-#include "transport/PTChannel.h"
+#include "transport/frames/PTChannel.h"
 
 #include "support/core/Assertion.h"
 #include "support/core/Log.h"
@@ -6,10 +6,10 @@
 #include "support/dispatch/DispatchQueue.h"
 #include "support/dispatch/DispatchSource.h"
 #include "support/sockets/IPv4Socket.h"
-#include "transport/PTAddress.h"
-#include "transport/PTData.h"
-#include "transport/PTFrame.h"
-#include "transport/PTUSBHub.h"
+#include "transport/frames/PTAddress.h"
+#include "transport/frames/PTData.h"
+#include "transport/frames/PTFrame.h"
+#include "transport/usb/PTUSBHub.h"
 
 #include <cerrno>
 #include <chrono>

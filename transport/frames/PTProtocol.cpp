@@ -1,10 +1,10 @@
-#include "transport/PTProtocol.h"
+#include "transport/frames/PTProtocol.h"
 
 #include "support/core/Assertion.h"
 #include "support/dispatch/DispatchIO.h"
 #include "support/dispatch/DispatchQueue.h"
-#include "transport/PTFrame.h"
-#include "transport/PTReadOutcome.h"
+#include "transport/frames/PTFrame.h"
+#include "transport/frames/PTReadOutcome.h"
 
 #include <cerrno>
 #include <limits>

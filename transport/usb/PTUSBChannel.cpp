@@ -1,4 +1,4 @@
-#include "transport/PTUSBChannel.h"
+#include "transport/usb/PTUSBChannel.h"
 
 #include "support/core/Assertion.h"
 #include "support/core/Log.h"

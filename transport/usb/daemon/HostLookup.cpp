@@ -1,4 +1,4 @@
-#include "transport/HostLookup.h"
+#include "transport/usb/daemon/HostLookup.h"
 
 #include <condition_variable>
 #include <cstring>

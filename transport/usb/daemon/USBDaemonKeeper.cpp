@@ -1,4 +1,4 @@
-#include "transport/USBDaemonKeeper.h"
+#include "transport/usb/daemon/USBDaemonKeeper.h"
 
 #include <QFileInfo>
 

@@ -1,4 +1,4 @@
-#include "transport/SystemLoopbackPeer.h"
+#include "transport/peers/SystemLoopbackPeer.h"
 
 #include <unistd.h>
 

@@ -2,7 +2,7 @@
 
 #include "support/core/Error.h"
 #include "support/dispatch/DispatchData.h"
-#include "transport/PTFrame.h"
+#include "transport/frames/PTFrame.h"
 
 #include <QString>
 

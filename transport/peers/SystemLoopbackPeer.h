@@ -1,6 +1,6 @@
 #pragma once
 
-#include "transport/LoopbackPeer.h"
+#include "transport/peers/LoopbackPeer.h"
 
 namespace navrel {
 

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "support/core/Clock.h"
-#include "transport/BufferedSocket.h"
-#include "transport/KeptStreamStage.h"
-#include "transport/PTUSBPacket.h"
-#include "transport/USBDaemon.h"
+#include "transport/usb/PTUSBPacket.h"
+#include "transport/usb/daemon/BufferedSocket.h"
+#include "transport/usb/daemon/KeptStreamStage.h"
+#include "transport/usb/daemon/USBDaemon.h"
 
 #include <QByteArray>
 #include <QtGlobal>

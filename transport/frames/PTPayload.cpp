@@ -1,4 +1,4 @@
-#include "transport/PTPayload.h"
+#include "transport/frames/PTPayload.h"
 
 #include "support/core/Assertion.h"
 #include "support/core/Error.h"

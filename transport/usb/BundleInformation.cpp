@@ -1,4 +1,4 @@
-#include "transport/BundleInformation.h"
+#include "transport/usb/BundleInformation.h"
 
 namespace navrel {
 

@@ -4,8 +4,8 @@
 #include "support/core/Error.h"
 #include "support/dispatch/DispatchData.h"
 #include "support/dispatch/DispatchIO.h"
-#include "transport/PTChannelDelegate.h"
-#include "transport/PTProtocol.h"
+#include "transport/frames/PTChannelDelegate.h"
+#include "transport/frames/PTProtocol.h"
 
 #include <QString>
 #include <QVariant>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "support/files/OwnedDescriptor.h"
-#include "transport/HostLookup.h"
+#include "transport/usb/daemon/HostLookup.h"
 
 #include <QString>
 
