@@ -2,13 +2,13 @@
 
 #include "editors/CodeCommandEditor.h"
 #include "editors/DesktopEditor.h"
-#include "editors/EmacsEditor.h"
 #include "editors/FollowedEditor.h"
-#include "editors/KateEditor.h"
-#include "editors/NeovimEditor.h"
-#include "editors/XcodeEditor.h"
+#include "editors/emacs/EmacsEditor.h"
 #include "editors/hooks/HookSocket.h"
 #include "editors/hooks/HookedEditor.h"
+#include "editors/kate/KateEditor.h"
+#include "editors/neovim/NeovimEditor.h"
+#include "editors/xcode/XcodeEditor.h"
 #include "support/core/Log.h"
 
 #include <QDBusConnection>

@@ -5,11 +5,11 @@
 
 #include "bench/Ratio.h"
 #include "bench/editors/EditorTerminal.h"
-#include "editors/EmacsEditor.h"
 #include "editors/FollowedEditor.h"
-#include "editors/NeovimEditor.h"
+#include "editors/emacs/EmacsEditor.h"
 #include "editors/hooks/HookSocket.h"
 #include "editors/hooks/HookedEditor.h"
+#include "editors/neovim/NeovimEditor.h"
 #include "tests/WaitUntil.h"
 #include "tests/editors/ScratchEnvironment.h"
 

@@ -4,11 +4,11 @@
 // usage: bench_editor_stalls
 
 #include "bench/Ratio.h"
-#include "editors/EmacsEditor.h"
 #include "editors/FollowedEditor.h"
-#include "editors/NeovimConnection.h"
-#include "editors/NeovimEditor.h"
+#include "editors/emacs/EmacsEditor.h"
 #include "editors/hooks/HookSocket.h"
+#include "editors/neovim/NeovimConnection.h"
+#include "editors/neovim/NeovimEditor.h"
 #include "support/process/ToolRunner.h"
 #include "tests/WaitUntil.h"
 #include "tests/editors/FakeServer.h"

@@ -1,7 +1,7 @@
 // Against the real Emacs: a daemon with a frame in a terminal, or without one. What it did is read
 // back by expressions of the tests' own.
 
-#include "editors/EmacsEditor.h"
+#include "editors/emacs/EmacsEditor.h"
 #include "support/process/ToolRunner.h"
 #include "tests/LogRecorder.h"
 #include "tests/WaitUntil.h"

@@ -1,6 +1,6 @@
 #include "tests/editors/FakeServer.h"
 
-#include "editors/MessagePack.h"
+#include "editors/neovim/MessagePack.h"
 
 #include <algorithm>
 #include <array>

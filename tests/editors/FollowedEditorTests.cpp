@@ -1,6 +1,6 @@
 #include "editors/EditorChoice.h"
 #include "editors/FollowedEditor.h"
-#include "editors/XcodeEditor.h"
+#include "editors/xcode/XcodeEditor.h"
 #include "support/text/FilePath.h"
 #include "tests/LogRecorder.h"
 #include "tests/RecordingTool.h"

@@ -1,12 +1,12 @@
 // Editors that do not answer, and servers that are none: no question lasts longer than its limit,
 // and none brings the program down.
 
-#include "editors/EmacsEditor.h"
 #include "editors/FollowedEditor.h"
-#include "editors/MessagePack.h"
-#include "editors/NeovimConnection.h"
-#include "editors/NeovimEditor.h"
-#include "editors/NeovimServers.h"
+#include "editors/emacs/EmacsEditor.h"
+#include "editors/neovim/MessagePack.h"
+#include "editors/neovim/NeovimConnection.h"
+#include "editors/neovim/NeovimEditor.h"
+#include "editors/neovim/NeovimServers.h"
 #include "support/process/ToolRunner.h"
 #include "tests/LogRecorder.h"
 #include "tests/StopProcess.h"

@@ -1,11 +1,11 @@
 // A jump meets an editor in the middle of something. It ends at the line, or in a reason, and what
 // the user was doing is not lost: the real Neovim, Vim and Emacs in a terminal.
 
-#include "editors/EmacsEditor.h"
 #include "editors/FollowedEditor.h"
-#include "editors/NeovimEditor.h"
+#include "editors/emacs/EmacsEditor.h"
 #include "editors/hooks/HookSocket.h"
 #include "editors/hooks/HookedEditor.h"
+#include "editors/neovim/NeovimEditor.h"
 #include "support/process/ToolRunner.h"
 #include "tests/WaitUntil.h"
 #include "tests/editors/ScratchEnvironment.h"

@@ -1,7 +1,7 @@
 // The real Kate, without a display, on a session bus of its own.
 
 #include "editors/FollowedEditor.h"
-#include "editors/KateEditor.h"
+#include "editors/kate/KateEditor.h"
 #include "support/process/ToolRunner.h"
 #include "tests/SessionBus.h"
 #include "tests/StopProcess.h"

@@ -1,9 +1,9 @@
 // Editors that are led and followed: the real Neovim and Emacs in a terminal. Keys move the cursor,
 // and what the editor was led to is read from its screen.
 
-#include "editors/EmacsEditor.h"
 #include "editors/FollowedEditor.h"
-#include "editors/NeovimEditor.h"
+#include "editors/emacs/EmacsEditor.h"
+#include "editors/neovim/NeovimEditor.h"
 #include "support/process/ToolRunner.h"
 #include "tests/RecordingTool.h"
 #include "tests/WaitUntil.h"

@@ -1,7 +1,7 @@
 // Against the real Neovim, in a terminal or without one; what it did is read back through its own
 // command line, which shares nothing with what is tested.
 
-#include "editors/NeovimEditor.h"
+#include "editors/neovim/NeovimEditor.h"
 #include "support/process/ToolRunner.h"
 #include "tests/LogRecorder.h"
 #include "tests/WaitUntil.h"

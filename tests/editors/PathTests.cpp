@@ -2,10 +2,10 @@
 // editor, with nothing executed.
 
 #include "editors/DesktopEditor.h"
-#include "editors/EmacsEditor.h"
 #include "editors/FollowedEditor.h"
-#include "editors/NeovimEditor.h"
-#include "editors/XcodeEditor.h"
+#include "editors/emacs/EmacsEditor.h"
+#include "editors/neovim/NeovimEditor.h"
+#include "editors/xcode/XcodeEditor.h"
 #include "support/process/ToolRunner.h"
 #include "tests/RecordingTool.h"
 #include "tests/WaitUntil.h"

@@ -1,4 +1,4 @@
-#include "editors/XcodeEditor.h"
+#include "editors/xcode/XcodeEditor.h"
 #include "tests/LogRecorder.h"
 #include "tests/WaitUntil.h"
 #include "tests/editors/ScratchEnvironment.h"

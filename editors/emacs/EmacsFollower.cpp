@@ -1,7 +1,7 @@
-#include "editors/EmacsFollower.h"
+#include "editors/emacs/EmacsFollower.h"
 
-#include "editors/EmacsClient.h"
-#include "editors/EmacsExpressions.h"
+#include "editors/emacs/EmacsClient.h"
+#include "editors/emacs/EmacsExpressions.h"
 #include "support/process/ToolRunner.h"
 
 #include <chrono>

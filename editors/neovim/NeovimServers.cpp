@@ -1,4 +1,4 @@
-#include "editors/NeovimServers.h"
+#include "editors/neovim/NeovimServers.h"
 
 #include "editors/FolderEntries.h"
 #include "support/files/FileDates.h"

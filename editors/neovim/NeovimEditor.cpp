@@ -1,11 +1,11 @@
-#include "editors/NeovimEditor.h"
+#include "editors/neovim/NeovimEditor.h"
 
 #include "editors/Deadlines.h"
-#include "editors/NeovimConnection.h"
-#include "editors/NeovimFollower.h"
-#include "editors/NeovimScripts.h"
-#include "editors/NeovimServers.h"
 #include "editors/StoppedPeer.h"
+#include "editors/neovim/NeovimConnection.h"
+#include "editors/neovim/NeovimFollower.h"
+#include "editors/neovim/NeovimScripts.h"
+#include "editors/neovim/NeovimServers.h"
 #include "support/core/Log.h"
 
 #include <QHash>

@@ -1,9 +1,9 @@
-#include "editors/NeovimFollower.h"
+#include "editors/neovim/NeovimFollower.h"
 
-#include "editors/NeovimConnection.h"
-#include "editors/NeovimProbe.h"
-#include "editors/NeovimScripts.h"
-#include "editors/NeovimServers.h"
+#include "editors/neovim/NeovimConnection.h"
+#include "editors/neovim/NeovimProbe.h"
+#include "editors/neovim/NeovimScripts.h"
+#include "editors/neovim/NeovimServers.h"
 
 #include <QSocketNotifier>
 

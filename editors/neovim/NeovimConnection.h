@@ -1,6 +1,6 @@
 #pragma once
 
-#include "editors/MessagePack.h"
+#include "editors/neovim/MessagePack.h"
 
 #include <QByteArray>
 #include <QDeadlineTimer>

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "editors/LastAnswers.h"
-#include "editors/NeovimProbe.h"
 #include "editors/RunningEditor.h"
 #include "editors/SilentEditors.h"
+#include "editors/neovim/NeovimProbe.h"
 
 #include <map>
 #include <memory>

@@ -1,4 +1,4 @@
-#include "editors/NeovimConnection.h"
+#include "editors/neovim/NeovimConnection.h"
 
 #include "support/sockets/UnixPeer.h"
 

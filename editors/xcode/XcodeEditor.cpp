@@ -1,4 +1,4 @@
-#include "editors/XcodeEditor.h"
+#include "editors/xcode/XcodeEditor.h"
 
 #include "support/process/ToolRunner.h"
 #include "support/text/FilePath.h"

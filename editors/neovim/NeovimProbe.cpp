@@ -1,7 +1,7 @@
-#include "editors/NeovimProbe.h"
+#include "editors/neovim/NeovimProbe.h"
 
 #include "editors/Deadlines.h"
-#include "editors/NeovimConnection.h"
+#include "editors/neovim/NeovimConnection.h"
 
 #include <QVariantMap>
 

@@ -1,9 +1,9 @@
-#include "editors/EmacsEditor.h"
+#include "editors/emacs/EmacsEditor.h"
 
 #include "editors/Deadlines.h"
-#include "editors/EmacsClient.h"
-#include "editors/EmacsExpressions.h"
-#include "editors/EmacsFollower.h"
+#include "editors/emacs/EmacsClient.h"
+#include "editors/emacs/EmacsExpressions.h"
+#include "editors/emacs/EmacsFollower.h"
 #include "support/core/Log.h"
 #include "support/process/ToolRunner.h"
 

@@ -1,7 +1,7 @@
-#include "editors/KateEditor.h"
+#include "editors/kate/KateEditor.h"
 
 #include "editors/Deadlines.h"
-#include "editors/KateBus.h"
+#include "editors/kate/KateBus.h"
 #include "support/core/Log.h"
 #include "support/dispatch/DispatchQueue.h"
 

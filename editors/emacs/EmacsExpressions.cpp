@@ -1,4 +1,4 @@
-#include "editors/EmacsExpressions.h"
+#include "editors/emacs/EmacsExpressions.h"
 
 namespace navrel {
 

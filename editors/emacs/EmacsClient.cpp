@@ -1,4 +1,4 @@
-#include "editors/EmacsClient.h"
+#include "editors/emacs/EmacsClient.h"
 
 #include "support/process/ToolRunner.h"
 

@@ -1,4 +1,4 @@
-#include "editors/MessagePack.h"
+#include "editors/neovim/MessagePack.h"
 
 #include "support/core/Assertion.h"
 

@@ -1,4 +1,4 @@
-#include "editors/KateBus.h"
+#include "editors/kate/KateBus.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
