@@ -1,8 +1,8 @@
 #include "desktop/QtDesktop.h"
 
-#include "desktop/AboutWindow.h"
-#include "desktop/OpenPanel.h"
-#include "desktop/StatusItem.h"
+#include "desktop/tray/StatusItem.h"
+#include "desktop/windows/AboutWindow.h"
+#include "desktop/windows/OpenPanel.h"
 #include "support/core/Error.h"
 #include "support/core/Log.h"
 #include "support/process/DesktopOpener.h"

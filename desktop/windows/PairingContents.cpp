@@ -1,6 +1,6 @@
 #include "desktop/windows/PairingContents.h"
 
-#include "desktop/GatherFacts.h"
+#include "desktop/browsers/GatherFacts.h"
 
 #include <chrono>
 

@@ -1,4 +1,4 @@
-#include "desktop/BrowserSettings.h"
+#include "desktop/browsers/BrowserSettings.h"
 #include "support/core/UserDefaults.h"
 #include "tests/LogRecorder.h"
 

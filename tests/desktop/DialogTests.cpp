@@ -1,9 +1,9 @@
 // The dialogs with somebody in front of them: each test answers from a timer, while the dialog
 // runs.
 
-#include "desktop/AboutWindow.h"
-#include "desktop/OpenPanel.h"
 #include "desktop/QtDesktop.h"
+#include "desktop/windows/AboutWindow.h"
+#include "desktop/windows/OpenPanel.h"
 #include "support/core/Error.h"
 #include "tests/LogRecorder.h"
 #include "tests/WaitUntil.h"

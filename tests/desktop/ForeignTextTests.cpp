@@ -2,10 +2,10 @@
 // shown letter by letter, never as markup.
 
 #include "app/AboutPage.h"
-#include "desktop/AboutWindow.h"
-#include "desktop/MenuWidget.h"
-#include "desktop/MenuWindow.h"
 #include "desktop/QtDesktop.h"
+#include "desktop/tray/MenuWidget.h"
+#include "desktop/windows/AboutWindow.h"
+#include "desktop/windows/MenuWindow.h"
 #include "desktop/windows/PairingWindow.h"
 #include "support/core/Error.h"
 

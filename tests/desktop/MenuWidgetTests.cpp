@@ -1,5 +1,5 @@
 #include "desktop/MenuText.h"
-#include "desktop/MenuWidget.h"
+#include "desktop/tray/MenuWidget.h"
 #include "tests/WaitUntil.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 #include "desktop/MenuText.h"
-#include "desktop/MenuWindow.h"
+#include "desktop/windows/MenuWindow.h"
 #include "tests/WaitUntil.h"
 
 #include <QApplication>

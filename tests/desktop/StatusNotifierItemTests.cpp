@@ -1,6 +1,6 @@
 #include "app/StatusMenu.h"
-#include "desktop/StatusNotifierItem.h"
-#include "desktop/StatusNotifierTypes.h"
+#include "desktop/tray/StatusNotifierItem.h"
+#include "desktop/tray/StatusNotifierTypes.h"
 #include "tests/SessionBus.h"
 #include "tests/WaitUntil.h"
 

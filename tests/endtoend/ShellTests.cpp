@@ -1,6 +1,6 @@
 // The real program's status item: on a session bus with the real daemon, and on a real X server.
 
-#include "desktop/DBusMenuTypes.h"
+#include "desktop/tray/DBusMenuTypes.h"
 #include "support/process/ToolRunner.h"
 #include "tests/RecordingTool.h"
 #include "tests/SessionBus.h"

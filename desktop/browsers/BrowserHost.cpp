@@ -1,4 +1,4 @@
-#include "desktop/BrowserHost.h"
+#include "desktop/browsers/BrowserHost.h"
 
 #include "project/Editor.h"
 #include "project/KZDataManager.h"

@@ -1,4 +1,4 @@
-#include "desktop/GatherFacts.h"
+#include "desktop/browsers/GatherFacts.h"
 
 #include "app/AppDelegate.h"
 #include "app/DeviceFacts.h"

@@ -1,4 +1,4 @@
-#include "desktop/MenuWidget.h"
+#include "desktop/tray/MenuWidget.h"
 
 #include "desktop/MenuText.h"
 

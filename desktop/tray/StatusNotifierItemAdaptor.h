@@ -1,7 +1,7 @@
 #pragma once
 
-#include "desktop/StatusNotifierItem.h"
-#include "desktop/StatusNotifierTypes.h"
+#include "desktop/tray/StatusNotifierItem.h"
+#include "desktop/tray/StatusNotifierTypes.h"
 
 #include <QDBusAbstractAdaptor>
 #include <QDBusObjectPath>

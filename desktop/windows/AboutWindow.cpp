@@ -1,4 +1,4 @@
-#include "desktop/AboutWindow.h"
+#include "desktop/windows/AboutWindow.h"
 
 #include <QKeyEvent>
 #include <QScreen>

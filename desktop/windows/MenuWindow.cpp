@@ -1,4 +1,4 @@
-#include "desktop/MenuWindow.h"
+#include "desktop/windows/MenuWindow.h"
 
 #include "desktop/MenuText.h"
 

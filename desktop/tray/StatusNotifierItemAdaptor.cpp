@@ -1,4 +1,4 @@
-#include "desktop/StatusNotifierItemAdaptor.h"
+#include "desktop/tray/StatusNotifierItemAdaptor.h"
 
 #include <QImage>
 #include <QtEndian>

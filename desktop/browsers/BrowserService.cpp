@@ -1,9 +1,9 @@
-#include "desktop/BrowserService.h"
+#include "desktop/browsers/BrowserService.h"
 
 #include "app/AppDelegate.h"
 #include "app/ProgramVersion.h"
-#include "desktop/BrowserSettings.h"
-#include "desktop/GatherFacts.h"
+#include "desktop/browsers/BrowserSettings.h"
+#include "desktop/browsers/GatherFacts.h"
 #include "desktop/windows/PairingWindow.h"
 #include "project/Editor.h"
 #include "project/KZDataManager.h"

@@ -1,4 +1,4 @@
-#include "desktop/StatusNotifierTypes.h"
+#include "desktop/tray/StatusNotifierTypes.h"
 
 #include <QDBusMetaType>
 

@@ -2,7 +2,7 @@
 
 #include "app/ProgramFacts.h"
 #include "codemap/CodeMap.h"
-#include "desktop/BrowserHost.h"
+#include "desktop/browsers/BrowserHost.h"
 #include "web/BrowserAccess.h"
 
 #include <QObject>

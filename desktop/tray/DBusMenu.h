@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/StatusMenu.h"
-#include "desktop/DBusMenuTypes.h"
+#include "desktop/tray/DBusMenuTypes.h"
 
 #include <QDBusAbstractAdaptor>
 #include <QDBusVariant>

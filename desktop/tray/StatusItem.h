@@ -1,6 +1,6 @@
 #pragma once
 
-#include "desktop/MenuWidget.h"
+#include "desktop/tray/MenuWidget.h"
 
 #include <QIcon>
 #include <QObject>

@@ -1,4 +1,4 @@
-#include "desktop/DBusMenu.h"
+#include "desktop/tray/DBusMenu.h"
 
 #include "desktop/MenuText.h"
 

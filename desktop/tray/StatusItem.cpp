@@ -1,7 +1,7 @@
-#include "desktop/StatusItem.h"
+#include "desktop/tray/StatusItem.h"
 
-#include "desktop/MenuWindow.h"
-#include "desktop/StatusNotifierItem.h"
+#include "desktop/tray/StatusNotifierItem.h"
+#include "desktop/windows/MenuWindow.h"
 
 #include <QCursor>
 #include <QDBusConnection>

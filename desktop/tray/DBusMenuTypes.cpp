@@ -1,4 +1,4 @@
-#include "desktop/DBusMenuTypes.h"
+#include "desktop/tray/DBusMenuTypes.h"
 
 #include <QDBusMetaType>
 

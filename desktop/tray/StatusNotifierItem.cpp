@@ -1,8 +1,8 @@
-#include "desktop/StatusNotifierItem.h"
+#include "desktop/tray/StatusNotifierItem.h"
 
 #include "app/StatusMenu.h"
-#include "desktop/DBusMenu.h"
-#include "desktop/StatusNotifierItemAdaptor.h"
+#include "desktop/tray/DBusMenu.h"
+#include "desktop/tray/StatusNotifierItemAdaptor.h"
 #include "support/core/Log.h"
 
 #include <QCoreApplication>

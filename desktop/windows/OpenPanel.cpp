@@ -1,4 +1,4 @@
-#include "desktop/OpenPanel.h"
+#include "desktop/windows/OpenPanel.h"
 
 #include <QApplication>
 #include <QDir>
