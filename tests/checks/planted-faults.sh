@@ -58,6 +58,10 @@ expect_fault check-layers "support/Bad.h:1: support must not include project/Goo
 rm "$tree/support/Bad.h"
 plant_file scanning/Bad.cpp '' '#include "project/Editor.h"'
 expect_fault check-layers "scanning/Bad.cpp:2: scanning must not include project/Editor.h"
+mkdir -p "$tree/editors/neovim"
+plant_file editors/neovim/Bad.h '#include "editors/emacs/EmacsEditor.h"'
+expect_fault check-layers "editors/neovim/Bad.h:1: editors/neovim must not include editors/emacs/EmacsEditor.h"
+rm "$tree/editors/neovim/Bad.h"
 plant_file scanning/Bad.cpp 'namespace navrel {' 'void Table::scan() {}' 'void Scanner::scan() {}' '}'
 plant_file project/store/Table.h 'namespace navrel {' 'template <typename Record>' 'class Table {};' '}'
 expect_fault check-layers "scanning/Bad.cpp:2: a body of Table of project/store"
