@@ -1,11 +1,14 @@
 #include "tests/transport/RawPeer.h"
 
+#include "tests/WaitUntil.h"
+
 #include <QtEndian>
 #include <gtest/gtest.h>
 
 #include <array>
 #include <cerrno>
 #include <netinet/in.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 #include <utility>
@@ -97,6 +100,11 @@ RawListener::~RawListener() {
 }
 
 RawPeer RawListener::accept() const {
+    pollfd connection = {descriptor_, POLLIN, 0};
+    EXPECT_TRUE(waitUntil([&] { return ::poll(&connection, 1, 0) == 1; })) << "nobody connects";
+    if (connection.revents == 0) {
+        return {};
+    }
     const int descriptor = ::accept(descriptor_, nullptr, nullptr);
     EXPECT_GE(descriptor, 0);
     return RawPeer(descriptor);

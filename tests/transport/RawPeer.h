@@ -49,7 +49,7 @@ public:
     RawListener(const RawListener&) = delete;
     RawListener& operator=(const RawListener&) = delete;
 
-    /// Waits for a connection.
+    /// Waits for a connection; fails the test where none is made.
     RawPeer accept() const;
 
 private:

@@ -7,8 +7,10 @@
 #include <QRegularExpression>
 
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 
@@ -21,6 +23,9 @@ const QString kDefaultPath = QStringLiteral("/var/run/usbmuxd");
 const QString kPathPrefix = QStringLiteral("UNIX:");
 const QString kLocalHost = QStringLiteral("localhost");
 const QString kAnyPort = QStringLiteral("1");
+/// A host in the same network that has no listener says so in a few milliseconds; a caller on the
+/// main thread can spare this much.
+constexpr std::chrono::milliseconds kRefusalAtMost{100};
 
 /// Non-blocking, so that a daemon which accepts nobody is a failure and never holds the caller.
 OwnedDescriptor makeStreamSocket(int family) {
@@ -45,6 +50,17 @@ OwnedDescriptor connected(OwnedDescriptor socket, const sockaddr* address, sockl
         return {};
     }
     return socket;
+}
+
+/// Whether a connect that goes on by itself ends with an error within kRefusalAtMost.
+bool failsSoon(const OwnedDescriptor& socket) {
+    pollfd answer = {socket.value(), POLLOUT, 0};
+    ::poll(&answer, 1, static_cast<int>(kRefusalAtMost.count()));
+    int error = 0;
+    socklen_t length = sizeof error;
+    ::getsockopt(socket.value(), SOL_SOCKET, SO_ERROR, &error, &length);
+    errno = error;
+    return error != 0;
 }
 
 OwnedDescriptor connectToPath(const QString& path) {
@@ -123,7 +139,7 @@ OwnedDescriptor USBDaemonSocket::openStream() {
     return address_.path.isEmpty() ? connectToHost() : connectToPath(address_.path);
 }
 
-// The first address that does not fail at once: one of this machine that has no listener does.
+// The first address that does not fail at once, or within a moment while there is another to try.
 OwnedDescriptor USBDaemonSocket::connectToHost() {
     const std::vector<SocketAddress> addresses = hostAddresses();
     OwnedDescriptor socket;
@@ -131,9 +147,11 @@ OwnedDescriptor USBDaemonSocket::connectToHost() {
     for (const SocketAddress& address : addresses) {
         socket =
             connected(makeStreamSocket(address.storage.ss_family), address.get(), address.length);
-        if (socket.isValid()) {
+        const bool isLast = &address == &addresses.back();
+        if (socket.isValid() && (isLast || !failsSoon(socket))) {
             break;
         }
+        socket = {};
     }
     return socket;
 }

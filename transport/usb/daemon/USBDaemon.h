@@ -17,8 +17,8 @@ public:
     virtual ~USBDaemon() = default;
 
     /// A connected stream socket, closed in the programs that this one starts; invalid, with errno
-    /// set, on failure. Never waits for the daemon. The caller must keep this object as long as it
-    /// uses the stream.
+    /// set, on failure. Never waits for a daemon to accept. The caller must keep this object as
+    /// long as it uses the stream.
     virtual OwnedDescriptor openStream() = 0;
 
     /// False while no stream that listens reaches it; true where that is not known.
@@ -46,7 +46,8 @@ struct USBDaemonAddress {
 };
 
 /// The daemon itself: each stream is a connection to its socket. A host's name is looked up for
-/// each stream (HostLookup.h); while it has no address, opening fails with EHOSTUNREACH.
+/// each stream (HostLookup.h); while it has no address, opening fails with EHOSTUNREACH. Of several
+/// addresses the first counts that does not refuse; each but the last has 100 ms to do that.
 class USBDaemonSocket final : public USBDaemon {
 public:
     explicit USBDaemonSocket(USBDaemonAddress address);
