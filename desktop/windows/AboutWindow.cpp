@@ -12,7 +12,7 @@ namespace navrel {
 
 namespace {
 
-constexpr int kWidth = 560;
+constexpr int kWidth = 640;
 /// Of the screen's height, so that the window's frame and panels have room.
 constexpr double kMostOfScreen = 0.85;
 constexpr int kPageMargin = 16;

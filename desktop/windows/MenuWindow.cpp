@@ -5,9 +5,13 @@
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QFrame>
+#include <QLabel>
 #include <QScreen>
 #include <QTimer>
 #include <QVBoxLayout>
+
+#include <chrono>
+#include <utility>
 
 namespace navrel {
 
@@ -18,14 +22,44 @@ constexpr int kWidth = 360;
 /// Of the screen's height, so that the window's frame and panels have room.
 constexpr double kMostOfScreen = 0.85;
 constexpr int kSeparatorHeight = 9;
+/// Of a row, within the list's own; kStyle sets them.
+constexpr int kListPadding = 4;
+constexpr int kRowPaddingAbove = 4;
+constexpr int kRowPaddingBeside = 8;
+constexpr std::chrono::seconds kStateInterval{1};
+/// Sizes that X11 has not confirmed yet: more are not under way at once.
+constexpr qsizetype kFittedSizesRemembered = 8;
 
 /// One click, or Return, chooses: as in a menu, whatever the desktop does in lists of files.
 const QString kStyle = QStringLiteral("QListView { activate-on-singleclick: 1; padding: 4px; }"
                                       "QListView::item { padding: 4px 8px; }");
 
+/// What is well is said in a sentence; what is not, with what to do.
+QString textOf(const StateSentence& sentence) {
+    using Level = StateSentence::Level;
+    const QString text = QStringLiteral("%1: %2").arg(titleOf(sentence.part), sentence.text);
+    const bool isAmiss = sentence.level == Level::warning || sentence.level == Level::error;
+    return isAmiss && !sentence.hint.isEmpty() ? text + u' ' + sentence.hint : text;
+}
+
+/// The room that a sentence has beside a list's scroll bar.
+int sentenceWidth(const QListWidget& list) {
+    return kWidth - 2 * (kListPadding + kRowPaddingBeside) -
+           list.style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+}
+
+void showSentence(const StateSentence& sentence, QListWidgetItem& item, QLabel& label) {
+    label.setText(textOf(sentence));
+    label.setToolTip(toolTipForTitle(sentence.hint));
+    item.setData(Qt::AccessibleTextRole, label.text());
+    const int textHeight = label.heightForWidth(sentenceWidth(*item.listWidget()));
+    item.setSizeHint({0, textHeight + 2 * kRowPaddingAbove});
+}
+
 } // namespace
 
-MenuWindow::MenuWindow(StatusMenu& menu, const QIcon& icon) : menu_(menu) {
+MenuWindow::MenuWindow(StatusMenu& menu, const QIcon& icon, StateSource state)
+    : menu_(menu), state_(std::move(state)) {
     setWindowTitle(QStringLiteral("Navrel"));
     setWindowIcon(icon);
     list_.setAccessibleName(QStringLiteral("Navrel"));
@@ -40,6 +74,8 @@ MenuWindow::MenuWindow(StatusMenu& menu, const QIcon& icon) : menu_(menu) {
         const int id = item->data(kIDRole).toInt();
         QTimer::singleShot(0, this, [this, id] { menu_.choose(id); });
     });
+    stateTimer_.setInterval(kStateInterval);
+    connect(&stateTimer_, &QTimer::timeout, this, &MenuWindow::showState);
     QCoreApplication::instance()->installEventFilter(this);
     menu_.addView(*this);
     menuDidChange();
@@ -52,6 +88,7 @@ MenuWindow::~MenuWindow() {
 void MenuWindow::menuDidChange() {
     const int row = list_.currentRow();
     list_.clear();
+    addState();
     for (const MenuEntry* entry : menu_.visibleEntries()) {
         if (entry->kind() == MenuEntry::Kind::Separator) {
             addSeparator();
@@ -80,18 +117,64 @@ void MenuWindow::fitRows() {
         height += rowHeight;
     }
     // Few rows in small letters take less room than a window must have.
-    fittedSize_ = QSize(kWidth, height + around).expandedTo(minimumSizeHint());
-    resize(fittedSize_);
+    const QSize fitting = QSize(kWidth, height + around).expandedTo(minimumSizeHint());
+    fittedSizes_.append(fitting);
+    if (fittedSizes_.size() > kFittedSizesRemembered) {
+        fittedSizes_.removeFirst();
+    }
+    resize(fitting);
+}
+
+void MenuWindow::addState() {
+    for (const StateSentence& sentence : sentences_) {
+        auto* item = new QListWidgetItem(&list_);
+        item->setFlags(Qt::NoItemFlags);
+        auto* label = new QLabel;
+        label->setTextFormat(Qt::PlainText);
+        label->setWordWrap(true);
+        list_.setItemWidget(item, label);
+        showSentence(sentence, *item, *label);
+    }
+    if (!sentences_.empty()) {
+        addSeparator();
+    }
+}
+
+/// Rows change in place, so that the list does not move under the pointer.
+void MenuWindow::showState() {
+    std::vector<StateSentence> sentences = state_ ? state_() : std::vector<StateSentence>();
+    if (sentences == sentences_) {
+        return;
+    }
+    const bool isOther = sentences.size() != sentences_.size();
+    sentences_ = std::move(sentences);
+    if (isOther) {
+        menuDidChange();
+        return;
+    }
+    for (int row = 0; const StateSentence& sentence : sentences_) {
+        QListWidgetItem& item = *list_.item(row++);
+        showSentence(sentence, item, static_cast<QLabel&>(*list_.itemWidget(&item)));
+    }
+    fitRows();
 }
 
 void MenuWindow::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
+    showState();
+    stateTimer_.start();
     fitRows();
+}
+
+void MenuWindow::hideEvent(QHideEvent* event) {
+    stateTimer_.stop();
+    QWidget::hideEvent(event);
 }
 
 void MenuWindow::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
-    hasUsersSize_ = hasUsersSize_ || (fittedSize_.isValid() && event->size() != fittedSize_);
+    hasUsersSize_ =
+        hasUsersSize_ || (!fittedSizes_.isEmpty() && !fittedSizes_.contains(event->size()));
 }
 
 void MenuWindow::addSeparator() {

@@ -1,20 +1,30 @@
 #pragma once
 
+#include "app/StateSentences.h"
 #include "app/StatusMenu.h"
 
 #include <QIcon>
+#include <QList>
 #include <QListWidget>
+#include <QTimer>
 #include <QWidget>
+
+#include <functional>
+#include <vector>
 
 namespace navrel {
 
-/// The status menu as a small window, for desktops that show no status items. Closing it only
-/// minimizes it: it is all that the user has of the program, which ends by its quit entry. It is as
-/// high as its rows, or as many of them as the screen has room for, and cuts none. Main thread.
+/// The status menu as a small window, for desktops that show no status items, below sentences on
+/// the program's state. Closing it only minimizes it: it is all that the user has of the program,
+/// which ends by its quit entry. It is as high as its rows, or as many of them as the screen has
+/// room for, and cuts none. Main thread.
 class MenuWindow final : public QWidget, public StatusMenuView {
 public:
-    /// Hidden at first. The menu must live longer.
-    MenuWindow(StatusMenu& menu, const QIcon& icon);
+    using StateSource = std::function<std::vector<StateSentence>()>;
+
+    /// Hidden at first. The menu must live longer. `state` is asked once a second while the window
+    /// shows, and must give as many sentences each time; null for none.
+    MenuWindow(StatusMenu& menu, const QIcon& icon, StateSource state = nullptr);
     ~MenuWindow() override;
 
     void menuDidChange() override;
@@ -23,6 +33,7 @@ public:
 protected:
     void closeEvent(QCloseEvent* event) override;
     void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     /// Hears that the session ends, which closes all windows: then none may refuse.
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -30,12 +41,18 @@ protected:
 private:
     void show(const MenuEntry& entry, QListWidgetItem& item) const;
     void addSeparator();
+    void addState();
+    void showState();
     void fitRows();
 
     StatusMenu& menu_;
+    const StateSource state_;
+    std::vector<StateSentence> sentences_; ///< in the first rows
+    QTimer stateTimer_;                    ///< runs while the window shows
     QListWidget list_;
     bool isProgramEnding_ = false;
-    QSize fittedSize_;          ///< the last size that the window gave itself
+    /// The last sizes that the window gave itself: X11 confirms each in its own time.
+    QList<QSize> fittedSizes_;
     bool hasUsersSize_ = false; ///< it keeps that, once the user or the desktop has resized it
 };
 

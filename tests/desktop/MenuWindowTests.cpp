@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QEventLoop>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QMouseEvent>
 #include <QScreen>
 #include <QTimer>
@@ -120,6 +121,50 @@ TEST_F(MenuWindowTest, theUsersSizeStays) {
     QCoreApplication::processEvents();
     menu_.setShortcuts({QStringLiteral("a"), QStringLiteral("b")}, {});
     EXPECT_EQ(window_.size(), QSize(500, 300));
+}
+
+/// With sentences above the menu's entries.
+class MenuWindowStateTest : public MenuWindowTest {
+protected:
+    MenuWindowStateTest() { stated_.QWidget::show(); }
+
+    QListWidget& list() const { return *stated_.findChild<QListWidget*>(); }
+    QString sentence(int row) const {
+        return static_cast<QLabel*>(list().itemWidget(list().item(row)))->text();
+    }
+
+    std::vector<StateSentence> state_ = {
+        {StateSentence::Part::project, StateSentence::Level::good,
+         QStringLiteral("<b>Tide</b> & co is loaded: 3 files."), QString()},
+        {StateSentence::Part::device, StateSentence::Level::idle,
+         QStringLiteral("No device is attached."), QStringLiteral("Plug one in.")},
+    };
+    MenuWindow stated_{menu_, QIcon(), [this] { return state_; }};
+};
+
+TEST_F(MenuWindowStateTest, saysHowTheProgramStandsAboveTheEntries) {
+    ASSERT_EQ(list().count(), 6);
+    EXPECT_EQ(sentence(0), QStringLiteral("Project: <b>Tide</b> & co is loaded: 3 files."));
+    EXPECT_EQ(sentence(1), QStringLiteral("Device: No device is attached."));
+    EXPECT_EQ(list().item(1)->data(Qt::AccessibleTextRole).toString(), sentence(1));
+    EXPECT_EQ(list().item(0)->flags(), Qt::NoItemFlags);
+    EXPECT_EQ(list().item(3)->text(), QStringLiteral("Navrel & <b>co</b>"));
+}
+
+TEST_F(MenuWindowStateTest, followsTheStateAndCutsNoRow) {
+    state_[1] = {StateSentence::Part::device, StateSentence::Level::warning,
+                 QStringLiteral("A device is attached, but no app listens on its port 2345."),
+                 QStringLiteral("Open the companion app on the device and keep it in front.")};
+    EXPECT_TRUE(waitUntil([this] {
+        return sentence(1) == QStringLiteral("Device: ") + state_[1].text + u' ' + state_[1].hint;
+    }));
+    QCoreApplication::processEvents();
+    const QRect visible = list().viewport()->rect();
+    for (int row = 0; row < list().count(); ++row) {
+        EXPECT_TRUE(visible.contains(list().visualItemRect(list().item(row)))) << row;
+    }
+    const QWidget& label = *list().itemWidget(list().item(1));
+    EXPECT_GE(label.height(), label.heightForWidth(label.width()));
 }
 
 TEST_F(MenuWindowTest, closingOnlyMinimizesIt) {
