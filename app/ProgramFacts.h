@@ -65,6 +65,7 @@ struct ProgramFacts {
         State state = State::none;
         qint64 files = 0;
         qint64 symbols = 0;
+        bool isWatched = true; ///< the system reports what changes on disk
         bool operator==(const CodeMap&) const = default;
     };
 

@@ -42,6 +42,20 @@ StateSentence connected(const ProgramFacts::Device& device) {
             {}};
 }
 
+StateSentence mapped(const ProgramFacts::CodeMap& codeMap) {
+    const QString extent = QStringLiteral("%1 in %2")
+                               .arg(counted(codeMap.symbols, QStringLiteral("symbol")),
+                                    counted(codeMap.files, QStringLiteral("file")));
+    if (codeMap.isWatched) {
+        return {Part::codeMap, Level::good, QStringLiteral("%1 can be searched.").arg(extent), {}};
+    }
+    return {
+        Part::codeMap, Level::idle,
+        QStringLiteral("%1 can be searched; Navrel looks for changes once a second.").arg(extent),
+        QStringLiteral("The system reports no changes, as when its limit of watched folders is "
+                       "used up: fs.inotify.max_user_watches sets it.")};
+}
+
 QString reachText(const ProgramFacts::Browsers& browsers) {
     return browsers.reach == ProgramFacts::Browsers::Reach::network
                ? QStringLiteral("Paired devices in this network can reach Navrel at %1")
@@ -190,12 +204,7 @@ StateSentence sentenceOf(const ProgramFacts::CodeMap& codeMap) {
     case State::reading:
         return {Part::codeMap, Level::good, QStringLiteral("Navrel is reading the sources."), {}};
     case State::ready:
-        return {Part::codeMap,
-                Level::good,
-                QStringLiteral("%1 in %2 can be searched.")
-                    .arg(counted(codeMap.symbols, QStringLiteral("symbol")),
-                         counted(codeMap.files, QStringLiteral("file"))),
-                {}};
+        return mapped(codeMap);
     case State::none:
         break;
     }

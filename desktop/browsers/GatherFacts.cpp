@@ -111,6 +111,7 @@ ProgramFacts gatherFacts(const FactSources& sources) {
                                                    sources.dataManager.automaticProjectSelection());
     facts.browsers = browserFacts(sources.settings, sources.access, sources.devices);
     facts.codeMap = codeMapOf(sources.snapshot);
+    facts.codeMap.isWatched = sources.isMapWatching;
     facts.update = sources.delegate.update();
     return facts;
 }

@@ -24,6 +24,7 @@ struct FactSources {
     const AccessStatus& access;
     const std::vector<PairedDevice>& devices;
     bool isEditorFollowed = false; ///< a client listens
+    bool isMapWatching = true;     ///< CodeMap::isWatching
 };
 
 /// Collects what is the case now. Asks nobody, and never blocks. Main thread.

@@ -183,6 +183,13 @@ TEST(StateSentences, theCodeMap) {
     codeMap.symbols = 12;
     EXPECT_EQ(sentenceOf(codeMap),
               sentence(Part::codeMap, Level::good, "12 symbols in 1 file can be searched."));
+    codeMap.isWatched = false;
+    EXPECT_EQ(sentenceOf(codeMap),
+              sentence(Part::codeMap, Level::idle,
+                       "12 symbols in 1 file can be searched; Navrel looks for changes once a "
+                       "second.",
+                       "The system reports no changes, as when its limit of watched folders is "
+                       "used up: fs.inotify.max_user_watches sets it."));
 }
 
 TEST(StateSentences, updates) {
