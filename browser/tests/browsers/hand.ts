@@ -26,7 +26,12 @@ export class Hand {
   }
 
   async sees(text: string): Promise<void> {
-    await until(`“${text}” to be seen`, async () => (await this.text()).includes(text)).catch(async (error: Error) => {
+    await this.orSay(until(`“${text}” to be seen`, async () => (await this.text()).includes(text)));
+  }
+
+  /** A failure says what there is instead. */
+  private async orSay(done: Promise<void | true>): Promise<void> {
+    await done.catch(async (error: Error) => {
       throw new Error(`${error.message}. There is:\n${await this.text()}`);
     });
   }
@@ -36,16 +41,16 @@ export class Hand {
   }
 
   async tab(name: TabName): Promise<void> {
-    await this.view.tap("[role=tab]", name);
+    await this.orSay(this.view.tap("[role=tab]", name));
     await until(`the tab ${name}`, () => this.view.run((wanted: string) => document.querySelector("[role=tab][aria-selected=true]")?.textContent === wanted, name));
   }
 
   row(name: string): Promise<void> {
-    return this.view.tap(".row-main", name);
+    return this.orSay(this.view.tap(".row-main", name));
   }
 
   button(name: string): Promise<void> {
-    return this.view.tap("button", name);
+    return this.orSay(this.view.tap("button", name));
   }
 
   async more(name: string): Promise<void> {

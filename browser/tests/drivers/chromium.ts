@@ -1,6 +1,6 @@
 // Debian's Chromium, without a window.
 import { type Browser, chromium, type Page } from "playwright-core";
-import { type Colours, complaintsOfPage, type Device, type Driver, kDeadlineMilliseconds, kSizes, type Key, listenForComplaints, type View } from "./driver";
+import { type Colours, complaintsOfPage, type Device, type Driver, kDeadlineMilliseconds, kSizes, type Key, listenForComplaints, middleOf, type View } from "./driver";
 
 const kProgram = process.env["NAVREL_CHROMIUM"] ?? "/usr/bin/chromium";
 
@@ -25,6 +25,16 @@ class ChromiumView implements View {
   async tap(selector: string, text?: string): Promise<void> {
     const options = text === undefined ? {} : { hasText: text };
     await this.page.locator(selector, options).first().tap();
+  }
+
+  async hold(selector: string, text: string, meanwhile: () => Promise<void>): Promise<void> {
+    await this.page.locator(selector, { hasText: text }).first().scrollIntoViewIfNeeded();
+    const { x, y } = (await this.run(middleOf, selector, text))!;
+    const session = await this.page.context().newCDPSession(this.page);
+    await session.send("Input.dispatchTouchEvent", { type: "touchStart", touchPoints: [{ x, y }] });
+    await meanwhile();
+    await session.send("Input.dispatchTouchEvent", { type: "touchEnd", touchPoints: [] });
+    await session.detach();
   }
 
   async type(selector: string, text: string): Promise<void> {

@@ -17,6 +17,8 @@ export interface View {
   script(source: string): Promise<void>;
   /** Taps what a selector finds; with a text, the first element that holds it. Waits until it is there. */
   tap(selector: string, text?: string): Promise<void>;
+  /** Puts a finger (a mouse where there is none) on what a selector and a text find, and lifts it afterwards. */
+  hold(selector: string, text: string, meanwhile: () => Promise<void>): Promise<void>;
   type(selector: string, text: string): Promise<void>;
   press(key: Key): Promise<void>;
   picture(path: string): Promise<void>;
@@ -25,7 +27,7 @@ export interface View {
   close(): Promise<void>;
 }
 
-export type Key = "Enter" | "Escape" | "ArrowDown" | "ArrowUp" | "/" | "]" | "[" | "b" | "1" | "2" | "3" | "4" | "5";
+export type Key = "Tab" | " " | "Enter" | "Escape" | "ArrowDown" | "ArrowUp" | "/" | "]" | "[" | "b" | "1" | "2" | "3" | "4" | "5";
 
 export interface Driver {
   open(device: Device, colours: Colours): Promise<View>;
@@ -54,6 +56,14 @@ export async function until<Answer>(what: string, look: () => Promise<Answer | u
     await new Promise((done) => setTimeout(done, kPauseMilliseconds));
   }
   throw new Error(`Waited in vain for ${what}${last === undefined ? "" : ` (${String(last)})`}`);
+}
+
+/** In the page: the middle of what a selector and a text find. */
+export function middleOf(selector: string, text: string): { x: number; y: number } | null {
+  const found = [...document.querySelectorAll(selector)].find((each) => each.textContent!.includes(text));
+  if (!found) return null;
+  const { left, top, width, height } = found.getBoundingClientRect();
+  return { x: Math.round(left + width / 2), y: Math.round(top + height / 2) };
 }
 
 /** In the page, before its own scripts or soon after: keeps what goes wrong. */

@@ -1,6 +1,6 @@
 // Debian's Firefox, without a window, over WebDriver BiDi.
 import puppeteer, { type Browser, type ElementHandle, type Page } from "puppeteer-core";
-import { type Colours, complaintsOfPage, type Device, type Driver, kDeadlineMilliseconds, kSizes, type Key, listenForComplaints, until, type View } from "./driver";
+import { type Colours, complaintsOfPage, type Device, type Driver, kDeadlineMilliseconds, kSizes, type Key, listenForComplaints, middleOf, until, type View } from "./driver";
 
 const kProgram = process.env["NAVREL_FIREFOX"] ?? "/usr/bin/firefox-esr";
 /** What a page is told of the system's colours. */
@@ -31,6 +31,14 @@ class FirefoxView implements View {
       await element.click();
       return true;
     });
+  }
+
+  async hold(selector: string, text: string, meanwhile: () => Promise<void>): Promise<void> {
+    const { x, y } = await until(text, async () => (await this.run(middleOf, selector, text)) ?? undefined);
+    await this.page.mouse.move(x, y);
+    await this.page.mouse.down();
+    await meanwhile();
+    await this.page.mouse.up();
   }
 
   async type(selector: string, text: string): Promise<void> {

@@ -3,14 +3,14 @@
 import { type ChildProcess, spawn } from "node:child_process";
 import { existsSync, readdirSync, writeFileSync } from "node:fs";
 import type { Readable } from "node:stream";
-import { type Colours, complaintsOfPage, type Device, type Driver, kSizes, type Key, listenForComplaints, until, type View } from "./driver";
+import { type Colours, complaintsOfPage, type Device, type Driver, kSizes, type Key, listenForComplaints, middleOf, until, type View } from "./driver";
 import { freePort } from "./ports";
 
 const kLibraries = "/usr/lib";
 /** Its buttons keep the window from becoming as narrow as a phone's. */
 const kNarrowestWindow = 480;
 const kElement = "element-6066-11e4-a52e-4f735466cecf";
-const kKeys: Partial<Record<Key, string>> = { Enter: "\uE007", Escape: "\uE00C", ArrowDown: "\uE015", ArrowUp: "\uE013" };
+const kKeys: Partial<Record<Key, string>> = { Tab: "\uE004", Enter: "\uE007", Escape: "\uE00C", ArrowDown: "\uE015", ArrowUp: "\uE013" };
 
 function findBrowser(): string {
   for (const architecture of readdirSync(kLibraries)) {
@@ -61,9 +61,10 @@ class WebKitView implements View {
 
   async go(url: string): Promise<void> {
     await this.post("url", { url: "about:blank" });
+    // Before the page is there: one that becomes narrower under a tap has two panes when that begins and one when it ends.
+    await this.fit();
     await this.post("url", { url });
     await this.run(listenForComplaints);
-    await this.fit();
   }
 
   run<Answer, Arguments extends unknown[]>(body: (...args: Arguments) => Answer | Promise<Answer>, ...args: Arguments): Promise<Answer> {
@@ -87,10 +88,20 @@ class WebKitView implements View {
     const hasMissed = () => (window as unknown as { isTapped?: boolean }).isTapped === false;
     await until(`${selector} ${text ?? ""}`, async () => {
       const element = (await this.run(find as never, selector as never, (text ?? null) as never)) as Record<string, string> | null;
-      if (!element) return false;
+      if (!element) throw new Error("it is not there");
       await this.post(`element/${element[kElement]}/click`, {});
-      return !(await this.run(hasMissed));
+      if (await this.run(hasMissed)) throw new Error("the tap missed it");
+      return true;
     });
+  }
+
+  async hold(selector: string, text: string, meanwhile: () => Promise<void>): Promise<void> {
+    const { x, y } = await until(text, async () => (await this.run(middleOf, selector, text)) ?? undefined);
+    const mouse = { type: "pointer", id: "mouse", parameters: { pointerType: "mouse" } };
+    const move = { type: "pointerMove", duration: 0, x, y };
+    await this.post("actions", { actions: [{ ...mouse, actions: [move, { type: "pointerDown", button: 0 }] }] });
+    await meanwhile();
+    await this.post("actions", { actions: [{ ...mouse, actions: [{ type: "pointerUp", button: 0 }] }] });
   }
 
   async type(selector: string, text: string): Promise<void> {
