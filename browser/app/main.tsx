@@ -1,6 +1,7 @@
 // Where the page begins.
 import { render } from "preact";
 import { App } from "./App";
+import { holdStillUnderFingers } from "./finger";
 import { listenToKeys } from "./keyboard";
 import { startHistory } from "./places";
 import { restoreSettings } from "./settings";
@@ -29,6 +30,7 @@ async function start(): Promise<void> {
   measure();
   kTwoPanes.addEventListener("change", measure);
   listenToKeys();
+  holdStillUnderFingers();
   stayAwakeAgain();
   render(<App />, document.getElementById("app")!);
   if (ticket !== undefined) await pair({ ticket });

@@ -3,6 +3,7 @@
 import type { ComponentChildren } from "preact";
 import { useRef } from "preact/hooks";
 import { openMenu } from "../actions";
+import { release } from "../finger";
 import { touched } from "../following";
 import type { Look } from "../model/kinds";
 import type { Target } from "../store";
@@ -50,7 +51,7 @@ export function Row(properties: Properties) {
       data-row={place.index}
       id={properties.id}
     >
-      <button type="button" class={`row-main depth-${Math.min(depth, kDeepest)}`} tabIndex={tabIndex} onClick={tap} disabled={!onTap} {...press.handlers}>
+      <button type="button" class={`row-main depth-${Math.min(depth, kDeepest)}`} tabIndex={tabIndex} onClick={tap} aria-disabled={!onTap || undefined} {...press.handlers}>
         <Badge look={look} />
         <span class="row-text">
           <span class="row-name">
@@ -107,14 +108,17 @@ function useLongPress(target: Target | undefined) {
   const isLong = useRef(false);
   const show = () => {
     isLong.current = true;
+    release();
     if (target) openMenu(target);
   };
+  // A busy page learns late that the finger was lifted in time: that comes first.
+  const showSoon = () => (timer.current = setTimeout(show));
   const end = () => clearTimeout(timer.current);
   const handlers = target && {
     onPointerDown: (event: PointerEvent) => {
       isLong.current = false;
       clearTimeout(timer.current);
-      if (event.pointerType === "touch") timer.current = setTimeout(show, kLongPressMilliseconds);
+      if (event.pointerType === "touch") timer.current = setTimeout(showSoon, kLongPressMilliseconds);
     },
     onPointerUp: end,
     onPointerCancel: end,
