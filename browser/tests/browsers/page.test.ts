@@ -189,6 +189,24 @@ journey("a changed file changes its outline", "phone", async ({ hand, server }) 
   await hand.sees("written just now");
 });
 
+const outlinesRead = (view: View) => view.run(() => performance.getEntriesByType("resource").filter((each) => each.name.endsWith("/outline")).length);
+
+journey("a row that changes under a finger is opened as it was when the finger came down", "phone", async ({ hand, view, server }) => {
+  await hand.goToFile("Model", "TideTable.swift");
+  const before = await outlinesRead(view);
+  await view.hold(".row-main", "next(after:)", async () => {
+    const outline = server.outlines.get(kTable)!;
+    const lower = outline.items.map((item) => ({ ...item, line: item.line + 40, endLine: item.endLine + 40, children: [] }));
+    server.outlines.set(kTable, { ...outline, items: [{ kind: "function", name: "written just now", line: 3, endLine: 3 }, ...lower], headings: [] });
+    server.change([kTable]);
+    await until("the new outline to arrive", async () => (await outlinesRead(view)) > before);
+    await view.run(() => new Promise<void>((done) => requestAnimationFrame(() => requestAnimationFrame(() => done()))));
+  });
+  await hand.sees("TideTable.swift:14 is open");
+  assert.deepEqual(server.opened, [{ file: kTable, line: 14 }]);
+  await hand.sees("written just now");
+});
+
 journey("a changed tree changes the files", "phone", async ({ hand, server }) => {
   const { root } = server;
   server.root = { ...root!, children: [...root!.children!, { id: idOf("new"), name: "Fresh group", kind: "group", children: [] }] };
