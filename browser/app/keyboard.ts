@@ -1,5 +1,6 @@
 // The keys that work wherever the focus is, except in a field of text or a menu.
 import { back, step } from "./actions";
+import { moveFocus } from "./focus";
 import { closeLook, goToTab } from "./places";
 import { kTabs, now } from "./store";
 
@@ -16,6 +17,12 @@ function focusList(): void {
   const lists = [...document.querySelectorAll("[data-list]")];
   const list = now().isWide && now().place.tab === "outline" ? lists.at(-1) : lists[0];
   (list?.querySelector("[tabindex='0'], button") as HTMLElement | null)?.focus();
+}
+
+/** In a list of a few rows, which has no keys of its own. */
+function moveInList(event: KeyboardEvent): boolean {
+  const list = (event.target as Element).closest("[data-list]");
+  return list !== null && !event.defaultPrevented && moveFocus(list, event.key === "ArrowDown" ? 1 : -1);
 }
 
 function goUp(): void {
@@ -35,7 +42,8 @@ function onKeyDown(event: KeyboardEvent): void {
   else if (event.key === "b") back();
   else if (event.key === "Escape") goUp();
   else if (event.key.startsWith("Arrow") && document.activeElement === document.body) focusList();
-  else return;
+  else if (event.key !== "ArrowDown" && event.key !== "ArrowUp") return;
+  else if (!moveInList(event)) return;
   event.preventDefault();
 }
 

@@ -2,6 +2,7 @@
 import { render } from "preact";
 import { App } from "./App";
 import { holdStillUnderFingers } from "./finger";
+import { watchForKeys } from "./focus";
 import { listenToKeys } from "./keyboard";
 import { startHistory } from "./places";
 import { restoreSettings } from "./settings";
@@ -30,6 +31,7 @@ async function start(): Promise<void> {
   measure();
   kTwoPanes.addEventListener("change", measure);
   listenToKeys();
+  watchForKeys();
   holdStillUnderFingers();
   stayAwakeAgain();
   render(<App />, document.getElementById("app")!);

@@ -1,7 +1,8 @@
 // What else can be done with a row: at the bottom of a phone, in the middle of a tablet.
-import { useEffect, useRef } from "preact/hooks";
+import { useLayoutEffect, useRef } from "preact/hooks";
 import { closeMenu, copyPlace, lookAt, open, place, reveal, showFile } from "../actions";
 import { lookOf } from "../model/kinds";
+import { moveFocus } from "../focus";
 import { type Target, useStore } from "../store";
 import { Badge } from "./Badge";
 
@@ -13,7 +14,8 @@ export function RowMenu() {
 function Menu({ target }: { target: Target }) {
   const dialog = useRef<HTMLDialogElement>(null);
   const counterparts = useStore((state) => state.outlines.get(target.file.id)?.value?.counterparts) ?? [];
-  useEffect(() => dialog.current!.showModal(), []);
+  // At once: a Tab that comes before would lead away from the row.
+  useLayoutEffect(() => dialog.current!.showModal(), []);
 
   const entry = (text: string, action: () => void) => (
     <li>
@@ -31,8 +33,13 @@ function Menu({ target }: { target: Target }) {
   const onBackdrop = (event: Event) => {
     if (event.target === dialog.current) dialog.current?.close();
   };
+  const onKeyDown = (event: KeyboardEvent) => {
+    if (event.key === "ArrowDown" || event.key === "ArrowUp") event.preventDefault();
+    if (event.key === "ArrowDown") moveFocus(dialog.current!, 1);
+    if (event.key === "ArrowUp") moveFocus(dialog.current!, -1);
+  };
   return (
-    <dialog class="menu" ref={dialog} onClose={closeMenu} onClick={onBackdrop} aria-labelledby="menu-title">
+    <dialog class="menu" ref={dialog} onClose={closeMenu} onClick={onBackdrop} onKeyDown={onKeyDown} aria-labelledby="menu-title">
       <p class="menu-title" id="menu-title">
         <Badge look={lookOf(target.kind)} /> {target.name}
       </p>

@@ -2,6 +2,7 @@
 // as high as their text makes them: names wrap rather than being cut off, at any text size.
 import type { ComponentChildren } from "preact";
 import { useEffect, useLayoutEffect, useMemo, useReducer, useRef } from "preact/hooks";
+import { isFocusFree, isFocusIn } from "../focus";
 import { isLeftAlone, touched } from "../following";
 import { Heights } from "../model/heights";
 
@@ -33,6 +34,8 @@ interface Properties<Row> {
 }
 
 const scrolledTo = new Map<string, number>();
+/** The row that the keys were at, so that the way up leads to where the way down began. */
+const cursors = new Map<string, number>();
 /** How high most rows of a list are. A right guess spares it being drawn twice for each row that comes into sight. */
 const guesses = new Map<string, number>();
 /** Of the last list that was shown: the next one has much the same. */
@@ -48,7 +51,7 @@ export function WindowedList<Row>(properties: Properties<Row>) {
   const width = useRef(0);
   // A tap shows what is in sight; the rows around it come when that has been painted.
   const around = useRef(0);
-  const cursor = useRef(0);
+  const cursor = useRef(cursors.get(memory) ?? 0);
   const focusCursor = useRef(false);
   const wanted = useRef<{ row: number; isFar: boolean } | undefined>(undefined);
   /** The row at the top while the heights were others. */
@@ -90,6 +93,7 @@ export function WindowedList<Row>(properties: Properties<Row>) {
       width.current = box.clientWidth;
       lastHeight = box.clientHeight || lastHeight;
       isFirst.current = false;
+      focusCursor.current = isFocusFree();
     }
     const wasAnchored = anchor.current !== undefined;
     if (anchor.current !== undefined) box.scrollTop = heights.top(anchor.current);
@@ -108,7 +112,7 @@ export function WindowedList<Row>(properties: Properties<Row>) {
     else wanted.current = undefined;
     if (focusCursor.current) {
       focusCursor.current = false;
-      const row = list.current!.children[cursor.current - first];
+      const row = list.current!.children[Math.max(cursor.current, first) - first] ?? list.current!.lastElementChild;
       (row?.querySelector("[tabindex='0']") as HTMLElement | null)?.focus({ preventScroll: true });
     }
   });
@@ -119,6 +123,7 @@ export function WindowedList<Row>(properties: Properties<Row>) {
   useEffect(() => {
     if (show !== undefined && show >= 0) {
       cursor.current = show;
+      focusCursor.current = isFocusIn(list.current!);
       scrollToRow(show, false);
       drawAgain();
     }
@@ -157,12 +162,16 @@ export function WindowedList<Row>(properties: Properties<Row>) {
   };
   const onFocus = (event: FocusEvent) => {
     const row = (event.target as Element).closest<HTMLElement>("[data-row]");
-    if (row) cursor.current = Number(row.dataset["row"]);
+    if (!row) return;
+    const isOther = cursor.current !== Number(row.dataset["row"]);
+    cursor.current = Number(row.dataset["row"]);
+    cursors.set(memory, cursor.current);
+    if (isOther) drawAgain();
   };
 
   const heading = headings.filter((row) => heights.top(row) < top + 1).at(-1);
   return (
-    <div class="scroller" ref={scroller} onScroll={onScroll} onWheel={touched} onTouchMove={touched} onKeyDown={onKeyDown} onFocusIn={onFocus} data-list>
+    <div class="scroller" ref={scroller} onScroll={onScroll} onPointerDown={touched} onWheel={touched} onTouchMove={touched} onKeyDown={onKeyDown} onFocusIn={onFocus} data-list>
       {heading !== undefined && drawHeading && (
         <div class="sticky" aria-hidden="true">
           <div class="sticky-text">{drawHeading(rows[heading]!)}</div>

@@ -5,6 +5,7 @@ import { kUpToMore } from "./MoreScreen";
 const kKeys: readonly [string, string][] = [
   ["/", "Search"],
   ["↓ ↑", "Go through the list"],
+  ["Tab", "Go on to ⋯, and to the next part of the page"],
   ["Enter", "Open in the editor"],
   ["Esc", "Empty the field, leave it, go up"],
   ["[ ]", "Previous and next symbol, mark or note"],

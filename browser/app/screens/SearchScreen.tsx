@@ -32,13 +32,19 @@ function targets(): Target[] {
   return state.text.trim() === "" ? [...recents] : (state.result.value?.items ?? []).map(targetOf);
 }
 
+/** Above both panes of a tablet, the field is there before its screen is. Tab passes through it and changes nothing. */
+function showHits(): void {
+  if (now().place.tab !== "search") goToTab("search");
+}
+
 function onKeyDown(event: KeyboardEvent): void {
-  const { search: state } = now();
+  const { search: state, place } = now();
   const all = targets();
   const by = event.key === "ArrowDown" ? 1 : event.key === "ArrowUp" ? -1 : 0;
   const chosen = all[state.selected];
-  if (by !== 0) update({ search: { ...state, selected: Math.min(Math.max(state.selected + by, 0), Math.max(all.length - 1, 0)) } });
-  else if (event.key === "Enter" && chosen) open(chosen);
+  if (by !== 0 && place.tab !== "search") showHits();
+  else if (by !== 0) update({ search: { ...state, selected: Math.min(Math.max(state.selected + by, 0), Math.max(all.length - 1, 0)) } });
+  else if (event.key === "Enter" && chosen && place.tab === "search") open(chosen);
   else if (event.key === "Escape" && state.text !== "") search({ text: "" });
   else if (event.key === "Escape") (event.target as HTMLElement).blur();
   else return;
@@ -64,12 +70,10 @@ export function SearchField() {
       aria-activedescendant={isShown && targets().length > 0 ? `hit-${selected}` : undefined}
       value={text}
       onInput={(event) => {
-        if (now().place.tab !== "search") goToTab("search");
+        showHits();
         search({ text: (event.target as HTMLInputElement).value });
       }}
-      onFocus={() => {
-        if (now().isWide && now().place.tab !== "search") goToTab("search");
-      }}
+      onClick={showHits}
       onKeyDown={onKeyDown}
     />
   );
