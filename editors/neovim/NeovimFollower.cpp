@@ -89,7 +89,8 @@ std::unique_ptr<NeovimFollower::Followed> NeovimFollower::begun(const QByteArray
         std::make_unique<QSocketNotifier>(connection->descriptor(), QSocketNotifier::Read);
     QObject::connect(notifier.get(), &QSocketNotifier::activated, &search_,
                      [this, socket] { hear(socket); });
-    return std::make_unique<Followed>(std::move(connection), std::move(notifier));
+    // Clang 14 makes no aggregate of arguments in parentheses.
+    return std::make_unique<Followed>(Followed{std::move(connection), std::move(notifier)});
 }
 
 int NeovimFollower::descriptorOf(const QByteArray& socket) const {
