@@ -39,7 +39,7 @@ std::optional<QByteArray> valueOf(const QByteArray& expression, const QDeadlineT
 
 EmacsEditor::EmacsEditor(std::chrono::milliseconds leftAloneFor,
                          std::chrono::milliseconds jumpAtMost)
-    : jumpAtMost_(jumpAtMost), activeFileQuestion_(leftAloneFor),
+    : jumpAtMost_(jumpAtMost), silent_(leftAloneFor), activeFileQuestion_(leftAloneFor),
       answers_(answerStandsFor(leftAloneFor)) {}
 
 std::optional<ActiveFile> EmacsEditor::activeFile(const QDeadlineTimer& deadline) {
@@ -59,6 +59,7 @@ std::optional<ActiveFile> EmacsEditor::activeFile(const QDeadlineTimer& deadline
     const auto file = QByteArray::fromBase64Encoding(text.value_or(QByteArray()),
                                                      QByteArray::AbortOnBase64DecodingErrors);
     if (answer.kind == Kind::Output && text && file) {
+        silent_.remove(kTheServer);
         answers_.add(kTheServer, *file);
     } else if (!wasLate || answer.kind == Kind::Output) {
         answers_.forget(kTheServer);
@@ -69,32 +70,49 @@ std::optional<ActiveFile> EmacsEditor::activeFile(const QDeadlineTimer& deadline
 
 EmacsEditor::~EmacsEditor() = default;
 
+/// What Emacs says of where its user is; nil when it says nothing. One that is there and keeps
+/// silent until the deadline is left alone for a while then; without one, its client fails at once.
+std::optional<QByteArray> EmacsEditor::askForPlace(const QDeadlineTimer& deadline) {
+    auto value =
+        silent_.contains(kTheServer) ? std::nullopt : valueOf(emacsPlaceExpression(), deadline);
+    if (!value && deadline.hasExpired()) {
+        silent_.add(kTheServer);
+    }
+    return value;
+}
+
 bool EmacsEditor::open(const QByteArray& path, std::optional<int> line,
                        const QDeadlineTimer& deadline) {
-    const auto value = valueOf(emacsOpenExpression(path, line), deadline);
-    if (!value) {
+    const QString name = QString::fromUtf8(path);
+    // The other half is for opening, or for an editor of another kind.
+    if (!askForPlace(shareOf(deadline, 2))) {
+        if (silent_.contains(kTheServer)) {
+            log(QStringLiteral("Emacs does not answer: %1 was not opened in it").arg(name));
+        }
         return false;
     }
-    if (*value != "opened") {
-        log(QStringLiteral("Emacs did not open %1: %2")
-                .arg(QString::fromUtf8(path), QString::fromUtf8(*value)));
+    const auto value = valueOf(emacsOpenExpression(path, line), deadline);
+    if (!value) {
+        log(QStringLiteral("Emacs did not say in time whether it opened %1").arg(name));
+    } else if (*value != "opened") {
+        log(QStringLiteral("Emacs did not open %1: %2").arg(name, QString::fromUtf8(*value)));
     }
     return true;
 }
 
 JumpResult EmacsEditor::jump(const EditorPlace& place, const QDeadlineTimer& deadline) {
-    const auto line = place.line > 0 ? std::optional(place.line) : std::nullopt;
     const QDeadlineTimer end = earlierOf(deadline, jumpAtMost_);
-    const JumpResult late = {
-        EditorOutcome::Kind::asksUser, QStringLiteral("Emacs did not answer in time."), {}};
-    const auto before = valueOf(emacsPlaceExpression(), end);
+    const auto late = [](const char* reason) {
+        return JumpResult{EditorOutcome::Kind::asksUser, QString::fromUtf8(reason), {}};
+    };
+    const auto before = askForPlace(end);
     if (!before) {
-        // Without an Emacs its client fails at once.
-        return end.hasExpired() && !deadline.hasExpired() ? late : JumpResult();
+        return silent_.contains(kTheServer) ? late("Emacs does not answer.") : JumpResult();
     }
+    const auto line = place.line > 0 ? std::optional(place.line) : std::nullopt;
     const auto value = valueOf(emacsJumpExpression(place.path, line, place.column), end);
     if (!value) {
-        return late;
+        return late("Emacs did not answer in time.");
     }
     if (*value != "opened") {
         return {

@@ -27,15 +27,21 @@ public:
     ~EmacsEditor() override;
 
     std::optional<ActiveFile> activeFile(const QDeadlineTimer& deadline) override;
+    /// Asks first where the user is: an Emacs that does not answer that is asked to open nothing,
+    /// since it would do so whenever it goes on, and is left alone for a while.
     bool open(const QByteArray& path, std::optional<int> line,
               const QDeadlineTimer& deadline) override;
     QString name() const override { return QStringLiteral("Emacs"); }
+    /// Likewise.
     JumpResult jump(const EditorPlace& place, const QDeadlineTimer& deadline) override;
     /// Asks twice a second while there is an observer.
     void follow(PlaceObserver observer) override;
 
 private:
+    std::optional<QByteArray> askForPlace(const QDeadlineTimer& deadline);
+
     const std::chrono::milliseconds jumpAtMost_;
+    SilentEditors silent_; ///< any thread
     // Main thread.
     ToolQuestion activeFileQuestion_;
     bool wasLate_ = false; ///< whether the answer that comes next was not in time
