@@ -28,12 +28,19 @@ bool holds(const QString& folder, const QString& file) {
 
 } // namespace
 
+/// What a window was asked for and has not answered.
+struct HookSocket::Request {
+    Reply reply;
+    std::optional<EditorPlace> place; ///< where it leads; nothing for a step back
+    qint64 placesHeard = 0;           ///< before it was sent
+};
+
 /// One window of an editor.
 struct HookSocket::Connection {
     std::unique_ptr<QLocalSocket> socket;
     QString editor;
     QStringList folders;
-    std::map<qint64, Reply> requests; // that it has not answered
+    std::map<qint64, Request> requests;
     /// What is due for this connection ends with it. The socket lives a little longer.
     std::unique_ptr<QObject> lifetime = std::make_unique<QObject>();
     bool isSilent = false; // since a request that waited for too long
@@ -124,6 +131,7 @@ void HookSocket::hear(Connection& connection, const HookMessage& message) {
         const auto found = std::find_if(connections_.begin(), connections_.end(), isThis);
         std::rotate(connections_.begin(), found, found + 1);
         latest_ = message.place;
+        ++placesHeard_;
         if (observer_ != nullptr) {
             observer_(message.place);
         }
@@ -142,11 +150,18 @@ void HookSocket::hear(Connection& connection, const HookMessage& message) {
 
 void HookSocket::answer(Connection& connection, qint64 request, const Outcome& outcome) {
     const auto found = connection.requests.find(request);
-    if (found != connection.requests.end()) {
-        const Reply reply = std::move(found->second);
-        connection.requests.erase(found);
-        reply(outcome);
+    if (found == connection.requests.end()) {
+        return;
     }
+    const Request answered = std::move(found->second);
+    connection.requests.erase(found);
+    const bool isFront = connections_.front().get() == &connection;
+    if (outcome.opened && isFront && answered.place && answered.placesHeard == placesHeard_) {
+        // The plug-in will say so, at most ten times a second. A jump from there may be sooner.
+        latest_ = answered.place;
+        latest_->column = std::max(1, latest_->column);
+    }
+    answered.reply(outcome);
 }
 
 /// Lets a window go. Its socket may be the one that is calling: it is destroyed later.
@@ -165,8 +180,8 @@ void HookSocket::disconnect(Connection& connection) {
     if (wasFirst || connections_.empty()) {
         latest_.reset();
     }
-    for (const auto& [request, reply] : gone->requests) {
-        reply({false, gone->editor, QStringLiteral("The editor's window was closed.")});
+    for (const auto& [number, request] : gone->requests) {
+        request.reply({false, gone->editor, QStringLiteral("The editor's window was closed.")});
     }
 }
 
@@ -195,17 +210,16 @@ HookSocket::Connection* HookSocket::windowFor(const QByteArray& path) const {
 }
 
 qint64 HookSocket::open(const EditorPlace& place, Reply reply) {
-    return send(
-        windowFor(place.path), [&](qint64 request) { return hookOpenLine(place, request); },
-        std::move(reply));
+    return send(windowFor(place.path), [&](qint64 request) { return hookOpenLine(place, request); },
+                {std::move(reply), place, placesHeard_});
 }
 
 qint64 HookSocket::goBack(Reply reply) {
-    return send(latestWindow(), hookBackLine, std::move(reply));
+    return send(latestWindow(), hookBackLine, {std::move(reply), {}, placesHeard_});
 }
 
 qint64 HookSocket::send(Connection* window, const std::function<QByteArray(qint64)>& line,
-                        Reply reply) {
+                        Request request) {
     if (window == nullptr) {
         return 0;
     }
@@ -213,11 +227,11 @@ qint64 HookSocket::send(Connection* window, const std::function<QByteArray(qint6
         disconnect(*window);
         return 0;
     }
-    const qint64 request = ++lastRequest_;
-    window->requests.emplace(request, std::move(reply));
-    window->socket->write(line(request));
+    const qint64 number = ++lastRequest_;
+    window->requests.emplace(number, std::move(request));
+    window->socket->write(line(number));
     window->socket->flush();
-    return request;
+    return number;
 }
 
 void HookSocket::giveUpOn(qint64 request) {

@@ -34,7 +34,8 @@ public:
     /// `$XDG_RUNTIME_DIR/nl.kelvane.Navrel.editor`; nothing where the variable is unset.
     static std::optional<QString> standardPath();
 
-    /// Where the user of the editor that spoke last is; nil while none has.
+    /// Where the user of the editor that spoke last is, or was led to since; nil while none has
+    /// spoken.
     const std::optional<EditorPlace>& latest() const { return latest_; }
 
     /// The name of that editor; empty where it has not said hello.
@@ -63,6 +64,7 @@ public:
 
 private:
     struct Connection;
+    struct Request;
     using Connections = std::vector<std::unique_ptr<Connection>>;
 
     void accept();
@@ -72,14 +74,15 @@ private:
     void disconnect(Connection& connection);
     Connection* windowFor(const QByteArray& path) const;
     Connection* latestWindow() const;
-    qint64 send(Connection* window, const std::function<QByteArray(qint64 request)>& line,
-                Reply reply);
+    qint64 send(Connection* window, const std::function<QByteArray(qint64 number)>& line,
+                Request request);
 
     QLocalServer server_;
     Connections connections_; // the one that spoke last comes first
     std::optional<EditorPlace> latest_;
     Observer observer_;
     qint64 lastRequest_ = 0;
+    qint64 placesHeard_ = 0;
 };
 
 } // namespace navrel
