@@ -20,7 +20,7 @@ void DesktopEditor::openFile(const QString& path, std::optional<int>) {
     }
 }
 
-void DesktopEditor::open(const QString& path, int, OutcomeObserver done) {
+void DesktopEditor::open(const QString& path, int, int, OutcomeObserver done) {
     using Kind = EditorOutcome::Kind;
     const QString name = QStringLiteral("the desktop's opener");
     const auto absolutePath = requestedPath(path);

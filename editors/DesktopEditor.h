@@ -12,7 +12,7 @@ public:
     std::optional<QString> activeFileName() override;
     void openFile(const QString& path, std::optional<int> line) override;
     /// Refuses what the opener might run instead of showing.
-    void open(const QString& path, int line, OutcomeObserver done) override;
+    void open(const QString& path, int line, int column, OutcomeObserver done) override;
 };
 
 } // namespace navrel

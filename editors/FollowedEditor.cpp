@@ -150,7 +150,7 @@ struct FollowedEditor::Jump {
     }
     void openWithLastResort(const EditorPlace& place, const OutcomeObserver& done) const {
         if (lastResort != nullptr) {
-            lastResort->open(QString::fromUtf8(place.path), place.line, done);
+            lastResort->open(QString::fromUtf8(place.path), place.line, place.column, done);
         } else {
             done({EditorOutcome::Kind::notRunning, {}, QStringLiteral("No editor answers.")});
         }
@@ -182,14 +182,14 @@ struct FollowedEditor::Jump {
     }
 };
 
-void FollowedEditor::open(const QString& path, int line, OutcomeObserver done) {
+void FollowedEditor::open(const QString& path, int line, int column, OutcomeObserver done) {
     const auto absolutePath = requestedPath(path);
     if (!absolutePath) {
         done({EditorOutcome::Kind::refused, {}, QStringLiteral("That names no file.")});
         return;
     }
     const Jump jump{inOrder(), lastResort_, trail_};
-    const EditorPlace place{absolutePath->toUtf8(), line, 0, false};
+    const EditorPlace place{absolutePath->toUtf8(), line, column, false};
     if (!enqueue([jump, place, done] { jump.to(place, done); })) {
         done({EditorOutcome::Kind::refused, {}, QStringLiteral("Too many files wait.")});
     }

@@ -54,7 +54,7 @@ public:
     std::optional<EditorPosition> position() override { return position_; }
     void onMove(MoveObserver observer) override;
     /// In the order of these and of `openFile`.
-    void open(const QString& path, int line, OutcomeObserver done) override;
+    void open(const QString& path, int line, int column, OutcomeObserver done) override;
     void back(OutcomeObserver done) override;
 
 private:

@@ -22,7 +22,7 @@ struct ActiveFile {
 struct EditorPlace {
     QByteArray path; ///< empty where no file is shown
     int line = 0;    ///< from 1; 0 for none
-    int column = 0;  ///< from 1, in the editor's own unit; 0 for none
+    int column = 0;  ///< from 1, in characters (code points); 0 for none
     bool isModified = false;
     bool operator==(const EditorPlace&) const = default;
 };

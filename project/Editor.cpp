@@ -2,7 +2,7 @@
 
 namespace navrel {
 
-void Editor::open(const QString& path, int line, OutcomeObserver done) {
+void Editor::open(const QString& path, int line, int, OutcomeObserver done) {
     openFile(path, line > 0 ? std::optional(line) : std::nullopt);
     done({EditorOutcome::Kind::opened, {}, {}});
 }

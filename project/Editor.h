@@ -9,9 +9,9 @@ namespace navrel {
 
 /// Where the user is in the editor.
 struct EditorPosition {
-    QString path;   ///< absolute; empty where no file is shown
-    int line = 0;   ///< from 1; 0 where it is not known
-    int column = 0; ///< from 1, in the editor's own unit: good for going back to; 0 where not known
+    QString path;            ///< absolute; empty where no file is shown
+    int line = 0;            ///< from 1; 0 where it is not known
+    int column = 0;          ///< from 1, in characters; 0 where it is not known
     bool isModified = false; ///< whether the file has unsaved changes
     bool operator==(const EditorPosition&) const = default;
 };
@@ -79,8 +79,10 @@ public:
     virtual void onMove(MoveObserver observer) { static_cast<void>(observer); }
 
     /// Shows a file at a line (from 1; 0 for none), and says how that ended: once, on any thread.
-    /// Returns at once. The file system's rules for what may be opened are the caller's.
-    virtual void open(const QString& path, int line, OutcomeObserver done);
+    /// A column (from 1, in characters; 0 for none) puts the cursor there; without one the line is
+    /// selected. An editor that knows no columns ignores it. Returns at once. The file system's
+    /// rules for what may be opened are the caller's.
+    virtual void open(const QString& path, int line, int column, OutcomeObserver done);
 
     /// Goes back to where the user was before the last `open` that has not been gone back from:
     /// file, line and column, also where the file was closed since. As `open` otherwise.

@@ -74,15 +74,15 @@ std::optional<bool> flagAt(const json::object& object, std::string_view key) {
     return flag == nullptr ? std::nullopt : std::optional(*flag);
 }
 
-/// A line number; 0 where it is absent, nothing where it is none.
-std::optional<std::uint32_t> lineAt(const json::object& object, std::string_view key) {
+/// The number of a line or a column; 0 where it is absent, nothing where it is none.
+std::optional<std::uint32_t> placeAt(const json::object& object, std::string_view key) {
     const json::value* const value = object.if_contains(key);
     if (value == nullptr) {
         return 0;
     }
     json::error_code error;
-    const auto line = value->to_number<std::uint32_t>(error);
-    return error ? std::nullopt : std::optional(line);
+    const auto number = value->to_number<std::uint32_t>(error);
+    return error ? std::nullopt : std::optional(number);
 }
 
 std::vector<std::string_view> splitAtCommas(std::string_view text) {
@@ -474,8 +474,9 @@ HTTPResponse Site::answerFileTypes(const Visit&, const HTTPRequest&) {
 HTTPResponse Site::answerOpen(const Visit& visit, const HTTPRequest& request) {
     const auto body = objectOf(request.body);
     const auto identifier = body ? textAt(*body, "file") : std::nullopt;
-    const auto line = body ? lineAt(*body, "line") : std::nullopt;
-    if (!identifier || !line) {
+    const auto line = body ? placeAt(*body, "line") : std::nullopt;
+    const auto column = body ? placeAt(*body, "column") : std::nullopt;
+    if (!identifier || !line || !column) {
         return notUnderstood();
     }
     const auto snapshot = parts_.map.snapshot();
@@ -484,7 +485,7 @@ HTTPResponse Site::answerOpen(const Visit& visit, const HTTPRequest& request) {
         return notInProject();
     }
     const std::uint64_t number = ++lastRequest_;
-    parts_.host.openFile(file->absolutePath, *line, replyTo(visit.device, number));
+    parts_.host.openFile(file->absolutePath, *line, *column, replyTo(visit.device, number));
     return accepted(number);
 }
 

@@ -138,7 +138,7 @@ public:
             const auto kind = std::make_shared<std::atomic<int>>(-1);
             const auto begin = Clock::now();
             editor_->open(
-                QString::fromUtf8(jump % 2 == 0 ? other_ : file_), line,
+                QString::fromUtf8(jump % 2 == 0 ? other_ : file_), line, 0,
                 [kind](const EditorOutcome& outcome) { *kind = static_cast<int>(outcome.kind); });
             waitUntil([&] { return *kind >= 0; });
             const double answer = Milliseconds(Clock::now() - begin).count();

@@ -34,7 +34,9 @@ constexpr double kKiB = 1024;
 
 class IdleHost final : public CompanionHost {
 public:
-    void openFile(const std::string&, std::uint32_t, Reply reply) override { reply({}); }
+    void openFile(const std::string&, std::uint32_t, std::uint32_t, Reply reply) override {
+        reply({});
+    }
     void goBack(Reply reply) override { reply({}); }
     void switchFileTypes(std::vector<FileTypeSwitch>, Reply reply) override { reply({}); }
     void devicePaired(const std::string&) override {}

@@ -13,7 +13,11 @@ namespace navrel {
 
 namespace {
 
-constexpr std::uint32_t kLargestLine = std::numeric_limits<int>::max();
+/// What is larger is the largest: no file has as many lines.
+int editorNumber(std::uint32_t number) {
+    constexpr std::uint32_t kLargest = std::numeric_limits<int>::max();
+    return static_cast<int>(std::min(number, kLargest));
+}
 
 OpenOutcome outcomeOf(const EditorOutcome& outcome) {
     return {outcome.kind == EditorOutcome::Kind::opened, outcome.editor.toStdString(),
@@ -29,11 +33,11 @@ void BrowserHost::onMainThread(std::function<void()> job) {
     QMetaObject::invokeMethod(this, std::move(job), Qt::QueuedConnection);
 }
 
-void BrowserHost::openFile(const std::string& absolutePath, std::uint32_t line, Reply reply) {
-    onMainThread([this, path = QString::fromStdString(absolutePath),
-                  number = static_cast<int>(std::min(line, kLargestLine)),
+void BrowserHost::openFile(const std::string& absolutePath, std::uint32_t line,
+                           std::uint32_t column, Reply reply) {
+    onMainThread([this, path = QString::fromStdString(absolutePath), line, column,
                   reply = std::move(reply)] {
-        editor_.open(path, number,
+        editor_.open(path, editorNumber(line), editorNumber(column),
                      [reply](const EditorOutcome& outcome) { reply(outcomeOf(outcome)); });
     });
 }

@@ -27,7 +27,8 @@ public:
 
     BrowserHost(KZDataManager& dataManager, Editor& editor, Events events);
 
-    void openFile(const std::string& absolutePath, std::uint32_t line, Reply reply) override;
+    void openFile(const std::string& absolutePath, std::uint32_t line, std::uint32_t column,
+                  Reply reply) override;
     void goBack(Reply reply) override;
     void switchFileTypes(std::vector<FileTypeSwitch> switches, Reply reply) override;
     void devicePaired(const std::string& label) override;

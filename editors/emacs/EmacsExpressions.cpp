@@ -28,12 +28,12 @@ constexpr char kActiveFile[] = R"lisp()
 
 constexpr char kPlace[] = R"lisp()
 (with-current-buffer (window-buffer window)
-  (let ((name (buffer-file-name)) (point (window-point window)))
+  (let ((name (buffer-file-name)) (point (window-point window)) (inhibit-field-text-motion t))
     (save-excursion
       (save-restriction
         (widen)
         (goto-char point)
-        (format "%d %d %d %s" (line-number-at-pos) (1+ (current-column))
+        (format "%d %d %d %s" (line-number-at-pos) (1+ (- point (line-beginning-position)))
                 (if (buffer-modified-p) 1 0)
                 (if name (base64-encode-string
                           (encode-coding-string (file-name-unquote name) coding) t)
@@ -74,7 +74,7 @@ constexpr char kOpen[] = R"lisp(
              (not (verify-visited-file-modtime buffer))
              (revert-buffer t t t))
         (when line
-          (let ((global-mark-ring nil) begin)
+          (let ((global-mark-ring nil) (inhibit-field-text-motion t) begin)
             (save-restriction
               (widen)
               (goto-char (point-min))
@@ -124,9 +124,10 @@ QByteArray emacsOpenExpression(const QByteArray& path, std::optional<int> line) 
 }
 
 QByteArray emacsJumpExpression(const QByteArray& path, std::optional<int> line, int column) {
-    const QByteArray select = column > 0 ? "(progn (deactivate-mark) (move-to-column " +
-                                               QByteArray::number(column - 1) + "))"
-                                         : QByteArray(kSelectLine);
+    const QByteArray select = column > 0
+                                  ? "(progn (deactivate-mark) (goto-char (min (+ begin " +
+                                        QByteArray::number(column - 1) + ") (line-end-position))))"
+                                  : QByteArray(kSelectLine);
     return openExpression(
         path, line, {"(when (fboundp 'xref-push-marker-stack) (xref-push-marker-stack))", select});
 }

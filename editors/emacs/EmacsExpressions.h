@@ -16,12 +16,13 @@ QByteArray emacsActiveFileExpression();
 /// says why not.
 QByteArray emacsOpenExpression(const QByteArray& path, std::optional<int> line);
 
-/// The same for a jump. A column (from 1) puts the cursor there, with nothing selected; 0 is none.
+/// The same for a jump. A column (from 1, in characters) puts the cursor there, with nothing
+/// selected; 0 is none.
 /// The way back is also where `xref-pop-marker-stack` finds it.
 QByteArray emacsJumpExpression(const QByteArray& path, std::optional<int> line, int column);
 
 /// Where the user is: "LINE COLUMN MODIFIED PATH" in quotes, the path as base64 and empty as above,
-/// lines and columns from 1, MODIFIED 0 or 1.
+/// lines and columns from 1, the column in characters, MODIFIED 0 or 1.
 QByteArray emacsPlaceExpression();
 
 } // namespace navrel

@@ -31,9 +31,9 @@ struct KateReading {
 /// The Kate that was started last, and its active window.
 KateReading readKateWindow(const QDBusConnection& bus, const QDeadlineTimer& deadline);
 
-/// Shows a document at a line and a column, both from 1; at line 0 the cursor stays where it was
-/// when the document was in front last. Nothing when Kate did not answer in time, false when it
-/// refused.
+/// Shows a document at a line and a column, both from 1 (the column in UTF-16 units); at line 0 the
+/// cursor stays where it was when the document was in front last. Nothing when Kate did not answer
+/// in time, false when it refused.
 std::optional<bool> openInKate(const QDBusConnection& bus, const QString& service,
                                const QByteArray& path, int line, int column,
                                const QDeadlineTimer& deadline);

@@ -100,14 +100,21 @@ std::optional<EditorPlace> placeIn(NeovimConnection& editor, const QDeadlineTime
     return neovimPlaceFrom(reply.value.toList());
 }
 
-/// Opens a file and selects a line. What kept the editor from that; nothing when it did.
+/// Opens a file and selects a line, or goes to a column of it (0 for none). What kept the editor
+/// from that; nothing when it did.
 std::optional<QString> openIn(NeovimConnection& editor, const QByteArray& path,
-                              std::optional<int> line, const QDeadlineTimer& deadline) {
+                              std::optional<int> line, int column, const QDeadlineTimer& deadline) {
     if (auto obstacle = leaveMode(editor, deadline)) {
         return obstacle;
     }
     // An argument that is left out is nil there; a nil that is sent is not, and counts as true.
-    const QVariantList arguments = line ? QVariantList{path, *line} : QVariantList{path};
+    QVariantList arguments{path};
+    if (line) {
+        arguments.append(*line);
+    }
+    if (line && column > 0) {
+        arguments.append(column);
+    }
     const Reply opened = runScript(editor, kNeovimOpenScript, arguments, deadline);
     return opened.kind == Reply::Kind::Result ? std::nullopt : std::optional(failureText(opened));
 }
@@ -123,11 +130,8 @@ JumpResult jumpIn(NeovimConnection& editor, const EditorPlace& place,
     }
     result.before = placeIn(editor, deadline);
     const auto line = place.line > 0 ? std::optional(place.line) : std::nullopt;
-    if (const auto obstacle = openIn(editor, place.path, line, deadline)) {
+    if (const auto obstacle = openIn(editor, place.path, line, place.column, deadline)) {
         return {EditorOutcome::Kind::refused, QStringLiteral("Neovim: %1.").arg(*obstacle), {}};
-    }
-    if (place.column > 0) {
-        runScript(editor, kNeovimColumnScript, {place.line, place.column}, deadline);
     }
     result.kind = EditorOutcome::Kind::opened;
     return result;
@@ -278,7 +282,7 @@ bool NeovimEditor::open(const QByteArray& path, std::optional<int> line,
         if (server.state != NeovimState::Ready) {
             return false;
         }
-        if (const auto obstacle = openIn(*server.connection, path, line, deadline)) {
+        if (const auto obstacle = openIn(*server.connection, path, line, 0, deadline)) {
             log(QStringLiteral("Neovim did not open %1: %2")
                     .arg(QString::fromUtf8(path), *obstacle));
         }

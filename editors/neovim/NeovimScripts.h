@@ -4,9 +4,9 @@
 /// part of the text.
 namespace navrel {
 
-/// Where the user is: path, line, column (both from 1), whether there are unsaved changes. The path
-/// is empty for a terminal, a list, a help page. Seen through what floats above the window, or a
-/// command-line window.
+/// Where the user is: path, line, column (both from 1, the column in characters), whether there are
+/// unsaved changes. The path is empty for a terminal, a list, a help page. Seen through what floats
+/// above the window, or a command-line window.
 inline constexpr char kNeovimPlaceFunction[] = R"lua(
 local function navrel_place()
     local api, fn = vim.api, vim.fn
@@ -18,7 +18,9 @@ local function navrel_place()
     local buffer = api.nvim_win_get_buf(window)
     if vim.bo[buffer].buftype ~= '' then return '', 0, 0, false end
     local cursor = api.nvim_win_get_cursor(window)
-    return api.nvim_buf_get_name(buffer), cursor[1], cursor[2] + 1, vim.bo[buffer].modified
+    local text = api.nvim_buf_get_lines(buffer, cursor[1] - 1, cursor[1], false)[1] or ''
+    local column = fn.strchars(text:sub(1, cursor[2])) + 1
+    return api.nvim_buf_get_name(buffer), cursor[1], column, vim.bo[buffer].modified
 end
 )lua";
 
@@ -47,10 +49,10 @@ local mode = vim.api.nvim_get_mode().mode
 return vim.fn.getcmdwintype() == '' and (mode == 'n' or mode == 'nt')
 )lua";
 
-/// Opens a file and selects a line: one operation. Arguments: the path, and the line where there is
-/// one.
+/// Opens a file and selects a line, or puts the cursor at a column of it (in characters) with
+/// nothing selected: one operation. Arguments: the path, and line and column where there are such.
 inline constexpr char kNeovimOpenScript[] = R"lua(
-local path, line = ...
+local path, line, column = ...
 local api, fn, cmd = vim.api, vim.fn, vim.cmd
 local not_for_files = { help = true, quickfix = true, prompt = true, nofile = true }
 local loses_changes = { unload = true, delete = true, wipe = true }
@@ -106,19 +108,12 @@ cmd("normal! m'")
 show(buffer)
 vim.bo[buffer].buflisted = true
 if line then
-    local last = api.nvim_buf_line_count(buffer)
-    api.nvim_win_set_cursor(0, { math.max(1, math.min(line, last)), 0 })
-    cmd('normal! zvzzV')
+    local row = math.max(1, math.min(line, api.nvim_buf_line_count(buffer)))
+    local text = api.nvim_buf_get_lines(buffer, row - 1, row, false)[1] or ''
+    local byte = column and fn.byteidxcomp(text, column - 1) or 0
+    api.nvim_win_set_cursor(0, { row, byte >= 0 and byte or #text })
+    cmd(column and 'normal! zvzz' or 'normal! zvzzV')
 end
-)lua";
-
-/// Puts the cursor at a line and a column of the current buffer, with nothing selected.
-inline constexpr char kNeovimColumnScript[] = R"lua(
-local line, column = ...
-local last = vim.api.nvim_buf_line_count(0)
-if vim.api.nvim_get_mode().mode == 'V' then vim.cmd('normal! V') end
-vim.api.nvim_win_set_cursor(0, { math.max(1, math.min(line, last)), math.max(0, column - 1) })
-vim.cmd('normal! zv')
 )lua";
 
 /// To be put behind `kNeovimPlaceFunction`. Sends "navrel_moved" with the four when the user gets

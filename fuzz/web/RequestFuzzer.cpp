@@ -26,7 +26,8 @@ constexpr std::string_view kCookie = "COOKIE";
 
 class Host final : public CompanionHost {
 public:
-    void openFile(const std::string& absolutePath, std::uint32_t, Reply reply) override {
+    void openFile(const std::string& absolutePath, std::uint32_t, std::uint32_t,
+                  Reply reply) override {
         NAVREL_ASSERT(absolutePath == std::string(kFolder) + "/View.swift");
         reply({true, "Editor", ""});
     }

@@ -47,6 +47,7 @@ public:
 
     JumpResult jump(const EditorPlace& place, const QDeadlineTimer& deadline) override {
         JumpResult result;
+        jumpedToColumn = place.column;
         if (open(place.path, place.line, deadline)) {
             result.kind = EditorOutcome::Kind::opened;
         }
@@ -82,6 +83,7 @@ public:
     std::atomic<bool> isHeld = false;
     std::atomic<bool> goesBack = false;
     std::atomic<int> stepsBack = 0;
+    std::atomic<int> jumpedToColumn = -1;
     PlaceObserver observer; ///< null while nobody follows
 
 private:
@@ -294,6 +296,14 @@ TEST_F(FollowedEditorTest, whatNamesNoFileOpensNothing) {
     followed.openFile(QStringLiteral("/a.m"), 1);
     ASSERT_TRUE(waitUntil([&] { return !first->opened().empty(); }));
     EXPECT_EQ(first->opened().front().path, "/a.m");
+}
+
+TEST_F(FollowedEditorTest, theColumnReachesTheEditor) {
+    std::atomic<bool> isDone = false;
+    followed.open(QStringLiteral("/a.m"), 42, 7, [&](const EditorOutcome&) { isDone = true; });
+    ASSERT_TRUE(waitUntil([&] { return isDone.load(); }));
+    EXPECT_EQ(first->opened(), (std::vector<Opened>{{"/a.m", 42}}));
+    EXPECT_EQ(first->jumpedToColumn, 7);
 }
 
 /// Editors that report where their users are.

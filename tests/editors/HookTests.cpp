@@ -211,6 +211,31 @@ TEST_F(Hooks, aRequestGoesToTheWindowThatShowsTheFolder) {
     EXPECT_TRUE(waitUntil([&] { return outcome.reason == QStringLiteral("no such file"); }));
 }
 
+TEST_F(Hooks, theUserIsWhereTheEditorWasLedUntilItSaysOtherwise) {
+    PlugIn editor(path());
+    editor.say(R"({"hello":"A"})");
+    editor.say(R"({"active":"/a.m","line":1,"column":4})");
+    ASSERT_TRUE(waitUntil([&] { return shows("/a.m", 1); }));
+    int replies = 0;
+    const auto count = [&](const auto&) { ++replies; };
+    socket.open({"/b.m", 42, 0, false}, count);
+    EXPECT_TRUE(shows("/a.m", 1)) << "it has not answered yet";
+    editor.say(R"({"opened":1})");
+    ASSERT_TRUE(waitUntil([&] { return replies == 1; }));
+    EXPECT_EQ(socket.latest(), (EditorPlace{"/b.m", 42, 1, false}));
+
+    socket.open({"/b.m", 90, 0, false}, count);
+    editor.say(R"({"active":"/b.m","line":89,"column":2})");
+    editor.say(R"({"opened":2})");
+    ASSERT_TRUE(waitUntil([&] { return replies == 2; }));
+    EXPECT_EQ(socket.latest(), (EditorPlace{"/b.m", 89, 2, false}));
+
+    socket.open({"/b.m", 7, 0, false}, count);
+    editor.say(R"({"refused":3})");
+    ASSERT_TRUE(waitUntil([&] { return replies == 3; }));
+    EXPECT_EQ(socket.latest(), (EditorPlace{"/b.m", 89, 2, false}));
+}
+
 TEST_F(Hooks, anEditorThatDiesInTheMiddleRefuses) {
     auto editor = std::make_unique<PlugIn>(path());
     editor->say(R"({"hello":"A"})");
@@ -344,7 +369,7 @@ protected:
     }
     bool jump(int line) {
         const auto kind = std::make_shared<std::atomic<int>>(-1);
-        editor->open(fileB(), line, [kind](const EditorOutcome& outcome) {
+        editor->open(fileB(), line, 0, [kind](const EditorOutcome& outcome) {
             *kind = static_cast<int>(outcome.kind);
         });
         return waitUntil([&] { return *kind >= 0; }) &&

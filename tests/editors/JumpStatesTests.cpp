@@ -173,7 +173,7 @@ protected:
             std::optional<EditorOutcome> outcome;
         };
         const auto shared = std::make_shared<Shared>();
-        editor->open(fileB(), kLine, [shared](const EditorOutcome& outcome) {
+        editor->open(fileB(), kLine, 0, [shared](const EditorOutcome& outcome) {
             const std::lock_guard lock(shared->mutex);
             shared->outcome = outcome;
         });

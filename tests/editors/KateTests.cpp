@@ -77,8 +77,8 @@ protected:
         EXPECT_TRUE(waitUntil([&] { return *kind >= 0; }));
         return static_cast<Kind>(kind->load());
     }
-    Kind open(const QString& file, int line) {
-        return outcomeOf([&](const auto& done) { editor->open(file, line, done); });
+    Kind open(const QString& file, int line, int column = 0) {
+        return outcomeOf([&](const auto& done) { editor->open(file, line, column, done); });
     }
     Kind back() {
         return outcomeOf([&](const auto& done) { editor->back(done); });
@@ -118,14 +118,16 @@ TEST_F(Kate, aJumpLeadsToTheLineAndIsFollowed) {
 }
 
 TEST_F(Kate, theWayBackLeadsThroughWhereItWasLedTo) {
-    EXPECT_EQ(open(fileB(), 42), Kind::opened);
+    EXPECT_EQ(open(fileB(), 42, 3), Kind::opened);
     ASSERT_TRUE(shows(fileB()));
     EXPECT_EQ(open(fileB(), 90), Kind::opened);
     EXPECT_EQ(back(), Kind::opened);
     EXPECT_EQ(back(), Kind::opened);
     EXPECT_TRUE(shows(fileA()));
     EXPECT_EQ(back(), Kind::refused);
-    EXPECT_TRUE(sessionAfterQuitting().contains("CursorLine=41"));
+    const QByteArray session = sessionAfterQuitting();
+    EXPECT_TRUE(session.contains("CursorLine=41"));
+    EXPECT_TRUE(session.contains("CursorColumn=2")) << session.constData();
 }
 
 TEST_F(Kate, oneThatIsStoppedShowsWhatItShowedAndIsNotAskedToOpen) {
@@ -135,7 +137,8 @@ TEST_F(Kate, oneThatIsStoppedShowsWhatItShowedAndIsNotAskedToOpen) {
     EXPECT_EQ(editor->activeFileName(), QStringLiteral("a.m"));
     constexpr std::chrono::seconds enoughToFindIt(2);
     FollowedEditor hasty({std::make_shared<KateEditor>(bus->connect(), enoughToFindIt)}, nullptr);
-    EXPECT_EQ(outcomeOf([&](const auto& done) { hasty.open(fileB(), 3, done); }), Kind::asksUser);
+    EXPECT_EQ(outcomeOf([&](const auto& done) { hasty.open(fileB(), 3, 0, done); }),
+              Kind::asksUser);
     ::kill(static_cast<pid_t>(kate.processId()), SIGCONT);
     EXPECT_FALSE(sessionAfterQuitting().contains("b:")) << "it opened the file all the same";
 }

@@ -31,6 +31,8 @@ protected:
 TEST_F(OwnerTests, aFileIsOpenedByItsPath) {
     EXPECT_EQ(run("open TideView.swift:2"), "Opened TideView.swift:2 in Neovim.\n");
     EXPECT_THAT(host.asked(), ::testing::Contains("open " + path("TideView.swift") + ":2"));
+    EXPECT_EQ(run("open TideView.swift:2:5"), "Opened TideView.swift:2:5 in Neovim.\n");
+    EXPECT_EQ(host.asked().back(), "open " + path("TideView.swift") + ":2:5");
     EXPECT_THAT(run("open Notes.txt --json"), ::testing::HasSubstr("\"outcome\":\"opened\""));
     host.outcome = OpenOutcome{false, "", "No editor answers."};
     EXPECT_EQ(run("open Notes.txt", CommandResult::notFound), "No editor answers.\n");

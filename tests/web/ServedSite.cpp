@@ -16,8 +16,10 @@ std::vector<std::string> RecordingHost::asked() const {
     return asked_;
 }
 
-void RecordingHost::openFile(const std::string& absolutePath, std::uint32_t line, Reply reply) {
-    record("open " + absolutePath + ':' + std::to_string(line));
+void RecordingHost::openFile(const std::string& absolutePath, std::uint32_t line,
+                             std::uint32_t column, Reply reply) {
+    record("open " + absolutePath + ':' + std::to_string(line) +
+           (column > 0 ? ':' + std::to_string(column) : std::string()));
     if (outcome) {
         reply(*outcome);
     }

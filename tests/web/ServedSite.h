@@ -38,13 +38,15 @@ private:
 /// A program that records what it is asked for. Any thread.
 class RecordingHost final : public CompanionHost {
 public:
-    void openFile(const std::string& absolutePath, std::uint32_t line, Reply reply) override;
+    void openFile(const std::string& absolutePath, std::uint32_t line, std::uint32_t column,
+                  Reply reply) override;
     void goBack(Reply reply) override;
     void switchFileTypes(std::vector<FileTypeSwitch> switches, Reply reply) override;
     void devicePaired(const std::string& label) override;
     void accessChanged() override { ++changes; }
 
-    /// What was asked so far: "open /path:3", "back", "switch m off", "paired iPad".
+    /// What was asked so far: "open /path:3" (with a column: "…:3:5"), "back", "switch m off",
+    /// "paired iPad".
     std::vector<std::string> asked() const;
 
     std::atomic<int> changes = 0;

@@ -43,7 +43,7 @@ def Tell()
     const place = {
         active: is_file ? expand('%:p') : v:null,
         line: line('.'),
-        column: col('.'),
+        column: strchars(strpart(getline('.'), 0, col('.') - 1)) + 1,
         modified: &modified,
     }
     if place != told
@@ -70,7 +70,10 @@ def Show(path: string, line: number, column: number)
     endtry
     setbufvar(buffer, '&buflisted', true)
     if line > 0
-        cursor(min([line, line('$')]), max([1, column]))
+        const row = min([line, line('$')])
+        const text = getline(row)
+        const byte = column > 0 ? byteidxcomp(text, column - 1) : 0
+        cursor(row, byte < 0 ? max([1, len(text)]) : byte + 1)
         normal! zvzz
         if column == 0
             normal! V

@@ -2,7 +2,7 @@
 
 import * as vscode from "vscode";
 import { Connection } from "./connection";
-import type { Active, Open, Request } from "./wire";
+import { type Active, characterAt, columnAt, type Open, type Request } from "./wire";
 
 /** The cursor is told of at most ten times a second. */
 const pauseMilliseconds = 100;
@@ -27,7 +27,7 @@ function place(): Active {
   return {
     active: editor.document.uri.fsPath,
     line: line + 1,
-    column: character + 1,
+    column: columnAt(editor.document.lineAt(line).text, character),
     modified: editor.document.isDirty,
   };
 }
@@ -40,8 +40,9 @@ async function show(request: Open): Promise<void> {
     return;
   }
   const line = Math.min(Math.max(request.line - 1, 0), document.lineCount - 1);
-  const start = new vscode.Position(line, Math.max((request.column ?? 1) - 1, 0));
-  const end = request.column === undefined ? document.lineAt(line).range.end : start;
+  const { text, range } = document.lineAt(line);
+  const start = new vscode.Position(line, characterAt(text, request.column ?? 1));
+  const end = request.column === undefined ? range.end : start;
   editor.selection = new vscode.Selection(start, end);
   editor.revealRange(editor.selection, vscode.TextEditorRevealType.InCenterIfOutsideViewport);
 }

@@ -1,6 +1,6 @@
 // The lines that Navrel and this extension write to each other: docs/editors.md has them all.
 
-/** Where the user is; lines and columns count from 1. */
+/** Where the user is; lines and columns count from 1, columns in characters. */
 export interface Active {
   active: string | null;
   line?: number;
@@ -18,6 +18,16 @@ export interface Hello {
 export type Outcome = { opened: number } | { refused: number; reason: string };
 
 export type Outgoing = Hello | Active | Outcome;
+
+/** The column (from 1, in characters) of an offset in a line, which the editor counts in UTF-16 units. */
+export function columnAt(text: string, offset: number): number {
+  return [...text.slice(0, offset)].length + 1;
+}
+
+/** The reverse; the end of the line for a column behind it. */
+export function characterAt(text: string, column: number): number {
+  return [...text].slice(0, Math.max(column - 1, 0)).join("").length;
+}
 
 /** A request to show a file. Without a column the line is selected. */
 export interface Open {
