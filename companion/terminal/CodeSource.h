@@ -49,10 +49,11 @@ public:
     virtual CodeAnswer fileTypes() = 0;
     virtual CodeAnswer switchFileType(const std::string& extension, bool allowed) = 0;
 
-    /// `path` as the tree has it; line 0 for none. The view: {"outcome": "opened" or "asked",
+    /// `path` as the tree has it; line and column 0 for none. A device's request has no column. The
+    /// view: {"outcome": "opened" or "asked",
     /// "editor": …}.
-    virtual CodeAnswer open(const std::string& file, const std::string& path,
-                            std::uint32_t line) = 0;
+    virtual CodeAnswer open(const std::string& file, const std::string& path, std::uint32_t line,
+                            std::uint32_t column) = 0;
 
     virtual CodeAnswer search(const std::string& text) { return missing(text); }
     virtual CodeAnswer notes() { return missing({}); }

@@ -107,8 +107,8 @@ const std::vector<CommandInfo>& table() {
          {q("edit")},
          q("FILE[:LINE|:SYMBOL]"),
          q("open a file in the editor"),
-         q("open Tide.swift, open Tide.swift:12 or open Tide.swift:rise. A path, part of a name "
-           "or an identifier works, too."),
+         q("open Tide.swift, open Tide.swift:12, open Tide.swift:12:5 (with a column) or open "
+           "Tide.swift:rise. A path, part of a name or an identifier works, too."),
          Kind::place},
         {ID::back,
          q("back"),

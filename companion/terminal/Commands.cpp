@@ -632,7 +632,7 @@ CommandResult Commands::openPlace(const QString& text) {
                                                                   : lastFailure_;
         }
         if (place.symbol.empty()) {
-            return openPath(found.front(), place.line);
+            return openPath(found.front(), place.line, place.column);
         }
         const auto line = lineOfSymbol(found.front(), place.symbol);
         return line ? openPath(found.front(), *line) : lastFailure_;
@@ -640,7 +640,8 @@ CommandResult Commands::openPlace(const QString& text) {
     // A device may have any file opened, also one that the project does not have.
     const QString first = QString::fromStdString(places.front().file);
     if (!world_.source.hasCodeMap() && QFileInfo(first).isAbsolute() && QFileInfo::exists(first)) {
-        return openPath({{}, {}, first.toStdString(), false, 0}, places.front().line);
+        return openPath({{}, {}, first.toStdString(), false, 0}, places.front().line,
+                        places.front().column);
     }
     nodeNamed({}, first, QStringLiteral("file"));
     return lastFailure_;
@@ -672,10 +673,12 @@ CommandResult Commands::openSymbolInOneOf(const std::vector<NodeName>& files,
                       found.empty() ? placesOf(files) : names);
 }
 
-CommandResult Commands::openPath(const NodeName& file, std::uint32_t line) {
-    const QString name = file.name.empty() ? shown(file.path) : shown(file.name);
-    const QString place = line > 0 ? QStringLiteral("%1:%2").arg(name).arg(line) : name;
-    return showOutcome(world_.source.open(file.id, file.path, line), place);
+CommandResult Commands::openPath(const NodeName& file, std::uint32_t line, std::uint32_t column) {
+    QString place = file.name.empty() ? shown(file.path) : shown(file.name);
+    for (const std::uint32_t number : {line, column}) {
+        place += number > 0 ? QStringLiteral(":%1").arg(number) : QString();
+    }
+    return showOutcome(world_.source.open(file.id, file.path, line, column), place);
 }
 
 /// `place` is what was to be opened; empty where that is not known.

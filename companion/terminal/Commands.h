@@ -59,7 +59,7 @@ private:
     CommandResult showNotes(const CodeAnswer& notes);
     CommandResult openPlace(const QString& text);
     CommandResult openSymbolInOneOf(const std::vector<NodeName>& files, const PlaceText& place);
-    CommandResult openPath(const NodeName& file, std::uint32_t line);
+    CommandResult openPath(const NodeName& file, std::uint32_t line, std::uint32_t column = 0);
     CommandResult showOutcome(const CodeAnswer& outcome, const QString& place);
     CommandResult showState(const QString& part);
     CommandResult showPairing();

@@ -6,6 +6,8 @@
 #include <array>
 #include <charconv>
 #include <functional>
+#include <optional>
+#include <utility>
 
 namespace navrel {
 
@@ -47,11 +49,31 @@ std::string_view withoutParameters(std::string_view name) {
 }
 
 /// 0 for what is no number.
-std::uint32_t lineIn(std::string_view digits) {
-    std::uint32_t line = 0;
+std::uint32_t numberIn(std::string_view digits) {
+    std::uint32_t number = 0;
     const char* const end = digits.data() + digits.size();
-    const auto [stop, error] = std::from_chars(digits.data(), end, line);
-    return error == std::errc() && stop == end ? line : 0;
+    const auto [stop, error] = std::from_chars(digits.data(), end, number);
+    return error == std::errc() && stop == end ? number : 0;
+}
+
+/// "FILE:LINE", or with another separator; nothing for anything else.
+std::optional<PlaceText> placeWithLine(std::string_view text, char separator) {
+    const auto last = text.rfind(separator);
+    const std::uint32_t line = last == text.npos ? 0 : numberIn(text.substr(last + 1));
+    return line > 0 && last > 0
+               ? std::optional<PlaceText>({std::string(text.substr(0, last)), {}, line})
+               : std::nullopt;
+}
+
+/// "FILE:LINE:COLUMN"; nothing for anything else.
+std::optional<PlaceText> placeWithColumn(std::string_view text) {
+    const auto last = text.rfind(':');
+    const std::uint32_t column = last == text.npos ? 0 : numberIn(text.substr(last + 1));
+    auto place = column > 0 ? placeWithLine(text.substr(0, last), ':') : std::nullopt;
+    if (place) {
+        place->column = column;
+    }
+    return place;
 }
 
 void addNodes(const json::object& node, std::vector<NodeName>& nodes) {
@@ -153,14 +175,13 @@ std::vector<SymbolName> symbolsNamed(const std::vector<SymbolName>& symbols,
 
 std::vector<PlaceText> placesIn(std::string_view text) {
     std::vector<PlaceText> places;
-    const auto addLine = [&](char separator) {
-        const auto last = text.rfind(separator);
-        const std::uint32_t line = last == text.npos ? 0 : lineIn(text.substr(last + 1));
-        if (line > 0 && last > 0) {
-            places.push_back({std::string(text.substr(0, last)), {}, line});
+    const auto add = [&](std::optional<PlaceText> place) {
+        if (place) {
+            places.push_back(std::move(*place));
         }
     };
-    addLine(':');
+    add(placeWithColumn(text));
+    add(placeWithLine(text, ':'));
     places.push_back({std::string(text), {}, 0});
     for (auto at = text.find(':'); at != text.npos; at = text.find(':', at + 1)) {
         if (at > 0 && at + 1 < text.size()) {
@@ -171,7 +192,7 @@ std::vector<PlaceText> placesIn(std::string_view text) {
     if (text.size() > 1 && text.ends_with(':')) {
         places.push_back({std::string(text.substr(0, text.size() - 1)), {}, 0});
     }
-    addLine(' ');
+    add(placeWithLine(text, ' '));
     return places;
 }
 

@@ -47,12 +47,13 @@ std::vector<SymbolName> symbolsOf(const boost::json::object& outline);
 /// same in another letter case, or a part of it.
 std::vector<SymbolName> symbolsNamed(const std::vector<SymbolName>& symbols, std::string_view text);
 
-/// Ways to read "FILE", "FILE:LINE" and "FILE:SYMBOL", the likeliest first: file names and symbols
-/// may contain colons. The least likely one is "FILE LINE".
+/// Ways to read "FILE", "FILE:LINE", "FILE:LINE:COLUMN" and "FILE:SYMBOL", the likeliest first:
+/// file names and symbols may contain colons. The least likely one is "FILE LINE".
 struct PlaceText {
     std::string file;
-    std::string symbol;     ///< empty for none
-    std::uint32_t line = 0; ///< 0 for none
+    std::string symbol;       ///< empty for none
+    std::uint32_t line = 0;   ///< 0 for none
+    std::uint32_t column = 0; ///< 0 for none
     bool operator==(const PlaceText&) const = default;
 };
 std::vector<PlaceText> placesIn(std::string_view text);

@@ -106,10 +106,14 @@ CodeAnswer OwnerSource::switchFileType(const std::string& extension, bool allowe
     return types;
 }
 
-CodeAnswer OwnerSource::open(const std::string& file, const std::string&, std::uint32_t line) {
+CodeAnswer OwnerSource::open(const std::string& file, const std::string&, std::uint32_t line,
+                             std::uint32_t column) {
     json::object request = {{"file", file}};
     if (line > 0) {
         request["line"] = line;
+    }
+    if (column > 0) {
+        request["column"] = column;
     }
     return outcomeOf("/api/open", json::serialize(request));
 }

@@ -20,7 +20,8 @@ public:
     CodeAnswer shortcuts() override;
     CodeAnswer fileTypes() override;
     CodeAnswer switchFileType(const std::string& extension, bool allowed) override;
-    CodeAnswer open(const std::string& file, const std::string& path, std::uint32_t line) override;
+    CodeAnswer open(const std::string& file, const std::string& path, std::uint32_t line,
+                    std::uint32_t column) override;
     CodeAnswer search(const std::string& text) override;
     CodeAnswer notes() override;
     CodeAnswer changes() override;

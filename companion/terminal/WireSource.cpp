@@ -207,7 +207,8 @@ CodeAnswer WireSource::switchFileType(const std::string& extension, bool allowed
                              {QStringLiteral("allowed"), allowed ? 1 : 0}}));
 }
 
-CodeAnswer WireSource::open(const std::string&, const std::string& path, std::uint32_t line) {
+CodeAnswer WireSource::open(const std::string&, const std::string& path, std::uint32_t line,
+                            std::uint32_t) {
     QVariantMap request = {{QStringLiteral("path"), QString::fromStdString(path)}};
     if (line > 0) {
         request.insert(QStringLiteral("line"), line);

@@ -29,7 +29,8 @@ public:
     CodeAnswer fileTypes() override;
     CodeAnswer switchFileType(const std::string& extension, bool allowed) override;
     /// Navrel does not say over the wire how it went.
-    CodeAnswer open(const std::string& file, const std::string& path, std::uint32_t line) override;
+    CodeAnswer open(const std::string& file, const std::string& path, std::uint32_t line,
+                    std::uint32_t column) override;
 
 private:
     Ask ask_;

@@ -70,6 +70,9 @@ TEST(Names, placesAreReadInEveryWayThatColonsAllow) {
     EXPECT_EQ(placesIn("View.m"), (Places{{"View.m", "", 0}}));
     EXPECT_EQ(placesIn("View.m:12"),
               (Places{{"View.m", "", 12}, {"View.m:12", "", 0}, {"View.m", "12", 0}}));
+    EXPECT_EQ(placesIn("View.m:12:5").front(), (PlaceText{"View.m", "", 12, 5}));
+    EXPECT_EQ(placesIn("View.m:12:x").front(), (PlaceText{"View.m:12:x", "", 0}));
+    EXPECT_EQ(placesIn("12:5"), (Places{{"12", "", 5}, {"12:5", "", 0}, {"12", "5", 0}}));
     EXPECT_EQ(placesIn("View.m:-fall:by:"), (Places{{"View.m:-fall:by:", "", 0},
                                                     {"View.m", "-fall:by:", 0},
                                                     {"View.m:-fall", "by:", 0},

@@ -27,7 +27,7 @@ TEST(OwnerLink, withoutASocketNothingAnswers) {
     EXPECT_EQ(nowhere.readEvents([](auto, auto) { return true; }, std::nullopt),
               OwnerLink::End::lost);
     OwnerSource source(nowhere);
-    for (const CodeAnswer& answer : {source.tree(), source.open("1", "a", 2), source.back()}) {
+    for (const CodeAnswer& answer : {source.tree(), source.open("1", "a", 2, 0), source.back()}) {
         EXPECT_EQ(answer.result, CommandResult::noNavrel);
         EXPECT_FALSE(answer.hint.isEmpty());
     }
