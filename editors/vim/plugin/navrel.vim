@@ -23,9 +23,11 @@ def Send(message: dict<any>)
     endif
 enddef
 
-# Where the user is; only when that has changed, and at most ten times a second.
+# Where the user is; only when that has changed, and at most ten times a second. Nothing is told of
+# the way to a place that was asked for.
 var is_pausing = false
 var is_due = false
+var is_serving = false
 
 def EndPause(_: number)
     is_pausing = false
@@ -35,8 +37,8 @@ def EndPause(_: number)
 enddef
 
 def Tell()
-    is_due = is_pausing
-    if is_pausing
+    is_due = is_pausing || is_serving
+    if is_due
         return
     endif
     const is_file = empty(&buftype) && !empty(expand('%'))
@@ -82,13 +84,29 @@ def Show(path: string, line: number, column: number)
     redraw
 enddef
 
-def Perform(request: dict<any>)
+def Go(request: dict<any>)
     if has_key(request, 'open')
         Show(request.open, get(request, 'line', 0), get(request, 'column', 0))
     else
         execute "normal! \<C-o>"
         redraw
     endif
+enddef
+
+def Perform(request: dict<any>)
+    var answer: dict<any> = {opened: request.id}
+    is_serving = true
+    try
+        Go(request)
+    catch
+        answer = {refused: request.id, reason: v:exception}
+    endtry
+    is_serving = false
+    Tell()
+    Send(answer)
+    # A key that does nothing: without one, Vim counts as in the middle of a command until the user
+    # types, where it was led here from another mode.
+    feedkeys("\<Ignore>", 'n')
 enddef
 
 # Whether Vim waits for the user's next key: half a command, or a prompt. No key of ours must
@@ -103,13 +121,7 @@ def Serve(request: dict<any>, tries: number)
         return
     endif
     if mode(1) =~# '^nt\?$' && empty(getcmdwintype())
-        try
-            Perform(request)
-            Send({opened: request.id})
-        catch
-            Send({refused: request.id, reason: v:exception})
-        endtry
-        Tell()
+        Perform(request)
         return
     endif
     if tries == 0
