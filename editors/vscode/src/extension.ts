@@ -60,6 +60,7 @@ class Teller {
   private last = "";
   private pause: NodeJS.Timeout | undefined;
   private isDue = false;
+  private isBetweenFiles = false;
 
   constructor(private readonly tell: (place: Active) => void) {}
 
@@ -73,8 +74,14 @@ class Teller {
     if (text === this.last) {
       return;
     }
-    this.last = text;
-    this.tell(now);
+    // On the way from one file to another there is none for a moment.
+    this.isBetweenFiles = now.active === null && !this.isBetweenFiles;
+    if (this.isBetweenFiles) {
+      this.isDue = true;
+    } else {
+      this.last = text;
+      this.tell(now);
+    }
     this.pause = setTimeout(() => {
       this.pause = undefined;
       if (this.isDue) {

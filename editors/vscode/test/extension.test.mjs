@@ -123,6 +123,33 @@ test("the way back puts the cursor at its column", async () => {
   assert.deepEqual([selection.active.line, selection.active.character], [1, 8]);
 });
 
+test("between two files it does not say that there is none", async () => {
+  const vscode = startWindow(documents, ["/p"]);
+  const navrel = await connections.next();
+  await navrel.until((message) => message.active === null);
+  await vscode.window.showTextDocument(await vscode.workspace.openTextDocument({ fsPath: "/p/a.swift" }));
+  await navrel.until((message) => message.active === "/p/a.swift");
+  vscode.leaveFile();
+  await vscode.window.showTextDocument(await vscode.workspace.openTextDocument({ fsPath: "/p/b.swift" }));
+  const next = await navrel.until((message) => "active" in message);
+  assert.equal(next.active, "/p/b.swift");
+  vscode.leaveFile();
+  await navrel.until((message) => message.active === null);
+});
+
+test("columns count characters, whatever UTF-16 takes for them", async () => {
+  const vscode = startWindow({ "/p/c.swift": ["let 🌊 = wave()"] }, ["/p"]);
+  const navrel = await connections.next();
+  navrel.say({ open: "/p/c.swift", line: 1, column: 9, id: 1 });
+  await navrel.until((message) => message.opened === 1);
+  assert.equal(vscode.window.activeTextEditor.selection.active.character, 9);
+  vscode.moveTo(0, 9);
+  await navrel.until((message) => message.column === 9);
+  navrel.say({ open: "/p/c.swift", line: 1, column: 99, id: 2 });
+  await navrel.until((message) => message.opened === 2);
+  assert.equal(vscode.window.activeTextEditor.selection.active.character, 15);
+});
+
 test("it goes back in the editor's own list", async () => {
   const vscode = startWindow(documents, ["/p"]);
   const navrel = await connections.next();

@@ -42,7 +42,7 @@ export function standIn(documents, folders) {
     }
     return {
       uri: uri(path), isDirty: false, lineCount: lines.length,
-      lineAt: (line) => ({ range: { end: new Position(line, lines[line].length) } }),
+      lineAt: (line) => ({ text: lines[line], range: { end: new Position(line, lines[line].length) } }),
     };
   };
   const window = {
@@ -83,6 +83,11 @@ export function standIn(documents, folders) {
     moveTo(line, character) {
       window.activeTextEditor.selection = new Selection(new Position(line, character), new Position(line, character));
       emitters.selection.fire({});
+    },
+    /** For tests: closes the file that is shown. */
+    leaveFile() {
+      window.activeTextEditor = undefined;
+      emitters.editor.fire(undefined);
     },
     focus: () => emitters.window.fire({ focused: true }),
   };
