@@ -28,7 +28,8 @@ public:
 
     /// Opens a file of the project (an absolute path, not looked at by the server) at a line and a
     /// column in characters, each from 1; 0 for none. Where the editor would be the desktop's
-    /// opener, files that `isHarmlessToOpen` (support/files/HarmlessFile.h) refuses must not be opened.
+    /// opener, files that `isHarmlessToOpen` (support/files/HarmlessFile.h) refuses must not be
+    /// opened.
     virtual void openFile(const std::string& absolutePath, std::uint32_t line, std::uint32_t column,
                           Reply reply) = 0;
 

@@ -1,11 +1,15 @@
-// Editors that are led and followed: the real Neovim and Emacs in a terminal. Keys move the cursor,
-// and what the editor was led to is read from its screen.
+// Editors that are led and followed: the real Neovim, Vim and Emacs in a terminal. Keys move the
+// cursor, and what the editor was led to is read from its screen.
 
 #include "editors/FollowedEditor.h"
 #include "editors/emacs/EmacsEditor.h"
+#include "editors/hooks/HookSocket.h"
+#include "editors/hooks/HookedEditor.h"
 #include "editors/neovim/NeovimEditor.h"
 #include "support/process/ToolRunner.h"
+#include "tests/LogRecorder.h"
 #include "tests/RecordingTool.h"
+#include "tests/StopProcess.h"
 #include "tests/WaitUntil.h"
 #include "tests/editors/FakeServer.h"
 #include "tests/editors/ScratchEnvironment.h"
@@ -13,11 +17,16 @@
 
 #include <QFile>
 #include <QProcess>
+#include <QTimer>
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <csignal>
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <poll.h>
+#include <sys/types.h>
 #include <vector>
 
 namespace navrel {
@@ -28,7 +37,9 @@ using Kind = EditorOutcome::Kind;
 class LeadAndFollow : public ::testing::TestWithParam<const char*> {
 protected:
     void SetUp() override {
-        const QString tool = isNeovim() ? QStringLiteral("nvim") : QStringLiteral("emacs");
+        const QString tool = isNeovim() ? QStringLiteral("nvim")
+                             : isVi()   ? QStringLiteral("vim")
+                                        : QStringLiteral("emacs");
         if (!findTool(tool) || !Terminal::isAvailable()) {
             GTEST_SKIP() << "needs " << tool.toStdString() << " and tmux";
         }
@@ -37,16 +48,33 @@ protected:
         if (isNeovim()) {
             ASSERT_TRUE(terminal.start({QStringLiteral("nvim"), QStringLiteral("--clean"),
                                         QStringLiteral("--listen"), neovimSocket(), fileA()}));
+        } else if (isVi()) {
+            ASSERT_TRUE(terminal.start(
+                {QStringLiteral("vim"), QStringLiteral("--clean"), QStringLiteral("-S"),
+                 QStringLiteral(NAVREL_SOURCE_DIR "/editors/vim/plugin/navrel.vim"), fileA()}));
         } else {
             ASSERT_TRUE(terminal.start({QStringLiteral("emacs"), QStringLiteral("-Q"),
                                         QStringLiteral("-nw"), QStringLiteral("--eval"),
                                         QStringLiteral("(server-start)"), fileA()}));
         }
         ASSERT_TRUE(terminal.waitForScreen("line 2"));
+        // A plug-in connects a moment later.
+        ASSERT_TRUE(isNeovim() ||
+                    waitUntil([&] { return editor.activeFileName() == QStringLiteral("a.m"); }));
     }
     ~LeadAndFollow() override { editor.onMove(nullptr); }
 
     static bool isNeovim() { return QByteArray(GetParam()) == "Neovim"; }
+    static bool isVi() { return QByteArray(GetParam()) != "Emacs"; }
+    static std::shared_ptr<RunningEditor> editorToTest() {
+        if (isNeovim()) {
+            return std::make_shared<NeovimEditor>(kSilentEditorLeftAlone, kPatience);
+        }
+        if (isVi()) {
+            return std::make_shared<HookedEditor>(*HookSocket::standardPath(), kPatience);
+        }
+        return std::make_shared<EmacsEditor>(kSilentEditorLeftAlone, kPatience);
+    }
     QString neovimSocket() const {
         return environment.pathOf(QStringLiteral("xdg_runtime_dir/nvim.1.0"));
     }
@@ -59,7 +87,10 @@ protected:
     bool isAt(const QString& file, int line) const {
         return last && last->path == file && last->line == line;
     }
-    void moveDown() { terminal.type({isNeovim() ? QStringLiteral("j") : QStringLiteral("C-n")}); }
+    bool isAt(const QString& file, int line, int column) const {
+        return isAt(file, line) && last->column == column;
+    }
+    void moveDown() { terminal.type({isVi() ? QStringLiteral("j") : QStringLiteral("C-n")}); }
 
     template <typename Request>
     EditorOutcome outcomeOf(Request request) {
@@ -79,9 +110,9 @@ protected:
         const std::lock_guard lock(shared->mutex);
         return shared->outcome.value_or(EditorOutcome());
     }
-    EditorOutcome open(const QString& file, int line) {
+    EditorOutcome open(const QString& file, int line, int column = 0) {
         return outcomeOf(
-            [&](const Editor::OutcomeObserver& done) { editor.open(file, line, done); });
+            [&](const Editor::OutcomeObserver& done) { editor.open(file, line, column, done); });
     }
     EditorOutcome back() {
         return outcomeOf([&](const Editor::OutcomeObserver& done) { editor.back(done); });
@@ -101,15 +132,11 @@ protected:
 
     ScratchEnvironment environment;
     Terminal terminal{environment.pathOf(QStringLiteral("tmux"))};
-    FollowedEditor editor{
-        {isNeovim() ? std::shared_ptr<RunningEditor>(
-                          std::make_shared<NeovimEditor>(kSilentEditorLeftAlone, kPatience))
-                    : std::make_shared<EmacsEditor>(kSilentEditorLeftAlone, kPatience)},
-        nullptr};
+    FollowedEditor editor{{editorToTest()}, nullptr};
     std::optional<EditorPosition> last;
 };
 
-INSTANTIATE_TEST_SUITE_P(Editors, LeadAndFollow, ::testing::Values("Neovim", "Emacs"),
+INSTANTIATE_TEST_SUITE_P(Editors, LeadAndFollow, ::testing::Values("Neovim", "Vim", "Emacs"),
                          [](const auto& instance) { return std::string(instance.param); });
 
 TEST_P(LeadAndFollow, keysMoveTheClient) {
@@ -121,8 +148,7 @@ TEST_P(LeadAndFollow, keysMoveTheClient) {
         EXPECT_TRUE(waitUntil([&] { return isAt(fileA(), line); })) << line;
     }
     EXPECT_FALSE(last->isModified);
-    terminal.type(isNeovim() ? QStringList{QStringLiteral("x")}
-                             : QStringList{QStringLiteral("C-d")});
+    terminal.type(isVi() ? QStringList{QStringLiteral("x")} : QStringList{QStringLiteral("C-d")});
     EXPECT_TRUE(waitUntil([&] { return last->isModified; }));
 }
 
@@ -138,8 +164,8 @@ TEST_P(LeadAndFollow, theWayBackLeadsToFileLineAndColumn) {
     follow();
     moveDown();
     moveDown();
-    terminal.type({isNeovim() ? QStringLiteral("l") : QStringLiteral("C-f")});
-    ASSERT_TRUE(waitUntil([&] { return isAt(fileA(), 3) && last->column == 2; }));
+    terminal.type({isVi() ? QStringLiteral("l") : QStringLiteral("C-f")});
+    ASSERT_TRUE(waitUntil([&] { return isAt(fileA(), 3, 2); }));
 
     EXPECT_EQ(open(fileB(), 42).kind, Kind::opened);
     EXPECT_EQ(open(fileB(), 90).kind, Kind::opened);
@@ -147,11 +173,53 @@ TEST_P(LeadAndFollow, theWayBackLeadsToFileLineAndColumn) {
     EXPECT_EQ(back().kind, Kind::opened);
     EXPECT_TRUE(waitUntil([&] { return isAt(fileB(), 42); }));
     // The file may have been closed meanwhile.
-    valueOf(isNeovim() ? QStringLiteral("execute('bwipeout ' .. bufnr('a.m'))")
-                       : QStringLiteral("(kill-buffer \"a.m\")"));
+    if (isVi()) {
+        terminal.type({QStringLiteral(":bwipeout a.m"), QStringLiteral("Enter")});
+        EXPECT_TRUE(terminal.waitForScreen(":bwipeout a.m"));
+    } else {
+        valueOf(QStringLiteral("(kill-buffer \"a.m\")"));
+    }
     EXPECT_EQ(back().kind, Kind::opened);
-    EXPECT_TRUE(waitUntil([&] { return isAt(fileA(), 3) && last->column == 2; }));
-    EXPECT_EQ(back().kind, Kind::refused) << "that was the first place";
+    EXPECT_TRUE(waitUntil([&] { return isAt(fileA(), 3, 2); }));
+    const bool hasAListOfItsOwn = isVi() && !isNeovim();
+    EXPECT_EQ(back().kind, hasAListOfItsOwn ? Kind::opened : Kind::refused)
+        << "that was the first place";
+}
+
+TEST_P(LeadAndFollow, columnsCountCharactersInEveryEditor) {
+    // A tab, letters of two and three bytes, and one that UTF-16 takes two units for.
+    ScratchEnvironment::write(fileB().toUtf8(), "first\n\tgrüße €\xF0\x9F\x8C\x8A wave()\nlast\n");
+    follow();
+    EXPECT_EQ(open(fileB(), 2, 11).kind, Kind::opened);
+    EXPECT_TRUE(waitUntil([&] { return isAt(fileB(), 2, 11); })) << "that is at \"wave\"";
+    terminal.type(isVi() ? QStringList{QStringLiteral("i!"), QStringLiteral("Escape")}
+                         : QStringList{QStringLiteral("!")});
+    EXPECT_TRUE(terminal.waitForScreen("!wave()")) << "nothing was selected";
+
+    EXPECT_EQ(open(fileA(), 7, 3).kind, Kind::opened);
+    EXPECT_TRUE(waitUntil([&] { return isAt(fileA(), 7, 3); }));
+    EXPECT_EQ(open(fileA(), 8, 1000).kind, Kind::opened) << "the end of the line is as good";
+    EXPECT_TRUE(waitUntil([&] { return isAt(fileA(), 8) && last->column >= 6; }));
+    EXPECT_EQ(back().kind, Kind::opened);
+    EXPECT_TRUE(waitUntil([&] { return isAt(fileA(), 7, 3); }));
+    const int afterTyping = isVi() ? 11 : 12; // leaving the mode takes a step to the left
+    EXPECT_EQ(back().kind, Kind::opened);
+    EXPECT_TRUE(waitUntil([&] { return isAt(fileB(), 2, afterTyping); }));
+}
+
+TEST_P(LeadAndFollow, jumpsInARowFromTheMiddleOfTypingAllArrive) {
+    follow();
+    terminal.type({isVi() ? QStringLiteral("ihello") : QStringLiteral("hello")});
+    ASSERT_TRUE(terminal.waitForScreen("helloline 1"));
+    for (int line = 10; line <= 14; ++line) {
+        const EditorOutcome outcome = open(fileB(), line, 2);
+        EXPECT_EQ(outcome.kind, Kind::opened) << outcome.reason.toStdString();
+    }
+    EXPECT_TRUE(waitUntil([&] { return isAt(fileB(), 14, 2); }));
+    for (int line = 13; line >= 10; --line) {
+        EXPECT_EQ(back().kind, Kind::opened);
+        EXPECT_TRUE(waitUntil([&] { return isAt(fileB(), line, 2); })) << line;
+    }
 }
 
 TEST_P(LeadAndFollow, nothingIsAskedWhileNobodyFollows) {
@@ -173,9 +241,9 @@ TEST_P(LeadAndFollow, nothingIsAskedWhileNobodyFollows) {
 
 TEST_P(LeadAndFollow, anEditorThatIsGoneDoesNotRun) {
     EXPECT_EQ(open(fileB(), 3).kind, Kind::opened);
-    terminal.type(isNeovim() ? QStringList{QStringLiteral("Escape"), QStringLiteral(":qa!"),
-                                           QStringLiteral("Enter")}
-                             : QStringList{QStringLiteral("C-x"), QStringLiteral("C-c")});
+    terminal.type(isVi() ? QStringList{QStringLiteral("Escape"), QStringLiteral(":qa!"),
+                                       QStringLiteral("Enter")}
+                         : QStringList{QStringLiteral("C-x"), QStringLiteral("C-c")});
     EXPECT_TRUE(waitUntil([&] { return open(fileB(), 3).kind == Kind::notRunning; }));
 }
 
@@ -227,7 +295,87 @@ TEST(LeadAndFollowEmacs, oneThatIsStoppedIsSaidNotToAnswer) {
     EmacsEditor stopped;
     const JumpResult result = stopped.jump({"/b.m", 3, 0, false}, QDeadlineTimer(60'000));
     EXPECT_EQ(result.kind, Kind::asksUser);
-    EXPECT_EQ(result.reason, QStringLiteral("Emacs did not answer in time."));
+    EXPECT_EQ(result.reason, QStringLiteral("Emacs does not answer."));
+}
+
+/// An Emacs that takes connections and says nothing, and then one that does.
+class SilentEmacs : public ::testing::Test {
+protected:
+    /// What the main thread sees of a request: it goes on while the editor is waited for.
+    void expectTheMainThreadToGoOn() {
+        FollowedEditor editor({std::make_shared<EmacsEditor>()}, nullptr);
+        const auto ended = std::make_shared<std::atomic<bool>>(false);
+        int turns = 0;
+        QTimer timer;
+        QObject::connect(&timer, &QTimer::timeout, &timer, [&] { turns += ended->load() ? 0 : 1; });
+        timer.start(0);
+        editor.openFile(QString::fromUtf8(fileB()), 3);
+        editor.open(QString::fromUtf8(fileB()), 3, 1, [ended](const EditorOutcome& outcome) {
+            EXPECT_EQ(outcome.kind, Kind::asksUser);
+            EXPECT_EQ(outcome.reason, QStringLiteral("Emacs does not answer."));
+            *ended = true;
+        });
+        EXPECT_FALSE(*ended) << "it returns at once";
+        EXPECT_TRUE(waitUntil([&] { return ended->load(); }));
+        EXPECT_GT(turns, 1);
+    }
+    /// Each call has a limit of its own, and none asks an Emacs that is silent to open
+    /// anything.
+    void expectCallsToEnd() {
+        EmacsEditor emacs;
+        const QDeadlineTimer never(QDeadlineTimer::Forever);
+        EXPECT_EQ(emacs.jump({fileB(), 3, 0, false}, never).kind, Kind::asksUser);
+        EXPECT_EQ(emacs.jump({fileB(), 3, 0, false}, never).kind, Kind::asksUser);
+        EXPECT_FALSE(emacs.open(fileB(), 3, never));
+        EXPECT_FALSE(EmacsEditor().open(fileB(), 3, QDeadlineTimer(1000)));
+    }
+    QByteArray fileB() const { return environment.bytesOf("work/b.m"); }
+
+    ScratchEnvironment environment;
+    LogRecorder log;
+};
+
+TEST_F(SilentEmacs, aServerThatNeverAnswersIsWaitedForOnNoMainThread) {
+    if (!findTool(QStringLiteral("emacsclient"))) {
+        GTEST_SKIP() << "needs emacs";
+    }
+    const FakeServer server(environment.bytesOf("server"),
+                            [](int, const std::atomic<bool>& isEnding) {
+                                while (!isEnding) {
+                                    ::poll(nullptr, 0, 10);
+                                }
+                            });
+    environment.set("EMACS_SOCKET_NAME", environment.bytesOf("server"));
+    expectTheMainThreadToGoOn();
+    expectCallsToEnd();
+    EXPECT_TRUE(
+        log.messages().contains(QStringLiteral("Emacs does not answer: %1 was not opened in it")
+                                    .arg(QString::fromUtf8(fileB()))));
+}
+
+TEST_F(SilentEmacs, oneThatIsStoppedOpensNothingWhenItGoesOn) {
+    if (!findTool(QStringLiteral("emacs"))) {
+        GTEST_SKIP() << "needs emacs";
+    }
+    ScratchEnvironment::write(fileB(), ScratchEnvironment::lines(10));
+    QProcess emacs;
+    emacs.start(QStringLiteral("emacs"), {QStringLiteral("-Q"), QStringLiteral("--fg-daemon")});
+    const auto valueOf = [](const QByteArray& expression) {
+        return outputOf(QStringLiteral("emacsclient"),
+                        {QStringLiteral("-a"), QStringLiteral("false"), QStringLiteral("--eval"),
+                         QString::fromUtf8(expression)});
+    };
+    ASSERT_TRUE(waitUntil([&] { return valueOf("(+ 1 1)") == "2"; }));
+    ASSERT_TRUE(stopProcess(emacs.processId()));
+    expectTheMainThreadToGoOn();
+    expectCallsToEnd();
+    ::kill(static_cast<pid_t>(emacs.processId()), SIGCONT);
+    EXPECT_TRUE(waitUntil([&] { return valueOf("(+ 1 1)") == "2"; }));
+    EXPECT_EQ(valueOf("(get-file-buffer \"" + fileB() + "\")"), "nil");
+    EmacsEditor patient(kSilentEditorLeftAlone, kPatience);
+    EXPECT_EQ(patient.jump({fileB(), 3, 2, false}, QDeadlineTimer(kPatience)).kind, Kind::opened);
+    emacs.kill();
+    emacs.waitForFinished();
 }
 
 TEST(LeadAndFollowNeovim, halfACommandIsNotAnsweredForTheUser) {
