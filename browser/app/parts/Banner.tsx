@@ -29,7 +29,7 @@ function Away() {
   return (
     <div class="banner bad">
       <p>
-        <strong>Navrel is away.</strong> {freshAt > 0 && `This is from ${age(Date.now() - freshAt)}. `}
+        <strong>Navrel is away.</strong> {freshAt > 0 && `Last up to date ${age(Date.now() - freshAt)}. `}
         Is the computer awake and in the same network?
       </p>
       <button type="button" onClick={wake}>

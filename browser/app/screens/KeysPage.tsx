@@ -18,7 +18,7 @@ export function KeysPage() {
     <>
       <Header title="Keyboard" up={kUpToMore} />
       <div class="scroller page" tabIndex={0} role="region" aria-label="Keys">
-        <dl class="facts">
+        <dl class="facts keys">
           {kKeys.map(([key, what]) => (
             <div key={key}>
               <dt>

@@ -108,7 +108,7 @@ export function SearchScreen() {
     if (result.problem) return <Empty title={result.problem.text}>{result.problem.hint}</Empty>;
     if (!result.value) return <Empty title="Searching…" />;
     if (result.value.items.length === 0) {
-      return <Empty title={`Nothing is called “${text.trim()}”.`}>{chip !== "all" && "Try All: only some kinds are searched now."}</Empty>;
+      return <Empty title={`Nothing is called “${text.trim()}”.`}>{chip === "all" ? "Try fewer letters: parts of a name do." : "Try All: only some kinds are searched now."}</Empty>;
     }
     return <Hits result={result.value} selected={selected} />;
   }
