@@ -6,6 +6,7 @@ import { appendFileSync, readdirSync, readFileSync } from "node:fs";
 import { join } from "node:path";
 import { chromium, type Page } from "playwright-core";
 import { kAssets } from "../browsers/screens";
+import type * as Shape from "../../app/wire/shapes";
 import { idOf } from "../mock/sample";
 import { kTicket, MockServer } from "../mock/server";
 import { Navrel, navrelProgram } from "../navrel/navrel";
@@ -14,6 +15,8 @@ import { Neovim } from "../navrel/neovim";
 const kRounds = 9;
 const kSlowdown = 4;
 const kTaps = 40;
+const kFrames = 60;
+const kOpens = 40;
 /** What a tap does after its picture is over by then, and is no part of the next one's time. */
 const kPauseMilliseconds = 150;
 /** Browsers tell of no shorter durations. */
@@ -59,6 +62,16 @@ async function slowPage(link: string, slowdown = kSlowdown): Promise<{ page: Pag
   return { page, close: () => browser.close() };
 }
 
+/** What the page itself had its thread do, without waiting for others that want the processor: at a quarter of its speed. */
+async function work(page: Page, count: number, body: () => Promise<unknown>): Promise<number> {
+  const session = await page.context().newCDPSession(page);
+  await session.send("Performance.enable", { timeDomain: "threadTicks" });
+  const seconds = async () => (await session.send("Performance.getMetrics")).metrics.find(({ name }) => name === "TaskDuration")!.value;
+  const before = await seconds();
+  await body();
+  return (((await seconds()) - before) * 1_000 * kSlowdown) / count;
+}
+
 const linkOf = (server: MockServer) => `${server.url}#p=${kTicket}`;
 
 /** The time from the start of a load to the largest paint. */
@@ -98,13 +111,16 @@ async function taps(page: Page, tap: (round: number) => Promise<void>): Promise<
   return [...durations, ...Array.from({ length: Math.max(0, kTaps - durations.length) }, () => kShortestTold)];
 }
 
+const kTabs = ["outline", "search", "notes", "more", "files"];
+
+async function tapTab(page: Page, round: number): Promise<void> {
+  const tab = `#tab-${kTabs[round % kTabs.length]}`;
+  await page.locator(tab).tap();
+  await page.waitForSelector(`${tab}[aria-selected=true]`);
+}
+
 async function measureTaps(page: Page): Promise<void> {
-  const tabs = ["outline", "search", "notes", "more", "files"];
-  const ofTabs = await taps(page, async (round) => {
-    const tab = `#tab-${tabs[round % tabs.length]}`;
-    await page.locator(tab).tap();
-    await page.waitForSelector(`${tab}[aria-selected=true]`);
-  });
+  const ofTabs = await taps(page, (round) => tapTab(page, round));
   await page.setContent('<meta name="viewport" content="width=device-width"><button>one</button>');
   const ofButton = await taps(page, async () => {
     await page.evaluate(() => (document.querySelector("button")!.onclick = (event) => void (event.target as Element).append(".")));
@@ -128,8 +144,21 @@ async function measurePage(server: MockServer): Promise<void> {
   await close();
 }
 
+/** The same without a slower processor, which would be counted as work. */
+async function measureWork(server: MockServer): Promise<void> {
+  const { page, close } = await slowPage(linkOf(server), 1);
+  const tapped = await work(page, kTaps, async () => {
+    for (let round = 0; round < kTaps; round++) await tapTab(page, round);
+  });
+  report("ms of work for a tap on a tab", tapped, 100);
+  await page.locator(".row-main", { hasText: "Many" }).tap();
+  await page.waitForSelector('[aria-label="Files in Many"]');
+  report("ms of work for a frame while rows fly by", await work(page, kFrames, () => page.evaluate(flight, [".scroller", kFrames] as [string, number])), 100);
+  await close();
+}
+
 /** The gaps between frames in which a scroller goes on by nearly a screen: 95 % are shorter. */
-function flight(scroller: string): Promise<number> {
+function flight([scroller, frames]: [string, number]): Promise<number> {
   return new Promise((done) => {
     const box = document.querySelector(scroller)!;
     const gaps: number[] = [];
@@ -138,8 +167,8 @@ function flight(scroller: string): Promise<number> {
       gaps.push(now - last);
       last = now;
       box.scrollTop += 700;
-      if (gaps.length < 60) requestAnimationFrame(step);
-      else done(gaps.slice(2).sort((a, b) => a - b)[54]!);
+      if (gaps.length < frames) requestAnimationFrame(step);
+      else done(gaps.slice(2).sort((a, b) => a - b)[Math.floor((frames - 2) * 0.95)]!);
     };
     requestAnimationFrame(step);
   });
@@ -168,9 +197,9 @@ async function measureRows(server: MockServer): Promise<void> {
 
   await page.locator(".row-main", { hasText: "Many" }).tap();
   await page.waitForSelector('[aria-label="Files in Many"]');
-  report("ms between two frames (95 %) while they fly by", await page.evaluate(flight, ".scroller"), 100);
+  report("ms between two frames (95 %) while they fly by", await page.evaluate(flight, [".scroller", kFrames] as [string, number]), 100);
   await page.setContent(`<div style="height: 100vh; overflow: auto">${"<p>one line of text</p>".repeat(2_000)}</div>`);
-  reportFloor("ms between two frames (95 %) of plain text that flies by", await page.evaluate(flight, "div"));
+  reportFloor("ms between two frames (95 %) of plain text that flies by", await page.evaluate(flight, ["div", kFrames] as [string, number]));
   await close();
 }
 
@@ -269,6 +298,24 @@ async function measureTap(page: Page): Promise<void> {
   report("ms from a tap to Neovim and back", medianOf(times), 20);
 }
 
+/** The same without a browser: from the request to Neovim's answer that it shows the line. */
+async function measureOpen(navrel: Navrel): Promise<void> {
+  const found = await navrel.asOwner<Shape.Search>("GET", "/api/search?q=Station.swift&kinds=file");
+  const { id: file } = found.items[0]!.file;
+  let onOpened: () => void = () => undefined;
+  const stop = navrel.watch((text) => text.includes("event: opened") && onOpened());
+  const times: number[] = [];
+  for (let round = 0; round < kOpens; round++) {
+    const opened = new Promise<void>((done) => (onOpened = done));
+    const start = performance.now();
+    await navrel.asOwner("POST", "/api/open", { file, line: 3 + (round % 9) });
+    await opened;
+    times.push(performance.now() - start);
+  }
+  stop();
+  report("ms from a request to Neovim's answer, without a page", medianOf(times), 20);
+}
+
 async function measureNavrel(): Promise<void> {
   const program = navrelProgram();
   if (program === undefined) return console.error("There is no Navrel built: what it takes to save and to tap is left out");
@@ -282,6 +329,7 @@ async function measureNavrel(): Promise<void> {
     await measure(page);
     await close();
   }
+  await measureOpen(navrel);
   await neovim.stop();
   await navrel.remove();
 }
@@ -291,6 +339,6 @@ const server = new MockServer(kAssets);
 server.active = { file: null };
 server.root = { ...server.root!, children: [{ id: idOf("many"), name: "Many", kind: "group", children: many }, ...server.root!.children!] };
 await server.start();
-for (const measure of [measurePage, measureRows, measureChange, measureWake]) await measure(server);
+for (const measure of [measurePage, measureRows, measureWork, measureChange, measureWake]) await measure(server);
 await server.stop();
 await measureNavrel();

@@ -94,9 +94,13 @@ export class Navrel {
     rmSync(this.root, { recursive: true, force: true });
   }
 
+  private get socketPath(): string {
+    return join(this.runtimeFolder, "nl.kelvane.Navrel.sock");
+  }
+
   /** Over the owner's socket. */
   asOwner<Answer>(method: string, path: string, body?: unknown): Promise<Answer> {
-    const socketPath = join(this.runtimeFolder, "nl.kelvane.Navrel.sock");
+    const { socketPath } = this;
     const headers = { Host: "localhost", "X-Navrel": "1", ...(body === undefined ? {} : { "Content-Type": "application/json" }) };
     return new Promise((done, fail) => {
       const request = ask({ socketPath, method, path, headers }, (response) => {
@@ -110,6 +114,14 @@ export class Navrel {
       request.on("error", fail);
       request.end(body === undefined ? undefined : JSON.stringify(body));
     });
+  }
+
+  /** The owner's stream of events, as text, until the function that comes back is called. */
+  watch(onText: (text: string) => void): () => void {
+    const request = ask({ socketPath: this.socketPath, path: "/api/events", headers: { Host: "localhost" } }, (response) => response.on("data", (piece) => onText(String(piece))));
+    request.on("error", () => undefined);
+    request.end();
+    return () => void request.destroy();
   }
 
   offer(): Promise<Shape.Pairing> {
