@@ -4,6 +4,7 @@ import { switchFileType } from "../actions";
 import { loadList } from "../loading";
 import { Empty } from "../parts/Empty";
 import { Header } from "../parts/Header";
+import { ShortList } from "../parts/ShortList";
 import { useStore } from "../store";
 import { kUpToMore } from "./MoreScreen";
 
@@ -20,7 +21,7 @@ export function FileTypesPage() {
       ) : value.items.length === 0 ? (
         <Empty title="This project has no file types yet." />
       ) : (
-        <div class="scroller page" data-list>
+        <ShortList memory="file types">
           <ul class="list" role="list" aria-label="File types">
             {value.items.map(({ extension, allowed }) => (
               <li class="row" key={extension}>
@@ -33,7 +34,7 @@ export function FileTypesPage() {
               </li>
             ))}
           </ul>
-        </div>
+        </ShortList>
       )}
     </>
   );

@@ -1,6 +1,7 @@
 // What is not needed every minute: further lists, how the page behaves, what Navrel is doing.
 import { Choice } from "../parts/Choice";
 import { Header } from "../parts/Header";
+import { ShortList } from "../parts/ShortList";
 import { age } from "../model/words";
 import { go } from "../places";
 import { setFollow, setTheme } from "../settings";
@@ -52,7 +53,7 @@ function Overview() {
   return (
     <>
       <Header title="More" />
-      <div class="scroller page" data-list>
+      <ShortList memory="more">
         <ul class="list" role="list" aria-label="Further lists">
           {kPages.map(({ page, name, below }) => (
             <li class="row" key={page}>
@@ -74,7 +75,7 @@ function Overview() {
         <Choice name="Colours" values={kThemes} chosen={theme} onChoose={setTheme} />
         <Awake />
         <Status />
-      </div>
+      </ShortList>
     </>
   );
 }

@@ -146,7 +146,8 @@ test("from pairing to every screen and back by keys alone", async () => {
       await hand.sees("TideView.m:21 is open");
       await keys.press("Escape");
       await until("the outline", () => view.run(() => document.querySelector("[aria-label='Outline of TideView.m']") !== null));
-      await keys.go("Tab", "Counterpart");
+      // Backwards: beyond the last part, Firefox goes on to its own buttons.
+      await keys.go("Shift+Tab", "Counterpart");
       await keys.press("Enter");
       await until("the header's outline", () => view.run(() => document.querySelector("[aria-label='Outline of TideView.h']") !== null));
       await keys.press("b");
@@ -166,17 +167,18 @@ test("from pairing to every screen and back by keys alone", async () => {
       await keys.press("Enter");
       await hand.sees("is open in Neovim");
       await keys.press("5");
-      for (const [page, text] of [["Types", "TideListController"], ["Changes", "checksum.c"], ["Keyboard", "Open in the editor"], ["File types", ".swift"]] as const) {
-        await until("the tab More", () => view.run(() => document.querySelector("#tab-more[aria-selected=true]") !== null));
+      for (const [page, text] of [["Types", "TideListController"], ["Changes", "checksum.c"], ["File types", ".swift"], ["Keyboard", "Open in the editor"]] as const) {
         await keys.go("ArrowDown", page);
         await keys.press("Enter");
         await hand.sees(text);
-        if (page !== "File types") await keys.press("Escape");
+        if (page === "File types") {
+          await keys.go("ArrowDown", ".swift");
+          await keys.press(" ");
+          await hand.sees(".swift files are left out");
+        }
+        await keys.press("Escape");
+        await keys.isAt(page);
       }
-      await keys.go("ArrowDown", ".swift");
-      await keys.press(" ");
-      await hand.sees(".swift files are left out");
-      await keys.press("Escape");
       await keys.go("Tab", "Dark");
       await keys.press("Enter");
       await until("the dark theme", () => view.run(() => document.documentElement.dataset["theme"] === "dark"));

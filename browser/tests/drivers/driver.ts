@@ -27,7 +27,7 @@ export interface View {
   close(): Promise<void>;
 }
 
-export type Key = "Tab" | " " | "Enter" | "Escape" | "ArrowDown" | "ArrowUp" | "/" | "]" | "[" | "b" | "1" | "2" | "3" | "4" | "5";
+export type Key = "Tab" | "Shift+Tab" | " " | "Enter" | "Escape" | "ArrowDown" | "ArrowUp" | "/" | "]" | "[" | "b" | "1" | "2" | "3" | "4" | "5";
 
 export interface Driver {
   open(device: Device, colours: Colours): Promise<View>;

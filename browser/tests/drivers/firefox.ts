@@ -51,7 +51,10 @@ class FirefoxView implements View {
   }
 
   async press(key: Key): Promise<void> {
-    await this.page.keyboard.press(key);
+    if (key !== "Shift+Tab") return this.page.keyboard.press(key);
+    await this.page.keyboard.down("Shift");
+    await this.page.keyboard.press("Tab");
+    await this.page.keyboard.up("Shift");
   }
 
   async picture(path: string): Promise<void> {

@@ -10,6 +10,7 @@ const kLibraries = "/usr/lib";
 /** Its buttons keep the window from becoming as narrow as a phone's. */
 const kNarrowestWindow = 480;
 const kElement = "element-6066-11e4-a52e-4f735466cecf";
+const kShift = "\uE008";
 const kKeys: Partial<Record<Key, string>> = { Tab: "\uE004", Enter: "\uE007", Escape: "\uE00C", ArrowDown: "\uE015", ArrowUp: "\uE013" };
 
 function findBrowser(): string {
@@ -111,9 +112,10 @@ class WebKitView implements View {
   }
 
   async press(key: Key): Promise<void> {
-    const value = kKeys[key] ?? key;
-    const actions = [{ type: "key", id: "keys", actions: [{ type: "keyDown", value }, { type: "keyUp", value }] }];
-    await this.post("actions", { actions });
+    const values = key === "Shift+Tab" ? [kShift, kKeys.Tab] : [kKeys[key] ?? key];
+    const downs = values.map((value) => ({ type: "keyDown", value }));
+    const ups = values.map((value) => ({ type: "keyUp", value })).reverse();
+    await this.post("actions", { actions: [{ type: "key", id: "keys", actions: [...downs, ...ups] }] });
   }
 
   async picture(path: string): Promise<void> {
