@@ -1,7 +1,8 @@
 #include "desktop/windows/AboutWindow.h"
 
+#include "desktop/windows/ScreenRoom.h"
+
 #include <QKeyEvent>
-#include <QScreen>
 #include <QUrl>
 
 #include <algorithm>
@@ -12,9 +13,7 @@ namespace navrel {
 
 namespace {
 
-constexpr int kWidth = 640;
-/// Of the screen's height, so that the window's frame and panels have room.
-constexpr double kMostOfScreen = 0.85;
+constexpr int kPageWidth = 640;
 constexpr int kPageMargin = 16;
 
 } // namespace
@@ -45,10 +44,9 @@ void AboutWindow::fitPage() {
     if (isVisible()) {
         return; // the user may have resized it
     }
-    document()->setTextWidth(kWidth);
+    document()->setTextWidth(kPageWidth);
     const int pageHeight = static_cast<int>(std::ceil(document()->size().height()));
-    const int mostHeight = static_cast<int>(screen()->availableGeometry().height() * kMostOfScreen);
-    resize(kWidth, std::min(pageHeight + 2 * frameWidth(), mostHeight));
+    resize(kPageWidth, std::min(pageHeight + 2 * frameWidth(), mostHeightOnScreen(*this)));
 }
 
 void AboutWindow::keyPressEvent(QKeyEvent* event) {

@@ -1,12 +1,12 @@
 #include "desktop/windows/MenuWindow.h"
 
 #include "desktop/MenuText.h"
+#include "desktop/windows/ScreenRoom.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QFrame>
 #include <QLabel>
-#include <QScreen>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -18,9 +18,7 @@ namespace navrel {
 namespace {
 
 constexpr int kIDRole = Qt::UserRole;
-constexpr int kWidth = 360;
-/// Of the screen's height, so that the window's frame and panels have room.
-constexpr double kMostOfScreen = 0.85;
+constexpr int kMenuWidth = 360;
 constexpr int kSeparatorHeight = 9;
 /// Of a row, within the list's own; kStyle sets them.
 constexpr int kListPadding = 4;
@@ -35,7 +33,7 @@ const QString kStyle = QStringLiteral("QListView { activate-on-singleclick: 1; p
                                       "QListView::item { padding: 4px 8px; }");
 
 /// What is well is said in a sentence; what is not, with what to do.
-QString textOf(const StateSentence& sentence) {
+QString stateText(const StateSentence& sentence) {
     using Level = StateSentence::Level;
     const QString text = QStringLiteral("%1: %2").arg(titleOf(sentence.part), sentence.text);
     const bool isAmiss = sentence.level == Level::warning || sentence.level == Level::error;
@@ -44,12 +42,12 @@ QString textOf(const StateSentence& sentence) {
 
 /// The room that a sentence has beside a list's scroll bar.
 int sentenceWidth(const QListWidget& list) {
-    return kWidth - 2 * (kListPadding + kRowPaddingBeside) -
+    return kMenuWidth - 2 * (kListPadding + kRowPaddingBeside) -
            list.style()->pixelMetric(QStyle::PM_ScrollBarExtent);
 }
 
 void showSentence(const StateSentence& sentence, QListWidgetItem& item, QLabel& label) {
-    label.setText(textOf(sentence));
+    label.setText(stateText(sentence));
     label.setToolTip(toolTipForTitle(sentence.hint));
     item.setData(Qt::AccessibleTextRole, label.text());
     const int textHeight = label.heightForWidth(sentenceWidth(*item.listWidget()));
@@ -106,8 +104,7 @@ void MenuWindow::fitRows() {
     }
     layout()->activate();
     const int around = list_.height() - list_.viewport()->height();
-    const int mostHeight =
-        static_cast<int>(screen()->availableGeometry().height() * kMostOfScreen) - around;
+    const int mostHeight = mostHeightOnScreen(*this) - around;
     int height = 0;
     for (int row = 0; row < list_.count(); ++row) {
         const int rowHeight = list_.sizeHintForRow(row);
@@ -117,7 +114,7 @@ void MenuWindow::fitRows() {
         height += rowHeight;
     }
     // Few rows in small letters take less room than a window must have.
-    const QSize fitting = QSize(kWidth, height + around).expandedTo(minimumSizeHint());
+    const QSize fitting = QSize(kMenuWidth, height + around).expandedTo(minimumSizeHint());
     fittedSizes_.append(fitting);
     if (fittedSizes_.size() > kFittedSizesRemembered) {
         fittedSizes_.removeFirst();
