@@ -11,7 +11,7 @@ namespace navrel {
 
 namespace {
 
-constexpr char kVariable[] = "NAVREL_BROWSER";
+constexpr char kBrowserVariable[] = "NAVREL_BROWSER";
 const QString kModeKey = QStringLiteral("browserAccess");
 const QString kPortKey = QStringLiteral("browserPort");
 const QString kPlainHTTPKey = QStringLiteral("browserPlainHTTP");
@@ -55,7 +55,7 @@ void readPreferences(const UserDefaults& defaults, AccessSettings& settings) {
 }
 
 void readEnvironment(AccessSettings& settings) {
-    const QString text = qEnvironmentVariable(kVariable);
+    const QString text = qEnvironmentVariable(kBrowserVariable);
     if (text.isEmpty()) {
         return;
     }
@@ -63,7 +63,7 @@ void readEnvironment(AccessSettings& settings) {
     const auto mode = accessModeFromText(text.left(colon).toStdString());
     const auto port = colon < 0 ? settings.port : portIn(text.mid(colon + 1));
     if (!mode || !port) {
-        return ignore(QLatin1String(kVariable), text);
+        return ignore(QLatin1String(kBrowserVariable), text);
     }
     settings.mode = *mode;
     settings.port = *port;

@@ -11,7 +11,7 @@ namespace navrel {
 
 namespace {
 
-constexpr std::chrono::milliseconds kInterval{500};
+constexpr std::chrono::milliseconds kEmacsInterval{500};
 
 } // namespace
 
@@ -40,7 +40,7 @@ EmacsFollower::EmacsFollower(RunningEditor::PlaceObserver observer)
     client_.setStandardErrorFile(QProcess::nullDevice());
     QObject::connect(&client_, &QProcess::finished, &timer_, [this] { hear(); });
     QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { ask(); });
-    timer_.start(kInterval);
+    timer_.start(kEmacsInterval);
     ask();
 }
 

@@ -15,7 +15,7 @@ namespace {
 using KateOutcome = KateReading::Outcome;
 
 const QByteArray kKate = "Kate";
-constexpr std::chrono::milliseconds kInterval{500};
+constexpr std::chrono::milliseconds kKateInterval{500};
 
 EditorPlace placeOf(const KateWindow& window) {
     return {window.file, 0, 0, window.isModified};
@@ -35,7 +35,7 @@ struct KateEditor::Following {
         }
         // Only the main thread destroys it, with the timer in it.
         self->questions->async([bus = self->bus, weak = std::weak_ptr(self)] {
-            const KateReading reading = readKateWindow(bus, QDeadlineTimer(kInterval));
+            const KateReading reading = readKateWindow(bus, QDeadlineTimer(kKateInterval));
             DispatchQueue::mainQueue()->async([weak, reading] {
                 if (const auto following = weak.lock()) {
                     following->hear(reading);
@@ -140,7 +140,7 @@ void KateEditor::follow(PlaceObserver observer) {
                              Following::ask(following);
                          }
                      });
-    following_->timer.start(kInterval);
+    following_->timer.start(kKateInterval);
     Following::ask(following_);
 }
 

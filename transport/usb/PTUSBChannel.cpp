@@ -14,7 +14,6 @@ namespace navrel {
 
 namespace {
 
-const QString kMessageType = QStringLiteral("MessageType");
 const QString kNumber = QStringLiteral("Number");
 
 } // namespace

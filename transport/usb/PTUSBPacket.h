@@ -36,6 +36,8 @@ constexpr size_t kPTUSBPacketSizeWordSize = 4;
 constexpr quint32 kPTUSBPacketProtocolPlist = 1;
 constexpr quint32 kPTUSBPacketTypePlist = 8;
 constexpr quint32 kPTUSBBroadcastTag = 0;
+/// The key of every message's type.
+inline const QString kMessageType = QStringLiteral("MessageType");
 
 /// Real packets take one or two kilobytes. An announced size beyond this is not waited for.
 constexpr quint32 kMaxPTUSBPacketSize = 1024 * 1024;

@@ -19,7 +19,6 @@ constexpr qsizetype kMostWaitingBytes = kMaxPTUSBPacketSize;
 /// but not remembered.
 constexpr size_t kMostAttachedDevices = 4096;
 
-const QString kMessageType = QStringLiteral("MessageType");
 const QString kDeviceID = QStringLiteral("DeviceID");
 const QString kDetached = QStringLiteral("Detached");
 
