@@ -22,6 +22,7 @@ void checkRequestFor(const EditorPlace& place) {
     const QJsonObject request = QJsonDocument::fromJson(line).object();
     NAVREL_ASSERT(request.value(QStringLiteral("open")).toString().toUtf8() == place.path);
     NAVREL_ASSERT(request.value(QStringLiteral("line")).toInt() == place.line);
+    NAVREL_ASSERT(request.value(QStringLiteral("column")).toInt() == place.column);
 }
 
 void check(const QByteArray& line) {
