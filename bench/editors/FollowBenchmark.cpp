@@ -3,8 +3,8 @@
 //
 // usage: bench_editors [EDITOR...]
 
-#include "bench/Ratio.h"
 #include "bench/editors/EditorTerminal.h"
+#include "bench/editors/Latencies.h"
 #include "editors/FollowedEditor.h"
 #include "editors/emacs/EmacsEditor.h"
 #include "editors/hooks/HookSocket.h"
@@ -30,7 +30,6 @@ namespace navrel::bench {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-using Milliseconds = std::chrono::duration<double, std::milli>;
 
 constexpr int kMoves = 200;
 constexpr int kLines = 400;
@@ -58,29 +57,6 @@ void writeFile(const QByteArray& path) {
         text += lineText(line) + '\n';
     }
     ScratchEnvironment::write(path, text);
-}
-
-void pauseFor(std::chrono::milliseconds pause) {
-    const QDeadlineTimer end(pause);
-    waitUntil([&] { return end.hasExpired(); });
-}
-
-void report(const QString& name, const char* what, std::vector<double> values, double goal) {
-    if (values.empty()) {
-        std::printf("LATENCY | %s | %s | none was measured\n", qPrintable(name), what);
-        return;
-    }
-    std::sort(values.begin(), values.end());
-    const auto at = [&](double share) {
-        return values[static_cast<std::size_t>(double(values.size() - 1) * share)];
-    };
-    std::printf("LATENCY | %s | %s | %zu | median %.1f ms | 95 %% %.1f ms | worst %.1f ms\n",
-                qPrintable(name), what, values.size(), at(0.5), at(0.95), values.back());
-    if (goal > 0) {
-        printRatio(name.toStdString() + ": " + what + ", median, in " +
-                       std::to_string(static_cast<int>(goal)) + " ms",
-                   at(0.5) / goal, 1);
-    }
 }
 
 class Measurement {
@@ -122,7 +98,7 @@ public:
                 ++missed;
             }
         }
-        report(name_, "key to client", latencies, 100);
+        reportLatencies(name_, "key to client", latencies, 100);
         reportMissed(missed);
     }
 
@@ -142,8 +118,10 @@ public:
                 [kind](const EditorOutcome& outcome) { *kind = static_cast<int>(outcome.kind); });
             waitUntil([&] { return *kind >= 0; });
             const double answer = Milliseconds(Clock::now() - begin).count();
-            const bool isDrawn = waitUntil([&] { return terminal_->hasDrawn(lineText(line)); },
-                                           std::chrono::seconds(1));
+            // The cell under the cursor is drawn in another colour than the selection.
+            const QByteArray drawn = lineText(line).mid(1);
+            const bool isDrawn =
+                waitUntil([&] { return terminal_->hasDrawn(drawn); }, std::chrono::seconds(1));
             const double screen = Milliseconds(Clock::now() - begin).count();
             if (*kind != static_cast<int>(EditorOutcome::Kind::opened)) {
                 ++missed;
@@ -154,8 +132,8 @@ public:
                 screens.push_back(screen);
             }
         }
-        report(name_, "tap to answer", answers, 0);
-        report(name_, "tap to screen", screens, 100);
+        reportLatencies(name_, "tap to answer", answers, 0);
+        reportLatencies(name_, "tap to screen", screens, 100);
         reportMissed(missed);
     }
 
