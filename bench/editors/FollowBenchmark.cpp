@@ -46,7 +46,8 @@ struct Subject {
     QByteArray leave; ///< keys that end a selection
 };
 
-/// A file whose lines differ from each other everywhere, so that each is drawn in one piece.
+/// A file whose lines differ from each other everywhere and have no syntax, so that each is drawn
+/// in one piece.
 QByteArray lineText(int line) {
     return QByteArray::number(line * 7919 % 9973) + "-row" + QByteArray::number(line);
 }
@@ -62,8 +63,8 @@ void writeFile(const QByteArray& path) {
 class Measurement {
 public:
     Measurement(QString name, const Subject& subject)
-        : name_(std::move(name)), subject_(subject), file_(environment_.bytesOf("work/a.m")),
-          other_(environment_.bytesOf("work/b.m")) {
+        : name_(std::move(name)), subject_(subject), file_(environment_.bytesOf("work/a.txt")),
+          other_(environment_.bytesOf("work/b.txt")) {
         writeFile(file_);
         writeFile(other_);
         editor_ = std::make_unique<FollowedEditor>(
