@@ -2,19 +2,16 @@
 
 #include "protocol/CompanionProtocol.h"
 #include "support/propertylist/PropertyList.h"
-
-#include <QtEndian>
+#include "support/sockets/IPv4Socket.h"
+#include "support/sockets/NonBlockingSocket.h"
+#include "transport/frames/PTFrame.h"
+#include "transport/frames/PTProtocol.h"
 
 #include <algorithm>
-#include <arpa/inet.h>
 #include <array>
 #include <cerrno>
-#include <fcntl.h>
-#include <netinet/in.h>
-#include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
-#include <unistd.h>
 #include <utility>
 
 namespace navrel {
@@ -24,10 +21,7 @@ namespace {
 using std::chrono::milliseconds;
 using Steady = std::chrono::steady_clock;
 
-constexpr quint32 kProtocolVersion = 1;
-constexpr qsizetype kHeaderLength = 16;
-/// The longest payload that either end takes.
-constexpr quint32 kLongestPayload = 64 * 1024 * 1024;
+constexpr qsizetype kHeaderSize = kPTFrameHeaderSize;
 constexpr std::size_t kReadLength = 64 * 1024;
 
 constexpr qint64 kUnknownUser = -1;
@@ -47,11 +41,6 @@ milliseconds until(Steady::time_point deadline) {
     return std::clamp<milliseconds>(left, milliseconds(0), kLongestTurn);
 }
 
-bool setNonBlocking(int descriptor) {
-    return ::fcntl(descriptor, F_SETFL, ::fcntl(descriptor, F_GETFL) | O_NONBLOCK) == 0 &&
-           ::fcntl(descriptor, F_SETFD, FD_CLOEXEC) == 0;
-}
-
 bool wouldBlock(int error) {
     return error == EAGAIN || error == EWOULDBLOCK || error == EINTR;
 }
@@ -65,21 +54,8 @@ WireLink::~WireLink() {
 }
 
 std::optional<Error> WireLink::listen(quint16 port) {
-    OwnedDescriptor descriptor(::socket(AF_INET, SOCK_STREAM, 0));
-    sockaddr_in address = {};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(port);
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    const int isOn = 1;
-    if (!descriptor.isValid() || !setNonBlocking(descriptor.value()) ||
-        ::setsockopt(descriptor.value(), SOL_SOCKET, SO_REUSEADDR, &isOn, sizeof isOn) != 0 ||
-        ::bind(descriptor.value(), reinterpret_cast<const sockaddr*>(&address), sizeof address) !=
-            0 ||
-        ::listen(descriptor.value(), SOMAXCONN) != 0) {
-        return Error::posix(errno);
-    }
-    listener_ = std::move(descriptor);
-    return std::nullopt;
+    listener_ = makeListeningSocket(IPv4SocketAddress(port, INADDR_LOOPBACK));
+    return listener_.isValid() ? std::nullopt : std::optional(Error::posix(errno));
 }
 
 void WireLink::stop() {
@@ -112,17 +88,14 @@ void WireLink::sendFrame(quint32 type, quint32 tag, const QVariantMap& payload) 
     const QByteArray bytes = payload.isEmpty()
                                  ? QByteArray()
                                  : binaryDataWithPropertyList(payload).value_or(QByteArray());
-    for (const quint32 word : {kProtocolVersion, type, tag, static_cast<quint32>(bytes.size())}) {
-        const quint32 sent = qToBigEndian(word);
-        unsent_.append(reinterpret_cast<const char*>(&sent), sizeof sent);
-    }
+    const auto header = encodedFrameHeader({type, tag, static_cast<quint32>(bytes.size())});
+    unsent_.append(header.data(), kHeaderSize);
     unsent_.append(bytes);
 }
 
 void WireLink::flush() {
     while (isConnected() && !unsent_.isEmpty()) {
-        const ssize_t count = ::send(connection_.value(), unsent_.constData(),
-                                     static_cast<std::size_t>(unsent_.size()), MSG_NOSIGNAL);
+        const ssize_t count = sendWithoutWaiting(connection_.value(), unsent_);
         if (count < 0) {
             return wouldBlock(errno) ? void() : disconnect();
         }
@@ -151,13 +124,14 @@ bool WireLink::turn(milliseconds atMost, int otherDescriptor) {
 }
 
 void WireLink::accept() {
-    OwnedDescriptor descriptor(::accept(listener_.value(), nullptr, nullptr));
-    if (!descriptor.isValid() || !setNonBlocking(descriptor.value()) ||
+    sockaddr_in address = {};
+    socklen_t length = 0;
+    OwnedDescriptor descriptor = acceptConnection(listener_.value(), address, length);
+    if (!descriptor.isValid() || !makeNonBlocking(descriptor.value()) ||
         !isTrusted(descriptor.value())) {
         return;
     }
-    const int isOn = 1;
-    ::setsockopt(descriptor.value(), IPPROTO_TCP, TCP_NODELAY, &isOn, sizeof isOn);
+    setConnectionOptions(descriptor.value());
     // The newest one counts, as with a device: a Navrel that is gone may not have said so yet.
     disconnect();
     connection_ = std::move(descriptor);
@@ -196,26 +170,23 @@ void WireLink::receive() {
 }
 
 bool WireLink::takeFrame() {
-    if (received_.size() < kHeaderLength) {
+    if (received_.size() < kHeaderSize) {
         return false;
     }
-    const auto word = [this](qsizetype index) {
-        return qFromBigEndian<quint32>(received_.constData() + index * 4);
-    };
-    const quint32 type = word(1);
-    const quint32 tag = word(2);
-    const quint32 length = word(3);
-    if (word(0) != kProtocolVersion || type == 0 || length > kLongestPayload) {
+    const auto header = decodedFrameHeader(received_);
+    if (!header || header->type == kPTFrameTypeEndOfStream ||
+        header->payloadSize > PTProtocol::kLargestPayload) {
         disconnect();
         return false;
     }
-    if (received_.size() - kHeaderLength < qsizetype{length}) {
+    const qsizetype size = header->payloadSize;
+    if (received_.size() - kHeaderSize < size) {
         return false;
     }
-    const QByteArray payload = received_.mid(kHeaderLength, length);
-    received_.remove(0, kHeaderLength + qsizetype{length});
-    if (type == kFrameReply) {
-        takeReply(tag, payload);
+    const QByteArray payload = received_.mid(kHeaderSize, size);
+    received_.remove(0, kHeaderSize + size);
+    if (header->type == kFrameReply) {
+        takeReply(header->tag, payload);
     }
     return true;
 }

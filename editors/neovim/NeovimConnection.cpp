@@ -1,17 +1,14 @@
 #include "editors/neovim/NeovimConnection.h"
 
+#include "support/sockets/NonBlockingSocket.h"
 #include "support/sockets/UnixPeer.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstring>
-#include <fcntl.h>
 #include <limits>
 #include <poll.h>
 #include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 namespace navrel {
 
@@ -26,58 +23,21 @@ constexpr qsizetype kResponseFields = 4;
 /// A server that writes without end must leave its caller the time to look at others.
 constexpr int kMaximumReadsAtATime = 16;
 
-#ifdef MSG_NOSIGNAL
-constexpr int kSendFlags = MSG_NOSIGNAL;
-#else
-constexpr int kSendFlags = 0;
-#endif
-
 QByteArray requestBytes(qint64 identifier, const QByteArray& method,
                         const QVariantList& arguments) {
     return messagePackOf(QVariantList{kRequest, identifier, method, QVariant(arguments)});
-}
-
-int makeSocket() {
-    const int descriptor = ::socket(AF_UNIX, SOCK_STREAM, 0);
-    if (descriptor < 0) {
-        return descriptor;
-    }
-    ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
-    ::fcntl(descriptor, F_SETFL, O_NONBLOCK);
-#ifdef SO_NOSIGPIPE
-    const int on = 1;
-    ::setsockopt(descriptor, SOL_SOCKET, SO_NOSIGPIPE, &on, sizeof on);
-#endif
-    return descriptor;
 }
 
 } // namespace
 
 std::unique_ptr<NeovimConnection> NeovimConnection::open(const QByteArray& socketPath,
                                                          bool& isOverdue) {
-    isOverdue = false;
-    sockaddr_un address = {};
-    address.sun_family = AF_UNIX;
-    if (static_cast<size_t>(socketPath.size()) >= sizeof address.sun_path ||
-        socketPath.contains('\0')) {
+    OwnedDescriptor socket = connectToUnixSocket(socketPath);
+    isOverdue = !socket.isValid() && errno == EAGAIN;
+    if (!socket.isValid() || !isPeerThisUser(socket.value())) {
         return nullptr;
     }
-    std::memcpy(address.sun_path, socketPath.constData(), static_cast<size_t>(socketPath.size()));
-    const int descriptor = makeSocket();
-    if (descriptor < 0) {
-        return nullptr;
-    }
-    std::unique_ptr<NeovimConnection> connection(new NeovimConnection(descriptor));
-    // On such sockets it succeeds at once, or the listener's queue is full: it accepts no more.
-    if (::connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
-        isOverdue = errno == EAGAIN;
-        return nullptr;
-    }
-    return isPeerThisUser(descriptor) ? std::move(connection) : nullptr;
-}
-
-NeovimConnection::~NeovimConnection() {
-    ::close(socket_);
+    return std::unique_ptr<NeovimConnection>(new NeovimConnection(std::move(socket)));
 }
 
 NeovimConnection::Reply NeovimConnection::call(const QByteArray& method,
@@ -100,9 +60,7 @@ NeovimConnection::Reply NeovimConnection::call(const QByteArray& method,
 qint64 NeovimConnection::begin(const QByteArray& method, const QVariantList& arguments) {
     const qint64 identifier = ++lastIdentifier_;
     const QByteArray bytes = requestBytes(identifier, method, arguments);
-    const ssize_t count =
-        ::send(socket_, bytes.constData(), static_cast<size_t>(bytes.size()), kSendFlags);
-    return count == bytes.size() ? identifier : 0;
+    return sendWithoutWaiting(socket_.value(), bytes) == bytes.size() ? identifier : 0;
 }
 
 std::optional<NeovimConnection::Reply> NeovimConnection::replyTo(qint64 identifier) {
@@ -110,7 +68,7 @@ std::optional<NeovimConnection::Reply> NeovimConnection::replyTo(qint64 identifi
         if (const auto reply = takeReply(identifier)) {
             return reply;
         }
-        pollfd waited = {socket_, POLLIN, 0};
+        pollfd waited = {socket_.value(), POLLIN, 0};
         if (::poll(&waited, 1, 0) <= 0) {
             return std::nullopt;
         }
@@ -122,7 +80,7 @@ std::optional<NeovimConnection::Reply> NeovimConnection::replyTo(qint64 identifi
 }
 
 bool NeovimConnection::waitFor(short event, const QDeadlineTimer& deadline) const {
-    pollfd waited = {socket_, event, 0};
+    pollfd waited = {socket_.value(), event, 0};
     while (!deadline.hasExpired()) {
         constexpr qint64 kLongest = std::numeric_limits<int>::max();
         const auto atMost = static_cast<int>(std::min(deadline.remainingTime(), kLongest));
@@ -143,8 +101,8 @@ bool NeovimConnection::send(const QByteArray& bytes, const QDeadlineTimer& deadl
         if (!waitFor(POLLOUT, deadline)) {
             return false;
         }
-        const ssize_t count = ::send(socket_, bytes.constData() + sent,
-                                     static_cast<size_t>(bytes.size() - sent), kSendFlags);
+        const ssize_t count =
+            sendWithoutWaiting(socket_.value(), QByteArrayView(bytes).sliced(sent));
         if (count < 0 && errno != EAGAIN && errno != EINTR) {
             return false;
         }
@@ -160,7 +118,7 @@ bool NeovimConnection::receive(const QDeadlineTimer& deadline) {
         return false;
     }
     std::array<char, 4096> piece;
-    const ssize_t count = ::recv(socket_, piece.data(), piece.size(), 0);
+    const ssize_t count = ::recv(socket_.value(), piece.data(), piece.size(), 0);
     if (count < 0 && (errno == EAGAIN || errno == EINTR)) {
         return true;
     }
@@ -211,7 +169,7 @@ std::optional<QVariantList> NeovimConnection::nextMessage(bool& isBroken) {
         if (reading.outcome == MessagePackReading::Outcome::Complete) {
             return reading.value.toList();
         }
-        pollfd waited = {socket_, POLLIN, 0};
+        pollfd waited = {socket_.value(), POLLIN, 0};
         const bool isInvalid = reading.outcome == MessagePackReading::Outcome::Invalid;
         if (!isInvalid && ::poll(&waited, 1, 0) <= 0) {
             return std::nullopt;

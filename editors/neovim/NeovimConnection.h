@@ -1,6 +1,7 @@
 #pragma once
 
 #include "editors/neovim/MessagePack.h"
+#include "support/files/OwnedDescriptor.h"
 
 #include <QByteArray>
 #include <QDeadlineTimer>
@@ -8,6 +9,7 @@
 
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace navrel {
 
@@ -31,7 +33,6 @@ public:
     /// `isOverdue` tells whether one was there and did not accept.
     static std::unique_ptr<NeovimConnection> open(const QByteArray& socketPath, bool& isOverdue);
 
-    ~NeovimConnection();
     NeovimConnection(const NeovimConnection&) = delete;
     NeovimConnection& operator=(const NeovimConnection&) = delete;
 
@@ -48,17 +49,17 @@ public:
     /// `isBroken` says whether the other end has closed the connection, or writes no messages.
     std::optional<QVariantList> nextMessage(bool& isBroken);
     /// To wait on, for something to read. Owned by the connection.
-    int descriptor() const { return socket_; }
+    int descriptor() const { return socket_.value(); }
 
 private:
-    explicit NeovimConnection(int socket) : socket_(socket) {}
+    explicit NeovimConnection(OwnedDescriptor socket) : socket_(std::move(socket)) {}
     bool send(const QByteArray& bytes, const QDeadlineTimer& deadline) const;
     bool receive(const QDeadlineTimer& deadline);
     bool waitFor(short event, const QDeadlineTimer& deadline) const;
     std::optional<Reply> takeReply(qint64 identifier);
     MessagePackReading takeMessage();
 
-    const int socket_; ///< owned
+    const OwnedDescriptor socket_;
     qint64 lastIdentifier_ = 0;
     QByteArray received_;
 };

@@ -1,6 +1,7 @@
 #include "support/core/Log.h"
 
-#include "support/core/LogOutput.h"
+#include "support/core/StandardError.h"
+#include "support/core/SystemLog.h"
 
 #include <QByteArray>
 

@@ -1,4 +1,5 @@
-#include "support/core/LogOutput.h"
+#include "support/core/StandardError.h"
+#include "support/core/SystemLog.h"
 
 #include <QFile>
 #include <QTemporaryDir>
