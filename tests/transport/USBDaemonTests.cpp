@@ -2,7 +2,7 @@
 #include "tests/LogRecorder.h"
 #include "tests/WaitUntil.h"
 #include "tests/transport/RawPeer.h"
-#include "transport/usb/daemon/USBDaemon.h"
+#include "transport/usb/daemon/USBDaemonSocket.h"
 
 #include <gtest/gtest.h>
 

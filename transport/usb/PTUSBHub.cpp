@@ -5,6 +5,8 @@
 #include "support/dispatch/DispatchQueue.h"
 #ifdef __linux__
 #include "transport/usb/daemon/USBDaemonKeeper.h"
+#else
+#include "transport/usb/daemon/USBDaemonSocket.h"
 #endif
 
 #include <utility>

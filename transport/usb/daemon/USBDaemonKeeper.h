@@ -2,7 +2,7 @@
 
 #include "support/core/Clock.h"
 #include "transport/usb/daemon/KeptUSBStream.h"
-#include "transport/usb/daemon/USBDaemon.h"
+#include "transport/usb/daemon/USBDaemonSocket.h"
 
 #include <QFileSystemWatcher>
 

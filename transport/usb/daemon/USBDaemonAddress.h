@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+namespace navrel {
+
+/// Where a daemon listens: a socket of the file system, or a port of a host.
+struct USBDaemonAddress {
+    QString path; ///< empty for a host and port
+    QString host; ///< a number, or a name
+    QString port;
+
+    /// Reads "UNIX:" and a path, or "host:port" ("127.0.0.1:27015", "[::1]:27015",
+    /// "localhost:27015", "mac.example:27015"); nothing for any other text. Looks no name up.
+    static std::optional<USBDaemonAddress> fromText(const QString& text);
+
+    /// The one that USBMUXD_SOCKET_ADDRESS names; "/var/run/usbmuxd" where it is not set, or cannot
+    /// be read, which is logged.
+    static USBDaemonAddress fromEnvironment();
+};
+
+} // namespace navrel
