@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/files/OwnedDescriptor.h"
+
 #include <QString>
 
 #include <optional>
@@ -16,18 +18,15 @@ public:
     /// but a regular file of this user, means that there is none. The store's folder is made too,
     /// for the user alone; where it cannot be had, there is no store to protect.
     InstanceLock(const std::optional<QString>& sessionFile, const QString& storeFolder);
-    ~InstanceLock();
-    InstanceLock(const InstanceLock&) = delete;
-    InstanceLock& operator=(const InstanceLock&) = delete;
 
     /// Whether another process holds one of the locks.
     bool isTaken() const { return isTaken_; }
 
 private:
-    void lock(int descriptor);
+    void lock(const OwnedDescriptor& file);
 
-    int sessionFile_ = -1;
-    int storeFolder_ = -1;
+    OwnedDescriptor sessionFile_;
+    OwnedDescriptor storeFolder_;
     bool isTaken_ = false;
 };
 

@@ -1,11 +1,12 @@
 #include "project/FolderwiseSurvey.h"
 
 #include "support/files/FileDates.h"
+#include "support/files/OwnedDescriptor.h"
 
 #include <algorithm>
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
+#include <utility>
 
 namespace navrel {
 
@@ -28,11 +29,6 @@ constexpr int kNoFolder = -1;
 
 class FolderwiseSurvey::OpenFolders {
 public:
-    OpenFolders() = default;
-    ~OpenFolders() { closeDownTo(0); }
-    OpenFolders(const OpenFolders&) = delete;
-    OpenFolders& operator=(const OpenFolders&) = delete;
-
     /// Opens a folder in place of those that do not lead to it, until the next one is entered;
     /// `kNoFolder` where it cannot be opened. Its path must outlive this.
     int enter(const QByteArray& path) {
@@ -40,15 +36,16 @@ public:
         while (kept < open_.size() && leadsTo(*open_[kept].path, path)) {
             ++kept;
         }
-        closeDownTo(std::min(kept, kMaximumOpenFolders - 1));
+        open_.resize(std::min(kept, kMaximumOpenFolders - 1));
         if (path.isEmpty()) {
             return AT_FDCWD;
         }
         const qsizetype known = open_.empty() ? 0 : open_.back().path->size();
-        const int base = open_.empty() ? AT_FDCWD : open_.back().descriptor;
-        const int descriptor = ::openat(base, path.constData() + known, kFolderFlags);
-        if (descriptor != kNoFolder) {
-            open_.push_back({&path, descriptor});
+        const int base = open_.empty() ? AT_FDCWD : open_.back().descriptor.value();
+        OwnedDescriptor folder(::openat(base, path.constData() + known, kFolderFlags));
+        const int descriptor = folder.value();
+        if (folder.isValid()) {
+            open_.push_back({&path, std::move(folder)});
         }
         return descriptor;
     }
@@ -56,19 +53,13 @@ public:
 private:
     struct Open {
         const QByteArray* path;
-        int descriptor;
+        OwnedDescriptor descriptor;
     };
 
     /// Whether the rest of a path can be resolved from a folder above. A rest that begins with a
     /// slash, as in "/a//b/", cannot.
     static bool leadsTo(const QByteArray& folder, const QByteArray& path) {
         return path.startsWith(folder) && path.at(folder.size()) != '/';
-    }
-
-    void closeDownTo(std::size_t count) {
-        for (; open_.size() > count; open_.pop_back()) {
-            ::close(open_.back().descriptor);
-        }
     }
 
     std::vector<Open> open_;

@@ -1,6 +1,7 @@
 // Linux only: see BlindFolderWatch.cpp for other systems.
 
 #include "codemap/tree/FolderWatch.h"
+#include "support/files/OwnedDescriptor.h"
 
 #include <array>
 #include <cerrno>
@@ -27,19 +28,13 @@ public:
     InotifyFolderWatch()
         : inotify_(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC)),
           waker_(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)) {}
-    ~InotifyFolderWatch() override {
-        ::close(inotify_);
-        ::close(waker_);
-    }
-    InotifyFolderWatch(const InotifyFolderWatch&) = delete;
-    InotifyFolderWatch& operator=(const InotifyFolderWatch&) = delete;
 
     bool add(const std::string& folder) override {
         if (watches_.contains(folder)) {
             return true;
         }
-        const int watch =
-            ::inotify_add_watch(inotify_, folder.c_str(), kContent | kNames | kSelf | IN_ONLYDIR);
+        const int watch = ::inotify_add_watch(inotify_.value(), folder.c_str(),
+                                              kContent | kNames | kSelf | IN_ONLYDIR);
         if (watch < 0) {
             // What is not there is noticed through the folder that it is to be in.
             return errno == ENOENT || errno == ENOTDIR || errno == EACCES || errno == ELOOP ||
@@ -59,23 +54,24 @@ public:
         std::vector<std::string>& sharing = folders_[found->second];
         std::erase(sharing, folder);
         if (sharing.empty()) {
-            ::inotify_rm_watch(inotify_, found->second);
+            ::inotify_rm_watch(inotify_.value(), found->second);
             folders_.erase(found->second);
         }
         watches_.erase(found);
     }
 
     std::vector<FolderEvent> wait(std::chrono::milliseconds timeout) override {
-        std::array<struct pollfd, 2> descriptors{{{inotify_, POLLIN, 0}, {waker_, POLLIN, 0}}};
+        std::array<struct pollfd, 2> descriptors{
+            {{inotify_.value(), POLLIN, 0}, {waker_.value(), POLLIN, 0}}};
         ::poll(descriptors.data(), descriptors.size(), static_cast<int>(timeout.count()));
         std::uint64_t count = 0;
-        [[maybe_unused]] const ssize_t ignored = ::read(waker_, &count, sizeof count);
+        [[maybe_unused]] const ssize_t ignored = ::read(waker_.value(), &count, sizeof count);
         return readEvents();
     }
 
     void wake() override {
         const std::uint64_t one = 1;
-        [[maybe_unused]] const ssize_t ignored = ::write(waker_, &one, sizeof one);
+        [[maybe_unused]] const ssize_t ignored = ::write(waker_.value(), &one, sizeof one);
     }
 
 private:
@@ -83,7 +79,7 @@ private:
         std::vector<FolderEvent> events;
         alignas(struct inotify_event) std::array<char, kBufferSize> buffer;
         for (;;) {
-            const ssize_t size = ::read(inotify_, buffer.data(), buffer.size());
+            const ssize_t size = ::read(inotify_.value(), buffer.data(), buffer.size());
             if (size <= 0) {
                 return events;
             }
@@ -125,8 +121,8 @@ private:
         }
     }
 
-    int inotify_;
-    int waker_;
+    OwnedDescriptor inotify_;
+    OwnedDescriptor waker_;
     std::unordered_map<std::string, int> watches_;
     std::unordered_map<int, std::vector<std::string>> folders_;
 };

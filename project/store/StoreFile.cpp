@@ -3,6 +3,7 @@
 #include "project/store/ManagedObjectModel.h"
 #include "project/store/StoreFolder.h"
 #include "support/core/Assertion.h"
+#include "support/files/OwnedDescriptor.h"
 
 #include <QByteArrayList>
 
@@ -12,7 +13,6 @@
 #include <fcntl.h>
 #include <limits>
 #include <sys/stat.h>
-#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -87,11 +87,10 @@ std::optional<Error> checkFileKind(const QByteArray& path, qint64 maximumSize) {
 /// umask. Its journals have those of the file. What fails here fails when SQLite opens the file.
 void makeForUserAlone(const QByteArray& path) {
     constexpr mode_t kReadAndWrite = S_IRUSR | S_IWUSR;
-    const int file =
-        ::open(path.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kReadAndWrite);
-    if (file >= 0) {
-        ::fchmod(file, kReadAndWrite); // whatever the umask left
-        ::close(file);
+    const OwnedDescriptor file(
+        ::open(path.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kReadAndWrite));
+    if (file.isValid()) {
+        ::fchmod(file.value(), kReadAndWrite); // whatever the umask left
     }
 }
 

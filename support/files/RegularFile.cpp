@@ -10,8 +10,6 @@ namespace navrel {
 
 namespace {
 
-constexpr int kNoDescriptor = -1;
-
 // The bytes read beyond the size at opening, to notice that the file has grown.
 constexpr qsizetype kReadAhead = 4096;
 
@@ -31,17 +29,12 @@ std::optional<RegularFile> RegularFile::open(const QByteArray& path) {
         return std::nullopt;
     }
     // Without O_NONBLOCK, opening a named pipe would wait for a writer.
-    const int descriptor = ::open(path.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
-    if (descriptor == kNoDescriptor) {
-        return std::nullopt;
-    }
-    RegularFile file(descriptor, 0);
+    OwnedDescriptor file(::open(path.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
     struct stat status = {};
-    if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) {
+    if (!file.isValid() || ::fstat(file.value(), &status) != 0 || !S_ISREG(status.st_mode)) {
         return std::nullopt;
     }
-    file.size_ = static_cast<quint64>(status.st_size);
-    return file;
+    return RegularFile(std::move(file), static_cast<quint64>(status.st_size));
 }
 
 std::optional<QByteArray> RegularFile::content(const QByteArray& path, qsizetype atMost) {
@@ -49,18 +42,9 @@ std::optional<QByteArray> RegularFile::content(const QByteArray& path, qsizetype
     return file ? file->readAll(atMost) : std::nullopt;
 }
 
-RegularFile::RegularFile(RegularFile&& other) noexcept
-    : descriptor_(std::exchange(other.descriptor_, kNoDescriptor)), size_(other.size_) {}
-
-RegularFile::~RegularFile() {
-    if (descriptor_ != kNoDescriptor) {
-        ::close(descriptor_);
-    }
-}
-
 std::optional<struct stat> RegularFile::status() const {
     struct stat status = {};
-    return ::fstat(descriptor_, &status) == 0 ? std::optional(status) : std::nullopt;
+    return ::fstat(descriptor_.value(), &status) == 0 ? std::optional(status) : std::nullopt;
 }
 
 std::optional<QByteArray> RegularFile::readAll(qsizetype atMost) const {
@@ -83,7 +67,7 @@ std::optional<QByteArray> RegularFile::readAll(qsizetype atMost) const {
 qsizetype RegularFile::readAt(quint64 offset, char* buffer, qsizetype length) const {
     qsizetype total = 0;
     while (total < length) {
-        const ssize_t count = readOnce(descriptor_, offset + static_cast<quint64>(total),
+        const ssize_t count = readOnce(descriptor_.value(), offset + static_cast<quint64>(total),
                                        buffer + total, length - total);
         if (count <= 0) {
             break;

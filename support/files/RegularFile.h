@@ -1,9 +1,12 @@
 #pragma once
 
+#include "support/files/OwnedDescriptor.h"
+
 #include <QByteArray>
 
 #include <optional>
 #include <sys/stat.h>
+#include <utility>
 
 namespace navrel {
 
@@ -14,10 +17,6 @@ public:
     /// Nil where the path names no file, one that may not be read, or something that is no regular
     /// file. A path that holds a NUL byte names no file.
     static std::optional<RegularFile> open(const QByteArray& path);
-
-    RegularFile(RegularFile&& other) noexcept;
-    RegularFile& operator=(RegularFile&&) = delete;
-    ~RegularFile();
 
     /// `readAll` of the file at a path; nil where `open` gives none.
     static std::optional<QByteArray> content(const QByteArray& path, qsizetype atMost);
@@ -37,9 +36,10 @@ public:
     qsizetype readAt(quint64 offset, char* buffer, qsizetype length) const;
 
 private:
-    RegularFile(int descriptor, quint64 size) : descriptor_(descriptor), size_(size) {}
+    RegularFile(OwnedDescriptor descriptor, quint64 size)
+        : descriptor_(std::move(descriptor)), size_(size) {}
 
-    int descriptor_;
+    OwnedDescriptor descriptor_;
     quint64 size_;
 };
 
