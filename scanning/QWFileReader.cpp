@@ -1,7 +1,7 @@
 #include "scanning/QWFileReader.h"
 
-#include "scanning/LineExpressions.h"
 #include "scanning/QWAdditions.h"
+#include "scanning/ShortcutExpression.h"
 #include "scanning/SourceFindings.h"
 #include "scanning/SuperclassSearch.h"
 #include "support/text/UTF8.h"

@@ -1,12 +1,9 @@
 #pragma once
 
+#include "scanning/Keyword.h"
+
 #include <QByteArrayView>
 
-#include <algorithm>
-#include <array>
-#include <bit>
-#include <cstddef>
-#include <cstring>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -16,47 +13,6 @@
 /// further than a search for the next match may skip, so that a search over a text is linear in its
 /// length.
 namespace navrel {
-
-/// The keyword of a declaration: up to eight letters, in lower case, which mostly take one
-/// comparison.
-class Keyword {
-public:
-    explicit constexpr Keyword(std::string_view letters)
-        : letters_(letters), bytes_(padded(letters)),
-          mask_(padded(std::string_view("\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF", letters.size()))) {}
-
-    std::string_view letters() const { return letters_; }
-
-    /// Whether it stands there, letter case counting.
-    bool standsAt(const char* at, const char* end) const {
-        if (end - at < std::ptrdiff_t(sizeof(quint64))) {
-            return isPrefixOf(at, end);
-        }
-        quint64 bytes = 0;
-        std::memcpy(&bytes, at, sizeof bytes);
-        return (bytes & mask_) == bytes_;
-    }
-
-private:
-    static constexpr quint64 padded(std::string_view bytes) {
-        std::array<char, sizeof(quint64)> all{};
-        std::copy(bytes.begin(), bytes.end(), all.begin());
-        return std::bit_cast<quint64>(all);
-    }
-
-    // Short texts are most names: a call for each would take longer than this.
-    bool isPrefixOf(const char* at, const char* end) const {
-        const char* letter = letters_.data();
-        const char* const lettersEnd = letter + letters_.size();
-        for (; at < end && letter < lettersEnd && *at == *letter; ++at, ++letter) {
-        }
-        return letter == lettersEnd;
-    }
-
-    std::string_view letters_;
-    quint64 bytes_;
-    quint64 mask_;
-};
 
 /// "class *([a-z0-9]*)" and the like.
 struct DeclarationMatch {
@@ -96,21 +52,6 @@ struct SuperclassMatch {
 };
 std::optional<SuperclassMatch> matchSuperclass(const char* at, const char* end,
                                                std::string_view foldedBaseName);
-
-/// The property pattern,
-/// "(@property *\(*[a-z0-9, ]*\)*[IBOutlet ]*[a-z0-9_]*[ \*]+|@dynamic[ ]*)(.*);".
-/// Keeps what it learned of a line for the next match on it: one object a text, places in order.
-class PropertyMatcher {
-public:
-    /// Group 2; the match ends with the semicolon behind it.
-    std::optional<QByteArrayView> match(const char* at, const char* end);
-
-private:
-    const char* lastSemicolonOfLine(const char* at, const char* end);
-
-    const char* lineEnd_ = nullptr;
-    const char* lastSemicolon_ = nullptr;
-};
 
 /// The name of a method: its match without types and arguments, of each argument only the colon
 /// kept, and without blanks and terminator. Writes at most `match.size()` bytes to `name` and

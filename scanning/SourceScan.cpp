@@ -1,5 +1,6 @@
 #include "scanning/SourceScan.h"
 
+#include "scanning/PropertyMatcher.h"
 #include "scanning/RuleMatchers.h"
 #include "scanning/SuperclassSearch.h"
 #include "scanning/search/ByteScan.h"

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "scanning/LineExpressions.h"
 #include "scanning/SuperclassBudget.h"
+#include "scanning/SuperclassExpression.h"
 
 #include <QByteArray>
 #include <QByteArrayView>

@@ -1,6 +1,7 @@
 #include "bench/scanning/PlainPeer.h"
 
-#include "scanning/LineExpressions.h"
+#include "scanning/ShortcutExpression.h"
+#include "scanning/SuperclassExpression.h"
 
 #include <array>
 #include <cstdio>

@@ -1,7 +1,8 @@
 #pragma once
 
-#include "scanning/LineExpressions.h"
+#include "scanning/ShortcutExpression.h"
 #include "scanning/SourceFindings.h"
+#include "scanning/SuperclassExpression.h"
 #include "tests/scanning/plain/ScanPatterns.h"
 
 #include <optional>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "scanning/LineExpressions.h"
+#include "scanning/LinePatterns.h"
 
 namespace navrel {
 

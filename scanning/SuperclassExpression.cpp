@@ -1,29 +1,11 @@
-#include "scanning/LineExpressions.h"
+#include "scanning/SuperclassExpression.h"
 
-#include "support/core/Assertion.h"
 #include "support/text/UTF8.h"
 
 #include <utility>
 #include <variant>
 
 namespace navrel {
-
-namespace {
-
-QByteArray textOfGroup(const QString& text, const RegularExpression::Match& match,
-                       std::size_t group) {
-    const RegularExpression::Range range = match.ranges[group];
-    return QStringView(text).sliced(range.location, range.length).toUtf8();
-}
-
-} // namespace
-
-RegularExpression compiled(const ScanPattern& pattern) {
-    auto outcome = RegularExpression::compile(pattern.text, pattern.options);
-    auto* expression = std::get_if<RegularExpression>(&outcome);
-    NAVREL_ASSERT(expression != nullptr);
-    return std::move(*expression);
-}
 
 std::optional<SuperclassExpression> SuperclassExpression::forBaseName(QByteArrayView baseName,
                                                                       const ScanPattern& pattern) {
@@ -63,23 +45,6 @@ SuperclassExpression::superclassOnLine(QByteArrayView line,
         return std::nullopt;
     }
     return textOfGroup(*text, found.matches.back(), 1);
-}
-
-ShortcutExpression::ShortcutExpression(const ScanPattern& pattern)
-    : expression_(compiled(pattern)) {}
-
-std::optional<QByteArray> ShortcutExpression::shortcutOnLine(QByteArrayView line) {
-    const auto text = decodeUTF8(line);
-    if (!text) {
-        return std::nullopt;
-    }
-    std::optional<QByteArray> shortcut;
-    for (const auto& match : expression_.matchesIn(*text).matches) {
-        if (match.ranges[1].length > 0) {
-            shortcut = textOfGroup(*text, match, 1);
-        }
-    }
-    return shortcut;
 }
 
 } // namespace navrel

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "scanning/LinePatterns.h"
+
+#include <QByteArray>
+#include <QByteArrayView>
+
+#include <optional>
+
+namespace navrel {
+
+/// The shortcut pattern, by ICU. One thread at a time.
+class ShortcutExpression {
+public:
+    explicit ShortcutExpression(const ScanPattern& pattern = LinePatterns().shortcutLine);
+
+    /// The text of a line's shortcut comment: that of its last match that has any. Nil where there
+    /// is none, or the line is not UTF-8.
+    std::optional<QByteArray> shortcutOnLine(QByteArrayView line);
+
+private:
+    RegularExpression expression_;
+};
+
+} // namespace navrel
