@@ -1,7 +1,7 @@
 #pragma once
 
+#include "support/propertylist/NodeArray.h"
 #include "support/propertylist/PropertyList.h"
-#include "support/propertylist/PropertyListNode.h"
 
 #include <optional>
 #include <string>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "support/core/Error.h"
-#include "support/propertylist/PropertyListNode.h"
+#include "support/propertylist/NodeArray.h"
 
 #include <QByteArray>
 #include <QVariant>

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "support/propertylist/PropertyListLimits.h"
+#include "support/propertylist/PropertyListNode.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+// The inside of PropertyListDocument: only its readers include this.
+namespace navrel::propertylist {
+
+/// The nodes of one list: a vector that hands out the next place at the cost of one comparison, and
+/// keeps its memory from one list to the next.
+class NodeArray {
+public:
+    explicit NodeArray(std::size_t most = kMaxPropertyListNodes) : most_(most) {}
+
+    const Node& at(std::uint32_t index) const { return nodes_[index]; }
+    Node& at(std::uint32_t index) { return nodes_[index]; }
+    std::uint32_t size() const { return size_; }
+    /// How many nodes there is memory for.
+    std::size_t capacity() const { return nodes_.size(); }
+    bool isEmpty() const { return size_ == 0; }
+    void clear() { size_ = 0; }
+
+    /// False, with nothing appended, when there are as many as there may be.
+    [[nodiscard]] bool append(Node node) {
+        if (size_ == nodes_.size() && !grow()) [[unlikely]] {
+            return false;
+        }
+        nodes_[size_++] = node;
+        return true;
+    }
+
+    /// Gives memory back that is many times what the nodes take, as a far larger list before left
+    /// it.
+    void trim();
+
+private:
+    bool grow();
+
+    std::size_t most_;
+    std::vector<Node> nodes_;
+    std::uint32_t size_ = 0;
+};
+
+} // namespace navrel::propertylist
