@@ -1,6 +1,5 @@
 #include "transport/frames/PTPayload.h"
 
-#include "support/core/Assertion.h"
 #include "support/core/Error.h"
 #include "support/core/Log.h"
 #include "support/dispatch/DispatchQueue.h"
@@ -9,14 +8,6 @@
 #include <utility>
 
 namespace navrel {
-
-PTDispatchData::PTDispatchData(DispatchData contiguous) : dispatchData_(std::move(contiguous)) {
-    NAVREL_ASSERT(dispatchData_.regions().size() <= 1);
-}
-
-QByteArrayView PTDispatchData::bytes() const {
-    return {dispatchData_.bytes(), static_cast<qsizetype>(dispatchData_.size())};
-}
 
 DispatchData createReferencingDispatchData(const QByteArray& buffer) {
     // Released on the main queue: the job that does nothing holds the buffer until then.

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "support/dispatch/DispatchData.h"
+#include "transport/frames/PTDispatchData.h"
 
 #include <QByteArray>
-#include <QByteArrayView>
 #include <QVariant>
 #include <QVariantMap>
 
@@ -12,17 +11,6 @@
 namespace navrel {
 
 // Payloads of frames: byte arrays and property lists to dispatch data and back.
-
-/// A view of contiguous dispatch data that keeps the bytes alive as long as it lives.
-class PTDispatchData {
-public:
-    explicit PTDispatchData(DispatchData contiguous);
-
-    QByteArrayView bytes() const;
-
-private:
-    DispatchData dispatchData_;
-};
 
 /// Refers to the array's own bytes, without copying them; they stay alive until a job of the main
 /// queue lets go of them, after the last reference to the result has gone.
