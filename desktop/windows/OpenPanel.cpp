@@ -1,11 +1,8 @@
 #include "desktop/windows/OpenPanel.h"
 
-#include <QApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QHeaderView>
-#include <QSettings>
-#include <QStandardPaths>
 #include <QToolButton>
 #include <QTreeView>
 
@@ -17,35 +14,10 @@ namespace {
 constexpr int kDateColumn = 3;
 constexpr QSize kUsualSize{760, 480};
 
-/// Where Qt has the preferences of programs that name no other place.
-QString preferencesFolder() {
-    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
-}
-
 } // namespace
 
-bool BundleIcons::isBundle(const QFileInfo& file) const {
-    return file.isDir() && bundleTypes_.contains(file.suffix());
-}
-
-QIcon BundleIcons::icon(const QFileInfo& file) const {
-    return isBundle(file) ? QApplication::windowIcon() : QFileIconProvider::icon(file);
-}
-
-QString BundleIcons::type(const QFileInfo& file) const {
-    return isBundle(file) ? QStringLiteral("Project") : QFileIconProvider::type(file);
-}
-
-NoDialogPreferences::NoDialogPreferences() {
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, folder_.path());
-}
-
-NoDialogPreferences::~NoDialogPreferences() {
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, preferencesFolder());
-}
-
 OpenPanel::OpenPanel(const QString& title, const QStringList& bundleTypes, const QString& folder)
-    : QFileDialog(nullptr, title), bundleTypes_(bundleTypes), icons_(bundleTypes) {
+    : QFileDialog(nullptr, title), icons_(bundleTypes) {
     setFileMode(QFileDialog::Directory);
     setViewMode(QFileDialog::Detail);
     // No new folder, nothing renamed, nothing deleted.
@@ -77,13 +49,8 @@ void OpenPanel::showWholeDates() {
     }
 }
 
-bool OpenPanel::isBundle(const QString& path) const {
-    const QFileInfo file(path);
-    return file.isDir() && bundleTypes_.contains(file.suffix());
-}
-
 void OpenPanel::folderEntered(const QString& folder) {
-    if (isBundle(folder)) {
+    if (icons_.isBundle(QFileInfo(folder))) {
         setDirectory(QFileInfo(folder).path());
         selectFile(folder);
         accept();
@@ -92,7 +59,7 @@ void OpenPanel::folderEntered(const QString& folder) {
 
 void OpenPanel::accept() {
     const QString path = selectedFiles().value(0);
-    if (isBundle(path)) {
+    if (icons_.isBundle(QFileInfo(path))) {
         QFileDialog::accept();
     } else if (QFileInfo(path).isDir()) {
         setDirectory(path);

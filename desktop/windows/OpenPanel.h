@@ -1,42 +1,13 @@
 #pragma once
 
+#include "desktop/windows/BundleIcons.h"
+#include "desktop/windows/NoDialogPreferences.h"
+
 #include <QFileDialog>
-#include <QFileIconProvider>
-#include <QIcon>
 #include <QString>
 #include <QStringList>
-#include <QTemporaryDir>
 
 namespace navrel {
-
-/// Shows bundles as projects among the folders. Main thread.
-class BundleIcons final : public QFileIconProvider {
-public:
-    explicit BundleIcons(const QStringList& bundleTypes) : bundleTypes_(bundleTypes) {}
-
-    using QFileIconProvider::icon;
-    QIcon icon(const QFileInfo& file) const override;
-    QString type(const QFileInfo& file) const override;
-
-private:
-    bool isBundle(const QFileInfo& file) const;
-
-    QStringList bundleTypes_;
-};
-
-/// While one lives, Qt's dialogs keep nothing in its own preferences (QtProject.conf), and read
-/// nothing there: they would write a file that is not this program's. Main thread; preferences of
-/// the program must be open before.
-class NoDialogPreferences {
-public:
-    NoDialogPreferences();
-    ~NoDialogPreferences();
-    NoDialogPreferences(const NoDialogPreferences&) = delete;
-    NoDialogPreferences& operator=(const NoDialogPreferences&) = delete;
-
-private:
-    QTemporaryDir folder_;
-};
 
 /// Lets the user pick a bundle: a folder of one of the given types (extensions without the dot),
 /// which is picked as if it were a file and never entered. Other folders are entered, and nothing
@@ -51,11 +22,9 @@ public:
     void accept() override;
 
 private:
-    bool isBundle(const QString& path) const;
     void folderEntered(const QString& folder);
     void showWholeDates();
 
-    QStringList bundleTypes_;
     BundleIcons icons_;
 };
 
