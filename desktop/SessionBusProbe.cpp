@@ -1,28 +1,19 @@
 #include "desktop/SessionBusProbe.h"
 
-#include "support/core/Log.h"
+#include "support/sockets/NonBlockingSocket.h"
 
-#include <QDBusConnection>
 #include <QDeadlineTimer>
-#include <QUrl>
 
 #include <algorithm>
 #include <cerrno>
-#include <cstddef>
-#include <cstring>
 #include <poll.h>
 #include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 namespace navrel {
 
 namespace {
 
-constexpr char kVariable[] = "DBUS_SESSION_BUS_ADDRESS";
-/// Nobody listens there: who connects is refused at once.
-const QByteArray kNoBus = QByteArrayLiteral("unix:path=/nonexistent/bus");
-constexpr std::chrono::seconds kPatience{2};
 /// A bus says less while it greets.
 constexpr qsizetype kLongestGreeting = 4096;
 constexpr char kLittleEndian = 'l';
@@ -51,34 +42,15 @@ QByteArray socketName(const QByteArray& addresses) {
 class Stream {
 public:
     Stream(const QByteArray& name, std::chrono::milliseconds atMost) : deadline_(atMost) {
-        sockaddr_un address = {};
-        address.sun_family = AF_UNIX;
-        if (static_cast<std::size_t>(name.size()) >= sizeof address.sun_path) {
-            return;
-        }
-        std::memcpy(address.sun_path, name.constData(), static_cast<std::size_t>(name.size()));
-        const auto length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path)) +
-                            static_cast<socklen_t>(name.size());
-        socket_ = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-        isConnected_ = socket_ >= 0 &&
-                       ::connect(socket_, reinterpret_cast<const sockaddr*>(&address), length) == 0;
-        isFull_ = !isConnected_ && errno == EAGAIN;
+        socket_ = connectToUnixSocket(name);
+        isFull_ = !socket_.isValid() && errno == EAGAIN;
     }
-    ~Stream() {
-        if (socket_ >= 0) {
-            ::close(socket_);
-        }
-    }
-    Stream(const Stream&) = delete;
-    Stream& operator=(const Stream&) = delete;
 
     /// Whether more wait for the bus already than it has room for: it accepts nobody.
     bool isFull() const { return isFull_; }
 
     bool send(const QByteArray& bytes) const {
-        return isConnected_ &&
-               ::send(socket_, bytes.constData(), static_cast<std::size_t>(bytes.size()),
-                      MSG_NOSIGNAL) == bytes.size();
+        return socket_.isValid() && sendWithoutWaiting(socket_.value(), bytes) == bytes.size();
     }
 
     /// Whether the bus has let the time pass: one that ends the connection tells Qt as much.
@@ -86,14 +58,14 @@ public:
 
     /// The next bytes; none where the bus is silent, or gone.
     QByteArray receive() {
-        pollfd waiting = {socket_, POLLIN, 0};
+        pollfd waiting = {socket_.value(), POLLIN, 0};
         if (::poll(&waiting, 1, static_cast<int>(deadline_.remainingTime())) <= 0) {
             isSilent_ = true;
             return {};
         }
         QByteArray bytes(kLongestGreeting - received_, '\0');
         const ssize_t count =
-            ::recv(socket_, bytes.data(), static_cast<std::size_t>(bytes.size()), 0);
+            ::recv(socket_.value(), bytes.data(), static_cast<std::size_t>(bytes.size()), 0);
         received_ += std::max<ssize_t>(count, 0);
         return bytes.first(std::max<ssize_t>(count, 0));
     }
@@ -101,8 +73,7 @@ public:
 private:
     const QDeadlineTimer deadline_;
     qsizetype received_ = 0;
-    int socket_ = -1;
-    bool isConnected_ = false;
+    OwnedDescriptor socket_;
     bool isFull_ = false;
     bool isSilent_ = false;
 };
@@ -164,37 +135,12 @@ bool greetsOnBus(const QByteArray& address, std::chrono::milliseconds atMost) {
 }
 
 QByteArray sessionBusAddress() {
-    const QByteArray address = qgetenv(kVariable);
+    const QByteArray address = qgetenv(kSessionBusVariable);
     if (!address.isEmpty()) {
         return address;
     }
     const QByteArray folder = qgetenv("XDG_RUNTIME_DIR");
     return folder.isEmpty() ? QByteArray() : "unix:path=" + folder + "/bus";
-}
-
-SessionBusGuard::SessionBusGuard()
-    : wasSet_(qEnvironmentVariableIsSet(kVariable)), address_(qgetenv(kVariable)) {
-    const QByteArray address = sessionBusAddress();
-    if (address.isEmpty() || greetsOnBus(address, kPatience)) {
-        return;
-    }
-    hidesBus_ = true;
-    qputenv(kVariable, kNoBus);
-    log(QStringLiteral("The session bus does not answer: Navrel does without it (%1)")
-            .arg(QString::fromUtf8(address)));
-}
-
-SessionBusGuard::~SessionBusGuard() {
-    if (!hidesBus_) {
-        return;
-    }
-    // What is not connected once stays so: afterwards the environment is for other programs.
-    QDBusConnection::sessionBus();
-    if (wasSet_) {
-        qputenv(kVariable, address_);
-    } else {
-        qunsetenv(kVariable);
-    }
 }
 
 } // namespace navrel

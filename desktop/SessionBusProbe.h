@@ -15,25 +15,10 @@ namespace navrel {
 /// the first). An address of any other kind is not asked at, and counts as one that greets.
 bool greetsOnBus(const QByteArray& address, std::chrono::milliseconds atMost);
 
+/// The environment's variable for the bus's address.
+inline constexpr char kSessionBusVariable[] = "DBUS_SESSION_BUS_ADDRESS";
+
 /// The address at which programs of this session find its bus; empty where there is none.
 QByteArray sessionBusAddress();
-
-/// While one lives, a session bus that does not greet within two seconds is hidden from this
-/// process, which starts as without one, and says so in the log. Programs that it starts
-/// afterwards find the environment as it was. Main thread, before the application object is made.
-class SessionBusGuard {
-public:
-    SessionBusGuard();
-    ~SessionBusGuard();
-    SessionBusGuard(const SessionBusGuard&) = delete;
-    SessionBusGuard& operator=(const SessionBusGuard&) = delete;
-
-    bool hidesBus() const { return hidesBus_; }
-
-private:
-    bool hidesBus_ = false;
-    bool wasSet_ = false;
-    QByteArray address_;
-};
 
 } // namespace navrel

@@ -9,7 +9,7 @@
 #include "desktop/NavrelStyle.h"
 #include "desktop/QtDesktop.h"
 #include "desktop/SecondStart.h"
-#include "desktop/SessionBusProbe.h"
+#include "desktop/SessionBusGuard.h"
 #include "desktop/UserNotification.h"
 #include "desktop/browsers/BrowserService.h"
 #include "editors/EditorChoice.h"

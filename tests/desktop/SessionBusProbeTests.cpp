@@ -1,3 +1,4 @@
+#include "desktop/SessionBusGuard.h"
 #include "desktop/SessionBusProbe.h"
 #include "tests/LogRecorder.h"
 #include "tests/SessionBus.h"
