@@ -2,6 +2,7 @@
 
 #include "app/AboutPage.h"
 #include "app/Desktop.h"
+#include "app/DeviceFacts.h"
 #include "app/StatusMenu.h"
 #include "app/WebServices.h"
 #include "project/KZDataManager.h"
@@ -11,6 +12,7 @@
 #include "transport/frames/PTData.h"
 #include "transport/frames/PTPayload.h"
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -60,9 +62,9 @@ void AppDelegate::applicationDidFinishLaunching() {
     startListeningForDevices();
     enqueueConnectToLocalIPv4Port();
     Clock& clock = collaborators_.clock;
-    timers_.push_back(clock.every(kMenuInterval, [this] { createMenu(); }));
-    timers_.push_back(clock.after(kActivationDelay, [this] { activate(); }));
-    activationDue_ = clock.now() + kActivationDelay;
+    menuTimer_ = clock.every(kMenuInterval, [this] { createMenu(); });
+    // A time and not a timer, which a long pass over the project would hold up.
+    clearToSendFrom_ = std::min(clearToSendFrom_, clock.now() + kActivationDelay);
 }
 
 void AppDelegate::setMenu(StatusMenu* menu, MenuItem* versionItem) {
@@ -86,6 +88,11 @@ void AppDelegate::about() {
 
 void AppDelegate::manual() {
     webServicesOf(collaborators_).showManual();
+}
+
+void AppDelegate::addFacts(ProgramFacts& facts) const {
+    facts.device = deviceFacts(*link_);
+    facts.update = update_;
 }
 
 // The device link.
@@ -118,12 +125,7 @@ bool AppDelegate::ioFrameChannelShouldAcceptFrameOfType(const std::shared_ptr<PT
 void AppDelegate::ioFrameChannelDidReceiveFrameOfType(
     const std::shared_ptr<PTChannel>&, quint32 type, quint32 tag,
     const std::shared_ptr<const PTData>& payload) {
-    // A long pass over the project may hold the timer up, and the event loop looks at sockets
-    // first.
-    if (!clearToSend_ && activationDue_ && collaborators_.clock.now() >= *activationDue_) {
-        activate();
-    }
-    if (!clearToSend_) {
+    if (collaborators_.clock.now() < clearToSendFrom_) {
         return;
     }
     if (const auto reply =

@@ -62,7 +62,7 @@ public:
     /// the update check first, and for the user's answer to its alert.
     void applicationDidFinishLaunching();
     /// Lets device requests in, from now on.
-    void activate() { clearToSend_ = true; }
+    void activate() { clearToSendFrom_ = Clock::TimePoint::min(); }
     /// The quit entry: remembers whether automatic selection is on, then ends the program.
     void quit();
     /// The About entry: loads the page again and brings its window to the front.
@@ -83,12 +83,11 @@ public:
     /// first, is allowed for each: then there is no item, or no such entry.
     void setMenu(StatusMenu* menu, MenuItem* versionItem);
 
-    /// What the update check found; `off` before it has ended.
-    const ProgramFacts::Update& update() const { return update_; }
+    /// Says what is the case with the device, and what the update check found; asks nobody.
+    void addFacts(ProgramFacts& facts) const;
 
     // The device link.
 
-    const DeviceLink& deviceLink() const { return *link_; }
     void startListeningForDevices() { link_->startListeningForDevices(); }
     void enqueueConnectToUSBDevice() { link_->enqueueConnectToUSBDevice(); }
     void enqueueConnectToLocalIPv4Port() { link_->enqueueConnectToLocalIPv4Port(); }
@@ -126,9 +125,8 @@ private:
     ShortcutMenu shortcutMenu_;
     MenuItem* versionItem_ = nullptr;
     std::shared_ptr<DeviceLink> link_;
-    std::vector<std::unique_ptr<ScheduledCall>> timers_;
-    bool clearToSend_ = false;
-    std::optional<Clock::TimePoint> activationDue_; ///< its timer may come late
+    std::unique_ptr<ScheduledCall> menuTimer_;
+    Clock::TimePoint clearToSendFrom_ = Clock::TimePoint::max();
 };
 
 } // namespace navrel

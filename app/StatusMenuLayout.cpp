@@ -32,7 +32,7 @@ void layOutStatusMenu(StatusMenu& menu, AppDelegate& delegate, KZDataManager& da
         &menu.addText(kCurrentProjectTag, QStringLiteral("Current project: none")));
     menu.addAction(kChooseProjectTag, QStringLiteral("Choose Project…"),
                    [&dataManager] { dataManager.open(); });
-    // The plain setter, as a person may well turn on what the program itself only turns off. The
+    // The plain setter, as a user may well turn on what the program itself only turns off. The
     // preference is written when the program is quit through the menu.
     dataManager.setAutomaticProjectSelectionItem(&menu.addSwitch(
         kAutomaticSelectionTag, QStringLiteral("Select Project Automatically"), [&dataManager] {

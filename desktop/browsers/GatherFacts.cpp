@@ -1,7 +1,6 @@
 #include "desktop/browsers/GatherFacts.h"
 
 #include "app/AppDelegate.h"
-#include "app/DeviceFacts.h"
 #include "app/EditorFacts.h"
 #include "project/Editor.h"
 #include "project/KZDataManager.h"
@@ -106,13 +105,12 @@ ProgramFacts::Browsers browserFacts(const AccessSettings& settings, const Access
 ProgramFacts gatherFacts(const FactSources& sources) {
     ProgramFacts facts;
     facts.project = projectOf(sources);
-    facts.device = deviceFacts(sources.delegate.deviceLink());
+    sources.delegate.addFacts(facts);
     facts.editor = editorFacts(sources.editor, sources.isEditorFollowed ||
                                                    sources.dataManager.automaticProjectSelection());
     facts.browsers = browserFacts(sources.settings, sources.access, sources.devices);
     facts.codeMap = codeMapOf(sources.snapshot);
     facts.codeMap.isWatched = sources.isMapWatching;
-    facts.update = sources.delegate.update();
     return facts;
 }
 

@@ -9,8 +9,6 @@
 #include "transport/usb/PTUSBHub.h"
 #include "transport/usb/daemon/USBDaemonKeeper.h"
 
-#include <limits>
-
 namespace navrel {
 namespace {
 
@@ -33,7 +31,11 @@ protected:
         hub_->listenOnQueue(DispatchQueue::mainQueue(), nullptr, nullptr);
     }
 
-    QString sentence() const { return sentenceOf(deviceFacts(delegate_->deviceLink())).text; }
+    QString sentence() const {
+        ProgramFacts facts;
+        delegate_->addFacts(facts);
+        return sentenceOf(facts.device).text;
+    }
     [[nodiscard]] bool waitForSentence(const char* expected) {
         return waitWhileTimePasses([&] { return sentence() == QString::fromUtf8(expected); });
     }
@@ -78,13 +80,6 @@ TEST_F(DeviceFactsTest, nameTheUserWhoIsInTheCompanionsPlace) {
     EXPECT_TRUE(waitForSentence("Port 2345 of this machine belongs to another user (daemon), who "
                                 "is not shown your project."))
         << qUtf8Printable(sentence());
-}
-
-TEST(UserNames, areTheSystemsOrElseTheNumber) {
-    EXPECT_EQ(nameOfUser(0), QStringLiteral("root"));
-    constexpr qint64 kNobodys = std::numeric_limits<quint32>::max() - 7;
-    EXPECT_EQ(nameOfUser(kNobodys), QString::number(kNobodys));
-    EXPECT_EQ(nameOfUser(-1), QString());
 }
 
 class EditorInHand final : public Editor {

@@ -22,6 +22,7 @@ protected:
         write("Two.m", "\n\n// navrel: Third\n");
         launchUnconnected();
         layOutStatusMenu(menu_, *delegate_, *manager_, [this] { ++deviceWindows_; });
+        menu_.setState([this] { return state_; });
     }
 
     void write(const char* name, const QByteArray& text) const {
@@ -52,6 +53,7 @@ protected:
 
     StatusMenu menu_;
     int deviceWindows_ = 0;
+    std::vector<StateSentence> state_;
 };
 
 const QString kFirst = QStringLiteral("First_of & \"all\"");
@@ -198,6 +200,16 @@ TEST_F(ShellTest, theAutomaticEntryTurnsSelectionOnAndOffWithoutWritingThePrefer
 TEST_F(ShellTest, phoneOrTabletOpensTheWindowOfDevices) {
     choose(9);
     EXPECT_EQ(deviceWindows_, 1);
+}
+
+TEST_F(ShellTest, theAboutEntryShowsHowTheProgramStandsNow) {
+    state_ = {{StateSentence::Part::editor,
+               StateSentence::Level::idle,
+               QStringLiteral("No editor answers."),
+               {}}};
+    choose(6);
+    ASSERT_EQ(desktop_.aboutPages.size(), 1);
+    EXPECT_TRUE(desktop_.aboutPages.at(0).contains(QStringLiteral("No editor answers.")));
 }
 
 TEST_F(ShellTest, theQuitEntryStoresAutomaticSelectionAndEndsTheProgram) {

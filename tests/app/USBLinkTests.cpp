@@ -108,28 +108,35 @@ TEST_F(USBLinkTest, anAttachedDeviceIsReachedAndServed) {
     }
 }
 
-TEST_F(USBLinkTest, theLinksStateFollowsDeviceAndSimulator) {
+TEST_F(USBLinkTest, theStatedFactsFollowDeviceAndSimulator) {
     launchWithDaemon();
-    const auto state = [this] { return delegate_->deviceLink().state(); };
-    EXPECT_EQ(state(), LinkState::idle);
+    using State = ProgramFacts::Device::State;
+    const auto device = [this] {
+        ProgramFacts facts;
+        delegate_->addFacts(facts);
+        return facts.device;
+    };
+    EXPECT_EQ(device().state, State::absent);
     daemon_.connectAnswer = 3;
     daemon_.attach(7);
     ASSERT_TRUE(waitUntil([&] { return connects() == 1; }));
-    EXPECT_EQ(state(), LinkState::reachingDevice);
+    EXPECT_EQ(device().state, State::silent);
     TestDevice simulator;
     ASSERT_TRUE(simulator.listen());
     ASSERT_TRUE(waitForReconnection(simulator));
     ASSERT_TRUE(waitUntil([&] { return isConnected(); }));
-    EXPECT_EQ(state(), LinkState::connectedToSimulator);
+    EXPECT_EQ(device().state, State::connected);
+    EXPECT_TRUE(device().isSimulator);
 
     simulator.stopListening();
     daemon_.connectAnswer = 0;
     simulator.disconnect();
     ASSERT_TRUE(waitForDevice());
-    EXPECT_EQ(state(), LinkState::connectedToDevice);
+    EXPECT_EQ(device().state, State::connected);
+    EXPECT_FALSE(device().isSimulator);
     daemon_.detach(7);
     ASSERT_TRUE(waitUntil([&] { return !isConnected(); }));
-    EXPECT_EQ(state(), LinkState::idle);
+    EXPECT_EQ(device().state, State::absent);
 }
 
 TEST_F(USBLinkTest, aRequestInTheSamePieceAsTheDaemonsReplyIsAnswered) {
