@@ -8,6 +8,7 @@
 #include "project/KZDataManager.h"
 #include "protocol/CompanionProtocol.h"
 #include "support/core/Log.h"
+#include "support/core/MainThread.h"
 #include "support/core/UserDefaults.h"
 #include "transport/frames/PTData.h"
 #include "transport/frames/PTPayload.h"
@@ -52,6 +53,7 @@ AppDelegate::AppDelegate(Collaborators collaborators)
 // The shell.
 
 void AppDelegate::applicationDidFinishLaunching() {
+    NAVREL_ASSERT_MAIN_THREAD();
     update_ = webServicesOf(collaborators_).checkForUpdate();
     if (versionItem_ != nullptr) {
         versionItem_->setTitle(QStringLiteral("Navrel (v%1)").arg(collaborators_.version));
@@ -73,12 +75,14 @@ void AppDelegate::setMenu(StatusMenu* menu, MenuItem* versionItem) {
 }
 
 void AppDelegate::quit() {
+    NAVREL_ASSERT_MAIN_THREAD();
     collaborators_.userDefaults.setBool(QStringLiteral("automaticProjectSelection"),
                                         collaborators_.dataManager.automaticProjectSelection());
     collaborators_.desktop.terminate();
 }
 
 void AppDelegate::about() {
+    NAVREL_ASSERT_MAIN_THREAD();
     const StatusMenu* const menu = shortcutMenu_.menu();
     collaborators_.desktop.showAboutWindow(aboutPage(
         {collaborators_.version, collaborators_.dataManager.applicationDocumentsDirectory(),
@@ -107,6 +111,7 @@ void AppDelegate::didDisconnectFromDevice(const DeviceID& deviceID) {
 
 void AppDelegate::ioFrameChannelDidEndWithError(const std::shared_ptr<PTChannel>& channel,
                                                 const std::optional<Error>&) {
+    NAVREL_ASSERT_MAIN_THREAD();
     link_->channelDidEnd(channel);
 }
 
@@ -125,6 +130,7 @@ bool AppDelegate::ioFrameChannelShouldAcceptFrameOfType(const std::shared_ptr<PT
 void AppDelegate::ioFrameChannelDidReceiveFrameOfType(
     const std::shared_ptr<PTChannel>&, quint32 type, quint32 tag,
     const std::shared_ptr<const PTData>& payload) {
+    NAVREL_ASSERT_MAIN_THREAD();
     if (collaborators_.clock.now() < clearToSendFrom_) {
         return;
     }
@@ -135,6 +141,7 @@ void AppDelegate::ioFrameChannelDidReceiveFrameOfType(
 }
 
 void AppDelegate::sendContent(const QVariantMap& content, quint32 tag) {
+    NAVREL_ASSERT_MAIN_THREAD();
     if (connectedChannel() == nullptr) {
         return;
     }

@@ -5,6 +5,7 @@
 #include "project/KZDataManager.h"
 #include "protocol/CompanionProtocol.h"
 #include "support/core/Log.h"
+#include "support/core/MainThread.h"
 #include "support/propertylist/PropertyList.h"
 #include "support/text/FilePath.h"
 #include "transport/frames/PTFrame.h"
@@ -194,6 +195,7 @@ bool CommandService::accepts(quint32 type) {
 }
 
 Reply CommandService::answer(quint32 type, const std::optional<DispatchData>& payload) const {
+    NAVREL_ASSERT_MAIN_THREAD();
     const Command* command = commandForType(type);
     if (command == nullptr) {
         return std::nullopt;

@@ -1,11 +1,13 @@
 #include "app/DeviceFacts.h"
 
 #include "app/DeviceLink.h"
+#include "support/core/MainThread.h"
 #include "support/process/UserName.h"
 
 namespace navrel {
 
 ProgramFacts::Device deviceFacts(const DeviceLink& link) {
+    NAVREL_ASSERT_MAIN_THREAD();
     using State = ProgramFacts::Device::State;
     ProgramFacts::Device device;
     switch (link.state()) {

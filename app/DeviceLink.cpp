@@ -2,6 +2,7 @@
 
 #include "protocol/CompanionProtocol.h"
 #include "support/core/Log.h"
+#include "support/core/MainThread.h"
 #include "support/dispatch/DispatchQueue.h"
 #include "transport/frames/PTAddress.h"
 #include "transport/usb/PTUSBPacket.h"
@@ -52,6 +53,7 @@ DeviceLink::~DeviceLink() = default;
 
 // The suspensions of the queue stay balanced, since they follow the state alone.
 void DeviceLink::happen(LinkEvent event) {
+    NAVREL_ASSERT_MAIN_THREAD();
     const bool wasConnected = isConnected(state_);
     state_ = nextLinkState(state_, event);
     if (isConnected(state_) && !wasConnected) {
@@ -64,6 +66,7 @@ void DeviceLink::happen(LinkEvent event) {
 // Devices on USB.
 
 void DeviceLink::startListeningForDevices() {
+    NAVREL_ASSERT_MAIN_THREAD();
     hub_ = world_.hub();
     auto& centre = NotificationCentre::defaultCentre();
     deviceObservers_ = {
@@ -125,6 +128,7 @@ void DeviceLink::deviceDidDetach(const QVariantMap& userInfo) {
 // that was parked while the simulator was connected to run beside the one that its end enqueues,
 // each would go on being repeated, and every simulator would leave one more behind.
 void DeviceLink::enqueueConnectToUSBDevice() {
+    NAVREL_ASSERT_MAIN_THREAD();
     usbRetry_.reset();
     if (wantedDevice_->ID()) {
         happen(LinkEvent::deviceWanted);
@@ -142,6 +146,7 @@ void DeviceLink::enqueueConnectToUSBDevice() {
 // fails, and since none is what it was for and none is wanted, it repeats until a device is
 // attached.
 void DeviceLink::connectToUSBDevice() {
+    NAVREL_ASSERT_MAIN_THREAD();
     const auto deviceID = wantedDevice_->ID();
     const auto underWay = usbAttempt_.lock();
     if (underWay && underWay->userInfo() == deviceID) {
@@ -176,6 +181,7 @@ void DeviceLink::connectedToUSBDevice(const std::shared_ptr<PTChannel>& channel,
 }
 
 void DeviceLink::didDisconnectFromDevice(const DeviceID& deviceID) {
+    NAVREL_ASSERT_MAIN_THREAD();
     log(QStringLiteral("Disconnected from device"));
     if (connectedDeviceID_ && connectedDeviceID_->value() == deviceID.value()) {
         connectedDeviceID_ = nullptr;
@@ -190,6 +196,7 @@ void DeviceLink::didDisconnectFromDevice(const DeviceID& deviceID) {
 // and the device's turn would not come however often that connection ends. With its attempt under
 // way, the device takes the simulator's place.
 void DeviceLink::enqueueConnectToLocalIPv4Port() {
+    NAVREL_ASSERT_MAIN_THREAD();
     enqueueAttempt([](DeviceLink& link) {
         if (link.waitingForDevice_ > 0) {
             return link.enqueueConnectToLocalIPv4Port();
@@ -199,6 +206,7 @@ void DeviceLink::enqueueConnectToLocalIPv4Port() {
 }
 
 void DeviceLink::connectToLocalIPv4Port() {
+    NAVREL_ASSERT_MAIN_THREAD();
     const auto channel = PTChannel::channelWithDelegate(world_.channelDelegate());
     channel->setUserInfo(
         std::make_shared<DescribedText>(QStringLiteral("127.0.0.1:%1").arg(kCompanionPort)));
@@ -254,6 +262,7 @@ void DeviceLink::enqueueAttempt(const std::function<void(DeviceLink&)>& attempt)
 }
 
 void DeviceLink::setConnectedChannel(std::shared_ptr<PTChannel> channel) {
+    NAVREL_ASSERT_MAIN_THREAD();
     connectedChannel_ = std::move(channel);
     if (connectedChannel_) {
         return happen(connectedDeviceID_ ? LinkEvent::deviceConnected
@@ -266,6 +275,7 @@ void DeviceLink::setConnectedChannel(std::shared_ptr<PTChannel> channel) {
 }
 
 void DeviceLink::disconnectFromCurrentChannel() {
+    NAVREL_ASSERT_MAIN_THREAD();
     if (connectedDeviceID_ && connectedChannel_) {
         connectedChannel_->close();
         setConnectedChannel(nullptr);
@@ -273,6 +283,7 @@ void DeviceLink::disconnectFromCurrentChannel() {
 }
 
 void DeviceLink::channelDidEnd(const std::shared_ptr<PTChannel>& channel) {
+    NAVREL_ASSERT_MAIN_THREAD();
     if (connectedDeviceID_ && isSameDevice(*connectedDeviceID_, channel->userInfo())) {
         const auto deviceID = connectedDeviceID_;
         didDisconnectFromDevice(*deviceID);

@@ -1,6 +1,7 @@
 #include "app/EditorFacts.h"
 
 #include "project/Editor.h"
+#include "support/core/MainThread.h"
 
 namespace navrel {
 
@@ -23,6 +24,7 @@ State stateOf(Editor::Presence presence) {
 } // namespace
 
 ProgramFacts::Editor editorFacts(Editor& editor, bool isAsked) {
+    NAVREL_ASSERT_MAIN_THREAD();
     ProgramFacts::Editor facts;
     facts.name = editor.name();
     if (editor.position() || !facts.name.isEmpty()) {

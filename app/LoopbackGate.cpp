@@ -2,6 +2,7 @@
 
 #include "protocol/CompanionProtocol.h"
 #include "support/core/Log.h"
+#include "support/core/MainThread.h"
 #include "transport/frames/PTChannel.h"
 #include "transport/peers/SystemLoopbackPeer.h"
 
@@ -23,6 +24,7 @@ LoopbackGate::LoopbackGate(std::function<LoopbackPeer(int socket)> peerOf)
 // A peer whose owner is not known is not served. Where it has ended the connection, nobody need be
 // refused: the connection ends as any other does, and says nothing about the next one.
 LoopbackGate::Trust LoopbackGate::trustIn(const PTChannel& channel) {
+    NAVREL_ASSERT_MAIN_THREAD();
     const auto stream = channel.dispatchChannel();
     const LoopbackPeer peer = stream ? peerOf_(stream->descriptor()) : LoopbackPeer{{}, true};
     if (isOfThisUser(peer)) {

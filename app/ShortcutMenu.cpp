@@ -3,6 +3,7 @@
 #include "app/StatusMenu.h"
 #include "project/KZDataManager.h"
 #include "protocol/CompanionProtocol.h"
+#include "support/core/MainThread.h"
 
 namespace navrel {
 
@@ -11,6 +12,7 @@ ShortcutMenu::ShortcutMenu(KZDataManager& dataManager) : dataManager_(dataManage
 // The active file is only the trigger: the entries are those of the whole project. Deliberate:
 // while the user stays in one file they stay as they are, and without an active file as well.
 void ShortcutMenu::update() {
+    NAVREL_ASSERT_MAIN_THREAD();
     const auto fileID = dataManager_.objectIDForActiveFile();
     if (fileID && fileID == activeID_) {
         return;
@@ -29,6 +31,7 @@ void ShortcutMenu::update() {
 }
 
 void ShortcutMenu::open(const MenuEntry& entry) const {
+    NAVREL_ASSERT_MAIN_THREAD();
     // Unsigned, so that the tag of a fixed entry lies beyond every list.
     const auto index = static_cast<quint32>(entry.tag()) - quint32{kFirstShortcutTag};
     if (index >= static_cast<quint32>(menuItems_.size())) {

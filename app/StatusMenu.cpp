@@ -1,6 +1,7 @@
 #include "app/StatusMenu.h"
 
 #include "support/core/Assertion.h"
+#include "support/core/MainThread.h"
 
 #include <algorithm>
 #include <utility>
@@ -32,12 +33,14 @@ void StatusMenu::addSeparator() {
 
 MenuEntry& StatusMenu::append(MenuEntry::Kind kind, int tag, const QString& title,
                               MenuEntry::Action action) {
+    NAVREL_ASSERT_MAIN_THREAD();
     entries_.push_back(std::unique_ptr<MenuEntry>(
         new MenuEntry(*this, ++lastID_, kind, tag, title, std::move(action))));
     return *entries_.back();
 }
 
 void StatusMenu::setShortcuts(const QStringList& titles, const MenuEntry::Action& action) {
+    NAVREL_ASSERT_MAIN_THREAD();
     std::erase_if(entries_, [](const auto& entry) { return entry->tag() >= kFirstShortcutTag; });
     int tag = kFirstShortcutTag;
     for (const QString& title : titles) {
@@ -80,6 +83,7 @@ const MenuEntry* StatusMenu::entryWithID(int id) const {
 }
 
 void StatusMenu::choose(int id) const {
+    NAVREL_ASSERT_MAIN_THREAD();
     const MenuEntry* entry = entryWithID(id);
     if (entry != nullptr && entry->canBeChosen()) {
         // A copy, since choosing may replace the entry.
@@ -89,10 +93,12 @@ void StatusMenu::choose(int id) const {
 }
 
 void StatusMenu::addView(StatusMenuView& view) {
+    NAVREL_ASSERT_MAIN_THREAD();
     views_.push_back(&view);
 }
 
 void StatusMenu::removeView(StatusMenuView& view) {
+    NAVREL_ASSERT_MAIN_THREAD();
     std::erase(views_, &view);
 }
 

@@ -4,6 +4,7 @@
 #include "app/TextFetch.h"
 #include "app/WebServer.h"
 #include "support/core/Log.h"
+#include "support/core/MainThread.h"
 
 #include <utility>
 
@@ -32,6 +33,7 @@ ProgramFacts::Update WebServices::updateOf(const QString& latest) const {
 }
 
 ProgramFacts::Update WebServices::checkForUpdate() const {
+    NAVREL_ASSERT_MAIN_THREAD();
     const auto latest = fetchText(addressOf(QStringLiteral("/apps/Navrel/version.txt")));
     const ProgramFacts::Update update = updateOf(latest.value_or(QString()));
     if (update.state != ProgramFacts::Update::State::other) {
@@ -48,6 +50,7 @@ ProgramFacts::Update WebServices::checkForUpdate() const {
 }
 
 void WebServices::showManual() const {
+    NAVREL_ASSERT_MAIN_THREAD();
     if (hasAddress(world_.server) || world_.installedManual.isEmpty()) {
         return openURL(
             addressOf(QStringLiteral("/apps/Navrel/Navrel-v%1.pdf").arg(world_.version)));

@@ -1,5 +1,7 @@
 #include "desktop/DisplayFailure.h"
 
+#include "support/core/MainThread.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QtGlobal>
@@ -45,10 +47,12 @@ void receive(QtMsgType type, const QMessageLogContext& context, const QString& m
 } // namespace
 
 DisplayFailure::DisplayFailure() {
+    NAVREL_ASSERT_MAIN_THREAD();
     previousHandler = qInstallMessageHandler(&receive);
 }
 
 DisplayFailure::~DisplayFailure() {
+    NAVREL_ASSERT_MAIN_THREAD();
     qInstallMessageHandler(previousHandler);
 }
 

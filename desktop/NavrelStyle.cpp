@@ -1,5 +1,7 @@
 #include "desktop/NavrelStyle.h"
 
+#include "support/core/MainThread.h"
+
 #include <QApplication>
 #include <QPainter>
 #include <QStyleOption>
@@ -100,6 +102,7 @@ void drawSwitchBox(const QStyleOption& option, QPainter& painter) {
 NavrelStyle::NavrelStyle() : QProxyStyle(kStyleOfQt) {}
 
 void NavrelStyle::install() {
+    NAVREL_ASSERT_MAIN_THREAD();
     if (QApplication::style()->name().compare(kStyleOfQt, Qt::CaseInsensitive) == 0) {
         QApplication::setStyle(new NavrelStyle);
     }

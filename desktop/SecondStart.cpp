@@ -1,6 +1,7 @@
 #include "desktop/SecondStart.h"
 
 #include "support/core/Log.h"
+#include "support/core/MainThread.h"
 
 #include <QLocalSocket>
 
@@ -16,6 +17,7 @@ constexpr int kAnswerWithin = 1000;
 } // namespace
 
 SecondStart::SecondStart(const QString& socketPath, std::function<void()> didStart) {
+    NAVREL_ASSERT_MAIN_THREAD();
     QLocalServer::removeServer(socketPath);
     server_.setSocketOptions(QLocalServer::UserAccessOption);
     QObject::connect(&server_, &QLocalServer::newConnection, &server_,

@@ -2,6 +2,7 @@
 
 #include "desktop/SessionBusProbe.h"
 #include "support/core/Log.h"
+#include "support/core/MainThread.h"
 
 #include <QDBusConnection>
 #include <QString>
@@ -31,6 +32,7 @@ SessionBusGuard::SessionBusGuard()
 }
 
 SessionBusGuard::~SessionBusGuard() {
+    NAVREL_ASSERT_MAIN_THREAD();
     if (!hidesBus_) {
         return;
     }

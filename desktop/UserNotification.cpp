@@ -1,6 +1,7 @@
 #include "desktop/UserNotification.h"
 
 #include "desktop/MenuText.h"
+#include "support/core/MainThread.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -20,6 +21,7 @@ constexpr int kDesktopsOwnTime = -1;
 } // namespace
 
 void notifyUser(const QString& summary, const QString& sentence) {
+    NAVREL_ASSERT_MAIN_THREAD();
     const QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) {
         return;

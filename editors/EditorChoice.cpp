@@ -10,6 +10,7 @@
 #include "editors/neovim/NeovimEditor.h"
 #include "editors/xcode/XcodeEditor.h"
 #include "support/core/Log.h"
+#include "support/core/MainThread.h"
 
 #include <QDBusConnection>
 #include <QFileInfo>
@@ -54,6 +55,7 @@ std::shared_ptr<Editor> detectedEditor() {
 } // namespace
 
 std::shared_ptr<Editor> chooseEditor() {
+    NAVREL_ASSERT_MAIN_THREAD();
     const QString name = qEnvironmentVariable("NAVREL_EDITOR");
     if (name == QStringLiteral("xcode")) {
         return std::make_shared<XcodeEditor>();

@@ -4,6 +4,7 @@
 #include "editors/ProjectBundle.h"
 #include "editors/RequestedPath.h"
 #include "support/core/Log.h"
+#include "support/core/MainThread.h"
 #include "support/dispatch/DispatchQueue.h"
 #include "support/text/FilePath.h"
 #include "support/text/UTF8.h"
@@ -36,6 +37,7 @@ FollowedEditor::Editors FollowedEditor::inOrder() const {
 /// The bytes of the active file's path: empty where there is none, nil where no editor answers and
 /// none that did is still there.
 std::optional<QByteArray> FollowedEditor::activeFile() {
+    NAVREL_ASSERT_MAIN_THREAD();
     const QDeadlineTimer deadline(kAnswerAtMost);
     std::optional<ActiveFile> followed;
     std::size_t left = editors_.size();
@@ -61,6 +63,7 @@ std::optional<QByteArray> FollowedEditor::activeFile() {
 }
 
 std::optional<QString> FollowedEditor::activeProjectPath() {
+    NAVREL_ASSERT_MAIN_THREAD();
     const QDeadlineTimer deadline(kQueryAtMost);
     const auto file = activeFile();
     if (!file) {
@@ -183,6 +186,7 @@ struct FollowedEditor::Jump {
 };
 
 void FollowedEditor::open(const QString& path, int line, int column, OutcomeObserver done) {
+    NAVREL_ASSERT_MAIN_THREAD();
     const auto absolutePath = requestedPath(path);
     if (!absolutePath) {
         done({EditorOutcome::Kind::refused, {}, QStringLiteral("That names no file.")});
@@ -196,6 +200,7 @@ void FollowedEditor::open(const QString& path, int line, int column, OutcomeObse
 }
 
 void FollowedEditor::back(OutcomeObserver done) {
+    NAVREL_ASSERT_MAIN_THREAD();
     const Jump jump{inOrder(), lastResort_, trail_};
     if (!enqueue([jump, done] { jump.back(done); })) {
         done({EditorOutcome::Kind::refused, {}, QStringLiteral("Too many files wait.")});
@@ -203,6 +208,7 @@ void FollowedEditor::back(OutcomeObserver done) {
 }
 
 Editor::Presence FollowedEditor::presence() {
+    NAVREL_ASSERT_MAIN_THREAD();
     if (named_ != nullptr && named_->isSuspended()) {
         return Presence::stopped;
     }
@@ -210,6 +216,7 @@ Editor::Presence FollowedEditor::presence() {
 }
 
 void FollowedEditor::onMove(MoveObserver observer) {
+    NAVREL_ASSERT_MAIN_THREAD();
     const bool wasFollowing = observer_ != nullptr;
     observer_ = std::move(observer);
     const bool isFollowing = observer_ != nullptr;

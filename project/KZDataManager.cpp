@@ -9,6 +9,7 @@
 #include "project/views/NavigatorViews.h"
 #include "project/views/ScanViews.h"
 #include "scanning/ScanningOperations.h"
+#include "support/core/MainThread.h"
 #include "support/core/UserDefaults.h"
 #include "support/text/UTF8.h"
 
@@ -27,6 +28,7 @@ const QString kSynchronizedFoldersKey = QStringLiteral("synchronizedFolders");
 } // namespace
 
 std::shared_ptr<KZDataManager> KZDataManager::init(const Collaborators& collaborators) {
+    NAVREL_ASSERT_MAIN_THREAD();
     const std::shared_ptr<KZDataManager> manager(new KZDataManager(collaborators));
     manager->weakSelf_ = manager;
     manager->selection_->restore();
@@ -153,6 +155,7 @@ void KZDataManager::updateInBackground() {
 
 /// False where the pass is to be continued.
 bool KZDataManager::runPass(qint64 bytesToScan, bool resumes) {
+    NAVREL_ASSERT_MAIN_THREAD();
     if (!pbxProjPath()) {
         return true;
     }

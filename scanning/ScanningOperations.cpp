@@ -2,10 +2,12 @@
 
 #include "project/store/ManagedObjectContext.h"
 #include "scanning/SourceFindings.h"
+#include "support/core/MainThread.h"
 
 namespace navrel {
 
 void setSuperclassForManagedObject(CDObject& object, const SourceFindings& findings) {
+    NAVREL_ASSERT_MAIN_THREAD();
     if (findings.superclass()) {
         object.setSubclassOf(findings.superclass()->toByteArray());
     }
@@ -13,6 +15,7 @@ void setSuperclassForManagedObject(CDObject& object, const SourceFindings& findi
 
 void generateShortcutsForManagedObject(const CDObject& object, const SourceFindings& findings,
                                        ManagedObjectContext& context) {
+    NAVREL_ASSERT_MAIN_THREAD();
     for (const SourceShortcut& found : findings.shortcuts()) {
         if (!context.hasRoomForShortcut()) {
             return;
@@ -27,6 +30,7 @@ void generateShortcutsForManagedObject(const CDObject& object, const SourceFindi
 
 void generateElementsForManagedObject(const CDObject& object, const SourceFindings& findings,
                                       ManagedObjectContext& context) {
+    NAVREL_ASSERT_MAIN_THREAD();
     findings.visitElements([&](const SourceElement& found) {
         if (!context.hasRoomForElement()) {
             return;

@@ -2,6 +2,7 @@
 
 #include "project/Editor.h"
 #include "project/KZDataManager.h"
+#include "support/core/MainThread.h"
 
 #include <QMetaObject>
 

@@ -8,6 +8,7 @@
 #include "project/Editor.h"
 #include "project/KZDataManager.h"
 #include "support/core/Log.h"
+#include "support/core/MainThread.h"
 #include "support/core/UserDefaults.h"
 
 #include <QDateTime>
@@ -61,6 +62,7 @@ BrowserService::~BrowserService() {
 }
 
 void BrowserService::start() {
+    NAVREL_ASSERT_MAIN_THREAD();
     tellWhatChanged();
     lookTimer_.start();
     access_.start();
@@ -82,6 +84,7 @@ void BrowserService::logAccess() {
 }
 
 void BrowserService::tellWhatChanged() {
+    NAVREL_ASSERT_MAIN_THREAD();
     const QString project = collaborators_.dataManager.pbxProjPath().value_or(QString());
     if (project != project_) {
         project_ = project;
@@ -112,6 +115,7 @@ void BrowserService::publishFileTypes() {
 }
 
 ProgramFacts BrowserService::facts() {
+    NAVREL_ASSERT_MAIN_THREAD();
     const AccessStatus access = access_.status();
     const std::vector<PairedDevice> devices = access_.devices();
     const CodeMapSnapshotPtr snapshot = map_.snapshot();
@@ -129,6 +133,7 @@ ProgramFacts BrowserService::facts() {
 
 // Nothing is asked of an editor while no client could see the answer.
 void BrowserService::followEditor(bool anyClientFollows) {
+    NAVREL_ASSERT_MAIN_THREAD();
     isEditorFollowed_ = anyClientFollows;
     if (!anyClientFollows) {
         collaborators_.editor.onMove(nullptr);
@@ -141,6 +146,7 @@ void BrowserService::followEditor(bool anyClientFollows) {
 }
 
 void BrowserService::changeMode(AccessSettings::Mode mode) {
+    NAVREL_ASSERT_MAIN_THREAD();
     saveBrowserMode(collaborators_.userDefaults, mode);
     AccessSettings settings = access_.settings();
     settings.mode = mode;
@@ -153,6 +159,7 @@ void BrowserService::changeMode(AccessSettings::Mode mode) {
 
 // The server has logged it.
 void BrowserService::deviceDidPair(const QString& label) {
+    NAVREL_ASSERT_MAIN_THREAD();
     collaborators_.notify(QStringLiteral("Paired: %1").arg(label),
                           QStringLiteral("This device can see your project now. \"Phone or "
                                          "Tablet…\" in Navrel's menu lists all of them."));
@@ -162,6 +169,7 @@ void BrowserService::deviceDidPair(const QString& label) {
 // The window.
 
 void BrowserService::showPairingWindow() {
+    NAVREL_ASSERT_MAIN_THREAD();
     if (!collaborators_.hasDisplay) {
         log(QStringLiteral("No display to show a window on: Phone or Tablet"));
         return;

@@ -1,6 +1,7 @@
 #include "desktop/browsers/BrowserSettings.h"
 
 #include "support/core/Log.h"
+#include "support/core/MainThread.h"
 #include "support/core/UserDefaults.h"
 
 #include <QStringList>
@@ -72,6 +73,7 @@ void readEnvironment(AccessSettings& settings) {
 } // namespace
 
 AccessSettings browserSettings(const UserDefaults& userDefaults) {
+    NAVREL_ASSERT_MAIN_THREAD();
     AccessSettings settings;
     readPreferences(userDefaults, settings);
     readEnvironment(settings);
@@ -79,6 +81,7 @@ AccessSettings browserSettings(const UserDefaults& userDefaults) {
 }
 
 void saveBrowserMode(UserDefaults& userDefaults, AccessSettings::Mode mode) {
+    NAVREL_ASSERT_MAIN_THREAD();
     const auto name = nameOf(mode);
     userDefaults.setString(kModeKey,
                            QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));

@@ -4,6 +4,7 @@
 #include "app/EditorFacts.h"
 #include "project/Editor.h"
 #include "project/KZDataManager.h"
+#include "support/core/MainThread.h"
 
 #include <algorithm>
 
@@ -103,6 +104,7 @@ ProgramFacts::Browsers browserFacts(const AccessSettings& settings, const Access
 }
 
 ProgramFacts gatherFacts(const FactSources& sources) {
+    NAVREL_ASSERT_MAIN_THREAD();
     ProgramFacts facts;
     facts.project = projectOf(sources);
     sources.delegate.addFacts(facts);

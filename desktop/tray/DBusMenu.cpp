@@ -1,6 +1,7 @@
 #include "desktop/tray/DBusMenu.h"
 
 #include "desktop/MenuText.h"
+#include "support/core/MainThread.h"
 
 #include <QGuiApplication>
 #include <QTimer>
@@ -69,10 +70,12 @@ QString DBusMenu::textDirection() const {
 }
 
 void DBusMenu::menuDidChange() {
+    NAVREL_ASSERT_MAIN_THREAD();
     Q_EMIT LayoutUpdated(++revision_, kRootID);
 }
 
 void DBusMenu::entryDidChange(const MenuEntry& entry) {
+    NAVREL_ASSERT_MAIN_THREAD();
     QList<DBusMenuItemKeys> removed;
     const QVariantMap properties = propertiesOf(entry);
     const QString description = QStringLiteral("accessible-desc");
@@ -133,12 +136,14 @@ QDBusVariant DBusMenu::GetProperty(int id, const QString& name) {
 }
 
 void DBusMenu::Event(int id, const QString& eventId, const QDBusVariant&, uint) {
+    NAVREL_ASSERT_MAIN_THREAD();
     if (eventId == QStringLiteral("clicked")) {
         QTimer::singleShot(0, this, [this, id] { menu_.choose(id); });
     }
 }
 
 QList<int> DBusMenu::EventGroup(const QList<DBusMenuEvent>& events) {
+    NAVREL_ASSERT_MAIN_THREAD();
     QList<int> unknown;
     for (const DBusMenuEvent& event : events) {
         if (isKnown(event.id)) {

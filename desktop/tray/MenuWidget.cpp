@@ -1,6 +1,7 @@
 #include "desktop/tray/MenuWidget.h"
 
 #include "desktop/MenuText.h"
+#include "support/core/MainThread.h"
 
 #include <QTimer>
 
@@ -18,6 +19,7 @@ MenuWidget::~MenuWidget() {
 }
 
 void MenuWidget::menuDidChange() {
+    NAVREL_ASSERT_MAIN_THREAD();
     clear();
     actions_.clear();
     for (const MenuEntry* entry : menu_.visibleEntries()) {
@@ -32,6 +34,7 @@ void MenuWidget::menuDidChange() {
 }
 
 void MenuWidget::choose(int id) {
+    NAVREL_ASSERT_MAIN_THREAD();
     menu_.choose(id);
     if (const MenuEntry* entry = menu_.entryWithID(id)) {
         // The click turned the check mark over, whether or not the choice turned the state.
@@ -40,6 +43,7 @@ void MenuWidget::choose(int id) {
 }
 
 void MenuWidget::entryDidChange(const MenuEntry& entry) {
+    NAVREL_ASSERT_MAIN_THREAD();
     if (QAction* action = actions_.value(entry.id())) {
         show(entry, *action);
     }

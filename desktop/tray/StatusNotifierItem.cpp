@@ -4,6 +4,7 @@
 #include "desktop/tray/DBusMenu.h"
 #include "desktop/tray/StatusNotifierItemAdaptor.h"
 #include "support/core/Log.h"
+#include "support/core/MainThread.h"
 
 #include <QCoreApplication>
 #include <QDBusMessage>
@@ -62,6 +63,7 @@ QString StatusNotifierItem::menuPath() const {
 }
 
 void StatusNotifierItem::watchHosts() {
+    NAVREL_ASSERT_MAIN_THREAD();
     connect(&watcher_, &QDBusServiceWatcher::serviceOwnerChanged, this,
             [this](const QString&, const QString&, const QString& owner) {
                 if (owner.isEmpty()) {
@@ -79,6 +81,7 @@ void StatusNotifierItem::watchHosts() {
 
 /// Offers the item to the panel's watcher, whether or not there is one.
 void StatusNotifierItem::offer() {
+    NAVREL_ASSERT_MAIN_THREAD();
     QDBusMessage call =
         QDBusMessage::createMethodCall(kWatcherService, kWatcherPath, kWatcherService,
                                        QStringLiteral("RegisterStatusNotifierItem"));
@@ -113,6 +116,7 @@ void StatusNotifierItem::askForHost() {
 }
 
 void StatusNotifierItem::setHasHost(std::optional<bool> hasHost) {
+    NAVREL_ASSERT_MAIN_THREAD();
     if (hasHost_ != hasHost) {
         hasHost_ = hasHost;
         hostDidChange_();

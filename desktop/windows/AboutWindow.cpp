@@ -1,6 +1,7 @@
 #include "desktop/windows/AboutWindow.h"
 
 #include "desktop/windows/ScreenRoom.h"
+#include "support/core/MainThread.h"
 
 #include <QKeyEvent>
 #include <QUrl>
@@ -28,6 +29,7 @@ AboutWindow::AboutWindow(std::function<void(const QUrl&)> openLink) {
 }
 
 void AboutWindow::showPage(const QString& page) {
+    NAVREL_ASSERT_MAIN_THREAD();
     setHtml(page);
     document()->setDocumentMargin(kPageMargin);
     fitPage();

@@ -1,10 +1,13 @@
 #include "desktop/windows/BundleIcons.h"
 
+#include "support/core/MainThread.h"
+
 #include <QApplication>
 
 namespace navrel {
 
 bool BundleIcons::isBundle(const QFileInfo& file) const {
+    NAVREL_ASSERT_MAIN_THREAD();
     return file.isDir() && bundleTypes_.contains(file.suffix());
 }
 

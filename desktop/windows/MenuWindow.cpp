@@ -2,6 +2,7 @@
 
 #include "desktop/MenuText.h"
 #include "desktop/windows/ScreenRoom.h"
+#include "support/core/MainThread.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>
@@ -84,6 +85,7 @@ MenuWindow::~MenuWindow() {
 }
 
 void MenuWindow::menuDidChange() {
+    NAVREL_ASSERT_MAIN_THREAD();
     const int row = list_.currentRow();
     list_.clear();
     addState();
@@ -186,6 +188,7 @@ void MenuWindow::addSeparator() {
 }
 
 void MenuWindow::entryDidChange(const MenuEntry& entry) {
+    NAVREL_ASSERT_MAIN_THREAD();
     for (int row = 0; row < list_.count(); ++row) {
         if (list_.item(row)->data(kIDRole).toInt() == entry.id()) {
             show(entry, *list_.item(row));

@@ -1,5 +1,7 @@
 #include "desktop/windows/NoDialogPreferences.h"
 
+#include "support/core/MainThread.h"
+
 #include <QSettings>
 #include <QStandardPaths>
 #include <QString>
@@ -16,10 +18,12 @@ QString preferencesFolder() {
 } // namespace
 
 NoDialogPreferences::NoDialogPreferences() {
+    NAVREL_ASSERT_MAIN_THREAD();
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, folder_.path());
 }
 
 NoDialogPreferences::~NoDialogPreferences() {
+    NAVREL_ASSERT_MAIN_THREAD();
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, preferencesFolder());
 }
 

@@ -2,6 +2,7 @@
 
 #include "desktop/MenuText.h"
 #include "desktop/windows/QRCode.h"
+#include "support/core/MainThread.h"
 
 #include <QCheckBox>
 #include <QFontDatabase>
@@ -153,6 +154,7 @@ QWidget* PairingWindow::deviceSide() {
 }
 
 void PairingWindow::show(const PairingContents& contents) {
+    NAVREL_ASSERT_MAIN_THREAD();
     if (contents == contents_ && modes_.checkedId() >= 0) {
         return;
     }
@@ -227,6 +229,7 @@ QWidget* PairingWindow::forgetButton(const PairingContents::Device& device) {
 }
 
 void PairingWindow::bringToFront() {
+    NAVREL_ASSERT_MAIN_THREAD();
     if (isMinimized()) {
         showNormal();
     } else {

@@ -1,5 +1,7 @@
 #include "desktop/windows/QRCode.h"
 
+#include "support/core/MainThread.h"
+
 #include <QPainter>
 #include <qrcodegen/qrcodegen.hpp>
 
@@ -26,6 +28,7 @@ QSize QRCode::sizeHint() const {
 }
 
 void QRCode::setText(const QString& text) {
+    NAVREL_ASSERT_MAIN_THREAD();
     if (text == text_) {
         return;
     }

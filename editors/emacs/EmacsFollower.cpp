@@ -2,6 +2,7 @@
 
 #include "editors/emacs/EmacsClient.h"
 #include "editors/emacs/EmacsExpressions.h"
+#include "support/core/MainThread.h"
 #include "support/process/ToolRunner.h"
 
 #include <chrono>
@@ -51,6 +52,7 @@ EmacsFollower::~EmacsFollower() {
 }
 
 void EmacsFollower::ask() {
+    NAVREL_ASSERT_MAIN_THREAD();
     if (client_.state() != QProcess::NotRunning) {
         return;
     }
@@ -62,6 +64,7 @@ void EmacsFollower::ask() {
 }
 
 void EmacsFollower::hear() {
+    NAVREL_ASSERT_MAIN_THREAD();
     const QByteArray printed = client_.read(kMaximumToolOutput);
     const auto place = emacsPlaceFrom(printed);
     // An Emacs that answers for the first time later was just started, and its user is in it.

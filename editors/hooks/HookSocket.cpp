@@ -1,6 +1,7 @@
 #include "editors/hooks/HookSocket.h"
 
 #include "support/core/Log.h"
+#include "support/core/MainThread.h"
 #include "support/sockets/UnixPeer.h"
 
 #include <QLocalSocket>
@@ -81,6 +82,7 @@ HookSocket::~HookSocket() {
 }
 
 void HookSocket::accept() {
+    NAVREL_ASSERT_MAIN_THREAD();
     while (QLocalSocket* const socket = server_.nextPendingConnection()) {
         socket->setParent(nullptr);
         auto connection = std::make_unique<Connection>();
@@ -100,6 +102,7 @@ void HookSocket::accept() {
 }
 
 void HookSocket::read(Connection& connection) {
+    NAVREL_ASSERT_MAIN_THREAD();
     QLocalSocket& socket = *connection.socket;
     for (int lines = 0; socket.canReadLine(); ++lines) {
         if (lines == kLinesAtATime) {
@@ -166,6 +169,7 @@ void HookSocket::answer(Connection& connection, qint64 request, const Outcome& o
 
 /// Lets a window go. Its socket may be the one that is calling: it is destroyed later.
 void HookSocket::disconnect(Connection& connection) {
+    NAVREL_ASSERT_MAIN_THREAD();
     const auto isThis = [&](const auto& other) { return other.get() == &connection; };
     const auto found = std::find_if(connections_.begin(), connections_.end(), isThis);
     if (found == connections_.end()) {
@@ -210,11 +214,13 @@ HookSocket::Connection* HookSocket::windowFor(const QByteArray& path) const {
 }
 
 qint64 HookSocket::open(const EditorPlace& place, Reply reply) {
+    NAVREL_ASSERT_MAIN_THREAD();
     return send(windowFor(place.path), [&](qint64 request) { return hookOpenLine(place, request); },
                 {std::move(reply), place, placesHeard_});
 }
 
 qint64 HookSocket::goBack(Reply reply) {
+    NAVREL_ASSERT_MAIN_THREAD();
     return send(latestWindow(), hookBackLine, {std::move(reply), {}, placesHeard_});
 }
 

@@ -4,6 +4,7 @@
 #include "editors/neovim/NeovimProbe.h"
 #include "editors/neovim/NeovimScripts.h"
 #include "editors/neovim/NeovimServers.h"
+#include "support/core/MainThread.h"
 
 #include <QSocketNotifier>
 
@@ -58,6 +59,7 @@ NeovimFollower::NeovimFollower(RunningEditor::PlaceObserver observer)
 NeovimFollower::~NeovimFollower() = default;
 
 void NeovimFollower::lookForServers(RunningEditor::PlaceNews firstNews) {
+    NAVREL_ASSERT_MAIN_THREAD();
     for (const QByteArray& socket : neovimServerSockets(QDeadlineTimer(kSearchAtMost))) {
         if (servers_.size() >= kMaximumNeovims) {
             return;
@@ -101,6 +103,7 @@ int NeovimFollower::descriptorOf(const QByteArray& socket) const {
 /// Takes what a server has sent. One that is gone, or sends what is no message, is let go; where it
 /// still listens it is tried again later.
 void NeovimFollower::hear(const QByteArray& socket) {
+    NAVREL_ASSERT_MAIN_THREAD();
     const auto found = servers_.find(socket);
     if (found == servers_.end()) {
         return;

@@ -2,6 +2,7 @@
 
 #include "project/store/ManagedObjectContext.h"
 #include "project/views/Shown.h"
+#include "support/core/MainThread.h"
 #include "support/propertylist/PropertyList.h"
 
 #include <QVariantList>
@@ -12,6 +13,7 @@
 namespace navrel {
 
 QVariantMap views::allowedFileTypesDictionary(const ManagedObjectContext* records) {
+    NAVREL_ASSERT_MAIN_THREAD();
     std::vector<CDFiletype*> filetypes;
     if (records != nullptr) {
         filetypes = records->filetypes();
@@ -29,6 +31,7 @@ QVariantMap views::allowedFileTypesDictionary(const ManagedObjectContext* record
 }
 
 std::vector<QByteArray> views::allowedExtensions(const ManagedObjectContext* records) {
+    NAVREL_ASSERT_MAIN_THREAD();
     std::vector<QByteArray> extensions;
     if (records != nullptr) {
         for (const CDFiletype* filetype : records->filetypes()) {
@@ -41,6 +44,7 @@ std::vector<QByteArray> views::allowedExtensions(const ManagedObjectContext* rec
 }
 
 QStringList views::allowedFileTypes(const ManagedObjectContext* records) {
+    NAVREL_ASSERT_MAIN_THREAD();
     QStringList extensions;
     for (const QByteArray& extension : allowedExtensions(records)) {
         extensions.append(shownUTF8(extension));
@@ -50,6 +54,7 @@ QStringList views::allowedFileTypes(const ManagedObjectContext* records) {
 
 QVariantMap views::changeFiletypeAllowanceWithDictionary(const ManagedObjectContext* records,
                                                          const QVariantMap& request) {
+    NAVREL_ASSERT_MAIN_THREAD();
     const QVariant extension = request.value(QStringLiteral("extension"));
     const std::optional<bool> allowed = booleanOf(request.value(QStringLiteral("allowed")));
     if (records != nullptr && extension.typeId() == QMetaType::QString && allowed) {

@@ -3,6 +3,7 @@
 #include "project/store/ManagedObjectContext.h"
 #include "project/views/FiletypeViews.h"
 #include "project/views/Shown.h"
+#include "support/core/MainThread.h"
 #include "support/text/Collation.h"
 #include "support/text/UTF8.h"
 
@@ -59,6 +60,7 @@ std::vector<CDObject*> visibleChildren(const ManagedObjectContext& context,
 std::optional<QVariantMap>
 views::navigatorDictionaryForID(const ManagedObjectContext* records, const QByteArray& root,
                                 const std::optional<QString>& identifier) {
+    NAVREL_ASSERT_MAIN_THREAD();
     if (records == nullptr) {
         return std::nullopt;
     }
@@ -76,6 +78,7 @@ views::navigatorDictionaryForID(const ManagedObjectContext* records, const QByte
 }
 
 QVariantMap views::superclassDictionary(const ManagedObjectContext* records) {
+    NAVREL_ASSERT_MAIN_THREAD();
     std::vector<QByteArray> superclasses;
     if (records != nullptr) {
         for (const CDObject* object : records->objects()) {
@@ -97,6 +100,7 @@ QVariantMap views::superclassDictionary(const ManagedObjectContext* records) {
 
 QVariantMap views::navigatorDictionaryForSuperclass(const ManagedObjectContext* records,
                                                     const QString& superclass) {
+    NAVREL_ASSERT_MAIN_THREAD();
     std::vector<CDObject*> subclasses;
     if (records != nullptr) {
         subclasses = records->objectsWithSubclassOf(superclass.toUtf8());
@@ -108,6 +112,7 @@ QVariantMap views::navigatorDictionaryForSuperclass(const ManagedObjectContext* 
 
 std::optional<QString> views::objectIDForFileName(const ManagedObjectContext* records,
                                                   const QString& fileName) {
+    NAVREL_ASSERT_MAIN_THREAD();
     if (records == nullptr) {
         return std::nullopt;
     }

@@ -2,6 +2,7 @@
 
 #include "project/store/ManagedObjectContext.h"
 #include "project/views/Shown.h"
+#include "support/core/MainThread.h"
 #include "support/text/Collation.h"
 #include "support/text/FilePath.h"
 #include "support/text/UTF8.h"
@@ -73,6 +74,7 @@ const CDObject* counterpartOf(const ManagedObjectContext& context, const CDObjec
 } // namespace
 
 QVariantMap views::shortcutsDictionary(const ManagedObjectContext* records) {
+    NAVREL_ASSERT_MAIN_THREAD();
     std::vector<CDShortcut*> shortcuts;
     if (records != nullptr) {
         shortcuts = records->shortcuts();
@@ -91,6 +93,7 @@ QVariantMap views::shortcutsDictionary(const ManagedObjectContext* records) {
 
 std::optional<QVariantMap> views::elementsDictionaryForObjectID(const ManagedObjectContext* records,
                                                                 const QString& identifier) {
+    NAVREL_ASSERT_MAIN_THREAD();
     const QByteArray wanted = identifier.toUtf8();
     const CDObject* object =
         records != nullptr ? records->lastObjectWithIdentifier(wanted) : nullptr;

@@ -1,5 +1,7 @@
 #include "support/core/Clock.h"
 
+#include "support/core/MainThread.h"
+
 #include <QObject>
 #include <QTimer>
 
@@ -31,9 +33,11 @@ public:
     TimePoint now() const override { return std::chrono::steady_clock::now(); }
 
     std::unique_ptr<ScheduledCall> after(Duration delay, Call call) override {
+        NAVREL_ASSERT_MAIN_THREAD();
         return std::make_unique<TimerCall>(delay, std::move(call), false);
     }
     std::unique_ptr<ScheduledCall> every(Duration interval, Call call) override {
+        NAVREL_ASSERT_MAIN_THREAD();
         return std::make_unique<TimerCall>(interval, std::move(call), true);
     }
 };

@@ -1,6 +1,7 @@
 #include "support/core/UserDefaults.h"
 
 #include "support/core/Log.h"
+#include "support/core/MainThread.h"
 #include "support/files/RegularFile.h"
 
 #include <QDir>
@@ -89,6 +90,7 @@ UserDefaults::UserDefaults(QString filePath) : filePath_(std::move(filePath)) {
 }
 
 std::optional<bool> UserDefaults::boolForKey(const QString& key) const {
+    NAVREL_ASSERT_MAIN_THREAD();
     const QVariant value = values_.value(key);
     if (!value.isValid()) {
         return std::nullopt;
@@ -100,6 +102,7 @@ std::optional<bool> UserDefaults::boolForKey(const QString& key) const {
 }
 
 std::optional<QString> UserDefaults::stringForKey(const QString& key) const {
+    NAVREL_ASSERT_MAIN_THREAD();
     const QVariant value = values_.value(key);
     if (!value.isValid() || value.typeId() == QMetaType::QStringList) {
         return std::nullopt;
@@ -143,6 +146,7 @@ std::optional<QByteArray> UserDefaults::bytesOfFile() const {
 }
 
 void UserDefaults::set(const QString& key, const std::optional<QVariant>& value) {
+    NAVREL_ASSERT_MAIN_THREAD();
     const auto known = values_.constFind(key);
     const bool isSet = value ? known != values_.constEnd() && known->toString() == value->toString()
                              : known == values_.constEnd();

@@ -80,6 +80,14 @@ rm "$tree/desktop/Tray.cpp"
 plant_file tests/support/text/GoodTests.cpp 'namespace navrel {' 'enum class Scanner : int {' '};' '}'
 expect_fault check-layers "tests/support/text/GoodTests.cpp:2: navrel::Scanner is defined in scanning/Scanner.h too"
 
+plant_file desktop/Window.h '/// What is on the main thread is no contract.' '/// A window. Main thread; shows' '/// itself.' 'class Window {};'
+"$scripts/check-threads" "$tree" # an interface
+plant_file desktop/Window.cpp '#include "desktop/Window.h"' 'void Window::show() { NAVREL_ASSERT_MAIN_THREAD(); }'
+"$scripts/check-threads" "$tree"
+sed -i 's/NAVREL_ASSERT_MAIN_THREAD();//' "$tree/desktop/Window.cpp"
+expect_fault check-threads "desktop/Window.h:2: no assertion holds it to the main thread"
+rm "$tree"/desktop/Window.*
+
 touch "$tree/tests/support/text/ForgottenTests.cpp"
 expect_fault check-tests-registered "tests/support/text/ForgottenTests.cpp: in no CMakeLists.txt"
 

@@ -7,6 +7,7 @@
 #include "tests/transport/RecordingDelegate.h"
 #include "transport/frames/PTChannel.h"
 #include "transport/usb/PTUSBHub.h"
+#include "transport/usb/daemon/USBDaemonSocket.h"
 
 #include <QStringList>
 #include <gtest/gtest.h>

@@ -1,5 +1,6 @@
 #include "transport/usb/daemon/BufferedSocket.h"
 
+#include "support/core/MainThread.h"
 #include "support/sockets/IPv4Socket.h"
 
 #include <QObject>
@@ -56,10 +57,12 @@ BufferedSocket::Notifier BufferedSocket::notifier(QSocketNotifier::Type type,
 }
 
 void BufferedSocket::setReading(bool wanted) {
+    NAVREL_ASSERT_MAIN_THREAD();
     readNotifier_->setEnabled(wanted && !hasEnded_);
 }
 
 void BufferedSocket::readable() {
+    NAVREL_ASSERT_MAIN_THREAD();
     std::array<char, kPieceSize> piece;
     const ssize_t count = ::recv(socket_.value(), piece.data(), piece.size(), 0);
     if (count > 0) {
@@ -72,6 +75,7 @@ void BufferedSocket::readable() {
 }
 
 void BufferedSocket::write(QByteArrayView bytes) {
+    NAVREL_ASSERT_MAIN_THREAD();
     if (!isPeerDeaf_) {
         unwritten_.append(bytes);
         flush();
@@ -79,6 +83,7 @@ void BufferedSocket::write(QByteArrayView bytes) {
 }
 
 void BufferedSocket::write(QByteArray&& bytes) {
+    NAVREL_ASSERT_MAIN_THREAD();
     if (isPeerDeaf_ || !unwritten_.isEmpty()) {
         return write(QByteArrayView(bytes));
     }
@@ -87,6 +92,7 @@ void BufferedSocket::write(QByteArray&& bytes) {
 }
 
 void BufferedSocket::flush() {
+    NAVREL_ASSERT_MAIN_THREAD();
     while (!unwritten_.isEmpty()) {
         const ssize_t count = ::send(socket_.value(), unwritten_.constData(),
                                      static_cast<size_t>(unwritten_.size()), kSendFlags);

@@ -1,5 +1,7 @@
 #include "transport/usb/daemon/HostLookup.h"
 
+#include "support/core/MainThread.h"
+
 #include <condition_variable>
 #include <cstring>
 #include <mutex>
@@ -63,6 +65,7 @@ HostLookup::HostLookup(const QString& host, const QString& port)
     : shared_(std::make_shared<Shared>(host.toUtf8(), port.toUtf8())) {}
 
 std::vector<SocketAddress> HostLookup::addresses() {
+    NAVREL_ASSERT_MAIN_THREAD();
     std::unique_lock lock(shared_->mutex);
     if (!shared_->isUnderWay) {
         try {

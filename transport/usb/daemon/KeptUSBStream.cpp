@@ -1,6 +1,7 @@
 #include "transport/usb/daemon/KeptUSBStream.h"
 
 #include "support/core/Log.h"
+#include "support/core/MainThread.h"
 #include "support/propertylist/PropertyList.h"
 #include "transport/usb/PTUSBChannel.h"
 
@@ -63,6 +64,7 @@ bool KeptUSBStream::isReadingPackets() const {
 
 // Looks at both sides and does what can be done, whatever it was that happened.
 void KeptUSBStream::proceed() {
+    NAVREL_ASSERT_MAIN_THREAD();
     if (stage_ == KeptStreamStage::awaitingRequest) {
         takeRequest();
     }

@@ -1,5 +1,7 @@
 #include "transport/usb/daemon/USBDaemonKeeper.h"
 
+#include "support/core/MainThread.h"
+
 #include <QFileInfo>
 
 #include <algorithm>
@@ -23,6 +25,7 @@ USBDaemonKeeper::USBDaemonKeeper(USBDaemonAddress address, std::chrono::millisec
 }
 
 OwnedDescriptor USBDaemonKeeper::openStream() {
+    NAVREL_ASSERT_MAIN_THREAD();
     int ends[2];
     if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
         return {};
@@ -42,6 +45,7 @@ void USBDaemonKeeper::daemonIsMissing() {
 }
 
 void USBDaemonKeeper::lookForDaemon() {
+    NAVREL_ASSERT_MAIN_THREAD();
     watchFolder();
     for (const auto& stream : streams_) {
         if (stream->isWaitingForDaemon()) {

@@ -1,5 +1,6 @@
 #include "transport/usb/daemon/USBDaemonSocket.h"
 
+#include "support/core/MainThread.h"
 #include "support/sockets/NonBlockingSocket.h"
 
 #include <QFile>
@@ -52,6 +53,7 @@ USBDaemonSocket::USBDaemonSocket(USBDaemonAddress address) : address_(std::move(
 }
 
 OwnedDescriptor USBDaemonSocket::openStream() {
+    NAVREL_ASSERT_MAIN_THREAD();
     return address_.path.isEmpty() ? connectToHost()
                                    : connectToUnixSocket(QFile::encodeName(address_.path));
 }
