@@ -3,6 +3,7 @@
 #include "app/Desktop.h"
 #include "app/ProgramVersion.h"
 #include "project/KZDataManager.h"
+#include "protocol/CompanionKeys.h"
 #include "protocol/CompanionProtocol.h"
 #include "support/core/Log.h"
 #include "support/core/MainThread.h"

@@ -2,7 +2,7 @@
 
 #include "app/StatusMenu.h"
 #include "project/KZDataManager.h"
-#include "protocol/CompanionProtocol.h"
+#include "protocol/CompanionKeys.h"
 #include "support/core/MainThread.h"
 
 namespace navrel {

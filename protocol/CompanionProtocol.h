@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QString>
 #include <QtGlobal>
 
 namespace navrel {
@@ -27,26 +26,5 @@ inline constexpr quint32 kFrameVersion = 211;
 
 /// Frame type of every reply; its tag is that of the request.
 inline constexpr quint32 kFrameReply = 500;
-
-/// The keys of requests and replies.
-namespace key {
-inline const QString allowed = QStringLiteral("allowed");
-inline const QString autoUpdate = QStringLiteral("autoUpdate");
-inline const QString counterpart = QStringLiteral("counterpart");
-inline const QString extension = QStringLiteral("extension");
-inline const QString identifier = QStringLiteral("identifier");
-inline const QString isGroup = QStringLiteral("isGroup");
-inline const QString items = QStringLiteral("items");
-inline const QString label = QStringLiteral("label");
-inline const QString line = QStringLiteral("line");
-inline const QString name = QStringLiteral("name");
-inline const QString path = QStringLiteral("path");
-inline const QString project = QStringLiteral("project");
-inline const QString shortcut = QStringLiteral("shortcut");
-inline const QString superclass = QStringLiteral("superclass");
-inline const QString title = QStringLiteral("title");
-inline const QString type = QStringLiteral("type");
-inline const QString version = QStringLiteral("version");
-} // namespace key
 
 } // namespace navrel

@@ -1,5 +1,6 @@
 #include "companion/terminal/WireSource.h"
 
+#include "protocol/CompanionKeys.h"
 #include "protocol/CompanionProtocol.h"
 #include "support/propertylist/PropertyList.h"
 
@@ -16,14 +17,12 @@ namespace {
 /// A hostile Navrel's groups nest deeper than calls may.
 constexpr int kDeepestGroup = 200;
 
-const QString kIdentifier = QStringLiteral("identifier");
-
 std::string bytesOf(const QVariantMap& map, const char* key) {
     return map.value(QLatin1String(key)).toString().toStdString();
 }
 
 QVariantList itemsOf(const std::optional<QVariantMap>& reply) {
-    return reply ? reply->value(QStringLiteral("items")).toList() : QVariantList();
+    return reply ? reply->value(key::items).toList() : QVariantList();
 }
 
 CodeAnswer noProject() {
@@ -51,12 +50,12 @@ public:
 
     json::object nodeOf(const QVariantMap& item, int depth) {
         json::object node = fileOf(item);
-        const bool isGroup = booleanOf(item.value(QStringLiteral("isGroup"))).value_or(false);
+        const bool isGroup = booleanOf(item.value(key::isGroup)).value_or(false);
         node["kind"] = isGroup ? "group" : "file";
-        const QString identifier = item.value(kIdentifier).toString();
+        const QString identifier = item.value(key::identifier).toString();
         if (isGroup && depth < kDeepestGroup && entered_.insert(identifier).second) {
             node["children"] =
-                childrenOf(ask_(kFrameNavigator, {{kIdentifier, identifier}}), depth);
+                childrenOf(ask_(kFrameNavigator, {{key::identifier, identifier}}), depth);
         }
         return node;
     }
@@ -77,7 +76,7 @@ private:
 };
 
 std::uint32_t lineOf(const QVariantMap& item) {
-    return item.value(QStringLiteral("line")).toUInt();
+    return item.value(key::line).toUInt();
 }
 
 void addElement(const QVariantMap& element, const json::object& file, json::object& outline) {
@@ -116,7 +115,7 @@ CodeAnswer WireSource::tree() {
         return noProject();
     }
     TreeWalk walk(ask_);
-    walk.enter(reply->value(kIdentifier).toString());
+    walk.enter(reply->value(key::identifier).toString());
     json::object root = {{"id", bytesOf(*reply, "identifier")},
                          {"name", bytesOf(*reply, "label")},
                          {"kind", "group"},
@@ -126,7 +125,7 @@ CodeAnswer WireSource::tree() {
 }
 
 CodeAnswer WireSource::outline(const std::string& file) {
-    const auto reply = ask_(kFrameElements, {{kIdentifier, QString::fromStdString(file)}});
+    const auto reply = ask_(kFrameElements, {{key::identifier, QString::fromStdString(file)}});
     if (!reply) {
         return CodeAnswer::failure(CommandResult::notFound,
                                    QStringLiteral("This file has no outline."),
@@ -156,7 +155,7 @@ CodeAnswer WireSource::types() {
     for (const QVariant& name : itemsOf(ask_(kFrameSuperclasses, {}))) {
         const std::string superclass = name.toString().toStdString();
         types.push_back({{"name", superclass}, {"known", false}});
-        const auto reply = ask_(kFrameNavigator, {{QStringLiteral("superclass"), name.toString()}});
+        const auto reply = ask_(kFrameNavigator, {{key::superclass, name.toString()}});
         for (const QVariant& item : itemsOf(reply)) {
             const QVariantMap file = item.toMap();
             types.push_back({{"name", bytesOf(file, "name")},
@@ -188,9 +187,8 @@ CodeAnswer fileTypesIn(const std::optional<QVariantMap>& reply) {
     json::array types;
     for (const QVariant& item : itemsOf(reply)) {
         const QVariantMap type = item.toMap();
-        types.push_back(
-            {{"extension", bytesOf(type, "extension")},
-             {"allowed", booleanOf(type.value(QStringLiteral("allowed"))).value_or(false)}});
+        types.push_back({{"extension", bytesOf(type, "extension")},
+                         {"allowed", booleanOf(type.value(key::allowed)).value_or(false)}});
     }
     return answer({{"items", std::move(types)}});
 }
@@ -202,16 +200,16 @@ CodeAnswer WireSource::fileTypes() {
 }
 
 CodeAnswer WireSource::switchFileType(const std::string& extension, bool allowed) {
-    return fileTypesIn(ask_(kFrameChangeFileType,
-                            {{QStringLiteral("extension"), QString::fromStdString(extension)},
-                             {QStringLiteral("allowed"), allowed ? 1 : 0}}));
+    return fileTypesIn(
+        ask_(kFrameChangeFileType, {{key::extension, QString::fromStdString(extension)},
+                                    {key::allowed, allowed ? 1 : 0}}));
 }
 
 CodeAnswer WireSource::open(const std::string&, const std::string& path, std::uint32_t line,
                             std::uint32_t) {
-    QVariantMap request = {{QStringLiteral("path"), QString::fromStdString(path)}};
+    QVariantMap request = {{key::path, QString::fromStdString(path)}};
     if (line > 0) {
-        request.insert(QStringLiteral("line"), line);
+        request.insert(key::line, line);
     }
     ask_(kFrameOpenFile, request);
     return answer({{"outcome", "asked"}});

@@ -2,6 +2,7 @@
 
 #include "project/Editor.h"
 #include "project/KZDataManager.h"
+#include "protocol/CompanionKeys.h"
 #include "support/core/MainThread.h"
 
 #include <QMetaObject>
@@ -53,8 +54,7 @@ void BrowserHost::switchFileTypes(std::vector<FileTypeSwitch> switches, Reply re
     onMainThread([this, switches = std::move(switches), reply = std::move(reply)] {
         for (const auto& [extension, allowed] : switches) {
             dataManager_.changeFiletypeAllowanceWithDictionary(
-                {{QStringLiteral("extension"), QString::fromStdString(extension)},
-                 {QStringLiteral("allowed"), allowed}});
+                {{key::extension, QString::fromStdString(extension)}, {key::allowed, allowed}});
         }
         events_.fileTypesDidChange();
         reply({true, {}, {}});

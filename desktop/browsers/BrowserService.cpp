@@ -7,6 +7,7 @@
 #include "desktop/windows/PairingWindow.h"
 #include "project/Editor.h"
 #include "project/KZDataManager.h"
+#include "protocol/CompanionKeys.h"
 #include "support/core/Log.h"
 #include "support/core/MainThread.h"
 #include "support/core/UserDefaults.h"
@@ -100,13 +101,12 @@ void BrowserService::publishFileTypes() {
         return;
     }
     std::vector<FileTypeSwitch> types;
-    const QVariantList items = collaborators_.dataManager.allowedFileTypesDictionary()
-                                   .value(QStringLiteral("items"))
-                                   .toList();
+    const QVariantList items =
+        collaborators_.dataManager.allowedFileTypesDictionary().value(key::items).toList();
     for (const QVariant& item : items) {
         const QVariantMap type = item.toMap();
-        types.push_back({type.value(QStringLiteral("extension")).toString().toStdString(),
-                         type.value(QStringLiteral("allowed")).toBool()});
+        types.push_back({type.value(key::extension).toString().toStdString(),
+                         type.value(key::allowed).toBool()});
     }
     if (types != fileTypes_) {
         fileTypes_ = std::move(types);

@@ -2,6 +2,7 @@
 
 #include "project/store/ManagedObjectContext.h"
 #include "project/views/Shown.h"
+#include "protocol/CompanionKeys.h"
 #include "support/core/MainThread.h"
 #include "support/propertylist/PropertyList.h"
 
@@ -24,10 +25,10 @@ QVariantMap views::allowedFileTypesDictionary(const ManagedObjectContext* record
                      });
     QVariantList items;
     for (const CDFiletype* filetype : filetypes) {
-        items.append(QVariantMap{{QStringLiteral("extension"), shown(filetype->extension())},
-                                 {QStringLiteral("allowed"), shown(filetype->allowed())}});
+        items.append(QVariantMap{{key::extension, shown(filetype->extension())},
+                                 {key::allowed, shown(filetype->allowed())}});
     }
-    return {{QStringLiteral("items"), items}};
+    return {{key::items, items}};
 }
 
 std::vector<QByteArray> views::allowedExtensions(const ManagedObjectContext* records) {
@@ -55,8 +56,8 @@ QStringList views::allowedFileTypes(const ManagedObjectContext* records) {
 QVariantMap views::changeFiletypeAllowanceWithDictionary(const ManagedObjectContext* records,
                                                          const QVariantMap& request) {
     NAVREL_ASSERT_MAIN_THREAD();
-    const QVariant extension = request.value(QStringLiteral("extension"));
-    const std::optional<bool> allowed = booleanOf(request.value(QStringLiteral("allowed")));
+    const QVariant extension = request.value(key::extension);
+    const std::optional<bool> allowed = booleanOf(request.value(key::allowed));
     if (records != nullptr && extension.typeId() == QMetaType::QString && allowed) {
         for (CDFiletype* filetype :
              records->filetypesWithExtension(extension.toString().toUtf8())) {

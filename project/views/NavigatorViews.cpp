@@ -3,6 +3,7 @@
 #include "project/store/ManagedObjectContext.h"
 #include "project/views/FiletypeViews.h"
 #include "project/views/Shown.h"
+#include "protocol/CompanionKeys.h"
 #include "support/core/MainThread.h"
 #include "support/text/Collation.h"
 #include "support/text/UTF8.h"
@@ -18,10 +19,10 @@ namespace navrel {
 namespace {
 
 QVariantMap navigatorItem(const CDObject& object) {
-    return {{QStringLiteral("name"), shown(object.name())},
-            {QStringLiteral("identifier"), shown(object.identifier())},
-            {QStringLiteral("isGroup"), shown(object.isGroup())},
-            {QStringLiteral("path"), shown(object.path())}};
+    return {{key::name, shown(object.name())},
+            {key::identifier, shown(object.identifier())},
+            {key::isGroup, shown(object.isGroup())},
+            {key::path, shown(object.path())}};
 }
 
 /// The items of records, ordered by name.
@@ -70,10 +71,10 @@ views::navigatorDictionaryForID(const ManagedObjectContext* records, const QByte
         return std::nullopt;
     }
     return QVariantMap{
-        {QStringLiteral("identifier"), shownUTF8(wanted)},
-        {QStringLiteral("label"), shown(object->name())},
-        {QStringLiteral("items"), navigatorItems(visibleChildren(*records, wanted))},
-        {QStringLiteral("path"), shown(object->path())},
+        {key::identifier, shownUTF8(wanted)},
+        {key::label, shown(object->name())},
+        {key::items, navigatorItems(visibleChildren(*records, wanted))},
+        {key::path, shown(object->path())},
     };
 }
 
@@ -94,8 +95,7 @@ QVariantMap views::superclassDictionary(const ManagedObjectContext* records) {
     for (const QByteArray& superclass : superclasses) {
         items.append(shownUTF8(superclass));
     }
-    return {{QStringLiteral("title"), QStringLiteral("Superclass navigator")},
-            {QStringLiteral("items"), items}};
+    return {{key::title, QStringLiteral("Superclass navigator")}, {key::items, items}};
 }
 
 QVariantMap views::navigatorDictionaryForSuperclass(const ManagedObjectContext* records,
@@ -105,9 +105,9 @@ QVariantMap views::navigatorDictionaryForSuperclass(const ManagedObjectContext* 
     if (records != nullptr) {
         subclasses = records->objectsWithSubclassOf(superclass.toUtf8());
     }
-    return {{QStringLiteral("superclass"), superclass},
-            {QStringLiteral("label"), superclass},
-            {QStringLiteral("items"), navigatorItems(std::move(subclasses))}};
+    return {{key::superclass, superclass},
+            {key::label, superclass},
+            {key::items, navigatorItems(std::move(subclasses))}};
 }
 
 std::optional<QString> views::objectIDForFileName(const ManagedObjectContext* records,

@@ -2,6 +2,7 @@
 
 #include "project/store/ManagedObjectContext.h"
 #include "project/views/Shown.h"
+#include "protocol/CompanionKeys.h"
 #include "support/core/MainThread.h"
 #include "support/text/Collation.h"
 #include "support/text/FilePath.h"
@@ -21,16 +22,16 @@ namespace {
 constexpr std::array kCounterpartExtensions = {"h", "m", "mm", "cpp", "c"};
 
 QVariantMap shortcutItem(const CDShortcut& shortcut) {
-    return {{QStringLiteral("shortcut"), shown(shortcut.shortcut())},
-            {QStringLiteral("line"), shortcut.line().value_or(0)},
-            {QStringLiteral("path"), shown(shortcut.path())}};
+    return {{key::shortcut, shown(shortcut.shortcut())},
+            {key::line, shortcut.line().value_or(0)},
+            {key::path, shown(shortcut.path())}};
 }
 
 QVariantMap elementItem(const CDElement& element) {
-    return {{QStringLiteral("name"), shown(element.name())},
-            {QStringLiteral("line"), element.line().value_or(0)},
-            {QStringLiteral("path"), shown(element.path())},
-            {QStringLiteral("type"), shown(element.type())}};
+    return {{key::name, shown(element.name())},
+            {key::line, element.line().value_or(0)},
+            {key::path, shown(element.path())},
+            {key::type, shown(element.type())}};
 }
 
 QVariantList elementItems(const ManagedObjectContext& context, QByteArrayView identifier) {
@@ -88,7 +89,7 @@ QVariantMap views::shortcutsDictionary(const ManagedObjectContext* records) {
     for (const CDShortcut* shortcut : shortcuts) {
         items.append(shortcutItem(*shortcut));
     }
-    return {{QStringLiteral("items"), items}};
+    return {{key::items, items}};
 }
 
 std::optional<QVariantMap> views::elementsDictionaryForObjectID(const ManagedObjectContext* records,
@@ -100,12 +101,12 @@ std::optional<QVariantMap> views::elementsDictionaryForObjectID(const ManagedObj
     if (object == nullptr) {
         return std::nullopt;
     }
-    QVariantMap dictionary{{QStringLiteral("title"), shown(object->name())},
-                           {QStringLiteral("identifier"), identifier},
-                           {QStringLiteral("items"), elementItems(*records, wanted)},
-                           {QStringLiteral("path"), shown(object->path())}};
+    QVariantMap dictionary{{key::title, shown(object->name())},
+                           {key::identifier, identifier},
+                           {key::items, elementItems(*records, wanted)},
+                           {key::path, shown(object->path())}};
     if (const CDObject* counterpart = counterpartOf(*records, *object)) {
-        dictionary.insert(QStringLiteral("counterpart"), shown(counterpart->identifier()));
+        dictionary.insert(key::counterpart, shown(counterpart->identifier()));
     }
     return dictionary;
 }

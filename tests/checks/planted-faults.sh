@@ -80,6 +80,14 @@ rm "$tree/desktop/Tray.cpp"
 plant_file tests/support/text/GoodTests.cpp 'namespace navrel {' 'enum class Scanner : int {' '};' '}'
 expect_fault check-layers "tests/support/text/GoodTests.cpp:2: navrel::Scanner is defined in scanning/Scanner.h too"
 
+mkdir "$tree/protocol"
+plant_file protocol/CompanionKeys.h 'inline const QString items = QStringLiteral("items");'
+plant_file desktop/Reply.cpp 'reply.value(key::items);' 'reply.value(QStringLiteral("moreitems"));'
+"$scripts/check-keys" "$tree"
+plant_file desktop/Reply.cpp '' 'reply.value(QStringLiteral("items"));'
+expect_fault check-keys "desktop/Reply.cpp:2: write key::items"
+rm "$tree/desktop/Reply.cpp"
+
 plant_file desktop/Window.h '/// What is on the main thread is no contract.' '/// A window. Main thread; shows' '/// itself.' 'class Window {};'
 "$scripts/check-threads" "$tree" # an interface
 plant_file desktop/Window.cpp '#include "desktop/Window.h"' 'void Window::show() { NAVREL_ASSERT_MAIN_THREAD(); }'
