@@ -73,18 +73,6 @@ void OutlineBuilder::add(const Declaration& declaration, std::uint32_t endLine) 
     close(endLine);
 }
 
-SymbolKind OutlineBuilder::innermost() const {
-    NAVREL_ASSERT(!open_.empty());
-    return open_.back() == kLeftOut ? SymbolKind::namespaceScope
-                                    : outline_.symbols_[open_.back()].kind;
-}
-
-std::string_view OutlineBuilder::innermostName() const {
-    NAVREL_ASSERT(!open_.empty());
-    return open_.back() == kLeftOut ? std::string_view()
-                                    : outline_.nameOf(outline_.symbols_[open_.back()]);
-}
-
 void OutlineBuilder::addHeading(std::uint32_t line, std::string_view text, bool separator) {
     if (outline_.headings_.size() < kMaximumSymbolsOfSource) {
         const TextRange kept = keepInOneLine(text);

@@ -40,10 +40,6 @@ public:
     void add(const Declaration& declaration, std::uint32_t endLine);
     /// How many declarations are open.
     std::size_t depth() const { return open_.size(); }
-    /// The kind of the innermost open declaration. One must be open.
-    SymbolKind innermost() const;
-    /// The name of the innermost open declaration, valid until the next call that adds something.
-    std::string_view innermostName() const;
 
     void addHeading(std::uint32_t line, std::string_view text, bool separator);
     void addNote(NoteKind kind, std::uint32_t line, std::string_view text);

@@ -50,7 +50,6 @@ public:
     /// expired one.
     std::optional<Visitor> recognize(std::string_view token);
 
-    bool isPaired(int number) const;
     bool isReadOnly(int number) const;
     /// False where there is no such device.
     bool forget(int number);
