@@ -12,7 +12,7 @@ namespace navrel {
 
 /// More changed files are left out.
 inline constexpr std::size_t kMaximumChangedFiles = 10'000;
-/// Comparing takes no longer; a repository for which it would is unavailable.
+/// A comparison that takes longer is given up; the repository counts as unavailable then.
 inline constexpr std::chrono::seconds kMaximumComparingTime{10};
 
 /// A symbol whose lines changed.

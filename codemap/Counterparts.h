@@ -6,7 +6,7 @@
 
 namespace navrel {
 
-/// No file has more counterparts: the ones farther away are left out.
+/// A file has at most so many counterparts: those farther away are left out.
 inline constexpr std::size_t kMostCounterparts = 32;
 
 /// The sources among `nodes` that belong to the same unit as a file. Those with the same name come

@@ -16,7 +16,7 @@
 
 namespace navrel {
 
-/// All sources together have no more symbols in a map: the outlines beyond are left out.
+/// The most symbols in a map, of all sources together: outlines beyond that are left out.
 inline constexpr std::size_t kMaximumMapSymbols = 1'000'000;
 
 /// Builds the snapshots of one bundle, each from the one before: only files that changed are read

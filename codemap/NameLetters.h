@@ -7,13 +7,14 @@
 
 namespace navrel {
 
-/// What a search knows of a name without reading it: enough to tell that its score will be low.
+/// What a search knows of a name without reading it: enough to see that its score will be low.
 struct NameLetters {
     LetterSet all = 0;
     std::uint64_t pairs = 0; ///< bits of `pairOf`: which characters stand right behind which
-    /// Bits of `wordLetter`: what stands at the beginning, after a sign or blank, or is one.
+    /// Bits of `wordLetter`: the first character, those after a sign or a blank, and signs.
     std::uint32_t starts = 0;
-    std::uint32_t humps = 0; ///< the same for capitals after small letters, and for first digits
+    /// Bits of `wordLetter`: capitals after small letters, and the first digit of a number.
+    std::uint32_t humps = 0;
 
     /// The bit of a character, letter case aside, where words begin. All digits share one, and so
     /// do all signs.
@@ -31,7 +32,8 @@ struct NameLetters {
     }
 };
 
-/// Of what is not ASCII everything but `all` has each bit: anything may begin a word.
+/// For a name that is not ASCII every set but `all` has every bit, as any character may begin a
+/// word there.
 NameLetters nameLettersOf(std::string_view utf8);
 
 } // namespace navrel

@@ -7,8 +7,8 @@
 
 namespace navrel {
 
-/// Looked through once a second: temporary folders hold hundreds of entries, and no one keeps a
-/// project among more files than this. What stands beyond them is not seen.
+/// Folders are looked through once a second. Temporary ones hold hundreds of entries, and no user
+/// keeps a project among more files than this: entries beyond that are not seen.
 inline constexpr int kMaximumFolderEntries = 50'000;
 
 /// How looking through a folder ended.

@@ -10,8 +10,8 @@
 namespace navrel {
 
 /// The path that an editor is given for a requested one: absolute, so that nothing in it can look
-/// like an option, an address or a command. Nil for what can name no file. A relative path is one
-/// from the folder of this process.
+/// like an option, an address or a command. Nil for a text that can name no file. Relative paths
+/// start at the folder of this process.
 inline std::optional<QString> requestedPath(const QString& path) {
     if (!canNameAFile(path)) {
         return std::nullopt;

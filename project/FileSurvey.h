@@ -11,12 +11,12 @@
 namespace navrel {
 
 /// What the file system said about the files of a project during one pass. Each path is asked about
-/// once: one answer serves the date and the existence check. Later all questions can be put again
+/// once: one answer serves the date and the existence check. Later all questions can be asked again
 /// to see whether the answers still hold. One thread at a time.
 class FileSurvey {
 public:
-    /// As `modificationDateOfFile`, or the answer that was given before. What can name no file is
-    /// missing for ever and not remembered: such a path may have any length.
+    /// As `modificationDateOfFile`, or the answer that was given before. A path that can name no
+    /// file counts as missing and is not remembered, since it may have any length.
     std::optional<qint64> modificationDate(const QByteArray& path);
 
     bool exists(const QByteArray& path) { return modificationDate(path).has_value(); }

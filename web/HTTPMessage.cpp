@@ -80,7 +80,7 @@ std::string_view trimmed(std::string_view text) {
                                            : text.substr(first, last - first + 1);
 }
 
-/// Whether the parameters of one encoding (";q=0.5") take it back.
+/// Whether the parameters of an encoding (";q=0") refuse it.
 bool isRefused(std::string_view parameters) {
     const auto quality = parameters.find("q=");
     if (quality == std::string_view::npos) {

@@ -36,7 +36,7 @@ public:
         const int watch = ::inotify_add_watch(inotify_.value(), folder.c_str(),
                                               kContent | kNames | kSelf | IN_ONLYDIR);
         if (watch < 0) {
-            // What is not there is noticed through the folder that it is to be in.
+            // A folder that is not there yet is noticed through the one around it.
             return errno == ENOENT || errno == ENOTDIR || errno == EACCES || errno == ELOOP ||
                    errno == ENAMETOOLONG;
         }

@@ -95,7 +95,7 @@ void BrowserService::tellWhatChanged() {
     access_.publishState(programStateOf(facts()));
 }
 
-// Not without a project: the store might have to be opened for it, whose failure is presented.
+// Only with a project: this may open the store, and a failure to open it shows an alert.
 void BrowserService::publishFileTypes() {
     if (!collaborators_.dataManager.rootID()) {
         return;
@@ -204,7 +204,7 @@ void BrowserService::makeWindow() {
     window_ = std::make_unique<PairingWindow>(std::move(events));
 }
 
-// A code that nobody sees need not be renewed.
+// A code that no window shows need not be renewed.
 void BrowserService::fillWindow() {
     if (window_ == nullptr || !window_->isVisible()) {
         return;

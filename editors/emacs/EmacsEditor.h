@@ -17,8 +17,8 @@ class EmacsFollower;
 /// is ever started.
 class EmacsEditor final : public RunningEditor {
 public:
-    /// An Emacs that runs carries out a jump in some fifty milliseconds, two runs of its client;
-    /// the user hears by then that it did not.
+    /// A running Emacs carries out a jump in about fifty milliseconds (two runs of its client).
+    /// After this time the user is told that it did not.
     static constexpr std::chrono::milliseconds kJumpAtMost{450};
 
     explicit EmacsEditor(std::chrono::milliseconds leftAloneFor = kSilentEditorLeftAlone,
@@ -44,7 +44,7 @@ private:
     SilentEditors silent_; ///< any thread
     // Main thread.
     ToolQuestion activeFileQuestion_;
-    bool wasLate_ = false; ///< whether the answer that comes next was not in time
+    bool wasLate_ = false; ///< the next answer is to a question that timed out
     LastAnswers answers_;
     std::unique_ptr<EmacsFollower> follower_; // null while nobody follows
 };

@@ -16,7 +16,7 @@ namespace navrel {
 
 namespace {
 
-/// After so many lines of one plug-in the others, and the program, have their turn.
+/// So many lines of one plug-in are read before the others, and the program, have their turn.
 constexpr int kLinesAtATime = 32;
 /// A plug-in that does not read what it is sent is of no use.
 constexpr qint64 kMaximumUnsent = 256 * 1024;
@@ -42,7 +42,7 @@ struct HookSocket::Connection {
     QString editor;
     QStringList folders;
     std::map<qint64, Request> requests;
-    /// What is due for this connection ends with it. The socket lives a little longer.
+    /// The jobs for this connection end with it. The socket lives a little longer.
     std::unique_ptr<QObject> lifetime = std::make_unique<QObject>();
     bool isSilent = false; // since a request that waited for too long
 

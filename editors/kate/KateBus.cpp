@@ -34,8 +34,8 @@ QVariant firstOf(const QDBusMessage& reply) {
                : QVariant();
 }
 
-/// The processes of Kate by their names on the bus, the one started last first: process
-/// identifiers grow. Nothing where the bus itself does not answer.
+/// The names of Kate's processes on the bus, newest first, as process identifiers grow. Nothing
+/// where the bus itself does not answer.
 std::optional<QStringList> katesOn(const QDBusConnection& bus, const QDeadlineTimer& deadline) {
     const auto list = QDBusMessage::createMethodCall(
         QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),

@@ -33,8 +33,7 @@ public:
         return true;
     }
 
-    /// Gives memory back that is many times what the nodes take, as a far larger list before left
-    /// it.
+    /// Gives memory back where it is many times what the nodes take, as after a far larger list.
     void trim();
 
 private:
