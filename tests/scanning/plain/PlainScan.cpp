@@ -27,14 +27,14 @@ QString withoutAll(QString text, std::initializer_list<const char*> removed) {
 } // namespace
 
 PlainScan::PlainScan(ScanPatterns patterns)
-    : patterns_(std::move(patterns)), shortcutLine_(patterns_.shortcutLine),
-      swiftClass_(compiled(patterns_.swiftClass)),
-      swiftFunction_(compiled(patterns_.swiftFunction)),
-      swiftVariable_(compiled(patterns_.swiftVariable)), method_(compiled(patterns_.method)),
-      methodDeclaration_(compiled(patterns_.methodDeclaration)),
-      argument_(compiled(patterns_.argument)), typeCast_(compiled(patterns_.typeCast)),
-      property_(compiled(patterns_.property)), mark_(compiled(patterns_.mark)),
-      shortcut_(compiled(patterns_.shortcut)) {}
+    : patterns_(std::move(patterns)), shortcutLine_(patterns_.shortcutLine) {}
+
+RegularExpression& PlainScan::expressionOf(const ScanPattern& pattern) {
+    const auto known = expressions_.find(pattern.text);
+    return known != expressions_.end()
+               ? known->second
+               : expressions_.emplace(pattern.text, compiled(pattern)).first->second;
+}
 
 std::optional<Error> PlainScan::scan(QByteArrayView text, const SourceName& name,
                                      SourceFindings& findings,
@@ -87,9 +87,8 @@ void PlainScan::scanLines(QByteArrayView text, const SourceName& name) {
 
 /// Adds an element for each match. `makeElement` is given the texts of the match and of its groups.
 template <typename MakeElement>
-void PlainScan::scanFor(RegularExpression& expression, const QString& text,
-                        MakeElement makeElement) {
-    const auto found = expression.matchesIn(text, atMost_);
+void PlainScan::scanFor(const ScanPattern& pattern, const QString& text, MakeElement makeElement) {
+    const auto found = expressionOf(pattern).matchesIn(text, atMost_);
     error_ = error_ ? error_ : found.error;
     qsizetype countedTo = 0;
     quint32 line = 1;
@@ -110,42 +109,42 @@ void PlainScan::scanFor(RegularExpression& expression, const QString& text,
 
 void PlainScan::scanWholeText(const QString& text, SourceKind kind) {
     if (kind == SourceKind::Swift) {
-        scanFor(swiftClass_, text, [](const auto& group) {
+        scanFor(patterns_.swiftClass, text, [](const auto& group) {
             return std::pair(ElementType::Class, withoutAll(group(0), {"\n", "class", " "}));
         });
-        scanFor(swiftFunction_, text, [](const auto& group) {
+        scanFor(patterns_.swiftFunction, text, [](const auto& group) {
             return std::pair(ElementType::Method,
                              withoutAll(group(0), {"\n", "func", " "}) + QStringLiteral("()"));
         });
-        scanFor(swiftVariable_, text, [](const auto& group) {
+        scanFor(patterns_.swiftVariable, text, [](const auto& group) {
             return std::pair(ElementType::Property, withoutAll(group(0), {"var", "let", " "}));
         });
     } else {
-        scanFor(kind == SourceKind::Header ? methodDeclaration_ : method_, text,
+        scanFor(kind == SourceKind::Header ? patterns_.methodDeclaration : patterns_.method, text,
                 [this](const auto& group) {
                     return std::pair(ElementType::Method, methodName(group(0)));
                 });
-        scanFor(property_, text,
+        scanFor(patterns_.property, text,
                 [](const auto& group) { return std::pair(ElementType::Property, group(2)); });
     }
-    scanFor(mark_, text, [](const auto& group) {
+    scanFor(patterns_.mark, text, [](const auto& group) {
         const bool isMark = group(1).toLower().contains(QStringLiteral("mark"));
         return std::pair(isMark ? ElementType::Mark : ElementType::Warning, group(2));
     });
-    scanFor(shortcut_, text,
+    scanFor(patterns_.shortcut, text,
             [](const auto& group) { return std::pair(ElementType::Shortcut, group(2)); });
 }
 
 /// The selector as people write it: of each argument only the colon stays, types are left out.
 QString PlainScan::methodName(QString match) {
-    match = withoutMatches(argument_, std::move(match), QStringLiteral(":"));
-    match = withoutMatches(typeCast_, std::move(match), QString());
+    match = withoutMatches(patterns_.argument, std::move(match), QStringLiteral(":"));
+    match = withoutMatches(patterns_.typeCast, std::move(match), QString());
     return withoutAll(std::move(match), {" ", "{", ";"});
 }
 
-QString PlainScan::withoutMatches(RegularExpression& expression, QString text,
+QString PlainScan::withoutMatches(const ScanPattern& pattern, QString text,
                                   const QString& substitute) {
-    const auto found = expression.matchesIn(text, atMost_);
+    const auto found = expressionOf(pattern).matchesIn(text, atMost_);
     error_ = error_ ? error_ : found.error;
     for (auto match = found.matches.rbegin(); match != found.matches.rend(); ++match) {
         text.replace(match->ranges[0].location, match->ranges[0].length, substitute);

@@ -5,6 +5,7 @@
 #include "scanning/SuperclassExpression.h"
 #include "tests/scanning/plain/ScanPatterns.h"
 
+#include <map>
 #include <optional>
 
 namespace navrel {
@@ -26,26 +27,18 @@ public:
     void addElements(QByteArrayView text, SourceKind kind, SourceFindings& findings);
 
 private:
+    RegularExpression& expressionOf(const ScanPattern& pattern);
     void begin(SourceFindings& findings);
     void scanLines(QByteArrayView text, const SourceName& name);
     void scanWholeText(const QString& text, SourceKind kind);
     template <typename MakeElement>
-    void scanFor(RegularExpression& expression, const QString& text, MakeElement makeElement);
+    void scanFor(const ScanPattern& pattern, const QString& text, MakeElement makeElement);
     QString methodName(QString match);
-    QString withoutMatches(RegularExpression& expression, QString text, const QString& substitute);
+    QString withoutMatches(const ScanPattern& pattern, QString text, const QString& substitute);
 
     ScanPatterns patterns_;
     ShortcutExpression shortcutLine_;
-    RegularExpression swiftClass_;
-    RegularExpression swiftFunction_;
-    RegularExpression swiftVariable_;
-    RegularExpression method_;
-    RegularExpression methodDeclaration_;
-    RegularExpression argument_;
-    RegularExpression typeCast_;
-    RegularExpression property_;
-    RegularExpression mark_;
-    RegularExpression shortcut_;
+    std::map<QString, RegularExpression> expressions_; ///< those that were needed, by pattern
 
     // Of the scan under way.
     SourceFindings* findings_ = nullptr;
