@@ -1,19 +1,12 @@
 #include "web/HostNames.h"
 
+#include "codemap/Characters.h"
+
 #include <algorithm>
 
 namespace navrel {
 
 namespace {
-
-std::string lowered(std::string_view text) {
-    std::string result(text);
-    std::transform(result.begin(), result.end(), result.begin(), [](char character) {
-        return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a')
-                                                    : character;
-    });
-    return result;
-}
 
 /// The name without its port, which must be digits.
 std::string_view nameWithoutPort(std::string_view host) {

@@ -1,5 +1,6 @@
 #include "codemap/tree/ProjectTree.h"
 
+#include "codemap/Characters.h"
 #include "codemap/tree/DiskView.h"
 #include "codemap/tree/Paths.h"
 #include "codemap/tree/ProjectFiles.h"
@@ -73,18 +74,15 @@ bool isOpaque(std::string_view extension) {
 
 /// The order of a folder's entries: by name, letter case aside, on every machine the same.
 bool comesBefore(const FolderEntry* left, const FolderEntry* right) {
-    const auto lower = [](char character) {
-        return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a')
-                                                    : character;
-    };
     const auto [mine, theirs] =
         std::mismatch(left->name.begin(), left->name.end(), right->name.begin(), right->name.end(),
-                      [lower](char a, char b) { return lower(a) == lower(b); });
+                      [](char a, char b) { return lowerCase(a) == lowerCase(b); });
     if (mine == left->name.end() || theirs == right->name.end()) {
         return left->name.size() != right->name.size() ? left->name.size() < right->name.size()
                                                        : left->name < right->name;
     }
-    return static_cast<unsigned char>(lower(*mine)) < static_cast<unsigned char>(lower(*theirs));
+    return static_cast<unsigned char>(lowerCase(*mine)) <
+           static_cast<unsigned char>(lowerCase(*theirs));
 }
 
 /// FNV-1a with its bits mixed at the end. Texts with equal hashes get other identifiers, see

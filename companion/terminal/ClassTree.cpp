@@ -1,5 +1,6 @@
 #include "companion/terminal/ClassTree.h"
 
+#include "codemap/Characters.h"
 #include "companion/terminal/Names.h"
 #include "companion/terminal/ViewAccess.h"
 

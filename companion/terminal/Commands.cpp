@@ -1,5 +1,6 @@
 #include "companion/terminal/Commands.h"
 
+#include "codemap/Characters.h"
 #include "companion/terminal/ClassTree.h"
 #include "companion/terminal/QRText.h"
 #include "companion/terminal/StateText.h"

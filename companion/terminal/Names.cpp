@@ -1,5 +1,6 @@
 #include "companion/terminal/Names.h"
 
+#include "codemap/Characters.h"
 #include "companion/terminal/ViewAccess.h"
 
 #include <algorithm>
@@ -95,15 +96,6 @@ void addSymbols(const json::array& items, std::vector<SymbolName>& symbols) {
 }
 
 } // namespace
-
-std::string lowered(std::string_view text) {
-    std::string result(text);
-    std::transform(result.begin(), result.end(), result.begin(), [](char character) {
-        return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a')
-                                                    : character;
-    });
-    return result;
-}
 
 std::vector<NodeName> nodesOf(const json::object& tree) {
     std::vector<NodeName> nodes;

@@ -58,7 +58,4 @@ struct PlaceText {
 };
 std::vector<PlaceText> placesIn(std::string_view text);
 
-/// ASCII letters in lower case; all else as it is.
-std::string lowered(std::string_view text);
-
 } // namespace navrel

@@ -133,11 +133,8 @@ CommandResult Session::printCompletions() {
     return CommandResult::done;
 }
 
-CommandResult Session::runPrompt() {
-    commands_ = makeCommands();
-    greet();
-    EditedLines lines({arguments_.isPlain ? QStringLiteral("Navrel: ") : QStringLiteral("> "),
-                       historyPath(), completionWords()});
+template <typename Lines>
+CommandResult Session::runLines(Lines& lines) {
     while (const auto line = lines.next()) {
         if (Commands::isQuit(*line)) {
             return CommandResult::done;
@@ -148,6 +145,14 @@ CommandResult Session::runPrompt() {
         commands_->run(*line);
     }
     return CommandResult::done;
+}
+
+CommandResult Session::runPrompt() {
+    commands_ = makeCommands();
+    greet();
+    EditedLines lines({arguments_.isPlain ? QStringLiteral("Navrel: ") : QStringLiteral("> "),
+                       historyPath(), completionWords()});
+    return runLines(lines);
 }
 
 CommandResult Session::runPlainInput() {
@@ -161,16 +166,7 @@ CommandResult Session::runPlainInput() {
         while (!wire_.turn(std::chrono::minutes(10), descriptor)) {
         }
     });
-    while (const auto line = input.next()) {
-        if (Commands::isQuit(*line)) {
-            return CommandResult::done;
-        }
-        if (!isServed()) {
-            return CommandResult::noNavrel;
-        }
-        commands_->run(*line);
-    }
-    return CommandResult::done;
+    return runLines(input);
 }
 
 // Finding a Navrel.

@@ -31,6 +31,8 @@ private:
     using Seconds = std::chrono::seconds;
 
     CommandResult runOneCommand();
+    template <typename Lines>
+    CommandResult runLines(Lines& lines);
     CommandResult runPrompt();
     CommandResult runPlainInput();
     CommandResult printCompletions();

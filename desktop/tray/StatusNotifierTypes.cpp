@@ -1,35 +1,25 @@
 #include "desktop/tray/StatusNotifierTypes.h"
 
+#include "desktop/tray/DBusStructure.h"
+
 #include <QDBusMetaType>
 
 namespace navrel {
 
 QDBusArgument& operator<<(QDBusArgument& argument, const DBusPicture& picture) {
-    argument.beginStructure();
-    argument << picture.width << picture.height << picture.bytes;
-    argument.endStructure();
-    return argument;
+    return putStructure(argument, picture.width, picture.height, picture.bytes);
 }
 
 const QDBusArgument& operator>>(const QDBusArgument& argument, DBusPicture& picture) {
-    argument.beginStructure();
-    argument >> picture.width >> picture.height >> picture.bytes;
-    argument.endStructure();
-    return argument;
+    return takeStructure(argument, picture.width, picture.height, picture.bytes);
 }
 
 QDBusArgument& operator<<(QDBusArgument& argument, const DBusToolTip& toolTip) {
-    argument.beginStructure();
-    argument << toolTip.iconName << toolTip.pictures << toolTip.title << toolTip.text;
-    argument.endStructure();
-    return argument;
+    return putStructure(argument, toolTip.iconName, toolTip.pictures, toolTip.title, toolTip.text);
 }
 
 const QDBusArgument& operator>>(const QDBusArgument& argument, DBusToolTip& toolTip) {
-    argument.beginStructure();
-    argument >> toolTip.iconName >> toolTip.pictures >> toolTip.title >> toolTip.text;
-    argument.endStructure();
-    return argument;
+    return takeStructure(argument, toolTip.iconName, toolTip.pictures, toolTip.title, toolTip.text);
 }
 
 void registerStatusNotifierTypes() {
