@@ -2,6 +2,7 @@
 
 #include "support/sockets/NonBlockingSocket.h"
 
+#include <QByteArrayList>
 #include <QDeadlineTimer>
 
 #include <algorithm>
