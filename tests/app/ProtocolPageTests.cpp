@@ -1,6 +1,7 @@
 // Holds docs/protocol.md to the frame types and keys of the code.
 
 #include "app/CommandService.h"
+#include "protocol/CompanionKeys.h"
 #include "protocol/CompanionProtocol.h"
 
 #include <QFile>
