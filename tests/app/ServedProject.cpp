@@ -4,12 +4,6 @@
 
 namespace navrel {
 
-namespace {
-
-constexpr std::chrono::milliseconds kActivationDelay{1500};
-
-} // namespace
-
 ServedProject::~ServedProject() {
     device_.stopListening();
     device_.disconnect();
@@ -28,8 +22,8 @@ void ServedProject::chooseProject() {
 }
 
 bool ServedProject::isNextPollScheduled() const {
-    const std::size_t others = clock_.now() < launched_ + kActivationDelay ? 2 : 1; // and the menu
-    return clock_.scheduledCalls() > others;
+    constexpr std::size_t kMenu = 1;
+    return clock_.scheduledCalls() > kMenu;
 }
 
 void ServedProject::passTime(Clock::Duration duration) {
@@ -67,7 +61,6 @@ void ServedProject::start() {
     delegate_ = AppDelegate::create(
         {*manager_, desktop_, *defaults_, version_, [this] { return hub_; }, QUrl(),
          [this](int socket) { return loopbackPeer_(socket); }, QString(), clock_});
-    launched_ = clock_.now();
     delegate_->applicationDidFinishLaunching();
 }
 

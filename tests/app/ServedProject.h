@@ -80,8 +80,6 @@ protected:
 private:
     void chooseProject();
     void start();
-
-    Clock::TimePoint launched_;
 };
 
 } // namespace navrel
