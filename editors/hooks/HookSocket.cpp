@@ -27,13 +27,16 @@ bool holds(const QString& folder, const QString& file) {
            (folder.endsWith(QLatin1Char('/')) || file.mid(folder.size()).startsWith(u'/'));
 }
 
+bool isAtLine(const std::optional<EditorPlace>& place, const EditorPlace& wanted) {
+    return place && place->path == wanted.path && place->line == wanted.line;
+}
+
 } // namespace
 
 /// What a window was asked for and has not answered.
 struct HookSocket::Request {
     Reply reply;
     std::optional<EditorPlace> place; ///< where it leads; nothing for a step back
-    qint64 placesHeard = 0;           ///< before it was sent
 };
 
 /// One window of an editor.
@@ -134,7 +137,6 @@ void HookSocket::hear(Connection& connection, const HookMessage& message) {
         const auto found = std::find_if(connections_.begin(), connections_.end(), isThis);
         std::rotate(connections_.begin(), found, found + 1);
         latest_ = message.place;
-        ++placesHeard_;
         if (observer_ != nullptr) {
             observer_(message.place);
         }
@@ -159,8 +161,9 @@ void HookSocket::answer(Connection& connection, qint64 request, const Outcome& o
     const Request answered = std::move(found->second);
     connection.requests.erase(found);
     const bool isFront = connections_.front().get() == &connection;
-    if (outcome.opened && isFront && answered.place && answered.placesHeard == placesHeard_) {
-        // The plug-in will say so, at most ten times a second. A jump from there may be sooner.
+    if (outcome.opened && isFront && answered.place && !isAtLine(latest_, *answered.place)) {
+        // The plug-in will say so, at most ten times a second. A jump from there may be sooner;
+        // what it said last may be of a moment before this one.
         latest_ = answered.place;
         latest_->column = std::max(1, latest_->column);
     }
@@ -216,12 +219,12 @@ HookSocket::Connection* HookSocket::windowFor(const QByteArray& path) const {
 qint64 HookSocket::open(const EditorPlace& place, Reply reply) {
     NAVREL_ASSERT_MAIN_THREAD();
     return send(windowFor(place.path), [&](qint64 request) { return hookOpenLine(place, request); },
-                {std::move(reply), place, placesHeard_});
+                {std::move(reply), place});
 }
 
 qint64 HookSocket::goBack(Reply reply) {
     NAVREL_ASSERT_MAIN_THREAD();
-    return send(latestWindow(), hookBackLine, {std::move(reply), {}, placesHeard_});
+    return send(latestWindow(), hookBackLine, {std::move(reply), {}});
 }
 
 qint64 HookSocket::send(Connection* window, const std::function<QByteArray(qint64)>& line,

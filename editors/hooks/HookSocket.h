@@ -82,7 +82,6 @@ private:
     std::optional<EditorPlace> latest_;
     Observer observer_;
     qint64 lastRequest_ = 0;
-    qint64 placesHeard_ = 0;
 };
 
 } // namespace navrel

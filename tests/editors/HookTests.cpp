@@ -225,15 +225,21 @@ TEST_F(Hooks, theUserIsWhereTheEditorWasLedUntilItSaysOtherwise) {
     EXPECT_EQ(socket.latest(), (EditorPlace{"/b.m", 42, 1, false}));
 
     socket.open({"/b.m", 90, 0, false}, count);
-    editor.say(R"({"active":"/b.m","line":89,"column":2})");
+    editor.say(R"({"active":"/b.m","line":90,"column":2})");
     editor.say(R"({"opened":2})");
     ASSERT_TRUE(waitUntil([&] { return replies == 2; }));
-    EXPECT_EQ(socket.latest(), (EditorPlace{"/b.m", 89, 2, false}));
+    EXPECT_EQ(socket.latest(), (EditorPlace{"/b.m", 90, 2, false}));
+
+    socket.open({"/b.m", 91, 0, false}, count);
+    editor.say(R"({"active":"/b.m","line":90,"column":7})"); // where it was a moment before
+    editor.say(R"({"opened":3})");
+    ASSERT_TRUE(waitUntil([&] { return replies == 3; }));
+    EXPECT_EQ(socket.latest(), (EditorPlace{"/b.m", 91, 1, false}));
 
     socket.open({"/b.m", 7, 0, false}, count);
-    editor.say(R"({"refused":3})");
-    ASSERT_TRUE(waitUntil([&] { return replies == 3; }));
-    EXPECT_EQ(socket.latest(), (EditorPlace{"/b.m", 89, 2, false}));
+    editor.say(R"({"refused":4})");
+    ASSERT_TRUE(waitUntil([&] { return replies == 4; }));
+    EXPECT_EQ(socket.latest(), (EditorPlace{"/b.m", 91, 1, false}));
 }
 
 TEST_F(Hooks, anEditorThatDiesInTheMiddleRefuses) {
