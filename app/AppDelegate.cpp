@@ -131,7 +131,7 @@ void AppDelegate::ioFrameChannelDidReceiveFrameOfType(
     const std::shared_ptr<PTChannel>&, quint32 type, quint32 tag,
     const std::shared_ptr<const PTData>& payload) {
     NAVREL_ASSERT_MAIN_THREAD();
-    if (collaborators_.clock.now() < clearToSendFrom_) {
+    if (!clearToSend()) {
         return;
     }
     if (const auto reply =

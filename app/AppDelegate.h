@@ -61,6 +61,8 @@ public:
     /// Starts everything, in a fixed order; once, when the event loop is about to run. Waits for
     /// the update check first, and for the user's answer to its alert.
     void applicationDidFinishLaunching();
+    /// Whether device requests are let in: not for the first moment after launching.
+    bool clearToSend() const { return collaborators_.clock.now() >= clearToSendFrom_; }
     /// Lets device requests in, from now on.
     void activate() { clearToSendFrom_ = Clock::TimePoint::min(); }
     /// The quit entry: remembers whether automatic selection is on, then ends the program.
