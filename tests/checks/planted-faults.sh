@@ -119,7 +119,7 @@ plant packaging/man/navrel.1 's/^\.Sh FILES/.Hs FILES/'
 expect_fault check-packaging 'skipping unknown macro: .Hs'
 plant packaging/man/navrel.1 "s/^with the same menu where there is/$(printf 'x%.0s' {1..90})/"
 expect_fault check-packaging "break line"
-plant packaging/linux/navrel.service.in '/^NoNewPrivileges=/d'
+plant packaging/linux/navrel.service.in '/^CapabilityBoundingSet=/d'
 expect_fault check-packaging 'navrel.service.in: exposed to '
 plant packaging/debian/changelog '1s/0\.1/9.8/'
 expect_fault check-packaging 'packaging/debian/changelog: the version is 9.8'
