@@ -68,9 +68,12 @@ journey("a tap on a symbol opens its line", "phone", async ({ hand, server }) =>
 });
 
 journey("the browser's own Back leads up", "phone", async ({ hand, view }) => {
+  const steps = await view.run(() => history.length);
   await hand.row("Tidewatch");
   await hand.row("Model");
   await hand.sees("Station.swift");
+  // A place is drawn before it is in the history.
+  await until("both steps in the history", async () => (await view.run(() => history.length)) === steps + 2);
   await view.run(() => history.back());
   await hand.sees("Application support");
   await view.run(() => history.back());
