@@ -30,7 +30,7 @@ QString installedSymbolicIcon() {
 
 StatusItem::StatusItem(StatusMenu& menu, const QIcon& icon, bool hasDisplay)
     : icon_(icon), hasDisplay_(hasDisplay), menuWidget_(menu),
-      window_(std::make_unique<MenuWindow>(menu, icon, [&menu] { return menu.state(); })) {
+      window_(std::make_unique<MenuWindow>(menu, icon)) {
     offerOnBus(menu);
     connect(&trayTimer_, &QTimer::timeout, this, [this] {
         if (busItem_ != nullptr && !busItem_->isOnBus()) {

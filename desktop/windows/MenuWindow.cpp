@@ -57,8 +57,7 @@ void showSentence(const StateSentence& sentence, QListWidgetItem& item, QLabel& 
 
 } // namespace
 
-MenuWindow::MenuWindow(StatusMenu& menu, const QIcon& icon, StateSource state)
-    : menu_(menu), state_(std::move(state)) {
+MenuWindow::MenuWindow(StatusMenu& menu, const QIcon& icon) : menu_(menu) {
     setWindowTitle(QStringLiteral("Navrel"));
     setWindowIcon(icon);
     list_.setAccessibleName(QStringLiteral("Navrel"));
@@ -141,7 +140,7 @@ void MenuWindow::addState() {
 
 /// Rows change in place, so that the list does not move under the pointer.
 void MenuWindow::showState() {
-    std::vector<StateSentence> sentences = state_ ? state_() : std::vector<StateSentence>();
+    std::vector<StateSentence> sentences = menu_.state();
     if (sentences == sentences_) {
         return;
     }

@@ -9,7 +9,6 @@
 #include <QTimer>
 #include <QWidget>
 
-#include <functional>
 #include <vector>
 
 namespace navrel {
@@ -20,11 +19,9 @@ namespace navrel {
 /// room for, and cuts none. Main thread.
 class MenuWindow final : public QWidget, public StatusMenuView {
 public:
-    using StateSource = std::function<std::vector<StateSentence>()>;
-
-    /// Hidden at first. The menu must live longer. `state` is asked once a second while the window
-    /// shows, and must give as many sentences each time; null for none.
-    MenuWindow(StatusMenu& menu, const QIcon& icon, StateSource state = nullptr);
+    /// Hidden at first. The menu must live longer; it is asked for the sentences once a second while
+    /// the window shows.
+    MenuWindow(StatusMenu& menu, const QIcon& icon);
     ~MenuWindow() override;
 
     void menuDidChange() override;
@@ -46,7 +43,6 @@ private:
     void fitRows();
 
     StatusMenu& menu_;
-    const StateSource state_;
     std::vector<StateSentence> sentences_; ///< in the first rows
     QTimer stateTimer_;                    ///< runs while the window shows
     QListWidget list_;

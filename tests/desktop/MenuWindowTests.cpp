@@ -126,7 +126,10 @@ TEST_F(MenuWindowTest, theUsersSizeStays) {
 /// With sentences above the menu's entries.
 class MenuWindowStateTest : public MenuWindowTest {
 protected:
-    MenuWindowStateTest() { stated_.QWidget::show(); }
+    MenuWindowStateTest() {
+        menu_.setState([this] { return state_; });
+        stated_.QWidget::show();
+    }
 
     QListWidget& list() const { return *stated_.findChild<QListWidget*>(); }
     QString sentence(int row) const {
@@ -139,7 +142,7 @@ protected:
         {StateSentence::Part::device, StateSentence::Level::idle,
          QStringLiteral("No device is attached."), QStringLiteral("Plug one in.")},
     };
-    MenuWindow stated_{menu_, QIcon(), [this] { return state_; }};
+    MenuWindow stated_{menu_, QIcon()};
 };
 
 TEST_F(MenuWindowStateTest, saysHowTheProgramStandsAboveTheEntries) {
