@@ -50,8 +50,7 @@ public:
     virtual CodeAnswer switchFileType(const std::string& extension, bool allowed) = 0;
 
     /// `path` as the tree has it; line and column 0 for none. A device's request has no column. The
-    /// view: {"outcome": "opened" or "asked",
-    /// "editor": …}.
+    /// view: {"outcome": "opened" or "asked", "editor": …}.
     virtual CodeAnswer open(const std::string& file, const std::string& path, std::uint32_t line,
                             std::uint32_t column) = 0;
 

@@ -13,7 +13,7 @@ QDBusArgument& putStructure(QDBusArgument& argument, const Fields&... fields) {
     return argument;
 }
 
-/// Reads them.
+/// Reads the fields of a structure, in the same order.
 template <typename... Fields>
 const QDBusArgument& takeStructure(const QDBusArgument& argument, Fields&... fields) {
     argument.beginStructure();
