@@ -4,6 +4,12 @@
 
 namespace navrel {
 
+namespace {
+
+constexpr std::chrono::milliseconds kActivationDelay{1500};
+
+} // namespace
+
 ServedProject::~ServedProject() {
     device_.stopListening();
     device_.disconnect();
@@ -22,8 +28,8 @@ void ServedProject::chooseProject() {
 }
 
 bool ServedProject::isNextPollScheduled() const {
-    constexpr std::size_t kMenu = 1;
-    return clock_.scheduledCalls() > kMenu;
+    const std::size_t others = clock_.now() < launched_ + kActivationDelay ? 2 : 1; // and the menu
+    return clock_.scheduledCalls() > others;
 }
 
 void ServedProject::passTime(Clock::Duration duration) {
@@ -61,6 +67,7 @@ void ServedProject::start() {
     delegate_ = AppDelegate::create(
         {*manager_, desktop_, *defaults_, version_, [this] { return hub_; }, QUrl(),
          [this](int socket) { return loopbackPeer_(socket); }, QString(), clock_});
+    launched_ = clock_.now();
     delegate_->applicationDidFinishLaunching();
 }
 

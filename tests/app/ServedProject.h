@@ -80,6 +80,8 @@ protected:
 private:
     void chooseProject();
     void start();
+
+    Clock::TimePoint launched_;
 };
 
 } // namespace navrel
