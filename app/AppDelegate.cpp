@@ -64,8 +64,9 @@ void AppDelegate::applicationDidFinishLaunching() {
     startListeningForDevices();
     enqueueConnectToLocalIPv4Port();
     Clock& clock = collaborators_.clock;
-    menuTimer_ = clock.every(kMenuInterval, [this] { createMenu(); });
-    // A time and not a timer, which a long pass over the project would hold up.
+    timers_.push_back(clock.every(kMenuInterval, [this] { createMenu(); }));
+    timers_.push_back(clock.after(kActivationDelay, [this] { activate(); }));
+    // Also a time: a long pass over the project may hold the timer up.
     clearToSendFrom_ = std::min(clearToSendFrom_, clock.now() + kActivationDelay);
 }
 

@@ -63,7 +63,7 @@ public:
     void applicationDidFinishLaunching();
     /// Whether device requests are let in: not for the first moment after launching.
     bool clearToSend() const { return collaborators_.clock.now() >= clearToSendFrom_; }
-    /// Lets device requests in, from now on.
+    /// Lets device requests in, from now on. Called once, soon after launching.
     void activate() { clearToSendFrom_ = Clock::TimePoint::min(); }
     /// The quit entry: remembers whether automatic selection is on, then ends the program.
     void quit();
@@ -127,7 +127,7 @@ private:
     ShortcutMenu shortcutMenu_;
     MenuItem* versionItem_ = nullptr;
     std::shared_ptr<DeviceLink> link_;
-    std::unique_ptr<ScheduledCall> menuTimer_;
+    std::vector<std::unique_ptr<ScheduledCall>> timers_; ///< the menu's, and the activation's
     Clock::TimePoint clearToSendFrom_ = Clock::TimePoint::max();
 };
 
