@@ -177,6 +177,19 @@ TEST_F(TransportTests, offMeansTheOwnersSocketAlone) {
     EXPECT_TRUE(service_->status().addresses.empty());
 }
 
+/// Some browsers hold the end of a chunk back until the next arrives, which may be a heartbeat.
+TEST_F(TransportTests, eventsAreNotSentInChunks) {
+    settings.mode = AccessSettings::Mode::machine;
+    start();
+    WebClient stream(port());
+    stream.send(getBytes("/api/events", pair()));
+    const std::string head = stream.readUntil("\r\n\r\n");
+    EXPECT_THAT(head, ::testing::StartsWith("HTTP/1.1 200 "));
+    EXPECT_THAT(head, ::testing::HasSubstr("\r\nConnection: close\r\n"));
+    EXPECT_THAT(head, ::testing::Not(::testing::HasSubstr("Transfer-Encoding")));
+    EXPECT_EQ(stream.readUntil("\n").substr(0, 7), "event: ");
+}
+
 TEST_F(TransportTests, modesChangeWhileItRuns) {
     start();
     const std::string cookie = pair();
