@@ -19,8 +19,8 @@ namespace navrel {
 /// room for, and cuts none. Main thread.
 class MenuWindow final : public QWidget, public StatusMenuView {
 public:
-    /// Hidden at first. The menu must live longer; it is asked for the sentences once a second while
-    /// the window shows.
+    /// Hidden at first. The menu must live longer; it is asked for the sentences once a second
+    /// while the window shows.
     MenuWindow(StatusMenu& menu, const QIcon& icon);
     ~MenuWindow() override;
 
