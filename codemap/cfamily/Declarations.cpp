@@ -68,10 +68,6 @@ std::string inOneLine(std::string_view text) {
     return result;
 }
 
-bool isMemberScope(ScopeKind kind) {
-    return kind == ScopeKind::type || kind == ScopeKind::variables;
-}
-
 } // namespace
 
 Found Declarations::functionOf(std::size_t signatureEnd) {
@@ -81,7 +77,8 @@ Found Declarations::functionOf(std::size_t signatureEnd) {
         return {};
     }
     Found result = found(kindOf(declarator), declarator.name, signatureEnd);
-    const bool isCall = (!declarator.hasType || declarator.isAfterMacro) &&
+    const bool hasMacroAsType = declarator.isAfterMacro && head_.is(0, Word::specifier);
+    const bool isCall = (!declarator.hasType || (declarator.isAfterMacro && !hasMacroAsType)) &&
                         !isSpecialMember(declarator) &&
                         isAllCapitals(head_.textOf(declarator.name.last));
     const std::size_t after = head_.after(declarator.parameters);

@@ -65,6 +65,7 @@ private:
             types_ += isDone_ ? 0 : 1;
             realTypes_ += isDone_ ? 0 : 1;
             index_ += isDone_ ? 0 : 1;
+            isTagNext_ = false;
             return;
         case TokenKind::sign:
             readSign(token);
@@ -145,8 +146,12 @@ private:
     }
 
     bool isAttributeMacro() const {
-        if (isJoined_ || !name_.isValid() || realTypes_ == 0 || result_.isOperator) {
+        if (isJoined_ || !name_.isValid() || result_.isOperator) {
             return false;
+        }
+        if (realTypes_ == 0) { // "BOOL" may be a macro, too
+            return types_ > 0 && !isAllCapitals(head_.textOf(name_.last)) &&
+                   isAllCapitals(head_.textOf(index_)) && looksLikeAttribute(head_.textOf(index_));
         }
         if (head_.textOf(index_).starts_with("__")) {
             return true; // "int a __deprecated": such names are the system's

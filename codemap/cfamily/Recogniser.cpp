@@ -325,6 +325,10 @@ void Recogniser::goTo(const Place& place, std::size_t at) {
 // Braces.
 
 void Recogniser::openBrace(const Token& brace) {
+    if (!head_.empty() && head_[0].atWord == AtWord::property) {
+        passBraces(brace); // "@property struct { int a; } name;"
+        return;
+    }
     if (head_.empty() || head_.is(0, Word::statement) || isExpression() ||
         scopes_.current().kind == ScopeKind::enumeration) {
         const bool isBlock = !isExpression();
@@ -459,6 +463,7 @@ bool Recogniser::openType(const Token& brace) {
     scope.kind = type->kind == SymbolKind::enumType ? ScopeKind::enumeration : ScopeKind::type;
     for (std::size_t i = 0; i < type->keyword; i = head_.after(i)) {
         scope.isTypeDefinition = scope.isTypeDefinition || head_.is(i, Word::typeDefinition);
+        scope.isExternal = scope.isExternal || head_.is(i, Word::externName);
     }
     scope.endsWithBrace = head_[type->keyword].isName(); // NS_ENUM and its kin
     std::string name;
@@ -473,8 +478,8 @@ bool Recogniser::openType(const Token& brace) {
     if (!type->name.isValid() && !name.empty()) {
         scope.isNameTaken = true;
         if (!scope.isTypeDefinition) {
-            found.kind = scopes_.current().kind == ScopeKind::type ? SymbolKind::field
-                                                                   : SymbolKind::variable;
+            found.kind =
+                isMemberScope(scopes_.current().kind) ? SymbolKind::field : SymbolKind::variable;
         } else if (isPointer) {
             found.kind = SymbolKind::typeDefinition;
         }
@@ -679,6 +684,10 @@ void Recogniser::closeBrace(const Token& brace) {
         body.kind = TokenKind::word;
         body.word = Word::typeDefinition;
         head_.push(body);
+    } else if (scope.isExternal) {
+        body.kind = TokenKind::word;
+        body.word = Word::externName;
+        head_.push(body);
     }
     body.kind = TokenKind::braces;
     head_.push(body);
@@ -738,6 +747,7 @@ void Recogniser::endStatement(const Token& sign) {
 /// After "=": goes to the sign that ends the initializer.
 void Recogniser::passInitializer() {
     std::size_t depth = 0;
+    bool isAfterName = false;
     const std::uint64_t number = headNumber_;
     while (number == headNumber_) {
         const std::size_t position = lexer_.position();
@@ -761,7 +771,39 @@ void Recogniser::passInitializer() {
             passBody();
         } else if (token.kind == TokenKind::directive) {
             readDirective(token.begin, token.end);
+        } else if (token.is('<') && isCpp_ && isAfterName && depth == 0) {
+            passTemplateArguments();
         }
+        isAfterName = token.isName();
+    }
+}
+
+/// After "<" in an expression: goes behind its ">" if what is between can be template arguments.
+void Recogniser::passTemplateArguments() {
+    const std::size_t begin = lexer_.position();
+    if (begin <= angleSearchEnd_) {
+        return; // what an earlier one looked through without finding an end
+    }
+    lexer_.setQuiet(true);
+    std::size_t angles = 1;
+    std::size_t groups = 0;
+    for (int look = 0; look < kMaximumLook && angles > 0; ++look) {
+        const Token token = lexer_.next();
+        const bool isNever = token.is(';') || token.is('{') || token.is('}') || token.is('=') ||
+                             token.kind == TokenKind::end || token.kind == TokenKind::directive ||
+                             (token.is(')') && groups == 0);
+        if (isNever) {
+            break;
+        }
+        groups += token.is('(') ? 1 : 0;
+        groups -= token.is(')') ? 1 : 0;
+        angles += token.is('<') && groups == 0 ? 1 : 0;
+        angles -= token.is('>') && groups == 0 ? 1 : 0;
+    }
+    lexer_.setQuiet(false);
+    if (angles > 0) {
+        angleSearchEnd_ = lexer_.position();
+        lexer_.setPosition(begin);
     }
 }
 

@@ -87,6 +87,7 @@ private:
     void clearHead();
     void endStatement(const Token& sign);
     void passInitializer();
+    void passTemplateArguments();
     bool beginsNext();
     void passConstructorInitializers(const Token& colon);
     bool isAccessLabel() const;
@@ -125,6 +126,7 @@ private:
     std::size_t signatureEnd_ = 0; ///< where a constructor's initializers begin; 0 without
     bool hasReadColon_ = false;    ///< whether the head had a colon that was no constructor's
     bool isFirstNameTaken_ = false;
+    std::size_t angleSearchEnd_ = 0; ///< no "<" of an expression before it has its ">"
     std::size_t directivesRead_ = 0; ///< those before it have been told of
 
     bool isBalanced_ = true;

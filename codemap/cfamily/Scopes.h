@@ -20,6 +20,11 @@ enum class ScopeKind : std::uint8_t {
     variables,      ///< the instance variables of an Objective-C class
 };
 
+/// Whether what is declared there is a part of a type.
+constexpr bool isMemberScope(ScopeKind kind) {
+    return kind == ScopeKind::type || kind == ScopeKind::variables;
+}
+
 /// What a pair of braces, or @interface … @end, encloses.
 struct Scope {
     ScopeKind kind = ScopeKind::file;
@@ -27,6 +32,7 @@ struct Scope {
     std::uint16_t depth = 0; ///< 0 for the file
     bool hasSymbol = false;  ///< whether it is open in the outline
     bool isTypeDefinition = false;
+    bool isExternal = false;
     bool endsWithBrace = false; ///< what follows the body names nothing
     bool isNameTaken = false;   ///< the first name after the body is the scope's own
     Access access = Access::unstated;
