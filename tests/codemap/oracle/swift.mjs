@@ -32,7 +32,9 @@ function labelsOf(node, namesAreLabels) {
 
 function typeOf(node) {
     const word = node.children.find((one) => TYPE_WORDS.has(one.type));
-    const name = child(node, "type_identifier", "user_type", "array_type", "dictionary_type");
+    const name =
+        child(node, "type_identifier", "user_type", "array_type", "dictionary_type") ??
+        node.children[node.children.indexOf(word) + 1];
     const isExtension = word.type === "extension";
     const text = isExtension ? name.text.replaceAll(/<.*>/gs, "") : name.text;
     return { kind: word.type, name: withoutBackticks(text), line: lineOf(name) };
