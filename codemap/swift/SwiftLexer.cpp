@@ -106,6 +106,14 @@ bool beginsOtherDeclaration(std::string_view word) {
            (introducesDeclaration(meaning) && meaning != SwiftWord::caseWord);
 }
 
+/// Whether the last word is "try", and not one like "Country".
+bool endsWithTry(std::string_view text) {
+    constexpr std::string_view kTry = "try";
+    const std::size_t before = text.size() - std::min(text.size(), kTry.size());
+    return text.ends_with(kTry) &&
+           (before == 0 || !isSwift(text[before - 1], swift_bytes::kName | swift_bytes::kDigit));
+}
+
 } // namespace
 
 SwiftLexer::SwiftLexer(std::string_view text, OutlineBuilder& builder)
@@ -320,7 +328,7 @@ SwiftToken SwiftLexer::readSign() {
                            !isIn("([{,;:", begin[-1]);
     place_ = isPostfix ? begin + 1 : std::max(endOfOperator(begin), begin + 1);
     SwiftToken found = token(SwiftTokenKind::sign, begin);
-    if (isPostfix && textBetween(begin_, begin).ends_with("try")) {
+    if (isPostfix && endsWithTry(textBetween(begin_, begin))) {
         found.word = SwiftWord::prefixWord;
     }
     return found;
