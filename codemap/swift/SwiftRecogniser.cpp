@@ -158,9 +158,10 @@ bool SwiftRecogniser::startsStrongly() {
     case SwiftWord::protocolWord:
     case SwiftWord::structWord:
     case SwiftWord::typeAlias:
-    case SwiftWord::accessModifier:
-    case SwiftWord::modifier:
         return lexer_.peek().isName();
+    case SwiftWord::accessModifier:
+    case SwiftWord::modifier: // "prefix name: T" is a parameter
+        return isModifier(lexer_.peek().word) || introducesDeclaration(lexer_.peek().word);
     default:
         return false;
     }
@@ -484,9 +485,11 @@ void SwiftRecogniser::readExtension(const Head& head) {
     advance();
     const Name first = nameOfToken();
     fullName_.clear();
-    while (!endsDeclaration() && !token_.is(':') && !token_.is('{') &&
+    bool isFirst = token_.isName(); // it may stand on the next line
+    while ((isFirst || !endsDeclaration()) && !token_.is(':') && !token_.is('{') &&
            !token_.is(SwiftWord::whereWord)) {
         const char* const begin = token_.begin();
+        isFirst = false;
         if (opensAngles()) {
             skipAngles();
         } else if (opensGroup()) {
@@ -688,7 +691,7 @@ bool SwiftRecogniser::skipParameterRest() {
         }
         if (token_.is(',')) {
             advance();
-            if ((isDefault || open > 0) ? beginsParameter() : !token_.is(')')) {
+            if ((isDefault || open > 0) ? beginsParameter(isDefault) : !token_.is(')')) {
                 return true;
             }
             continue;
@@ -700,9 +703,14 @@ bool SwiftRecogniser::skipParameterRest() {
     return false;
 }
 
-/// Behind a comma that might belong to generic arguments.
-bool SwiftRecogniser::beginsParameter() {
-    return token_.is('@') || (token_.isName() && (lexer_.peek().isName() || lexer_.peek().is(':')));
+/// Behind a comma that might belong to generic arguments. In a type it does as a rule: "any A",
+/// "each B" and "@Sendable () -> C" are arguments then.
+bool SwiftRecogniser::beginsParameter(bool isDefault) {
+    if (token_.isName() && lexer_.peek().is(':')) {
+        return true;
+    }
+    return isDefault && !token_.is(SwiftWord::prefixWord) &&
+           (token_.is('@') || (token_.isName() && lexer_.peek().isName()));
 }
 
 // Other declarations.

@@ -120,7 +120,7 @@ private:
     void readLabels(Labels labels);
     void readLabel(Labels labels);
     bool skipParameterRest();
-    bool beginsParameter();
+    bool beginsParameter(bool isDefault);
 
     void readCases(const Head& head);
     void readCase(const Head& head, const char* begin);
