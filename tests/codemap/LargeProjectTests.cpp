@@ -4,6 +4,7 @@
 #include "codemap/CodeMap.h"
 #include "codemap/MapBuilder.h"
 #include "codemap/tree/FolderWatch.h"
+#include "tests/Sanitizers.h"
 #include "tests/WaitUntil.h"
 #include "tests/codemap/ScratchProject.h"
 
@@ -20,7 +21,7 @@
 namespace navrel {
 namespace {
 
-constexpr int kFolders = 400;
+constexpr int kFolders = loadOf(400, 60);
 constexpr int kFilesOfFolder = 50;
 
 /// What a snapshot shows: a line for each file, with its symbols.
