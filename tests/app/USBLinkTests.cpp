@@ -1,6 +1,7 @@
 #include "support/core/NotificationCentre.h"
 #include "support/dispatch/DispatchQueue.h"
 #include "tests/FakeUSBDaemon.h"
+#include "tests/Sanitizers.h"
 #include "tests/app/ServedProject.h"
 #include "tests/transport/FullListener.h"
 #include "transport/usb/PTUSBHub.h"
@@ -691,7 +692,7 @@ TEST_F(USBLinkTest, twoHundredTimesPluggedInAndOutNothingIsLeft) {
 }
 
 TEST_F(USBLinkTest, aFloodOfBroadcastsLeavesTheConnectedCompanionServed) {
-    constexpr int kPackets = 10'000;
+    constexpr int kPackets = loadOf(10'000, 2'000);
     launchWithDaemon();
     ASSERT_TRUE(connectDevice(7));
     QByteArray flood;

@@ -3,6 +3,7 @@
 #include "tests/FakeClock.h"
 #include "tests/FakeUSBDaemon.h"
 #include "tests/LogRecorder.h"
+#include "tests/Sanitizers.h"
 #include "tests/WaitUntil.h"
 #include "tests/transport/PairedUSBDaemon.h"
 #include "transport/usb/PTUSBHub.h"
@@ -334,7 +335,7 @@ TEST_F(USBDaemonKeeperTest, ofTwoRepliesToTheRepeatedListenTheSecondReachesThePr
 }
 
 TEST_F(USBDaemonKeeperTest, aFloodOfDevicesIsToldOfWhole) {
-    constexpr int kDevices = 10'000;
+    constexpr int kDevices = loadOf(10'000, 2'000);
     startAndListen();
     QByteArray flood;
     for (int device = 1; device <= kDevices; ++device) {
