@@ -82,9 +82,11 @@ protected:
     std::size_t count_ = 0; ///< of findings that were compared
 };
 
-/// A text of that length, of lines of a few bytes.
+/// A text of that length, of lines of a few bytes; of longer ones, which are searched faster,
+/// where it is long.
 QByteArray linesOfLength(qsizetype length) {
-    return QByteArray("int a;\n").repeated(length / 7 + 1).right(length);
+    const QByteArray line = QByteArray("int a;").repeated(length < kBuffer / 2 ? 1 : 100) + '\n';
+    return line.repeated(length / line.size() + 1).right(length);
 }
 
 /// Sources with an invalid sequence at an offset of at least 32, behind a line that holds a
