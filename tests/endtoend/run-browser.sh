@@ -19,9 +19,8 @@ fail() {
     exit 1
 }
 
-mkdir -m 700 "$scratch/run"
 touch "$scratch/printed" "$scratch/errors"
-XDG_RUNTIME_DIR="$scratch/run" "$source/scripts/run" --browser </dev/null >"$scratch/printed" 2>"$scratch/errors" &
+env --unset=XDG_RUNTIME_DIR "$source/scripts/run" --browser </dev/null >"$scratch/printed" 2>"$scratch/errors" &
 run_pid=$!
 deadline=$((SECONDS + 60))
 until grep -q 'Ctrl-C' "$scratch/printed"; do
@@ -63,6 +62,14 @@ until status GET /api/tree >/dev/null && grep -q '"name":"TideTable.swift"' "$sc
     sleep 0.1
 done
 expect 403 "${pair[@]}"
+
+# The command for another link, as it is printed, gives one that pairs a second client.
+command=$(sed -n '/^A link for another device:$/{n;p;}' "$scratch/printed")
+another=$(env --unset=XDG_RUNTIME_DIR bash -c "$command --json") || fail "This gives no link: $command"
+ticket=$(sed -nE 's/.*#p=([A-Za-z0-9_-]{22}).*/\1/p' <<<"$another")
+rm "$scratch/cookies"
+expect 204 "${pair[@]//${link##*#p=}/$ticket}"
+expect 200 GET /api/state
 
 # Ctrl-C, as the terminal sends it, ends both.
 kill "$run_pid"
