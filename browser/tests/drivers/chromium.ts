@@ -1,6 +1,6 @@
 // Debian's Chromium, without a window.
 import { type Browser, chromium, type Page } from "playwright-core";
-import { type Colours, complaintsOfPage, type Device, type Driver, kDeadlineMilliseconds, kSizes, type Key, listenForComplaints, middleOf, type View } from "./driver";
+import { type Colours, complaintsOfPage, type Device, type Driver, kDeadlineMilliseconds, kSizes, type Key, listenForComplaints, middleOf, type Size, type View } from "./driver";
 
 const kProgram = process.env["NAVREL_CHROMIUM"] ?? "/usr/bin/chromium";
 
@@ -44,6 +44,10 @@ class ChromiumView implements View {
 
   async press(key: Key): Promise<void> {
     await this.page.keyboard.press(key);
+  }
+
+  async turn(size: Size): Promise<void> {
+    await this.page.setViewportSize(size);
   }
 
   async picture(path: string): Promise<void> {

@@ -3,7 +3,12 @@
 export type Device = "phone" | "tablet";
 export type Colours = "light" | "dark";
 
-export const kSizes: Record<Device, { width: number; height: number }> = {
+export interface Size {
+  width: number;
+  height: number;
+}
+
+export const kSizes: Record<Device, Size> = {
   phone: { width: 390, height: 844 },
   tablet: { width: 1180, height: 820 },
 };
@@ -21,6 +26,8 @@ export interface View {
   hold(selector: string, text: string, meanwhile: () => Promise<void>): Promise<void>;
   type(selector: string, text: string): Promise<void>;
   press(key: Key): Promise<void>;
+  /** Gives the page another size, as turning the device does, or the keyboard on its screen. */
+  turn(size: Size): Promise<void>;
   picture(path: string): Promise<void>;
   /** What the page complained about: errors of scripts, and refusals by its own policy. */
   complaints(): Promise<string[]>;

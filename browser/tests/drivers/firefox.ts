@@ -1,6 +1,6 @@
 // Debian's Firefox, without a window, over WebDriver BiDi.
 import puppeteer, { type Browser, type ElementHandle, type Page } from "puppeteer-core";
-import { type Colours, complaintsOfPage, type Device, type Driver, kDeadlineMilliseconds, kSizes, type Key, listenForComplaints, middleOf, until, type View } from "./driver";
+import { type Colours, complaintsOfPage, type Device, type Driver, kDeadlineMilliseconds, kSizes, type Key, listenForComplaints, middleOf, type Size, until, type View } from "./driver";
 
 const kProgram = process.env["NAVREL_FIREFOX"] ?? "/usr/bin/firefox-esr";
 /** What a page is told of the system's colours. */
@@ -55,6 +55,10 @@ class FirefoxView implements View {
     await this.page.keyboard.down("Shift");
     await this.page.keyboard.press("Tab");
     await this.page.keyboard.up("Shift");
+  }
+
+  async turn(size: Size): Promise<void> {
+    await this.page.setViewport(size);
   }
 
   async picture(path: string): Promise<void> {

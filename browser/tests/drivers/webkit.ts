@@ -3,7 +3,7 @@
 import { type ChildProcess, spawn } from "node:child_process";
 import { existsSync, readdirSync, writeFileSync } from "node:fs";
 import type { Readable } from "node:stream";
-import { type Colours, complaintsOfPage, type Device, type Driver, kSizes, type Key, listenForComplaints, middleOf, until, type View } from "./driver";
+import { type Colours, complaintsOfPage, type Device, type Driver, kSizes, type Key, listenForComplaints, middleOf, type Size, until, type View } from "./driver";
 import { freePort } from "./ports";
 
 const kLibraries = "/usr/lib";
@@ -63,7 +63,7 @@ class WebKitView implements View {
   async go(url: string): Promise<void> {
     await this.post("url", { url: "about:blank" });
     // Before the page is there: one that becomes narrower under a tap has two panes when that begins and one when it ends.
-    await this.fit();
+    await this.turn(kSizes[this.device]);
     await this.post("url", { url });
     await this.run(listenForComplaints);
   }
@@ -118,6 +118,15 @@ class WebKitView implements View {
     await this.post("actions", { actions: [{ type: "key", id: "keys", actions: [...downs, ...ups] }] });
   }
 
+  /** Windows have edges: the page itself gets the device's size. */
+  async turn({ width, height }: Size): Promise<void> {
+    const inner = await this.run(() => [innerWidth, innerHeight] as const);
+    const outer = await this.driver.ask<{ width: number; height: number }>("GET", `/session/${this.session}/window/rect`);
+    await this.post("window/rect", { x: 0, y: 0, width: outer.width + width - inner[0], height: outer.height + height - inner[1] });
+    const least = Math.max(width, kNarrowestWindow);
+    await until("the window's size", () => this.run((wanted: number) => innerWidth <= wanted && innerWidth > wanted - 100, least));
+  }
+
   async picture(path: string): Promise<void> {
     writeFileSync(path, Buffer.from(await this.driver.ask<string>("GET", `/session/${this.session}/screenshot`), "base64"));
   }
@@ -129,16 +138,6 @@ class WebKitView implements View {
   async close(): Promise<void> {
     await this.driver.ask("DELETE", `/session/${this.session}`).catch(() => undefined);
     await end(this.program);
-  }
-
-  /** Windows have edges: the page itself gets the device's size. */
-  private async fit(): Promise<void> {
-    const { width, height } = kSizes[this.device];
-    const inner = await this.run(() => [innerWidth, innerHeight] as const);
-    const outer = await this.driver.ask<{ width: number; height: number }>("GET", `/session/${this.session}/window/rect`);
-    await this.post("window/rect", { x: 0, y: 0, width: outer.width + width - inner[0], height: outer.height + height - inner[1] });
-    const least = Math.max(width, kNarrowestWindow);
-    await until("the window's size", () => this.run((wanted: number) => innerWidth <= wanted && innerWidth > wanted - 100, least));
   }
 
   private post<Answer>(command: string, body: unknown): Promise<Answer> {

@@ -32,6 +32,8 @@ export class MockServer {
   state = sampleState;
   root: Shape.Node | undefined = sampleTree;
   outlines = new Map(sampleOutlines);
+  /** The lines of files, in place of the sample's. */
+  sources = new Map<string, readonly string[]>();
   notes = sampleNotes;
   types = sampleTypes;
   changes = sampleChanges;
@@ -197,7 +199,7 @@ export class MockServer {
   private source(id: string, from: number, to: number): Shape.Source | undefined {
     const node = this.fileOf(id);
     if (!node?.path) return undefined;
-    const lines = readFileSync(join("../samples/Tidewatch", node.path), "utf8").split("\n").slice(0, -1);
+    const lines = this.sources.get(id) ?? readFileSync(join("../samples/Tidewatch", node.path), "utf8").split("\n").slice(0, -1);
     const end = Math.min(to, lines.length);
     return { id, from, to: end, total: lines.length, text: lines.slice(from - 1, end).join("\n") };
   }
