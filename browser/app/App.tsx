@@ -6,6 +6,7 @@ import { Divider } from "./parts/Divider";
 import { Message } from "./parts/Message";
 import { RowMenu } from "./parts/RowMenu";
 import { TabBar } from "./parts/TabBar";
+import { atNavigator, atOutline } from "./places";
 import { Files } from "./screens/Files";
 import { MoreScreen } from "./screens/MoreScreen";
 import { NotesScreen } from "./screens/NotesScreen";
@@ -58,21 +59,21 @@ function TwoPanes() {
   const Screen = kScreens[tab === "outline" ? "files" : tab];
   return (
     <>
-      <div class="top">
+      <div class="top" onFocusIn={atNavigator}>
         <SearchField />
         <button type="button" class="tool" onClick={back}>
           <span aria-hidden="true">↩ </span>Back
         </button>
       </div>
       <div class="panes">
-        <div class="navigator">
+        <div class="navigator" onPointerDown={atNavigator} onFocusIn={atNavigator}>
           <TabBar />
           <div class="pane" role="tabpanel" id="screen" aria-labelledby={`tab-${tab}`}>
             <Screen />
           </div>
         </div>
         <Divider />
-        <section class="pane" aria-label="Outline of the file">
+        <section class="pane" aria-label="Outline of the file" onPointerDown={atOutline} onFocusIn={atOutline}>
           <OutlineScreen />
         </section>
       </div>

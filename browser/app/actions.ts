@@ -2,7 +2,7 @@
 import { loadList, showOutline } from "./loading";
 import { say, sayProblem } from "./messages";
 import { neighbour, outlineRows, type StopKind } from "./model/outlineRows";
-import { go } from "./places";
+import { atOutline, go } from "./places";
 import { addRecent } from "./settings";
 import { forget, now, type Target, update } from "./store";
 import { type Shape, wire } from "./wire/wire";
@@ -70,6 +70,7 @@ export function showFile(id: string): void {
   const { look, ...here } = now().place;
   if (!now().isWide) go({ tab: "outline" });
   else if (look) go(here);
+  atOutline();
 }
 
 export function lookAt(target: Target): void {

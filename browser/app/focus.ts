@@ -24,3 +24,8 @@ export function moveFocus(part: Element, by: 1 | -1): boolean {
   buttons[at + by]?.focus();
   return at >= 0;
 }
+
+/** After it is drawn: it may be on a screen that is not there yet. */
+export function focusLater(find: () => Element | null): void {
+  setTimeout(() => (find() as HTMLElement | null)?.focus());
+}

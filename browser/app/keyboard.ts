@@ -1,16 +1,11 @@
 // The keys that work wherever the focus is, except in a field of text or a menu.
 import { back, step } from "./actions";
-import { moveFocus } from "./focus";
+import { focusLater, moveFocus } from "./focus";
 import { closeLook, goToTab } from "./places";
 import { kTabs, now } from "./store";
 
 function isTyping(target: EventTarget | null): boolean {
   return target instanceof HTMLInputElement || target instanceof HTMLTextAreaElement;
-}
-
-/** After it is drawn: the field may be on a screen that is not there yet. */
-function focusLater(find: () => Element | null): void {
-  setTimeout(() => (find() as HTMLElement | null)?.focus());
 }
 
 function focusList(): void {

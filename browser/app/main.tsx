@@ -2,11 +2,10 @@
 import { render } from "preact";
 import { App } from "./App";
 import { holdStillUnderFingers } from "./finger";
-import { watchForKeys } from "./focus";
+import { focusLater, watchForKeys } from "./focus";
 import { listenToKeys } from "./keyboard";
-import { startHistory } from "./places";
+import { setWide, startHistory } from "./places";
 import { restoreSettings } from "./settings";
-import { update } from "./store";
 import { keepConnected, pair } from "./sync";
 import { stayAwakeAgain } from "./wakefulness";
 
@@ -21,7 +20,10 @@ function takeTicket(): string | undefined {
 const kTwoPanes = matchMedia("(min-width: 840px)");
 
 function measure(): void {
-  update({ isWide: kTwoPanes.matches });
+  const isSearching = document.activeElement?.id === "search";
+  setWide(kTwoPanes.matches);
+  // The field is another one now.
+  if (isSearching) focusLater(() => document.getElementById("search"));
 }
 
 async function start(): Promise<void> {

@@ -33,7 +33,17 @@ interface Properties<Row> {
   show?: number | undefined;
 }
 
-const scrolledTo = new Map<string, number>();
+/** Where a list was left: at another width its rows have other heights, and the one at the top counts. */
+const leftAt = new Map<string, { top: number; row: number; width: number }>();
+/** The lists that are shown, and those of the drawing before: one of these that is new has moved to another pane. */
+const shownLists = new Map<string, number>();
+
+function countShown(memory: string, by: 1 | -1): void {
+  const count = (shownLists.get(memory) ?? 0) + by;
+  if (count > 0) shownLists.set(memory, count);
+  else shownLists.delete(memory);
+}
+
 /** The row that the keys were at, so that the way up leads to where the way down began. */
 const cursors = new Map<string, number>();
 /** How high most rows of a list are. A right guess spares it being drawn twice for each row that comes into sight. */
@@ -57,8 +67,10 @@ export function WindowedList<Row>(properties: Properties<Row>) {
   /** The row at the top while the heights were others. */
   const anchor = useRef<number | undefined>(undefined);
   const isFirst = useRef(true);
+  /** It was in another pane just now, and stays as it was. */
+  const hasMoved = useRef(false);
 
-  const top = scroller.current?.scrollTop ?? scrolledTo.get(memory) ?? 0;
+  const top = scroller.current?.scrollTop ?? leftAt.get(memory)?.top ?? 0;
   const height = scroller.current?.clientHeight || lastHeight;
   const first = Math.max(0, heights.rowAt(top) - around.current);
   const end = Math.min(rows.length, heights.rowAt(top + height) + 1 + around.current);
@@ -89,7 +101,10 @@ export function WindowedList<Row>(properties: Properties<Row>) {
       const guess = middleOf(drawn) ?? kUsualHeight;
       guesses.set(memory, guess);
       isOther = heights.guessAgain(guess);
-      box.scrollTop = scrolledTo.get(memory) ?? 0;
+      const left = leftAt.get(memory);
+      box.scrollTop = left?.top ?? 0;
+      if (left && left.width !== box.clientWidth) anchor.current = left.row;
+      hasMoved.current = shownLists.has(memory);
       width.current = box.clientWidth;
       lastHeight = box.clientHeight || lastHeight;
       isFirst.current = false;
@@ -118,10 +133,10 @@ export function WindowedList<Row>(properties: Properties<Row>) {
   });
 
   useEffect(() => {
-    if (follow !== undefined && follow >= 0 && !isLeftAlone()) scrollToRow(follow, true);
+    if (follow !== undefined && follow >= 0 && !isLeftAlone() && !hasMoved.current) scrollToRow(follow, true);
   }, [follow, rows]);
   useEffect(() => {
-    if (show !== undefined && show >= 0) {
+    if (show !== undefined && show >= 0 && !hasMoved.current) {
       cursor.current = show;
       focusCursor.current = isFocusIn(list.current!);
       scrollToRow(show, false);
@@ -129,6 +144,7 @@ export function WindowedList<Row>(properties: Properties<Row>) {
     }
   }, [show, rows]);
   useEffect(() => {
+    hasMoved.current = false;
     around.current = kRowsAround;
     drawAgain();
     const observer = new ResizeObserver(() => {
@@ -141,10 +157,14 @@ export function WindowedList<Row>(properties: Properties<Row>) {
     observer.observe(scroller.current!);
     return () => observer.disconnect();
   }, []);
+  useEffect(() => {
+    countShown(memory, 1);
+    return () => void setTimeout(() => countShown(memory, -1));
+  }, [memory]);
 
   const onScroll = () => {
     const box = scroller.current!;
-    scrolledTo.set(memory, box.scrollTop);
+    leftAt.set(memory, { top: box.scrollTop, row: heights.rowAt(box.scrollTop), width: box.clientWidth });
     drawAgain();
   };
 

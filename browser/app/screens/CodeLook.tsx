@@ -16,23 +16,37 @@ const kLinesMore = 1_000;
 interface Lines {
   from: number;
   total: number;
+  text: string;
   lines: readonly string[];
 }
 
+/** What was read for a look. It may be drawn again in another pane, and is to be the same there. */
+const kept = new WeakMap<Look, Lines>();
+
 function linesOf({ from, to, total, text }: Shape.Source): Lines {
-  return { from, total, lines: to < from ? [] : text.split("\n") };
+  return { from, total, text, lines: to < from ? [] : text.split("\n") };
 }
 
+const isSame = (a: Lines | undefined, b: Lines) => a?.from === b.from && a.total === b.total && a.text === b.text;
+
+const loadedOf = (value: Lines | undefined): Loaded<Lines> => (value ? { value } : {});
+
 export function CodeLook({ look, onClose }: { look: Look; onClose(): void }) {
-  const [loaded, setLoaded] = useState<Loaded<Lines>>({});
+  const [loaded, setLoaded] = useState<Loaded<Lines>>(() => loadedOf(kept.get(look)));
   const load = async (from: number, to: number) => {
     try {
-      setLoaded({ value: linesOf(await wire.source(look.file, Math.max(1, from), to)) });
+      const value = linesOf(await wire.source(look.file, Math.max(1, from), to));
+      if (!isSame(kept.get(look), value)) kept.set(look, value);
+      setLoaded(loadedOf(kept.get(look)));
     } catch (error) {
       setLoaded((before) => ({ ...before, problem: problemOf(error) }));
     }
   };
-  useEffect(() => void load(look.line - kLinesBefore, look.line + kLinesAfter), [look.file]);
+  useEffect(() => {
+    const before = kept.get(look);
+    setLoaded(loadedOf(before));
+    void (before ? load(before.from, before.from + before.lines.length - 1) : load(look.line - kLinesBefore, look.line + kLinesAfter));
+  }, [look]);
 
   const { value, problem } = loaded;
   return (

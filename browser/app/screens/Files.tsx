@@ -8,13 +8,13 @@ import { type RowPlace, WindowedList } from "../parts/WindowedList";
 import { fileLook, lookOf } from "../model/kinds";
 import { counted } from "../model/words";
 import type { TreeNode } from "../model/tree";
-import { go } from "../places";
+import { go, placeOf } from "../places";
 import { type Target, useStore } from "../store";
 import { NoProject } from "./NoProject";
 
 export function Files() {
   const tree = useStore((state) => state.tree);
-  const group = useStore((state) => state.place.group);
+  const group = useStore(() => placeOf("files").group);
   const activeID = useStore((state) => state.active.file?.id);
   const revealed = useStore((state) => state.revealed);
   const shown = tree.node(group) ?? tree.root;
