@@ -2,6 +2,7 @@
 
 import * as vscode from "vscode";
 import { Connection } from "./connection";
+import { Turns } from "./turns";
 import { type Active, characterAt, columnAt, type Open, type Request } from "./wire";
 
 /** The cursor is told of at most ten times a second. */
@@ -110,6 +111,7 @@ export function activate(context: vscode.ExtensionContext): void {
   const hello = () => {
     connection.send({ hello: vscode.env.appName, version: 1, pid: process.pid, folders: folders() });
   };
+  const turns = new Turns();
   const teller = new Teller((where) => connection.send(where));
   const connection = new Connection(path, {
     connected: () => {
@@ -119,7 +121,7 @@ export function activate(context: vscode.ExtensionContext): void {
       }
     },
     requested: (request) => {
-      serve(request).then(
+      turns.take(() => serve(request)).then(
         () => connection.send({ opened: request.id }),
         (error: unknown) =>
           connection.send({

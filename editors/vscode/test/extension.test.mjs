@@ -12,6 +12,9 @@ import { standIn } from "./stand-in.mjs";
 const require = createRequire(import.meta.url);
 const bundle = join(import.meta.dirname ?? new URL(".", import.meta.url).pathname, "../out/extension.js");
 
+/** An answer that does not come by then never comes. */
+const timeout = 60_000;
+
 let folder, server, connections, windows;
 
 /** A connection of an editor, line by line. */
@@ -156,6 +159,33 @@ test("it goes back in the editor's own list", async () => {
   navrel.say({ back: true, id: 6 });
   await navrel.until((message) => message.opened === 6);
   assert.deepEqual(vscode.commands.executed, ["workbench.action.navigateBack"]);
+});
+
+test("a step back waits for the jump before it", { timeout }, async () => {
+  let load;
+  const slow = { "/p/b.swift": new Promise((resolve) => (load = resolve)) };
+  const vscode = startWindow({ ...documents, slow }, ["/p"]);
+  const navrel = await connections.next();
+  navrel.say({ open: "/p/a.swift", line: 1, id: 1 });
+  await navrel.until((message) => message.opened === 1);
+  navrel.say({ open: "/p/b.swift", line: 1, id: 2 });
+  navrel.say({ back: true, id: 3 });
+  navrel.say({ open: "/p/none.swift", line: 1, id: 4 });
+  setImmediate(load);
+  const ends = [];
+  await navrel.until((message) => (message.opened ?? message.refused) > 1 && ends.push(message) === 3);
+  assert.deepEqual(ends.map((message) => message.opened ?? -message.refused), [2, 3, -4]);
+  assert.equal(vscode.commands.during, "/p/b.swift");
+});
+
+test("a file that never comes is refused, and the next request has its turn", { timeout }, async () => {
+  startWindow({ ...documents, slow: { "/p/b.swift": new Promise(() => {}) } }, ["/p"]);
+  const navrel = await connections.next();
+  navrel.say({ open: "/p/b.swift", line: 1, id: 1 });
+  navrel.say({ back: true, id: 2 });
+  const refused = await navrel.until((message) => message.refused === 1);
+  assert.match(refused.reason, /not finished/);
+  await navrel.until((message) => message.opened === 2);
 });
 
 test("a file that is not there is refused with the editor's reason", async () => {

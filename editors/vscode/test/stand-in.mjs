@@ -28,7 +28,7 @@ class Selection {
   }
 }
 
-/** One window with documents by path: each a list of lines. */
+/** One window with documents by path: each a list of lines. Those in `slow` are there when a promise is fulfilled. */
 export function standIn(documents, folders) {
   const emitters = {
     editor: new Emitter(), selection: new Emitter(), text: new Emitter(), save: new Emitter(),
@@ -62,7 +62,11 @@ export function standIn(documents, folders) {
     window,
     workspace: {
       workspaceFolders: folders.map((path) => ({ uri: uri(path) })),
-      openTextDocument: async ({ fsPath }) => documentAt(fsPath),
+      openTextDocument: async ({ fsPath }) => {
+        const document = documentAt(fsPath);
+        await documents.slow?.[fsPath];
+        return document;
+      },
       onDidChangeTextDocument: emitters.text.event,
       onDidSaveTextDocument: emitters.save.event,
       onDidChangeWorkspaceFolders: emitters.folders.event,
@@ -72,6 +76,7 @@ export function standIn(documents, folders) {
       registerCommand: () => ({ dispose() {} }),
       async executeCommand(command) {
         this.executed.push(command);
+        this.during = window.activeTextEditor?.document.uri.fsPath;
       },
     },
     env: { appName: "Stand-in" },
