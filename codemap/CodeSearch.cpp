@@ -44,18 +44,63 @@ private:
 
 enum class Table : std::uint8_t { files, symbols, marks, notes };
 
+/// What a user means rather, where nothing else decides: a type before what adds to one, what it
+/// does before what it has.
+enum class Rank : std::uint8_t { type, addition, function, member, file, mark, note };
+
+Rank rankOf(SymbolKind kind) {
+    switch (kind) {
+    case SymbolKind::classType:
+    case SymbolKind::actor:
+    case SymbolKind::structType:
+    case SymbolKind::unionType:
+    case SymbolKind::enumType:
+    case SymbolKind::protocol:
+    case SymbolKind::typeAlias:
+    case SymbolKind::typeDefinition:
+    case SymbolKind::namespaceScope:
+        return Rank::type;
+    case SymbolKind::category:
+    case SymbolKind::extension:
+    case SymbolKind::implementation:
+        return Rank::addition;
+    case SymbolKind::method:
+    case SymbolKind::initializer:
+    case SymbolKind::deinitializer:
+    case SymbolKind::subscript:
+    case SymbolKind::operatorFunction:
+    case SymbolKind::function:
+    case SymbolKind::macro:
+        return Rank::function;
+    case SymbolKind::enumCase:
+    case SymbolKind::property:
+    case SymbolKind::field:
+    case SymbolKind::variable:
+    case SymbolKind::associatedType:
+        break;
+    }
+    return Rank::member;
+}
+
+/// Where the name of a candidate is, besides its file.
+struct Entry {
+    Rank rank{};
+    Table table{};
+    std::uint32_t index = 0; // its place in that table of the outline
+};
+
 struct Candidate {
     int score = 0;
     std::uint32_t length = 0;
     std::int64_t modified = 0;
     std::uint32_t node = 0; // its place in the tree
-    Table table{};
-    std::uint32_t index = 0; // its place in that table of the outline
+    Entry entry;
 
     /// Whether it comes before another one.
     bool operator<(const Candidate& other) const {
-        return std::tie(other.score, length, other.modified, node, table, index) <
-               std::tie(score, other.length, modified, other.node, other.table, other.index);
+        return std::tie(other.score, length, other.modified, entry.rank, node, entry.table,
+                        entry.index) < std::tie(score, other.length, modified, other.entry.rank,
+                                                other.node, other.entry.table, other.entry.index);
     }
 };
 
@@ -88,7 +133,7 @@ private:
         for (node_ = 0; node_ < snapshot_.nodes().size(); ++node_) {
             const MapNode& node = *snapshot_.nodes()[node_];
             if (filter_.files && node.kind == NodeKind::file) {
-                consider(node.name, nameLettersOf(node.name), node, Table::files, 0);
+                consider(node.name, nameLettersOf(node.name), node, {Rank::file, Table::files, 0});
             }
             if (node.outline && seen.insert(node.outline.get()).second) {
                 visitOutline(node, *node.outline);
@@ -101,35 +146,35 @@ private:
         std::uint32_t index = 0;
         for (const Symbol& symbol : outline.symbols()) {
             if (mayHold(symbol.letters.all, wanted) && filter_.allows(symbol.kind)) {
-                consider(outline.text(symbol.name), symbol.letters, file, Table::symbols, index);
+                consider(outline.text(symbol.name), symbol.letters, file,
+                         {rankOf(symbol.kind), Table::symbols, index});
             }
             ++index;
         }
         if (filter_.marks) {
-            visitTexts(file, outline, outline.headings(), Table::marks);
+            visitTexts(file, outline, outline.headings(), {Rank::mark, Table::marks, 0});
         }
         if (filter_.notes) {
-            visitTexts(file, outline, outline.notes(), Table::notes);
+            visitTexts(file, outline, outline.notes(), {Rank::note, Table::notes, 0});
         }
     }
 
     template <typename Entries>
     void visitTexts(const MapNode& file, const Outline& outline, const Entries& entries,
-                    Table table) {
-        std::uint32_t index = 0;
+                    Entry which) {
         for (const auto& entry : entries) {
-            consider(outline.text(entry.text), entry.letters, file, table, index);
-            ++index;
+            consider(outline.text(entry.text), entry.letters, file, which);
+            ++which.index;
         }
     }
 
     void consider(std::string_view name, const NameLetters& letters, const MapNode& file,
-                  Table table, std::uint32_t index) {
+                  const Entry& entry) {
         if (!mayHold(letters.all, match_.letters())) {
             return;
         }
-        Candidate candidate{
-            0, static_cast<std::uint32_t>(name.size()), file.modified, node_, table, index};
+        Candidate candidate{0, static_cast<std::uint32_t>(name.size()), file.modified, node_,
+                            entry};
         // Once it is known that there are more than asked for, most need no look.
         if (found_ > limit_) {
             candidate.score = match_.bound(name, letters);
@@ -166,15 +211,15 @@ private:
         const MapNode& file = *snapshot_.nodes()[candidate.node];
         SearchResult result;
         result.file = &file;
-        switch (candidate.table) {
+        switch (candidate.entry.table) {
         case Table::files:
             describeFile(file, result);
             break;
         case Table::symbols:
-            describeSymbol(*file.outline, candidate.index, result);
+            describeSymbol(*file.outline, candidate.entry.index, result);
             break;
         case Table::marks: {
-            const Heading& heading = file.outline->headings()[candidate.index];
+            const Heading& heading = file.outline->headings()[candidate.entry.index];
             result.kind = kMark;
             result.name = file.outline->text(heading.text);
             result.line = heading.line;
@@ -182,7 +227,7 @@ private:
             break;
         }
         case Table::notes: {
-            const Note& note = file.outline->notes()[candidate.index];
+            const Note& note = file.outline->notes()[candidate.entry.index];
             result.kind = kNote;
             result.name = file.outline->text(note.text);
             result.line = note.line;

@@ -36,8 +36,8 @@ struct SearchResults {
 };
 
 /// Searches the names of files and symbols, headings and notes: the best matches first, of equal
-/// ones the shorter, then the one whose file changed last, then in the order of the tree. An empty
-/// query finds nothing.
+/// ones the shorter, then the one whose file changed last, then types before functions, members,
+/// files, marks and notes, then in the order of the tree. An empty query finds nothing.
 SearchResults searchIn(const CodeMapSnapshot& snapshot, const SearchRequest& request);
 
 } // namespace navrel

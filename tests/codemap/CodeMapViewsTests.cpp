@@ -143,6 +143,29 @@ TEST_F(CodeMapViewsTests, EqualMatchesAreOrderedByLengthThenByDate) {
     EXPECT_THAT(found, testing::ElementsAre(recent, old, longer));
 }
 
+TEST_F(CodeMapViewsTests, EqualMatchesOfOneFileAreOrderedByTheirKind) {
+    builder_.addFile("reef", [](OutlineBuilder& outline) {
+        outline.addNote(NoteKind::todo, 1, "reef");
+        outline.addHeading(2, "reef", false);
+        outline.add(declaration(SymbolKind::property, 3, "reef"), 3);
+        outline.add(declaration(SymbolKind::enumCase, 4, "reef"), 4);
+        outline.add(declaration(SymbolKind::method, 5, "reef"), 5);
+        outline.add(declaration(SymbolKind::function, 6, "reef"), 6);
+        outline.add(declaration(SymbolKind::extension, 7, "Reef"), 7);
+        outline.add(declaration(SymbolKind::protocol, 8, "Reef"), 8);
+        outline.add(declaration(SymbolKind::classType, 9, "Reef"), 9);
+    });
+    std::vector<std::string> found;
+    const CodeMapSnapshot snapshot = builder_.build();
+    for (const SearchResult& result : searchIn(snapshot, {"reef", {}, 50}).items) {
+        found.emplace_back(result.kind);
+    }
+    EXPECT_THAT(found, testing::ElementsAre("protocol", "class", "extension", "method", "function",
+                                            "property", "case", "file", "mark", "note"));
+    ASSERT_EQ(searchIn(snapshot, {"reef", {}, 1}).items.size(), 1U);
+    EXPECT_EQ(searchIn(snapshot, {"reef", {}, 1}).items.front().kind, "protocol");
+}
+
 TEST_F(CodeMapViewsTests, TheBestAreTheBestOfAll) {
     std::mt19937 random(5);
     std::vector<std::string> names;
