@@ -1,6 +1,7 @@
 #include "editors/CodeCommandEditor.h"
 
 #include "editors/Deadlines.h"
+#include "project/EditorRefusal.h"
 #include "support/process/ToolRunner.h"
 
 #include <QDir>
@@ -61,8 +62,7 @@ std::optional<ActiveFile> CodeCommandEditor::activeFile(const QDeadlineTimer&) {
 
 bool CodeCommandEditor::open(const QByteArray& path, std::optional<int> line,
                              const QDeadlineTimer& deadline) {
-    const JumpResult result = jump({path, line.value_or(0), 0, false}, deadline);
-    return result.kind != EditorOutcome::Kind::notRunning;
+    return jump({path, line.value_or(0), 0, false}, deadline).isAnswer();
 }
 
 JumpResult CodeCommandEditor::jump(const EditorPlace& place, const QDeadlineTimer& deadline) {
@@ -74,11 +74,9 @@ JumpResult CodeCommandEditor::jump(const EditorPlace& place, const QDeadlineTime
     const auto output = outputOfTool(*tool, {QStringLiteral("--goto"), targetOf(place)},
                                      std::chrono::milliseconds(end.remainingTime()));
     if (!output) {
-        return {EditorOutcome::Kind::refused,
-                QStringLiteral("The command \"code\" did not end in time."),
-                {}};
+        return {outcomeOf(EditorRefusal::answersLate, name()), {}};
     }
-    return {EditorOutcome::Kind::opened, {}, {}};
+    return {{EditorOutcome::Kind::opened, name(), {}, {}}, {}};
 }
 
 } // namespace navrel

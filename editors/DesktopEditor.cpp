@@ -1,6 +1,7 @@
 #include "editors/DesktopEditor.h"
 
 #include "editors/RequestedPath.h"
+#include "project/EditorRefusal.h"
 #include "support/files/HarmlessFile.h"
 #include "support/process/DesktopOpener.h"
 
@@ -21,16 +22,14 @@ void DesktopEditor::openFile(const QString& path, std::optional<int>) {
 }
 
 void DesktopEditor::open(const QString& path, int, int, OutcomeObserver done) {
-    using Kind = EditorOutcome::Kind;
     const QString name = QStringLiteral("the desktop's opener");
     const auto absolutePath = requestedPath(path);
     if (!absolutePath || !isHarmlessToOpen(absolutePath->toStdString())) {
-        done({Kind::refused, name,
-              QStringLiteral("No editor answers, and the desktop might run this file.")});
+        done(outcomeOf(EditorRefusal::mightRunTheFile, name));
     } else if (!openWithDesktop(*absolutePath)) {
-        done({Kind::refused, name, QStringLiteral("The desktop has no way to open files.")});
+        done(outcomeOf(EditorRefusal::hasNoOpener, name));
     } else {
-        done({Kind::opened, name, {}});
+        done({EditorOutcome::Kind::opened, name, {}, {}});
     }
 }
 

@@ -3,6 +3,7 @@
 #include "editors/Deadlines.h"
 #include "editors/ProjectBundle.h"
 #include "editors/RequestedPath.h"
+#include "project/EditorRefusal.h"
 #include "support/core/Log.h"
 #include "support/core/MainThread.h"
 #include "support/dispatch/DispatchQueue.h"
@@ -141,11 +142,11 @@ struct FollowedEditor::Jump {
         const QDeadlineTimer deadline(kJumpAtMost);
         for (const auto& editor : editors) {
             const JumpResult result = editor->jump(place, deadline);
-            if (result.kind == EditorOutcome::Kind::opened && result.before) {
+            if (result.outcome.isOpen() && result.before) {
                 trail->add(*result.before);
             }
-            if (result.kind != EditorOutcome::Kind::notRunning) {
-                done({result.kind, editor->name(), result.reason});
+            if (result.isAnswer()) {
+                done(result.outcome);
                 return;
             }
         }
@@ -155,7 +156,7 @@ struct FollowedEditor::Jump {
         if (lastResort != nullptr) {
             lastResort->open(QString::fromUtf8(place.path), place.line, place.column, done);
         } else {
-            done({EditorOutcome::Kind::notRunning, {}, QStringLiteral("No editor answers.")});
+            done(outcomeOf(EditorRefusal::noEditorAnswers));
         }
     }
     void back(const OutcomeObserver& done) const {
@@ -172,12 +173,12 @@ struct FollowedEditor::Jump {
         const QDeadlineTimer deadline(kJumpAtMost);
         for (const auto& editor : editors) {
             const JumpResult result = editor->goBack(deadline);
-            if (result.kind != EditorOutcome::Kind::notRunning) {
-                done({result.kind, editor->name(), result.reason});
+            if (result.isAnswer()) {
+                done(result.outcome);
                 return;
             }
         }
-        done({EditorOutcome::Kind::refused, {}, QStringLiteral("There is no way back yet.")});
+        done(outcomeOf(EditorRefusal::noWayBack));
     }
     Jump& withoutTrail() {
         trail = std::make_shared<EditorTrail>();
@@ -189,13 +190,13 @@ void FollowedEditor::open(const QString& path, int line, int column, OutcomeObse
     NAVREL_ASSERT_MAIN_THREAD();
     const auto absolutePath = requestedPath(path);
     if (!absolutePath) {
-        done({EditorOutcome::Kind::refused, {}, QStringLiteral("That names no file.")});
+        done(outcomeOf(EditorRefusal::noSuchPath));
         return;
     }
     const Jump jump{inOrder(), lastResort_, trail_};
     const EditorPlace place{absolutePath->toUtf8(), line, column, false};
     if (!enqueue([jump, place, done] { jump.to(place, done); })) {
-        done({EditorOutcome::Kind::refused, {}, QStringLiteral("Too many files wait.")});
+        done(outcomeOf(EditorRefusal::tooManyWait));
     }
 }
 
@@ -203,7 +204,7 @@ void FollowedEditor::back(OutcomeObserver done) {
     NAVREL_ASSERT_MAIN_THREAD();
     const Jump jump{inOrder(), lastResort_, trail_};
     if (!enqueue([jump, done] { jump.back(done); })) {
-        done({EditorOutcome::Kind::refused, {}, QStringLiteral("Too many files wait.")});
+        done(outcomeOf(EditorRefusal::tooManyWait));
     }
 }
 

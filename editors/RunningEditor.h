@@ -29,10 +29,12 @@ struct EditorPlace {
 
 /// How a jump ended.
 struct JumpResult {
-    EditorOutcome::Kind kind = EditorOutcome::Kind::notRunning;
-    QString reason; ///< why it was not opened
+    EditorOutcome outcome; ///< `notRunning` where no editor of this kind answers
     /// Where the user was before; nil where the editor did not say.
     std::optional<EditorPlace> before;
+
+    /// Whether there was an editor to ask.
+    bool isAnswer() const { return outcome.kind != EditorOutcome::Kind::notRunning; }
 };
 
 /// An editor of one kind, as far as one runs: asked again every time, since people start and leave

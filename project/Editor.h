@@ -27,6 +27,9 @@ struct EditorOutcome {
     Kind kind = Kind::notRunning;
     QString editor; ///< its name for users, "Neovim"; empty where none answers
     QString reason; ///< one sentence for users; empty where the file was opened
+    QString hint;   ///< one sentence: what to do about it; empty where the file was opened
+
+    bool isOpen() const { return kind == Kind::opened; }
 };
 
 /// The editor that the user works in. Main thread. A query blocks while the editor answers; the

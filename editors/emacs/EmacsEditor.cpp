@@ -4,6 +4,7 @@
 #include "editors/emacs/EmacsClient.h"
 #include "editors/emacs/EmacsExpressions.h"
 #include "editors/emacs/EmacsFollower.h"
+#include "project/EditorRefusal.h"
 #include "support/core/Log.h"
 #include "support/process/ToolRunner.h"
 
@@ -102,25 +103,23 @@ bool EmacsEditor::open(const QByteArray& path, std::optional<int> line,
 
 JumpResult EmacsEditor::jump(const EditorPlace& place, const QDeadlineTimer& deadline) {
     const QDeadlineTimer end = earlierOf(deadline, jumpAtMost_);
-    const auto late = [](const char* reason) {
-        return JumpResult{EditorOutcome::Kind::asksUser, QString::fromUtf8(reason), {}};
-    };
     const auto before = askForPlace(end);
     if (!before) {
-        return silent_.contains(kTheServer) ? late("Emacs does not answer.") : JumpResult();
+        return silent_.contains(kTheServer)
+                   ? JumpResult{outcomeOf(EditorRefusal::doesNotAnswer, name()), {}}
+                   : JumpResult();
     }
     const auto line = place.line > 0 ? std::optional(place.line) : std::nullopt;
     const auto value = valueOf(emacsJumpExpression(place.path, line, place.column), end);
     if (!value) {
-        return late("Emacs did not answer in time.");
+        return {outcomeOf(EditorRefusal::answersLate, name()), {}};
     }
     if (*value != "opened") {
-        return {
-            EditorOutcome::Kind::refused,
-            QStringLiteral("Emacs: %1").arg(QString::fromUtf8(unquoted(*value).value_or(*value))),
-            {}};
+        return {outcomeOf(EditorRefusal::saysWhy, name(),
+                          QString::fromUtf8(unquoted(*value).value_or(*value))),
+                {}};
     }
-    return {EditorOutcome::Kind::opened, {}, emacsPlaceFrom(*before)};
+    return {{EditorOutcome::Kind::opened, name(), {}, {}}, emacsPlaceFrom(*before)};
 }
 
 void EmacsEditor::follow(PlaceObserver observer) {

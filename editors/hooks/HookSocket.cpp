@@ -1,5 +1,6 @@
 #include "editors/hooks/HookSocket.h"
 
+#include "project/EditorRefusal.h"
 #include "support/core/Log.h"
 #include "support/core/MainThread.h"
 #include "support/sockets/UnixPeer.h"
@@ -143,17 +144,19 @@ void HookSocket::hear(Connection& connection, const HookMessage& message) {
         break;
     }
     case HookMessage::Kind::Opened:
-        answer(connection, message.request, {true, connection.editor, {}});
+        answer(connection, message.request,
+               {EditorOutcome::Kind::opened, connection.editor, {}, {}});
         break;
     case HookMessage::Kind::Refused:
-        answer(connection, message.request, {false, connection.editor, message.reason});
+        answer(connection, message.request,
+               outcomeOf(EditorRefusal::saysWhy, connection.editor, message.reason));
         break;
     case HookMessage::Kind::Other:
         break;
     }
 }
 
-void HookSocket::answer(Connection& connection, qint64 request, const Outcome& outcome) {
+void HookSocket::answer(Connection& connection, qint64 request, const EditorOutcome& outcome) {
     const auto found = connection.requests.find(request);
     if (found == connection.requests.end()) {
         return;
@@ -161,7 +164,7 @@ void HookSocket::answer(Connection& connection, qint64 request, const Outcome& o
     const Request answered = std::move(found->second);
     connection.requests.erase(found);
     const bool isFront = connections_.front().get() == &connection;
-    if (outcome.opened && isFront && answered.place && !isAtLine(latest_, *answered.place)) {
+    if (outcome.isOpen() && isFront && answered.place && !isAtLine(latest_, *answered.place)) {
         // The plug-in will say so, at most ten times a second. A jump from there may be sooner;
         // what it said last may be of a moment before this one.
         latest_ = answered.place;
@@ -188,7 +191,7 @@ void HookSocket::disconnect(Connection& connection) {
         latest_.reset();
     }
     for (const auto& [number, request] : gone->requests) {
-        request.reply({false, gone->editor, QStringLiteral("The editor's window was closed.")});
+        request.reply(outcomeOf(EditorRefusal::windowCloses, gone->editor));
     }
 }
 

@@ -45,12 +45,7 @@ public:
     using Observer = std::function<void(const EditorPlace& place)>;
     void setObserver(Observer observer) { observer_ = std::move(observer); }
 
-    struct Outcome {
-        bool opened = false;
-        QString editor;
-        QString reason; ///< why it was not opened
-    };
-    using Reply = std::function<void(const Outcome& outcome)>;
+    using Reply = std::function<void(const EditorOutcome& outcome)>;
 
     /// Sends a place to the window whose folders hold the file, or else to the one that spoke last.
     /// The number of the request, or 0 where there is no window; otherwise `reply` is called once,
@@ -70,7 +65,7 @@ private:
     void accept();
     void read(Connection& connection);
     void hear(Connection& connection, const HookMessage& message);
-    void answer(Connection& connection, qint64 request, const Outcome& outcome);
+    void answer(Connection& connection, qint64 request, const EditorOutcome& outcome);
     void disconnect(Connection& connection);
     Connection* windowFor(const QByteArray& path) const;
     Connection* latestWindow() const;

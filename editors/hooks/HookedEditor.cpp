@@ -1,5 +1,6 @@
 #include "editors/hooks/HookedEditor.h"
 
+#include "project/EditorRefusal.h"
 #include "support/core/Log.h"
 #include "support/dispatch/DispatchQueue.h"
 
@@ -21,8 +22,8 @@ struct HookedEditor::State {
 /// A request and how it ended. The main thread may answer it after nobody waits any more.
 struct HookedEditor::Exchange {
     struct Ending {
-        std::optional<HookSocket::Outcome> outcome; ///< nothing where no window took the request
-        std::optional<EditorPlace> before;          ///< where the user was
+        std::optional<EditorOutcome> outcome; ///< nothing where no window took the request
+        std::optional<EditorPlace> before;    ///< where the user was
     };
     std::promise<Ending> ending;
     qint64 request = 0; ///< main thread
@@ -30,7 +31,7 @@ struct HookedEditor::Exchange {
     static void begin(const std::shared_ptr<Exchange>& exchange, HookSocket* socket,
                       const Send& send) {
         const auto before = socket != nullptr ? socket->latest() : std::nullopt;
-        const auto reply = [exchange, before](const HookSocket::Outcome& outcome) {
+        const auto reply = [exchange, before](const EditorOutcome& outcome) {
             exchange->ending.set_value({outcome, before});
         };
         exchange->request = socket != nullptr ? send(*socket, reply) : 0;
@@ -101,27 +102,24 @@ JumpResult HookedEditor::resultOf(Send send, const QDeadlineTimer& deadline) {
                 state->socket->giveUpOn(exchange->request);
             }
         });
-        return {EditorOutcome::Kind::asksUser, QStringLiteral("The editor did not answer."), {}};
+        return {outcomeOf(EditorRefusal::answersLate, name()), {}};
     }
     const Exchange::Ending result = ending.get();
     if (!result.outcome) {
         return {};
     }
     learnName(result.outcome->editor);
-    const auto kind =
-        result.outcome->opened ? EditorOutcome::Kind::opened : EditorOutcome::Kind::refused;
-    return {kind, result.outcome->reason, result.before};
+    return {*result.outcome, result.before};
 }
 
 bool HookedEditor::open(const QByteArray& path, std::optional<int> line,
                         const QDeadlineTimer& deadline) {
     const JumpResult result = jump({path, line.value_or(0), 0, false}, deadline);
-    const bool isOpen = result.kind == EditorOutcome::Kind::opened;
-    if (!isOpen && result.kind != EditorOutcome::Kind::notRunning) {
+    if (result.isAnswer() && !result.outcome.isOpen()) {
         log(QStringLiteral("%1 did not open %2: %3")
-                .arg(name(), QString::fromUtf8(path), result.reason));
+                .arg(name(), QString::fromUtf8(path), result.outcome.reason));
     }
-    return result.kind != EditorOutcome::Kind::notRunning;
+    return result.isAnswer();
 }
 
 void HookedEditor::follow(PlaceObserver observer) {

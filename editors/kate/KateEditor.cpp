@@ -2,6 +2,7 @@
 
 #include "editors/Deadlines.h"
 #include "editors/kate/KateBus.h"
+#include "project/EditorRefusal.h"
 #include "support/core/Log.h"
 #include "support/dispatch/DispatchQueue.h"
 
@@ -15,6 +16,7 @@ namespace {
 using KateOutcome = KateReading::Outcome;
 
 const QByteArray kKate = "Kate";
+const QString kKateName = QStringLiteral("Kate");
 constexpr std::chrono::milliseconds kKateInterval{500};
 
 EditorPlace placeOf(const KateWindow& window) {
@@ -89,11 +91,11 @@ std::optional<ActiveFile> KateEditor::activeFile(const QDeadlineTimer& deadline)
 bool KateEditor::open(const QByteArray& path, std::optional<int> line,
                       const QDeadlineTimer& deadline) {
     const JumpResult result = jump({path, line.value_or(0), 0, false}, deadline);
-    const bool isThere = result.kind != EditorOutcome::Kind::notRunning;
-    if (isThere && result.kind != EditorOutcome::Kind::opened) {
-        log(QStringLiteral("Kate did not open %1: %2").arg(QString::fromUtf8(path), result.reason));
+    if (result.isAnswer() && !result.outcome.isOpen()) {
+        log(QStringLiteral("Kate did not open %1: %2")
+                .arg(QString::fromUtf8(path), result.outcome.reason));
     }
-    return isThere;
+    return result.isAnswer();
 }
 
 JumpResult KateEditor::jump(const EditorPlace& place, const QDeadlineTimer& deadline) {
@@ -109,15 +111,17 @@ JumpResult KateEditor::jump(const EditorPlace& place, const QDeadlineTimer& dead
     if (reading.outcome == KateOutcome::Silent) {
         // It is not asked to open anything: it would do that whenever it goes on.
         silent_.add(kKate);
-        return {EditorOutcome::Kind::asksUser, QStringLiteral("Kate does not answer."), {}};
+        return {outcomeOf(EditorRefusal::doesNotAnswer, kKateName), {}};
     }
     const auto isOpen =
         openInKate(bus_, reading.window.service, place.path, place.line, place.column, end);
     if (!isOpen) {
-        return {EditorOutcome::Kind::asksUser, QStringLiteral("Kate did not answer in time."), {}};
+        return {outcomeOf(EditorRefusal::answersLate, kKateName), {}};
     }
     if (!*isOpen) {
-        return {EditorOutcome::Kind::refused, QStringLiteral("Kate cannot open it."), {}};
+        return {
+            outcomeOf(EditorRefusal::saysWhy, kKateName, QStringLiteral("it cannot open the file")),
+            {}};
     }
     EditorPlace before = placeOf(reading.window);
     if (ledTo_ && ledTo_->path == before.path) {
@@ -125,7 +129,7 @@ JumpResult KateEditor::jump(const EditorPlace& place, const QDeadlineTimer& dead
         before.column = ledTo_->column;
     }
     ledTo_ = place;
-    return {EditorOutcome::Kind::opened, {}, before};
+    return {{EditorOutcome::Kind::opened, kKateName, {}, {}}, before};
 }
 
 void KateEditor::follow(PlaceObserver observer) {

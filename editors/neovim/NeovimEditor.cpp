@@ -6,6 +6,7 @@
 #include "editors/neovim/NeovimFollower.h"
 #include "editors/neovim/NeovimScripts.h"
 #include "editors/neovim/NeovimServers.h"
+#include "project/EditorRefusal.h"
 #include "support/core/Log.h"
 
 #include <QHash>
@@ -53,36 +54,51 @@ bool isHalfACommand(NeovimConnection& editor, const QDeadlineTimer& deadline) {
            mode.value.toMap().value(QStringLiteral("mode")).toByteArray().startsWith("no");
 }
 
+/// What keeps the editor from opening a file.
+struct Obstacle {
+    EditorRefusal refusal{};
+    QString words; ///< as the log has it
+
+    EditorOutcome outcome() const { return outcomeOf(refusal, QStringLiteral("Neovim"), words); }
+};
+
+const QString kNoAnswer = QStringLiteral("no answer");
+
+Obstacle waitingForAKey() {
+    return {EditorRefusal::waitsForAKey, QStringLiteral("it waits for a key")};
+}
+
 /// Why a call did not succeed.
-QString failureText(const Reply& reply) {
+Obstacle failureOf(const Reply& reply) {
     if (reply.kind == Reply::Kind::None) {
-        return QStringLiteral("no answer");
+        return {EditorRefusal::answersLate, kNoAnswer};
     }
     const QVariantList error = reply.value.toList(); // [kind, text]
-    return QString::fromUtf8(error.isEmpty() ? QByteArray() : error.last().toByteArray());
+    return {EditorRefusal::saysWhy,
+            QString::fromUtf8(error.isEmpty() ? QByteArray() : error.last().toByteArray())};
 }
 
 /// Brings the editor to where a file can be opened, from any mode. What kept it from that; nothing
 /// when it is there.
-std::optional<QString> leaveMode(NeovimConnection& editor, const QDeadlineTimer& deadline) {
+std::optional<Obstacle> leaveMode(NeovimConnection& editor, const QDeadlineTimer& deadline) {
     bool keysGiven = false;
-    QString obstacle = failureText(Reply());
+    Obstacle obstacle{EditorRefusal::doesNotAnswer, kNoAnswer};
     while (!deadline.hasExpired()) {
         const auto waits = waitsForAKey(editor, deadline);
         if (!waits) {
             break;
         }
         if (*waits) {
-            obstacle = QStringLiteral("it waits for a key");
+            obstacle = waitingForAKey();
         } else {
             const Reply ready = runScript(editor, kNeovimIsReadyScript, {}, deadline);
             if (ready.kind != Reply::Kind::Result) {
-                return failureText(ready);
+                return failureOf(ready);
             }
             if (ready.value == true) {
                 return std::nullopt;
             }
-            obstacle = QStringLiteral("it stays in its mode");
+            obstacle = {EditorRefusal::staysInItsMode, QStringLiteral("it stays in its mode")};
             if (!keysGiven) {
                 runScript(editor, kNeovimLeaveModeScript, {}, deadline);
                 keysGiven = true;
@@ -102,8 +118,9 @@ std::optional<EditorPlace> placeIn(NeovimConnection& editor, const QDeadlineTime
 
 /// Opens a file and selects a line, or goes to a column of it (0 for none). What kept the editor
 /// from that; nothing when it did.
-std::optional<QString> openIn(NeovimConnection& editor, const QByteArray& path,
-                              std::optional<int> line, int column, const QDeadlineTimer& deadline) {
+std::optional<Obstacle> openIn(NeovimConnection& editor, const QByteArray& path,
+                               std::optional<int> line, int column,
+                               const QDeadlineTimer& deadline) {
     if (auto obstacle = leaveMode(editor, deadline)) {
         return obstacle;
     }
@@ -116,24 +133,24 @@ std::optional<QString> openIn(NeovimConnection& editor, const QByteArray& path,
         arguments.append(column);
     }
     const Reply opened = runScript(editor, kNeovimOpenScript, arguments, deadline);
-    return opened.kind == Reply::Kind::Result ? std::nullopt : std::optional(failureText(opened));
+    return opened.kind == Reply::Kind::Result ? std::nullopt : std::optional(failureOf(opened));
 }
 
 JumpResult jumpIn(NeovimConnection& editor, const EditorPlace& place,
                   std::chrono::milliseconds leaveModeAtMost, const QDeadlineTimer& deadline) {
     JumpResult result;
     if (isHalfACommand(editor, deadline)) {
-        return {EditorOutcome::Kind::asksUser, QStringLiteral("Neovim waits for a key."), {}};
+        return {waitingForAKey().outcome(), {}};
     }
     if (const auto obstacle = leaveMode(editor, earlierOf(deadline, leaveModeAtMost))) {
-        return {EditorOutcome::Kind::asksUser, QStringLiteral("Neovim: %1.").arg(*obstacle), {}};
+        return {obstacle->outcome(), {}};
     }
     result.before = placeIn(editor, deadline);
     const auto line = place.line > 0 ? std::optional(place.line) : std::nullopt;
     if (const auto obstacle = openIn(editor, place.path, line, place.column, deadline)) {
-        return {EditorOutcome::Kind::refused, QStringLiteral("Neovim: %1.").arg(*obstacle), {}};
+        return {obstacle->outcome(), {}};
     }
-    result.kind = EditorOutcome::Kind::opened;
+    result.outcome = {EditorOutcome::Kind::opened, QStringLiteral("Neovim"), {}, {}};
     return result;
 }
 
@@ -284,7 +301,7 @@ bool NeovimEditor::open(const QByteArray& path, std::optional<int> line,
         }
         if (const auto obstacle = openIn(*server.connection, path, line, 0, deadline)) {
             log(QStringLiteral("Neovim did not open %1: %2")
-                    .arg(QString::fromUtf8(path), *obstacle));
+                    .arg(QString::fromUtf8(path), obstacle->words));
         }
         return true;
     });
@@ -295,8 +312,7 @@ JumpResult NeovimEditor::jump(const EditorPlace& place, const QDeadlineTimer& de
     useFirst(shareOf(deadline, 2), [&](ProbedNeovim& server) {
         if (server.state == NeovimState::WaitsForAKey) {
             // Another one may be ready; if none is, this is what the user should know.
-            result.kind = EditorOutcome::Kind::asksUser;
-            result.reason = QStringLiteral("Neovim waits for a key.");
+            result.outcome = waitingForAKey().outcome();
             return false;
         }
         result = jumpIn(*server.connection, place, leaveModeAtMost_, deadline);

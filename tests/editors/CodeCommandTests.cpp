@@ -21,7 +21,7 @@ protected:
         return [](int, const std::atomic<bool>&) {};
     }
     static Kind jump(const EditorPlace& place) {
-        return CodeCommandEditor().jump(place, QDeadlineTimer(60'000)).kind;
+        return CodeCommandEditor().jump(place, QDeadlineTimer(60'000)).outcome.kind;
     }
 
     ScratchEnvironment environment;

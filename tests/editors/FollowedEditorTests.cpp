@@ -49,13 +49,14 @@ public:
         JumpResult result;
         jumpedToColumn = place.column;
         if (open(place.path, place.line, deadline)) {
-            result.kind = EditorOutcome::Kind::opened;
+            result.outcome.kind = EditorOutcome::Kind::opened;
         }
         return result;
     }
     JumpResult goBack(const QDeadlineTimer&) override {
         ++stepsBack;
-        return {goesBack ? EditorOutcome::Kind::opened : EditorOutcome::Kind::notRunning, {}, {}};
+        const auto kind = goesBack ? EditorOutcome::Kind::opened : EditorOutcome::Kind::notRunning;
+        return {{kind, {}, {}, {}}, {}};
     }
     QString name() const override { return QStringLiteral("Fake"); }
     bool isSuspended() const override { return isHeldByTheShell; }

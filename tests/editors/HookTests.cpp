@@ -196,19 +196,20 @@ TEST_F(Hooks, aRequestGoesToTheWindowThatShowsTheFolder) {
     second.say(R"({"active":"/home/two/y.m","line":1})");
     ASSERT_TRUE(waitUntil([&] { return shows("/home/two/y.m", 1); }));
 
-    HookSocket::Outcome outcome;
+    EditorOutcome outcome;
     ASSERT_GT(socket.open({"/home/one/z.m", 9, 0, false}, [&](const auto& got) { outcome = got; }),
               0);
     EXPECT_EQ(first.hear(), "{\"id\":1,\"line\":9,\"open\":\"/home/one/z.m\"}\n");
     first.say(R"({"opened":1})");
-    EXPECT_TRUE(waitUntil([&] { return outcome.opened; }));
+    EXPECT_TRUE(waitUntil([&] { return outcome.isOpen(); }));
     EXPECT_EQ(outcome.editor, QStringLiteral("First"));
 
     ASSERT_GT(socket.open({"/elsewhere/z.m", 1, 0, false}, [&](const auto& got) { outcome = got; }),
               0);
     EXPECT_EQ(second.hear(), "{\"id\":2,\"line\":1,\"open\":\"/elsewhere/z.m\"}\n");
     second.say(R"({"refused":2,"reason":"no such file"})");
-    EXPECT_TRUE(waitUntil([&] { return outcome.reason == QStringLiteral("no such file"); }));
+    EXPECT_TRUE(waitUntil([&] { return !outcome.isOpen(); }));
+    EXPECT_EQ(outcome.reason, QStringLiteral("Second: no such file."));
 }
 
 TEST_F(Hooks, theUserIsWhereTheEditorWasLedUntilItSaysOtherwise) {
@@ -250,7 +251,7 @@ TEST_F(Hooks, anEditorThatDiesInTheMiddleRefuses) {
     int replies = 0;
     ASSERT_GT(socket.open({"/b.m", 1, 0, false},
                           [&](const auto& outcome) {
-                              EXPECT_FALSE(outcome.opened);
+                              EXPECT_FALSE(outcome.isOpen());
                               ++replies;
                           }),
               0);
@@ -267,7 +268,7 @@ TEST_F(Hooks, aWindowThatDoesNotAnswerGetsNoMoreRequestsUntilItSpeaks) {
     ASSERT_TRUE(waitUntil([&] { return shows("/a.m", 1); }));
     bool isOpen = false;
     const qint64 request =
-        socket.open({"/b.m", 1, 0, false}, [&](const auto& outcome) { isOpen = outcome.opened; });
+        socket.open({"/b.m", 1, 0, false}, [&](const auto& outcome) { isOpen = outcome.isOpen(); });
     ASSERT_EQ(request, 1);
     socket.giveUpOn(request);
     EXPECT_EQ(socket.open({"/b.m", 1, 0, false}, nullptr), 0);
@@ -340,9 +341,9 @@ TEST(HookExample, thePlugInOfTheManualWorks) {
     plugIn.start(*python, {QStringLiteral("-c"), QString::fromUtf8(exampleOfTheManual())});
     ASSERT_TRUE(waitUntil([&] { return socket.latest().has_value(); }));
     EXPECT_EQ(socket.latest()->path, "/tmp/example.m");
-    HookSocket::Outcome outcome;
+    EditorOutcome outcome;
     ASSERT_GT(socket.open({"/tmp/b.m", 7, 0, false}, [&](const auto& got) { outcome = got; }), 0);
-    EXPECT_TRUE(waitUntil([&] { return outcome.opened; }));
+    EXPECT_TRUE(waitUntil([&] { return outcome.isOpen(); }));
     EXPECT_EQ(outcome.editor, QStringLiteral("Example"));
     EXPECT_EQ(socket.latest()->line, 7);
     plugIn.kill();

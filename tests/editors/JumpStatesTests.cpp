@@ -197,6 +197,7 @@ protected:
         } else {
             EXPECT_TRUE(outcome.kind == Kind::asksUser || outcome.kind == Kind::refused);
             EXPECT_FALSE(outcome.reason.isEmpty());
+            EXPECT_FALSE(outcome.hint.isEmpty());
         }
         typeIn(terminal, state.lookKeys);
         EXPECT_TRUE(shows(state.kept)) << terminal.screen().constData();

@@ -34,7 +34,8 @@ TEST(KateEditor, withoutABusOrAKateNoneRuns) {
     SessionBus bus;
     KateEditor nobody(bus.connect(), kPatience);
     EXPECT_EQ(nobody.activeFile(QDeadlineTimer(kPatience)), std::nullopt);
-    EXPECT_EQ(nobody.jump({"/a.m", 1, 0, false}, QDeadlineTimer(kPatience)).kind, Kind::notRunning);
+    EXPECT_EQ(nobody.jump({"/a.m", 1, 0, false}, QDeadlineTimer(kPatience)).outcome.kind,
+              Kind::notRunning);
 }
 
 class Kate : public ::testing::Test {

@@ -294,8 +294,8 @@ TEST(LeadAndFollowEmacs, oneThatIsStoppedIsSaidNotToAnswer) {
     environment.set("PATH", environment.bytesOf("bin") + ':' + qgetenv("PATH"));
     EmacsEditor stopped;
     const JumpResult result = stopped.jump({"/b.m", 3, 0, false}, QDeadlineTimer(60'000));
-    EXPECT_EQ(result.kind, Kind::asksUser);
-    EXPECT_EQ(result.reason, QStringLiteral("Emacs does not answer."));
+    EXPECT_EQ(result.outcome.kind, Kind::asksUser);
+    EXPECT_EQ(result.outcome.reason, QStringLiteral("Emacs does not answer."));
 }
 
 /// An Emacs that takes connections and says nothing, and then one that does.
@@ -324,8 +324,8 @@ protected:
     void expectCallsToEnd() {
         EmacsEditor emacs;
         const QDeadlineTimer never(QDeadlineTimer::Forever);
-        EXPECT_EQ(emacs.jump({fileB(), 3, 0, false}, never).kind, Kind::asksUser);
-        EXPECT_EQ(emacs.jump({fileB(), 3, 0, false}, never).kind, Kind::asksUser);
+        EXPECT_EQ(emacs.jump({fileB(), 3, 0, false}, never).outcome.kind, Kind::asksUser);
+        EXPECT_EQ(emacs.jump({fileB(), 3, 0, false}, never).outcome.kind, Kind::asksUser);
         EXPECT_FALSE(emacs.open(fileB(), 3, never));
         EXPECT_FALSE(EmacsEditor().open(fileB(), 3, QDeadlineTimer(1000)));
     }
@@ -373,7 +373,8 @@ TEST_F(SilentEmacs, oneThatIsStoppedOpensNothingWhenItGoesOn) {
     EXPECT_TRUE(waitUntil([&] { return valueOf("(+ 1 1)") == "2"; }));
     EXPECT_EQ(valueOf("(get-file-buffer \"" + fileB() + "\")"), "nil");
     EmacsEditor patient(kSilentEditorLeftAlone, kPatience);
-    EXPECT_EQ(patient.jump({fileB(), 3, 2, false}, QDeadlineTimer(kPatience)).kind, Kind::opened);
+    EXPECT_EQ(patient.jump({fileB(), 3, 2, false}, QDeadlineTimer(kPatience)).outcome.kind,
+              Kind::opened);
     emacs.kill();
     emacs.waitForFinished();
 }
@@ -384,8 +385,8 @@ TEST(LeadAndFollowNeovim, halfACommandIsNotAnsweredForTheUser) {
                           FakeNeovim::Mood::WaitsForAKey);
     NeovimEditor editor;
     const JumpResult result = editor.jump({"/b.m", 3, 0, false}, QDeadlineTimer(10'000));
-    EXPECT_EQ(result.kind, Kind::asksUser);
-    EXPECT_EQ(result.reason, QStringLiteral("Neovim waits for a key."));
+    EXPECT_EQ(result.outcome.kind, Kind::asksUser);
+    EXPECT_EQ(result.outcome.reason, QStringLiteral("Neovim waits for a key."));
 }
 
 } // namespace

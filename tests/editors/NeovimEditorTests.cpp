@@ -135,7 +135,8 @@ TEST_F(NeovimEditorTest, aFileIsOpenedWithoutALine) {
 TEST_F(NeovimEditorTest, aJumpWithoutALineSaysThatItWentWell) {
     ASSERT_NO_FATAL_FAILURE(start(fileA()));
     const JumpResult result = editor.jump({fileB(), 0, 0, false}, QDeadlineTimer(seconds(10)));
-    EXPECT_EQ(result.kind, EditorOutcome::Kind::opened) << qUtf8Printable(result.reason);
+    EXPECT_EQ(result.outcome.kind, EditorOutcome::Kind::opened)
+        << qUtf8Printable(result.outcome.reason);
     EXPECT_EQ(valueOf("expand('%:p')"), fileB());
 }
 
