@@ -14,6 +14,7 @@ struct OpenOutcome {
     bool opened = false;
     std::string editor; ///< its name for users, "Neovim"; empty where there is none
     std::string reason; ///< why it was not opened: one sentence; empty where it was
+    std::string hint;   ///< what to do about it: one sentence; empty where it was
 };
 
 /// What the server for browsers asks of the program. Its functions are called on the server's

@@ -183,6 +183,7 @@ json::object openedView(std::uint64_t request, const OpenOutcome& outcome) {
     json::object view = {{"request", request}, {"outcome", outcome.opened ? "opened" : "refused"}};
     addText(view, "editor", outcome.editor);
     addText(view, "reason", outcome.reason);
+    addText(view, "hint", outcome.hint);
     return view;
 }
 

@@ -22,8 +22,8 @@ int editorNumber(std::uint32_t number) {
 }
 
 OpenOutcome outcomeOf(const EditorOutcome& outcome) {
-    return {outcome.kind == EditorOutcome::Kind::opened, outcome.editor.toStdString(),
-            outcome.reason.toStdString()};
+    return {outcome.isOpen(), outcome.editor.toStdString(), outcome.reason.toStdString(),
+            outcome.hint.toStdString()};
 }
 
 } // namespace
@@ -57,7 +57,7 @@ void BrowserHost::switchFileTypes(std::vector<FileTypeSwitch> switches, Reply re
                 {{key::extension, QString::fromStdString(extension)}, {key::allowed, allowed}});
         }
         events_.fileTypesDidChange();
-        reply({true, {}, {}});
+        reply({true, {}, {}, {}});
     });
 }
 

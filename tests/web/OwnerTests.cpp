@@ -34,8 +34,10 @@ TEST_F(OwnerTests, aFileIsOpenedByItsPath) {
     EXPECT_EQ(run("open TideView.swift:2:5"), "Opened TideView.swift:2:5 in Neovim.\n");
     EXPECT_EQ(host.asked().back(), "open " + path("TideView.swift") + ":2:5");
     EXPECT_THAT(run("open Notes.txt --json"), ::testing::HasSubstr("\"outcome\":\"opened\""));
-    host.outcome = OpenOutcome{false, "", "No editor answers."};
-    EXPECT_EQ(run("open Notes.txt", CommandResult::notFound), "No editor answers.\n");
+    host.outcome = OpenOutcome{false, "", "No editor answers.", "Start one."};
+    EXPECT_EQ(run("open Notes.txt", CommandResult::notFound), "No editor answers.\nStart one.\n");
+    EXPECT_THAT(run("back --json", CommandResult::notFound),
+                ::testing::HasSubstr("\"hint\":\"Start one.\""));
     EXPECT_EQ(run("open Nothing.txt", CommandResult::notFound),
               "The project has no file \"Nothing.txt\".\n\"find Nothing.txt\" searches symbols, "
               "too, and shows places that open takes; \"tree\" shows all files.\n");

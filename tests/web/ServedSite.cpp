@@ -36,7 +36,7 @@ void RecordingHost::switchFileTypes(std::vector<FileTypeSwitch> switches, Reply 
     for (const FileTypeSwitch& each : switches) {
         record("switch " + each.extension + (each.allowed ? " on" : " off"));
     }
-    reply({true, "", ""});
+    reply({true, "", "", ""});
 }
 
 void RecordingHost::devicePaired(const std::string& label) {

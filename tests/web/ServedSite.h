@@ -51,7 +51,7 @@ public:
 
     std::atomic<int> changes = 0;
     /// Given to every request to the editor at once; none where nothing is set.
-    std::optional<OpenOutcome> outcome = OpenOutcome{true, "Neovim", ""};
+    std::optional<OpenOutcome> outcome = OpenOutcome{true, "Neovim", "", ""};
 
 private:
     void record(std::string what);
