@@ -1,6 +1,6 @@
 // What taps and keys do.
 import { loadList, showOutline } from "./loading";
-import { say, sayProblem } from "./messages";
+import { say, sayProblem, sayWhatIsAmiss } from "./messages";
 import { neighbour, outlineRows, type StopKind } from "./model/outlineRows";
 import { atOutline, go } from "./places";
 import { addRecent } from "./settings";
@@ -59,9 +59,9 @@ export function opened(outcome: Opened): void {
   else sayOutcome(what, outcome);
 }
 
-function sayOutcome(what: string, { outcome, editor, reason }: Opened): void {
+function sayOutcome(what: string, { outcome, editor, reason, hint }: Opened): void {
   if (outcome === "opened") return say(`${what} is open${editor ? ` in ${editor}` : ""}`, "good");
-  say(reason ?? `${what} was not opened.`, "bad");
+  sayWhatIsAmiss({ text: reason ?? `${what} was not opened.`, hint });
 }
 
 /** Shows a file's outline: beside the navigator where there is room, else in place of it. */

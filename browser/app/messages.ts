@@ -22,6 +22,9 @@ export function problemOf(error: unknown): Problem {
 }
 
 export function sayProblem(error: unknown): void {
-  const { text, hint } = problemOf(error);
+  sayWhatIsAmiss(problemOf(error));
+}
+
+export function sayWhatIsAmiss({ text, hint }: Problem): void {
   say(hint ? `${text} ${hint}` : text, "bad");
 }

@@ -148,7 +148,8 @@ CodeAnswer OwnerSource::outcomeOf(const char* target, const std::string& body) c
                                    QStringLiteral("\"state\" says which editor answers."));
     }
     if (bytesAt(outcome.view, "outcome") != "opened") {
-        return CodeAnswer::failure(CommandResult::notFound, textAt(outcome.view, "reason"));
+        return CodeAnswer::failure(CommandResult::notFound, textAt(outcome.view, "reason"),
+                                   textAt(outcome.view, "hint"));
     }
     return outcome;
 }

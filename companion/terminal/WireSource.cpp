@@ -106,7 +106,9 @@ CodeAnswer WireSource::version() {
     const auto reply = ask_(kFrameVersion, {});
     return reply ? answer({{"program", "Navrel"}, {"version", bytesOf(*reply, "version")}})
                  : CodeAnswer::failure(CommandResult::noNavrel,
-                                       QStringLiteral("Navrel did not answer."));
+                                       QStringLiteral("Navrel did not answer."),
+                                       QStringLiteral("Try again; if it stays silent, restart "
+                                                      "Navrel."));
 }
 
 CodeAnswer WireSource::tree() {
