@@ -171,7 +171,7 @@ bool SwiftRecogniser::endsItem() const {
     return token_.isEnd() || token_.is('}') || token_.is(';') || isCondition(token_);
 }
 
-bool SwiftRecogniser::endsDeclaration() const {
+bool SwiftRecogniser::endsDeclaration() {
     return endsItem() ||
            (token_.startsLine && (isReserved(token_.word) || (!expectsMore() && !continuesLine())));
 }
@@ -195,14 +195,15 @@ bool SwiftRecogniser::expectsMore() const {
 }
 
 /// Whether the current token, the first of its line, cannot be a declaration's first.
-bool SwiftRecogniser::continuesLine() const {
+bool SwiftRecogniser::continuesLine() {
     switch (token_.kind) {
     case SwiftTokenKind::punctuation:
         return !opensGroup() && !token_.is('@');
     case SwiftTokenKind::sign:
         return true;
     case SwiftTokenKind::word:
-        return token_.is(SwiftWord::continuation) || token_.is(SwiftWord::whereWord);
+        return (token_.is(SwiftWord::continuation) && !isAtAsyncLet()) ||
+               token_.is(SwiftWord::whereWord);
     default:
         return false;
     }
@@ -273,12 +274,20 @@ bool SwiftRecogniser::isAtModifier() {
         const SwiftToken& next = lexer_.peek();
         return next.isName() || next.is('(') || next.is('@');
     }
+    if (isAtAsyncLet()) {
+        return true;
+    }
     if (token_.is(SwiftWord::classWord)) {
         const SwiftWord next = lexer_.peek().word;
         return isModifier(next) || next == SwiftWord::function || next == SwiftWord::var ||
                next == SwiftWord::let || next == SwiftWord::subscriptWord;
     }
     return false;
+}
+
+/// "async let", which scripts have at the level of the file.
+bool SwiftRecogniser::isAtAsyncLet() {
+    return token_.text == "async" && lexer_.peek().is(SwiftWord::let);
 }
 
 void SwiftRecogniser::readModifier(Head& head) {
@@ -326,17 +335,15 @@ bool SwiftRecogniser::isIntroducerBefore(const SwiftToken& next, const Head& hea
 }
 
 void SwiftRecogniser::skipAttribute() {
-    advance();
-    while (token_.isName() || token_.is('.')) {
-        const bool isPart = token_.is('.') || lexer_.peek().is('.');
+    do { // "@A<B>.C<D>"
         advance();
-        if (!isPart) {
-            break;
+        if (token_.isName()) {
+            advance();
         }
-    }
-    if (opensAngles() && !token_.isDetached) {
-        skipAngles();
-    }
+        if (opensAngles() && !token_.isDetached) {
+            skipAngles();
+        }
+    } while (token_.is('.'));
     if (token_.is('(') && !token_.startsLine) {
         skipGroup();
     }
@@ -585,7 +592,7 @@ bool SwiftRecogniser::readSignName() {
         fullName_ += token_.text;
         advance();
     }
-    if (fullName_.size() > 1 && fullName_.ends_with('<') && token_.isName()) {
+    if (fullName_.size() > 1 && fullName_.ends_with('<') && token_.isName() && !token_.startsLine) {
         fullName_.pop_back();
         skipAngles(1);
         return true;

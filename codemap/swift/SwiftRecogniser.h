@@ -65,9 +65,9 @@ private:
     void skipRest();
     bool startsStrongly();
     bool endsItem() const;
-    bool endsDeclaration() const;
+    bool endsDeclaration();
     bool expectsMore() const;
-    bool continuesLine() const;
+    bool continuesLine();
 
     // Items of a file or type.
     void readItem();
@@ -75,6 +75,7 @@ private:
     bool readHead(Head& head);
     void readModifier(Head& head);
     bool isAtModifier();
+    bool isAtAsyncLet();
     bool isAtIntroducer(const Head& head);
     bool isIntroducerBefore(const SwiftToken& next, const Head& head) const;
     void skipAttribute();
