@@ -279,7 +279,7 @@ bool Declarations::isToBeShown(const Declarator& declarator) const {
     if (declarator.isFunction && !isVariable(declarator)) {
         return isFunctionToBeShown(declarator);
     }
-    const bool isExternal = head_.is(0, Word::externName) && !head_.is(declarator.end, '=');
+    const bool isExternal = contains(Word::externName) && !head_.is(declarator.end, '=');
     return declarator.hasType && !declarator.isOperator && (!isExternal || isHeader_);
 }
 
@@ -312,8 +312,19 @@ SymbolKind Declarations::kindOf(const Declarator& declarator) const {
     if (isVariable(declarator)) {
         return isMemberScope(scope) ? SymbolKind::field : SymbolKind::variable;
     }
-    return scope == ScopeKind::type || isQualified(head_, declarator.name) ? SymbolKind::method
-                                                                           : SymbolKind::function;
+    const bool isMember = (scope == ScopeKind::type && !contains(Word::friendName)) ||
+                          isQualified(head_, declarator.name);
+    return isMember ? SymbolKind::method : SymbolKind::function;
+}
+
+/// Whether a word stands in the head, outside of groups.
+bool Declarations::contains(Word word) const {
+    for (std::size_t i = 0; i < head_.size(); i = head_.after(i)) {
+        if (head_.is(i, word)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 /// Constructors, destructors and operators have no type before them.

@@ -95,6 +95,7 @@ private:
     bool isFunctionToBeShown(const Declarator& declarator) const;
     bool isVariable(const Declarator& declarator) const;
     SymbolKind kindOf(const Declarator& declarator) const;
+    bool contains(Word word) const;
     bool isSpecialMember(const Declarator& declarator) const;
     Found found(SymbolKind kind, NameRange name, std::size_t signatureEnd) const;
     std::string_view nameIn(std::string_view signature, const Found& found) const;

@@ -85,6 +85,7 @@ private:
         case Word::classType:
         case Word::enumType:
             isTagNext_ = true;
+            isEnumeration_ = token.word == Word::enumType;
             break;
         case Word::builtInType:
             takeType();
@@ -138,11 +139,35 @@ private:
             isTagNext_ = false;
             ++types_;
             ++realTypes_;
-            while (head_.is(index_ + 1, kScopeSign)) {
-                index_ += 2;
-            }
+            skipTagRest();
+            return;
         }
         ++index_;
+    }
+
+    /// "A", "A<int>::B"; in an enumeration with what its values are: "A : unsigned int".
+    void skipTagRest() {
+        index_ = afterType(index_);
+        if (isEnumeration_ && head_.is(index_, ':')) {
+            index_ = afterType(index_ + 1);
+        }
+    }
+
+    /// After a type that is a name or some words of the language.
+    std::size_t afterType(std::size_t index) const {
+        bool isBuiltIn = false;
+        while (head_.is(index, Word::builtInType) || head_.is(index, Word::specifier)) {
+            isBuiltIn = isBuiltIn || head_.is(index, Word::builtInType);
+            ++index;
+        }
+        if (isBuiltIn) {
+            return index;
+        }
+        index += head_.is(index, Word::name) ? 1 : 0;
+        while (head_.is(index, '<') || head_.is(index, kScopeSign)) {
+            index = head_.is(index, '<') ? head_.afterAngles(index) : index + 2;
+        }
+        return index;
     }
 
     bool isAttributeMacro() const {
@@ -210,7 +235,7 @@ private:
         } else if (holdsName(after) && (isCalled || !name_.isValid()) &&
                    (types_ > 0 || name_.isValid())) {
             takeType();
-            name_ = {index_ + 1, index_ + 1};
+            name_ = {index_ + 1, after - 2};
             index_ = after;
         } else if (!name_.isValid()) {
             index_ = after;
@@ -224,8 +249,13 @@ private:
         }
     }
 
+    /// "(name)", "(A::name)".
     bool holdsName(std::size_t after) const {
-        return after == index_ + 3 && head_[index_ + 1].isName();
+        std::size_t i = index_ + 1;
+        while (i + 3 < after && head_[i].isName() && head_[i + 1].is(kScopeSign)) {
+            i += 2;
+        }
+        return i + 2 == after && head_[i].isName();
     }
 
     /// "(*name", "(WINAPI *name", "(Class::*name", "(^name", and "(POINTER name" with a macro.
@@ -387,6 +417,7 @@ private:
     NameRange name_;
     std::size_t tilde_ = SIZE_MAX;
     bool isTagNext_ = false;
+    bool isEnumeration_ = false; ///< whether the last tag is an enumeration's
     bool isJoined_ = false; ///< "::" stands between the name and what follows
     bool isPointer_ = false;
     bool isDone_ = false;
@@ -400,6 +431,27 @@ bool isWordOfList(const Head& head, std::size_t opening, std::size_t closing,
         }
     }
     return false;
+}
+
+/// Words that begin a value, and never a parameter.
+bool isValueWord(std::string_view word) {
+    return word == "true" || word == "false" || word == "nullptr" || word == "sizeof" ||
+           word == "new";
+}
+
+bool isLiteral(const Token& token) {
+    return token.kind == TokenKind::number || token.kind == TokenKind::string ||
+           token.kind == TokenKind::character;
+}
+
+/// Whether what stands between parentheses begins with a value: "1", "-a", "A('a')", "{}".
+bool beginsValue(const Head& head, std::size_t first) {
+    if (head[first].kind == TokenKind::word) {
+        return isValueWord(head.textOf(first)) ||
+               (head.is(first + 1, '(') && first + 2 < head.size() && isLiteral(head[first + 2]));
+    }
+    return isLiteral(head[first]) || head[first].kind == TokenKind::braces ||
+           head[first].is('&') || head[first].is('-') || head[first].is('{');
 }
 
 } // namespace
@@ -420,17 +472,7 @@ bool isQualified(const Head& head, NameRange name) {
 
 bool looksLikeArguments(const Head& head, const Declarator& declarator) {
     const std::size_t first = declarator.parameters + 1;
-    if (first >= head.size()) {
-        return false;
-    }
-    switch (head[first].kind) {
-    case TokenKind::number:
-    case TokenKind::string:
-    case TokenKind::character:
-        return true;
-    default:
-        return head[first].is('&') || head[first].is('-') || head[first].is('{');
-    }
+    return first < head.size() && beginsValue(head, first);
 }
 
 bool isOldStyleParameter(const Head& head) {

@@ -143,8 +143,8 @@ std::string textOfName(const Head& head, NameRange name) {
             text += textOfOperator(head.textOf(index));
         } else if (token.is(kScopeSign)) {
             text += "::";
-        } else if (token.is(Word::specifier)) {
-            // namespace a::inline b
+        } else if (token.is(Word::specifier) || token.is(Word::templateHead)) {
+            // namespace a::inline b, A<T>::template B<U>::f
         } else if (token.kind == TokenKind::word || token.is('~')) {
             text += head.textOf(index);
         }

@@ -329,6 +329,10 @@ void Recogniser::openBrace(const Token& brace) {
         passBraces(brace); // "@property struct { int a; } name;"
         return;
     }
+    if (isTemplateArgument(brace)) {
+        passBraces(brace);
+        return;
+    }
     if (head_.empty() || head_.is(0, Word::statement) || isExpression() ||
         scopes_.current().kind == ScopeKind::enumeration) {
         const bool isBlock = !isExpression();
@@ -364,6 +368,26 @@ bool Recogniser::isExpression() const {
     return last > 0 && head_.is(last, Word::requiresClause) &&
            (head_.is(last - 1, Word::requiresClause) || head_.is(last - 1, kLogicalSign) ||
             head_.is(last - 1, '!') || head_.is(last - 1, '='));
+}
+
+/// "A<B{1, 2}> c": the braces of a value between "<" and ">".
+bool Recogniser::isTemplateArgument(const Token& brace) {
+    std::size_t open = 0;
+    for (std::size_t i = 0; i < head_.size(); i = head_.after(i)) {
+        open += head_.is(i, '<') ? 1 : 0;
+        open -= head_.is(i, '>') && open > 0 ? 1 : 0;
+    }
+    if (!isCpp_ || open == 0 || !head_.back().isName()) {
+        return false;
+    }
+    const std::size_t closing = matcher_.closingOf(brace.begin, lexer_);
+    if (closing >= text_.size()) {
+        return false;
+    }
+    lexer_.setPosition(closing + 1);
+    const char next = lexer_.peek();
+    lexer_.setPosition(brace.end);
+    return next == ',' || next == '>';
 }
 
 bool Recogniser::openScope(const Token& brace) {
@@ -645,22 +669,31 @@ std::string Recogniser::nameAfterBody(std::size_t brace) {
     lexer_.setQuiet(true);
     lexer_.setPosition(closing + (text_[closing] == '%' ? 2 : 1));
     std::string name;
+    std::string before;
     bool isPointer = false;
+    bool isAfterName = false;
     std::size_t depth = 0;
     for (int look = 0; look < kMaximumLook; ++look) {
         const Token token = lexer_.next();
-        if (token.is('(') || token.is(')')) {
-            depth += token.is('(') ? 1 : depth > 0 ? SIZE_MAX : 0;
-            name.clear(); // a macro or an attribute
+        if (token.is('(')) {
+            name = isAfterName && depth == 0 ? before : name; // a macro
+            ++depth;
+        } else if (token.is(')')) {
+            depth -= depth > 0 ? 1 : 0;
         } else if (depth > 0) {
             continue;
         } else if (token.isName()) {
-            name = name.empty() || isAllCapitals(name) ? token.in(text_) : name;
+            isAfterName = name.empty() || isAllCapitals(name);
+            if (isAfterName) {
+                before = std::exchange(name, token.in(text_));
+            }
+            continue;
         } else if (token.is('*')) {
             isPointer = isPointer || name.empty();
         } else if (token.kind != TokenKind::word) {
             break;
         }
+        isAfterName = false;
     }
     lexer_.setQuiet(false);
     return isPointer && !name.empty() ? "*" + name : name;

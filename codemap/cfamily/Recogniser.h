@@ -66,6 +66,7 @@ private:
     void openBrace(const Token& brace);
     bool openScope(const Token& brace);
     bool isExpression() const;
+    bool isTemplateArgument(const Token& brace);
     bool openNamespace(std::size_t end);
     bool openType(const Token& brace);
     bool openFunction(const Token& brace);

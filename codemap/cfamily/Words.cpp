@@ -56,6 +56,7 @@ constexpr std::array kEntries = {
     Entry{"constinit", Word::specifier, true},
     Entry{"explicit", Word::attribute, true},
     Entry{"noexcept", Word::attribute, true},
+    Entry{"throw", Word::attribute, true},
     Entry{"void", Word::builtInType},
     Entry{"char", Word::builtInType},
     Entry{"short", Word::builtInType},

@@ -1,0 +1,1 @@
+enum Colour : uint64_t shown = 1;
