@@ -444,11 +444,21 @@ bool isLiteral(const Token& token) {
            token.kind == TokenKind::character;
 }
 
+/// "A('a')", "A::B(1, 2)".
+bool isCallWithLiteral(const Head& head, std::size_t name) {
+    while (name + 2 < head.size() && head[name].isName() && head[name + 1].is(kScopeSign)) {
+        name += 2;
+    }
+    return head.is(name + 1, '(') && name + 2 < head.size() && isLiteral(head[name + 2]);
+}
+
 /// Whether what stands between parentheses begins with a value: "1", "-a", "A('a')", "{}".
 bool beginsValue(const Head& head, std::size_t first) {
     if (head[first].kind == TokenKind::word) {
-        return isValueWord(head.textOf(first)) ||
-               (head.is(first + 1, '(') && first + 2 < head.size() && isLiteral(head[first + 2]));
+        return isValueWord(head.textOf(first)) || isCallWithLiteral(head, first);
+    }
+    if (head[first].is(kScopeSign)) {
+        return isCallWithLiteral(head, first + 1);
     }
     return isLiteral(head[first]) || head[first].kind == TokenKind::braces ||
            head[first].is('&') || head[first].is('-') || head[first].is('{');

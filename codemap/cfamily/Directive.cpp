@@ -39,6 +39,15 @@ std::string_view trimmed(std::string_view text) {
     return text;
 }
 
+/// Behind comments, which stand for blanks.
+std::string_view behindComments(std::string_view text) {
+    while (text.starts_with("/*")) {
+        const std::size_t end = text.find("*/", 2);
+        text = trimmed(text.substr(std::min(end, text.size() - 2) + 2));
+    }
+    return text;
+}
+
 std::string_view takeWord(std::string_view& text) {
     const auto end = std::find_if_not(text.begin(), text.end(), isNameByte);
     const auto length = static_cast<std::size_t>(end - text.begin());
@@ -87,7 +96,7 @@ Directive readDirective(std::string_view line) {
         break;
     }
     case Kind::definition:
-        readDefinition(rest, directive);
+        readDefinition(behindComments(rest), directive);
         break;
     case Kind::mark:
         readMark(rest, directive);

@@ -10,6 +10,9 @@ namespace navrel::cfamily {
 
 namespace {
 
+/// So far back the comment before a directive may begin, so that time stays linear.
+constexpr std::size_t kMaximumCommentBeforeDirective = 256;
+
 /// The longest delimiter of a raw string that the language allows.
 constexpr std::size_t kMaximumRawDelimiter = 16;
 
@@ -170,13 +173,25 @@ void Lexer::report(std::size_t begin) {
 }
 
 bool Lexer::isAtLineStart(std::size_t position) const {
-    while (position > 0 && text_[position - 1] != '\n') {
-        --position;
-        if (text_[position] != ' ' && text_[position] != '\t') {
-            return false;
-        }
+    const std::size_t place = beforeBlanks(position);
+    if (place > 1 && text_.substr(place - 2, 2) == "*/") {
+        const std::size_t first = place - std::min(place, kMaximumCommentBeforeDirective);
+        const std::size_t comment = text_.substr(first, place - first).rfind("/*");
+        return comment != std::string_view::npos && isFirstOnLine(beforeBlanks(first + comment));
     }
-    return true;
+    return isFirstOnLine(place);
+}
+
+/// The place behind what is not a blank before a place.
+std::size_t Lexer::beforeBlanks(std::size_t position) const {
+    while (position > 0 && (text_[position - 1] == ' ' || text_[position - 1] == '\t')) {
+        --position;
+    }
+    return position;
+}
+
+bool Lexer::isFirstOnLine(std::size_t position) const {
+    return position == 0 || text_[position - 1] == '\n';
 }
 
 bool Lexer::startsWith(std::string_view prefix) const {

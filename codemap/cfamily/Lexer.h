@@ -63,7 +63,10 @@ private:
     void skipLineComment();
     void skipBlockComment();
     void report(std::size_t begin);
+    /// Whether only blanks and a comment stand before a place in its line.
     bool isAtLineStart(std::size_t position) const;
+    std::size_t beforeBlanks(std::size_t position) const;
+    bool isFirstOnLine(std::size_t position) const;
     bool startsWith(std::string_view prefix) const;
 
     Token lexWord();

@@ -370,14 +370,14 @@ bool Recogniser::isExpression() const {
             head_.is(last - 1, '!') || head_.is(last - 1, '='));
 }
 
-/// "A<B{1, 2}> c": the braces of a value between "<" and ">".
+/// "A<B{1, 2}> c", "A<[] { return 1; }()> c": the braces of a value between "<" and ">".
 bool Recogniser::isTemplateArgument(const Token& brace) {
     std::size_t open = 0;
     for (std::size_t i = 0; i < head_.size(); i = head_.after(i)) {
         open += head_.is(i, '<') ? 1 : 0;
         open -= head_.is(i, '>') && open > 0 ? 1 : 0;
     }
-    if (!isCpp_ || open == 0 || !head_.back().isName()) {
+    if (!isCpp_ || open == 0) {
         return false;
     }
     const std::size_t closing = matcher_.closingOf(brace.begin, lexer_);
@@ -387,7 +387,7 @@ bool Recogniser::isTemplateArgument(const Token& brace) {
     lexer_.setPosition(closing + 1);
     const char next = lexer_.peek();
     lexer_.setPosition(brace.end);
-    return next == ',' || next == '>';
+    return next == ',' || next == '>' || next == '(';
 }
 
 bool Recogniser::openScope(const Token& brace) {
@@ -780,7 +780,7 @@ void Recogniser::endStatement(const Token& sign) {
 /// After "=": goes to the sign that ends the initializer.
 void Recogniser::passInitializer() {
     std::size_t depth = 0;
-    bool isAfterName = false;
+    bool mayHaveArguments = false; // a name, or the capture of a lambda, was the last
     const std::uint64_t number = headNumber_;
     while (number == headNumber_) {
         const std::size_t position = lexer_.position();
@@ -804,10 +804,10 @@ void Recogniser::passInitializer() {
             passBody();
         } else if (token.kind == TokenKind::directive) {
             readDirective(token.begin, token.end);
-        } else if (token.is('<') && isCpp_ && isAfterName && depth == 0) {
+        } else if (token.is('<') && isCpp_ && mayHaveArguments && depth == 0) {
             passTemplateArguments();
         }
-        isAfterName = token.isName();
+        mayHaveArguments = token.isName() || token.is(']');
     }
 }
 
@@ -925,7 +925,8 @@ void Recogniser::readAccessLabel() {
 // Objective-C.
 
 void Recogniser::readAtWord(const Token& token) {
-    if (token.atWord == AtWord::other) {
+    const bool isExpression = token.atWord == AtWord::protocol && lexer_.peek() == '(';
+    if (token.atWord == AtWord::other || isExpression) {
         head_.push(token);
         return;
     }

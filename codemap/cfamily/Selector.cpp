@@ -4,18 +4,26 @@ namespace navrel::cfamily {
 
 namespace {
 
+/// After attributes: "__attribute__((a))", "[[a]]".
+std::size_t afterAttributes(const Head& head, std::size_t index) {
+    while (head.is(index, Word::attribute) || head.is(index, '[')) {
+        index = head.after(index);
+        index = head.is(index, '(') ? head.after(index) : index;
+    }
+    return index;
+}
+
 /// After the colon: the type, attributes and the name of a parameter.
 std::size_t afterParameter(const Head& head, std::size_t index) {
     if (head.is(index, '(')) {
         index = head.after(index);
     }
-    while (head.is(index, Word::attribute) || head.is(index, Word::specifier)) {
-        ++index;
-        if (head.is(index, '(')) {
-            index = head.after(index);
-        }
+    index = afterAttributes(head, index);
+    while (head.is(index, Word::specifier)) {
+        index = afterAttributes(head, index + 1);
     }
-    return index < head.size() && head[index].kind == TokenKind::word ? index + 1 : index;
+    const bool hasName = index < head.size() && head[index].kind == TokenKind::word;
+    return afterAttributes(head, hasName ? index + 1 : index);
 }
 
 bool isWordAt(const Head& head, std::size_t index) {
@@ -29,9 +37,7 @@ std::string readSelector(const Head& head, std::size_t& first) {
     if (head.is(i, '(')) {
         i = head.after(i);
     }
-    while (head.is(i, Word::attribute)) {
-        i = head.is(i + 1, '(') ? head.after(i + 1) : i + 1;
-    }
+    i = afterAttributes(head, i);
     first = i;
     std::string selector;
     while (i < head.size()) {

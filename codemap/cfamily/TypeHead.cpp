@@ -27,7 +27,9 @@ std::optional<SymbolKind> kindOf(const Token& token) {
 
 /// NS_ENUM, CF_OPTIONS and their kin.
 bool isEnumMacro(std::string_view word) {
-    return word.ends_with("_ENUM") || word.ends_with("_OPTIONS") || word == "SWIFT_ENUM_NAMED";
+    const bool isNamedSo =
+        word.ends_with("_ENUM") || word.ends_with("_OPTIONS") || word == "SWIFT_ENUM_NAMED";
+    return isNamedSo && isAllCapitals(word);
 }
 
 /// "NS_ENUM(NSInteger, Name)" at the end of a head.

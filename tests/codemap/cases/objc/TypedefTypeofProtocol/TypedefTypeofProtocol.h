@@ -1,0 +1,4 @@
+typedef typeof(@protocol(Tide)) ProtocolType;
+extern Protocol *tide(void);
+@protocol Tide
+@end
