@@ -418,7 +418,7 @@ private:
     std::size_t tilde_ = SIZE_MAX;
     bool isTagNext_ = false;
     bool isEnumeration_ = false; ///< whether the last tag is an enumeration's
-    bool isJoined_ = false; ///< "::" stands between the name and what follows
+    bool isJoined_ = false;      ///< "::" stands between the name and what follows
     bool isPointer_ = false;
     bool isDone_ = false;
 };
@@ -460,8 +460,8 @@ bool beginsValue(const Head& head, std::size_t first) {
     if (head[first].is(kScopeSign)) {
         return isCallWithLiteral(head, first + 1);
     }
-    return isLiteral(head[first]) || head[first].kind == TokenKind::braces ||
-           head[first].is('&') || head[first].is('-') || head[first].is('{');
+    return isLiteral(head[first]) || head[first].kind == TokenKind::braces || head[first].is('&') ||
+           head[first].is('-') || head[first].is('{');
 }
 
 } // namespace
