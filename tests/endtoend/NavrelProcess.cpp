@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QFile>
 
+#include <fcntl.h>
 #include <sched.h>
 #include <sys/mount.h>
 #include <unistd.h>
@@ -18,6 +19,22 @@ constexpr int kExitMilliseconds = 20'000;
 
 QString binary() {
     return QCoreApplication::applicationDirPath() + QStringLiteral("/navrel");
+}
+
+/// Between fork and exec: calls of the system alone.
+bool writeWhole(const char* path, const QByteArray& text) {
+    const int file = ::open(path, O_WRONLY | O_CLOEXEC);
+    const bool isWritten =
+        file >= 0 &&
+        ::write(file, text.constData(), static_cast<std::size_t>(text.size())) == text.size();
+    ::close(file);
+    return isWritten;
+}
+
+/// A user as the same user of a namespace.
+QByteArray sameUser(unsigned user) {
+    const QByteArray number = QByteArray::number(user);
+    return number + ' ' + number + " 1";
 }
 
 } // namespace
@@ -100,6 +117,29 @@ bool NavrelProcess::replaceFile(const QString& path, const QString& replacement)
                 ::_exit(127);
             }
         });
+    return true;
+}
+
+bool NavrelProcess::setLimit(const QByteArray& name, int value) {
+    const QByteArray file = "/proc/sys/user/" + name;
+    const QByteArray text = QByteArray::number(value);
+    QProcess trial; // for the reason above
+    trial.start(QStringLiteral("unshare"),
+                {QStringLiteral("--user"), QStringLiteral("--map-current-user"),
+                 QStringLiteral("sh"), QStringLiteral("-c"),
+                 QString::fromLatin1("echo " + text + " > " + file)});
+    if (!trial.waitForFinished() || trial.exitStatus() != QProcess::NormalExit ||
+        trial.exitCode() != 0) {
+        return false;
+    }
+    process_.setChildProcessModifier([file, text, user = sameUser(::geteuid())] {
+        const bool isLimited = ::unshare(CLONE_NEWUSER) == 0 &&
+                               writeWhole("/proc/self/uid_map", user) &&
+                               writeWhole(file.constData(), text);
+        if (!isLimited) {
+            ::_exit(127);
+        }
+    });
     return true;
 }
 

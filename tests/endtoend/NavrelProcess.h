@@ -37,6 +37,10 @@ public:
     /// not let a test mount.
     [[nodiscard]] bool replaceFile(const QString& path, const QString& replacement);
 
+    /// Sets a limit of the kernel on what the next starts may use, such as "max_inotify_watches".
+    /// False where this machine does not let a test make a user namespace for it.
+    [[nodiscard]] bool setLimit(const QByteArray& name, int value);
+
     [[nodiscard]] bool start();
     /// Ends it as the system does at the worst of times.
     void kill();
