@@ -29,7 +29,7 @@ export function Files() {
     <>
       <Header title={shown.name} below={shown.path || undefined} up={parent && { name: parent.name, onTap: () => showGroup(parent) }} />
       {rows.length === 0 ? (
-        <Empty title="This group is empty." />
+        <EmptyGroup isProject={!parent} />
       ) : (
         <WindowedList
           key={shown.id}
@@ -44,6 +44,11 @@ export function Files() {
       )}
     </>
   );
+}
+
+function EmptyGroup({ isProject }: { isProject: boolean }) {
+  if (!isProject) return <Empty title="This group is empty." />;
+  return <Empty title="This project shows no files.">Add some in Xcode. Files of a type that is switched off are left out: see File types under More.</Empty>;
 }
 
 function showGroup(node: TreeNode): void {

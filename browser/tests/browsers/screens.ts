@@ -47,6 +47,15 @@ export const kScreens: readonly Screen[] = [
     },
   },
   { name: "no-project", isPaired: true, prepare: (server) => noProject(server, "none"), reach: (hand) => hand.sees("No project is open.") },
+  {
+    name: "no-files",
+    isPaired: true,
+    prepare: (server) => {
+      server.active = { file: null };
+      server.root = { ...server.root!, children: [] };
+    },
+    reach: (hand) => hand.sees("This project shows no files."),
+  },
   { name: "loading", isPaired: true, prepare: (server) => noProject(server, "loading"), reach: (hand) => hand.sees("Reading Tidewatch…") },
   { name: "unreadable", isPaired: true, prepare: (server) => noProject(server, "unreadable"), reach: (hand) => hand.sees("cannot be read") },
   {
