@@ -1,9 +1,9 @@
 // What else can be done with a row: at the bottom of a phone, in the middle of a tablet.
 import { useLayoutEffect, useRef } from "preact/hooks";
 import { closeMenu, copyPlace, lookAt, open, place, reveal, showFile } from "../actions";
-import { lookOf } from "../model/kinds";
+import { fileLook, lookOf } from "../model/kinds";
 import { moveFocus } from "../focus";
-import { type Target, useStore } from "../store";
+import { now, type Target, useStore } from "../store";
 import { Badge } from "./Badge";
 
 export function RowMenu() {
@@ -41,7 +41,7 @@ function Menu({ target }: { target: Target }) {
   return (
     <dialog class="menu" ref={dialog} onClose={closeMenu} onClick={onBackdrop} onKeyDown={onKeyDown} aria-labelledby="menu-title">
       <p class="menu-title" id="menu-title">
-        <Badge look={lookOf(target.kind)} /> {target.name}
+        <Badge look={target.kind === "file" ? fileLook(now().tree.node(target.file.id)?.language) : lookOf(target.kind)} /> {target.name}
       </p>
       <p class="menu-below">{target.detail ?? target.file.path}</p>
       <ul role="list">
