@@ -141,3 +141,30 @@ turning(
   },
   (server) => void server.sources.set(idOf("Tidewatch/Views/TideView.m"), Array.from({ length: 300 }, (_, index) => `// line ${index + 1} of the file`)),
 );
+
+/** How much of a list is in sight. */
+function heightOf(view: View, list: string): Promise<number> {
+  return view.run((name: string) => document.querySelector(`[aria-label="${name}"]`)!.closest("[data-list]")!.clientHeight, list);
+}
+
+const kRow = 40;
+const kLow: readonly Size[] = [
+  { width: 500, height: 320 }, // a keyboard below an upright phone
+  { width: 844, height: 190 }, // one below a phone on its side
+];
+
+turning("a keyboard on the screen leaves room for what is found", "phone", kUpright, async (hand, view) => {
+  await hand.tab("Search");
+  await view.type("#search", "tide");
+  await hand.sees("Tide.h");
+  for (const size of kLow) {
+    await hand.turn(size);
+    await until(`a row of ${size.width} by ${size.height}`, async () => (await heightOf(view, "Found")) >= kRow);
+  }
+});
+
+turning("a low page leaves room for the outline", "phone", kUpright, async (hand, view) => {
+  await hand.goToFile("Views", "TideListController.m");
+  await hand.turn({ width: 500, height: 195 });
+  await until("a row", async () => (await heightOf(view, "Outline of TideListController.m")) >= kRow);
+});
