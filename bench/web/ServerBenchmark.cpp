@@ -1,9 +1,9 @@
-// The server for browsers under a load tool (wrk): requests a second beside the least server that
+// The server for browsers under a load tool (wrk): requests a second beside a minimal server that
 // sends the same bytes, the slowest of a hundred answers while sixteen pages follow, and what a
 // connection takes of memory.
 
 #include "bench/Ratio.h"
-#include "bench/web/LeastServer.h"
+#include "bench/web/MinimalServer.h"
 #include "codemap/CodeMapSnapshot.h"
 #include "web/WebService.h"
 
@@ -165,16 +165,17 @@ Load load(std::uint16_t port, const std::string& cookie, int connections) {
 
 void measureRate(Subject& subject) {
     const int connection = connectionTo(subject.port());
-    const LeastServer least(ask(connection, subject.request("/api/state")));
+    const MinimalServer minimal(ask(connection, subject.request("/api/state")));
     ::close(connection);
     std::vector<double> floors;
     std::vector<double> rates;
     for (int round = 0; round < kLoadRounds; ++round) {
-        floors.push_back(load(least.port(), "none=0", kStreams).requestsPerSecond);
+        floors.push_back(load(minimal.port(), "none=0", kStreams).requestsPerSecond);
         rates.push_back(load(subject.port(), subject.cookie(), kStreams).requestsPerSecond);
     }
     printRatio("web: requests a second", medianOf(rates), 5000, Bound::atLeast);
-    printRatio("web: the same, of the least server's", medianOf(rates) / medianOf(floors));
+    printRatio("web: the same, as a share of a minimal server's",
+               medianOf(rates) / medianOf(floors));
 }
 
 /// Sixteen pages that get an event each few milliseconds while others ask.

@@ -1,4 +1,4 @@
-#include "bench/web/LeastServer.h"
+#include "bench/web/MinimalServer.h"
 
 #include <algorithm>
 #include <arpa/inet.h>
@@ -18,8 +18,7 @@ namespace {
 
 constexpr std::string_view kHeadEnd = "\r\n\r\n";
 
-/// Answers what has arrived; false at the connection's end. Clients send a request at a time,
-/// whole.
+/// Answers the request that has arrived; false at the end of the connection.
 bool answerOn(int connection, const std::string& answer) {
     std::array<char, 4096> bytes = {};
     const ssize_t size = ::recv(connection, bytes.data(), bytes.size(), 0);
@@ -40,7 +39,7 @@ int acceptOn(int listener) {
 
 } // namespace
 
-LeastServer::LeastServer(std::string answer) : answer_(std::move(answer)) {
+MinimalServer::MinimalServer(std::string answer) : answer_(std::move(answer)) {
     listener_ = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     sockaddr_in address = {};
     address.sin_family = AF_INET;
@@ -55,13 +54,13 @@ LeastServer::LeastServer(std::string answer) : answer_(std::move(answer)) {
     thread_ = std::thread([this] { serve(); });
 }
 
-LeastServer::~LeastServer() {
+MinimalServer::~MinimalServer() {
     ::shutdown(listener_, SHUT_RDWR);
     thread_.join();
     ::close(listener_);
 }
 
-void LeastServer::serve() {
+void MinimalServer::serve() {
     std::vector<pollfd> waited = {{listener_, POLLIN, 0}};
     bool isOpen = true;
     while (isOpen || waited.size() > 1) {
