@@ -72,17 +72,17 @@ protected:
     std::string bundle_;
 };
 
-TEST_F(BranchChangesTests, WithoutARepositoryThereIsNothing) {
+TEST_F(BranchChangesTests, withoutARepositoryThereIsNothing) {
     EXPECT_EQ(changes().state, ChangesState::noRepository);
     EXPECT_EQ(branchChangesOf(CodeMapSnapshot()).state, ChangesState::noRepository);
 }
 
-TEST_F(BranchChangesTests, ARepositoryWithoutACommitIsUnavailable) {
+TEST_F(BranchChangesTests, aRepositoryWithoutACommitIsUnavailable) {
     git({QStringLiteral("init"), QStringLiteral("-q")});
     EXPECT_EQ(changes().state, ChangesState::unavailable);
 }
 
-TEST_F(BranchChangesTests, NamesTheSymbolsWhoseLinesChanged) {
+TEST_F(BranchChangesTests, namesTheSymbolsWhoseLinesChanged) {
     startRepository();
     scratch_.write("App/Tide.swift", "struct Tide {\n"
                                      "    func rise() {\n"
@@ -96,7 +96,7 @@ TEST_F(BranchChangesTests, NamesTheSymbolsWhoseLinesChanged) {
     EXPECT_THAT(changedFiles(), ElementsAre("modified App/Tide.swift: fall()@5"));
 }
 
-TEST_F(BranchChangesTests, ComparesWithWhereTheBranchLeftTheDefaultOne) {
+TEST_F(BranchChangesTests, comparesWithWhereTheBranchLeftTheDefaultOne) {
     startRepository();
     git({QStringLiteral("checkout"), QStringLiteral("-qb"), QStringLiteral("work")});
     scratch_.write("App/New.swift", "struct New {}\n");
@@ -112,7 +112,7 @@ TEST_F(BranchChangesTests, ComparesWithWhereTheBranchLeftTheDefaultOne) {
     EXPECT_EQ(changes().mergeBase.size(), 40U);
 }
 
-TEST_F(BranchChangesTests, DeletedAndRenamedFilesAreNamed) {
+TEST_F(BranchChangesTests, deletedAndRenamedFilesAreNamed) {
     startRepository();
     scratch_.remove("App/Kept.swift");
     scratch_.rename("App/Old.swift", "App/Renamed.swift");
@@ -120,13 +120,13 @@ TEST_F(BranchChangesTests, DeletedAndRenamedFilesAreNamed) {
                 ElementsAre("deleted App/Kept.swift:", "renamed App/Renamed.swift:"));
 }
 
-TEST_F(BranchChangesTests, WhatTheProjectDoesNotListIsLeftOut) {
+TEST_F(BranchChangesTests, whatTheProjectDoesNotListIsLeftOut) {
     startRepository();
     scratch_.write("Elsewhere/x.swift", "struct X {}\n");
     EXPECT_THAT(changedFiles(), IsEmpty());
 }
 
-TEST_F(BranchChangesTests, NoProgramOfTheRepositoryIsRun) {
+TEST_F(BranchChangesTests, noProgramOfTheRepositoryIsRun) {
     startRepository();
     const std::string proof = scratch_.path("proof");
     const QString command = QString::fromStdString("sh -c 'echo ran > " + proof + "; cat'");
@@ -140,7 +140,7 @@ TEST_F(BranchChangesTests, NoProgramOfTheRepositoryIsRun) {
     EXPECT_FALSE(QFile::exists(QString::fromStdString(proof)));
 }
 
-TEST_F(BranchChangesTests, ADamagedRepositoryIsUnavailable) {
+TEST_F(BranchChangesTests, aDamagedRepositoryIsUnavailable) {
     startRepository();
     scratch_.write(".git/HEAD", "nothing\n");
     EXPECT_NE(changes().state, ChangesState::ok);

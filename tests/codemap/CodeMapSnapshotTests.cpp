@@ -9,7 +9,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-TEST(NodeIDTests, AreSixteenLowerCaseDigits) {
+TEST(NodeIDTests, areSixteenLowerCaseDigits) {
     EXPECT_EQ(textOfNodeID(0x1A), "000000000000001a");
     EXPECT_EQ(nodeIDFromText("fedcba9876543210"), 0xFEDCBA9876543210U);
     EXPECT_EQ(nodeIDFromText("1a"), std::nullopt);
@@ -17,7 +17,7 @@ TEST(NodeIDTests, AreSixteenLowerCaseDigits) {
     EXPECT_EQ(nodeIDFromText("-00000000000001a"), std::nullopt);
 }
 
-TEST(CodeMapSnapshotTests, AnEmptyOneHasNothing) {
+TEST(CodeMapSnapshotTests, anEmptyOneHasNothing) {
     const CodeMapSnapshot snapshot;
     EXPECT_EQ(snapshot.state(), MapState::none);
     EXPECT_EQ(snapshot.revision(), 0U);
@@ -27,7 +27,7 @@ TEST(CodeMapSnapshotTests, AnEmptyOneHasNothing) {
     EXPECT_THAT(snapshot.counterparts(1), IsEmpty());
 }
 
-TEST(CodeMapSnapshotTests, FindsNodesByIdentifierAndFilesByPath) {
+TEST(CodeMapSnapshotTests, findsNodesByIdentifierAndFilesByPath) {
     SnapshotBuilder builder;
     const NodeID file = builder.addFile("Views/Tide.m", [](OutlineBuilder& outline) {
         outline.add(declaration(SymbolKind::function, 3, "draw"), 4);
@@ -41,7 +41,7 @@ TEST(CodeMapSnapshotTests, FindsNodesByIdentifierAndFilesByPath) {
     EXPECT_EQ(snapshot.symbolCount(), 1U);
 }
 
-TEST(CounterpartsTests, TheNearestOfTheSameNameComeFirst) {
+TEST(CounterpartsTests, theNearestOfTheSameNameComeFirst) {
     SnapshotBuilder builder;
     const NodeID far = builder.addFile("Old/Deep/Tide.h");
     const NodeID category = builder.addFile("Model/Tide+Moon.m");
@@ -55,7 +55,7 @@ TEST(CounterpartsTests, TheNearestOfTheSameNameComeFirst) {
     EXPECT_THAT(snapshot.counterparts(category), ElementsAre(near, file, side, far));
 }
 
-TEST(CounterpartsTests, AreFewInHowManyFilesEver) {
+TEST(CounterpartsTests, areFewInHowManyFilesEver) {
     SnapshotBuilder builder;
     for (int folder = 0; folder < 100; ++folder) {
         builder.addFile(std::to_string(folder) + "/Tide.h");

@@ -75,14 +75,14 @@ protected:
     std::string bundle_;
 };
 
-TEST_F(CodeMapTests, IsEmptyWithoutAProject) {
+TEST_F(CodeMapTests, isEmptyWithoutAProject) {
     const CodeMap map;
     EXPECT_EQ(map.snapshot()->state(), MapState::none);
     EXPECT_EQ(map.snapshot()->root(), nullptr);
     EXPECT_TRUE(map.isWatching());
 }
 
-TEST_F(CodeMapTests, LoadsAProjectAndLeavesIt) {
+TEST_F(CodeMapTests, loadsAProjectAndLeavesIt) {
     CodeMap map;
     map.open(bundle_);
     EXPECT_TRUE(waitUntil([&] { return map.snapshot()->state() == MapState::loaded; }));
@@ -91,7 +91,7 @@ TEST_F(CodeMapTests, LoadsAProjectAndLeavesIt) {
     EXPECT_TRUE(waitUntil([&] { return map.snapshot()->state() == MapState::none; }));
 }
 
-TEST_F(CodeMapTests, WhatDidNotChangeIsShared) {
+TEST_F(CodeMapTests, whatDidNotChangeIsShared) {
     CodeMap map;
     map.open(bundle_);
     ASSERT_TRUE(waitUntil([&] { return map.snapshot()->state() == MapState::loaded; }));
@@ -106,7 +106,7 @@ TEST_F(CodeMapTests, WhatDidNotChangeIsShared) {
     }
 }
 
-TEST_F(CodeMapTests, ObserversLearnWhatChanged) {
+TEST_F(CodeMapTests, observersLearnWhatChanged) {
     CodeMap map;
     std::mutex mutex;
     std::vector<CodeMap::Change> changes;
@@ -129,7 +129,7 @@ TEST_F(CodeMapTests, ObserversLearnWhatChanged) {
     }));
 }
 
-TEST_F(CodeMapTests, ARemovedObserverIsNotCalled) {
+TEST_F(CodeMapTests, aRemovedObserverIsNotCalled) {
     CodeMap map;
     std::atomic<int> calls = 0;
     const std::uint64_t token = map.addObserver([&](const CodeMap::Change&) { ++calls; });
@@ -139,7 +139,7 @@ TEST_F(CodeMapTests, ARemovedObserverIsNotCalled) {
     EXPECT_EQ(calls, 0);
 }
 
-TEST_F(CodeMapTests, AnotherProjectOfTheWorkspaceIsIncludedByItsNode) {
+TEST_F(CodeMapTests, anotherProjectOfTheWorkspaceIsIncludedByItsNode) {
     const std::string other =
         scratch_.writeProject("Two/Two.xcodeproj", group("MAIN", "F") + fileReference("F", "f.c"));
     scratch_.write("All.xcworkspace/contents.xcworkspacedata",
@@ -157,7 +157,7 @@ TEST_F(CodeMapTests, AnotherProjectOfTheWorkspaceIsIncludedByItsNode) {
         waitUntil([&] { return map.snapshot()->fileAtPath(scratch_.path("Two/f.c")) != nullptr; }));
 }
 
-TEST_F(CodeMapTests, FollowsWhatASymbolicLinkLeadsTo) {
+TEST_F(CodeMapTests, followsWhatASymbolicLinkLeadsTo) {
     scratch_.write("Elsewhere/Real.swift", "class Ebb {}\n");
     ASSERT_EQ(::symlink("../Elsewhere/Real.swift", scratch_.path("App/Link.swift").c_str()), 0);
     CodeMap map;
@@ -222,7 +222,7 @@ private:
 
 class LiveCodeMapTests : public CodeMapTests, public testing::WithParamInterface<bool> {};
 
-TEST_P(LiveCodeMapTests, EqualsAFreshMapAfterEveryBurst) {
+TEST_P(LiveCodeMapTests, equalsAFreshMapAfterEveryBurst) {
     constexpr int kBursts = 24;
     CodeMap map(GetParam() ? makeFolderWatch() : makeBlindFolderWatch());
     map.open(bundle_);

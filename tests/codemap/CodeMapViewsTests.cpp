@@ -22,7 +22,7 @@ json::value parsed(std::string_view text) {
     return json::parse(json::string_view(text.data(), text.size()));
 }
 
-/// One header and one source.
+/// A project of one header and one source.
 class CodeMapViewsTests : public testing::Test {
 protected:
     CodeMapViewsTests() {
@@ -45,7 +45,7 @@ protected:
     NodeID source_ = 0;
 };
 
-TEST_F(CodeMapViewsTests, TheTreeNestsItsNodes) {
+TEST_F(CodeMapViewsTests, theTreeNestsItsNodes) {
     builder_.node(header_).missing = true;
     builder_.node(source_).targets = {"App", "Tests"};
     EXPECT_EQ(json::value(treeView(builder_.build(7))), parsed(R"({"revision": 7, "root": {
@@ -56,11 +56,11 @@ TEST_F(CodeMapViewsTests, TheTreeNestsItsNodes) {
              "language": "objc", "extension": "m", "symbols": 2, "targets": ["App", "Tests"]}]}})"));
 }
 
-TEST_F(CodeMapViewsTests, WithoutAProjectThereIsNoRoot) {
+TEST_F(CodeMapViewsTests, withoutAProjectThereIsNoRoot) {
     EXPECT_EQ(json::value(treeView(CodeMapSnapshot())), parsed(R"({"revision": 0})"));
 }
 
-TEST_F(CodeMapViewsTests, TheOutlineNestsItsSymbols) {
+TEST_F(CodeMapViewsTests, theOutlineNestsItsSymbols) {
     EXPECT_EQ(json::value(*outlineView(builder_.build(), source_)), parsed(R"({
         "id": "0000000000000003", "name": "Tide.m", "path": "Model/Tide.m", "language": "objc",
         "revision": 1,
@@ -75,13 +75,13 @@ TEST_F(CodeMapViewsTests, TheOutlineNestsItsSymbols) {
         "lines": 100})"));
 }
 
-TEST_F(CodeMapViewsTests, AnOutlineIsAFiles) {
+TEST_F(CodeMapViewsTests, onlyFilesHaveOutlines) {
     EXPECT_EQ(outlineView(builder_.build(), 1), std::nullopt);
     EXPECT_EQ(outlineView(builder_.build(), 99), std::nullopt);
     EXPECT_EQ((*outlineView(builder_.build(), header_))["items"], json::array());
 }
 
-TEST_F(CodeMapViewsTests, ASearchNamesKindPlaceAndPositions) {
+TEST_F(CodeMapViewsTests, aSearchResultHasKindPlaceAndPositions) {
     const CodeMapSnapshot snapshot = builder_.build();
     EXPECT_EQ(json::value(searchView(snapshot, {"hei", {}, 50})), parsed(R"({
         "query": "hei", "revision": 1, "truncated": false, "items": [
@@ -93,7 +93,7 @@ TEST_F(CodeMapViewsTests, ASearchNamesKindPlaceAndPositions) {
     EXPECT_EQ(tides.at("items").as_array().size(), 2U);
 }
 
-TEST_F(CodeMapViewsTests, ACommentIsFoundWithTheDeclarationAroundIt) {
+TEST_F(CodeMapViewsTests, aCommentIsFoundWithTheDeclarationAroundIt) {
     builder_.addFile("Reef.m", [](OutlineBuilder& outline) {
         outline.addNote(NoteKind::todo, 1, "coral one");
         outline.open(declaration(SymbolKind::classType, 2, "Reef"));
@@ -114,7 +114,7 @@ TEST_F(CodeMapViewsTests, ACommentIsFoundWithTheDeclarationAroundIt) {
                                                  testing::Pair("coral two", "Reef")));
 }
 
-TEST_F(CodeMapViewsTests, ASearchIsLimitedToKinds) {
+TEST_F(CodeMapViewsTests, aSearchIsLimitedToKinds) {
     const CodeMapSnapshot snapshot = builder_.build();
     const auto kindsOf = [&snapshot](std::string_view query, std::vector<std::string_view> kinds) {
         std::vector<std::string> found;
@@ -130,7 +130,7 @@ TEST_F(CodeMapViewsTests, ASearchIsLimitedToKinds) {
     EXPECT_THAT(kindsOf("", {}), testing::IsEmpty());
 }
 
-TEST_F(CodeMapViewsTests, EqualMatchesAreOrderedByLengthThenByDate) {
+TEST_F(CodeMapViewsTests, equalMatchesAreOrderedByLengthThenByDate) {
     const NodeID old = builder_.addFile("Old/Reef.m");
     const NodeID recent = builder_.addFile("New/Reef.m");
     const NodeID longer = builder_.addFile("Reef.swift");
@@ -143,7 +143,7 @@ TEST_F(CodeMapViewsTests, EqualMatchesAreOrderedByLengthThenByDate) {
     EXPECT_THAT(found, testing::ElementsAre(recent, old, longer));
 }
 
-TEST_F(CodeMapViewsTests, EqualMatchesOfOneFileAreOrderedByTheirKind) {
+TEST_F(CodeMapViewsTests, equalMatchesOfOneFileAreOrderedByTheirKind) {
     builder_.addFile("reef", [](OutlineBuilder& outline) {
         outline.addNote(NoteKind::todo, 1, "reef");
         outline.addHeading(2, "reef", false);
@@ -166,7 +166,7 @@ TEST_F(CodeMapViewsTests, EqualMatchesOfOneFileAreOrderedByTheirKind) {
     EXPECT_EQ(searchIn(snapshot, {"reef", {}, 1}).items.front().kind, "protocol");
 }
 
-TEST_F(CodeMapViewsTests, TheBestAreTheBestOfAll) {
+TEST_F(CodeMapViewsTests, theResultsAreTheBestOfAllMatches) {
     std::mt19937 random(5);
     std::vector<std::string> names;
     for (int name = 0; name < 2000; ++name) {
@@ -183,7 +183,7 @@ TEST_F(CodeMapViewsTests, TheBestAreTheBestOfAll) {
     const CodeMapSnapshot snapshot = builder_.build();
     for (const std::string_view query : {"a", "ab", "ba", "abc", "c_", "a b", "aabb", "b:"}) {
         FuzzyMatch match(query);
-        std::vector<std::pair<int, std::size_t>> all; // score downwards, length
+        std::vector<std::pair<int, std::size_t>> all; // negated score, length: best first
         for (const std::string& name : names) {
             if (const auto score = match.score(name)) {
                 all.emplace_back(-*score, name.size());
@@ -200,7 +200,7 @@ TEST_F(CodeMapViewsTests, TheBestAreTheBestOfAll) {
     }
 }
 
-TEST_F(CodeMapViewsTests, TypesSayWhichAreDeclaredHere) {
+TEST_F(CodeMapViewsTests, typesSayWhetherTheProjectDeclaresThem) {
     EXPECT_EQ(json::value(typesView(builder_.build())), parsed(R"({"revision": 1, "items": [
         {"name": "NSCopying", "known": false}, {"name": "NSObject", "known": false},
         {"name": "Tide", "kind": "class", "inherits": ["NSObject", "NSCopying"], "line": 3,
@@ -208,7 +208,7 @@ TEST_F(CodeMapViewsTests, TypesSayWhichAreDeclaredHere) {
          "known": true}]})"));
 }
 
-TEST_F(CodeMapViewsTests, AnImplementationCountsWhereNothingElseDeclaresTheClass) {
+TEST_F(CodeMapViewsTests, anImplementationCountsWhereNothingElseDeclaresTheClass) {
     builder_.addFile("Other.m", [](OutlineBuilder& outline) {
         outline.add(declaration(SymbolKind::implementation, 1, "Tide"), 2);
         outline.add(declaration(SymbolKind::implementation, 3, "Ebb"), 4);
@@ -223,13 +223,13 @@ TEST_F(CodeMapViewsTests, AnImplementationCountsWhereNothingElseDeclaresTheClass
                                             "NSString (Trim)", "Tide"));
 }
 
-TEST_F(CodeMapViewsTests, NotesNameTheirFile) {
+TEST_F(CodeMapViewsTests, notesNameTheirFile) {
     EXPECT_EQ(json::value(notesView(builder_.build())), parsed(R"({"revision": 1, "items": [
         {"kind": "todo", "text": "Moon phases", "line": 9, "file":
             {"id": "0000000000000003", "name": "Tide.m", "path": "Model/Tide.m"}}]})"));
 }
 
-TEST_F(CodeMapViewsTests, ChangesOfTheTreeNameWhatIsNewAndWhatIsGone) {
+TEST_F(CodeMapViewsTests, changesOfTheTreeNameWhatIsNewAndWhatIsGone) {
     for (const char* name : {"a.c", "b.c", "c.c", "d.c"}) {
         builder_.addFile(name);
     }
@@ -249,7 +249,7 @@ TEST_F(CodeMapViewsTests, ChangesOfTheTreeNameWhatIsNewAndWhatIsGone) {
     EXPECT_EQ(back.at("removed"), parsed(R"(["0000000000000008"])"));
 }
 
-TEST_F(CodeMapViewsTests, TheWholeTreeComesWhereItIsShorter) {
+TEST_F(CodeMapViewsTests, theWholeTreeIsSentWhenItIsShorter) {
     const CodeMapSnapshot nothing;
     EXPECT_TRUE(treeChangesView(nothing, builder_.build()).contains("root"));
 }

@@ -20,14 +20,14 @@ std::vector<std::uint32_t> positionsOf(std::string_view query, std::string_view 
     return FuzzyMatch(query).positions(name);
 }
 
-TEST(FuzzyMatchTests, FindsTheCharactersInTheirOrder) {
+TEST(FuzzyMatchTests, findsTheCharactersInTheirOrder) {
     EXPECT_THAT(positionsOf("tv", "TideView"), ElementsAre(0, 4));
     EXPECT_THAT(positionsOf("vt", "TideView"), IsEmpty());
     EXPECT_FALSE(scoreOf("vt", "TideView"));
     EXPECT_FALSE(scoreOf("tvv", "TideView"));
 }
 
-TEST(FuzzyMatchTests, LetterCaseNeverDecides) {
+TEST(FuzzyMatchTests, letterCaseNeverDecides) {
     EXPECT_EQ(scoreOf("TIDEview", "tideVIEW"), scoreOf("tideview", "tideVIEW"));
     EXPECT_THAT(positionsOf("ÜBER", "xüberx"), ElementsAre(1, 2, 3, 4));
 }
@@ -35,7 +35,7 @@ TEST(FuzzyMatchTests, LetterCaseNeverDecides) {
 // A character counts 16. The beginning of a word adds 10 at the beginning of the name, 9 after
 // "/,:;|", 8 after other signs and 7 at a capital or digit, twice for the query's first character;
 // characters in a row keep the bonus of their first, at least 4. A gap costs 3 and 1 for each more.
-TEST(FuzzyMatchTests, ScoresOnTheKnownScale) {
+TEST(FuzzyMatchTests, scoresOnTheKnownScale) {
     EXPECT_EQ(scoreOf("t", "tide"), 16 + 20);
     EXPECT_EQ(scoreOf("d", "tide"), 16);
     EXPECT_EQ(scoreOf("ti", "tide"), 16 + 20 + 16 + 10);
@@ -49,19 +49,19 @@ TEST(FuzzyMatchTests, ScoresOnTheKnownScale) {
     EXPECT_EQ(scoreOf("2", "tide2"), 16 + 14);
 }
 
-TEST(FuzzyMatchTests, TakesTheBestPlacementAndNotTheFirst) {
+TEST(FuzzyMatchTests, takesTheBestPlacementAndNotTheFirst) {
     EXPECT_THAT(positionsOf("view", "vTideWellView"), ElementsAre(9, 10, 11, 12));
     EXPECT_THAT(positionsOf("bar", "xbaxr_bar"), ElementsAre(6, 7, 8));
 }
 
-TEST(FuzzyMatchTests, WordsAreFoundEachByItself) {
+TEST(FuzzyMatchTests, wordsAreFoundEachByItself) {
     EXPECT_THAT(positionsOf("view tide", "TideView"), ElementsAre(0, 1, 2, 3, 4, 5, 6, 7));
     EXPECT_EQ(scoreOf("tide view", "TideView"),
               *scoreOf("tide", "TideView") + *scoreOf("view", "TideView"));
     EXPECT_FALSE(scoreOf("tide wave", "TideView"));
 }
 
-TEST(FuzzyMatchTests, PositionsCountUTF16Units) {
+TEST(FuzzyMatchTests, positionsCountUTF16Units) {
     EXPECT_THAT(positionsOf("b", "\xF0\x9F\x98\x80"
                                  "b"),
                 ElementsAre(2));
@@ -70,7 +70,7 @@ TEST(FuzzyMatchTests, PositionsCountUTF16Units) {
                 ElementsAre(1));
 }
 
-TEST(FuzzyMatchTests, SurvivesWhatIsNotUTF8AndWhatIsLong) {
+TEST(FuzzyMatchTests, survivesWhatIsNotUTF8AndWhatIsLong) {
     EXPECT_THAT(positionsOf("b", "\xFF"
                                  "b"),
                 ElementsAre(1));
@@ -80,14 +80,14 @@ TEST(FuzzyMatchTests, SurvivesWhatIsNotUTF8AndWhatIsLong) {
     EXPECT_TRUE(FuzzyMatch(longText).score(longText));
 }
 
-TEST(FuzzyMatchTests, TheLettersHoldWhateverIsFound) {
+TEST(FuzzyMatchTests, theLettersHoldWhateverIsFound) {
     EXPECT_TRUE(mayHold(letterSetOf("TideView"), FuzzyMatch("tv").letters()));
     EXPECT_FALSE(mayHold(letterSetOf("TideView"), FuzzyMatch("tx").letters()));
     EXPECT_TRUE(mayHold(letterSetOf("Über"), FuzzyMatch("ü").letters()));
 }
 
 // Few characters, so that queries are found often, at each kind of place.
-TEST(FuzzyMatchTests, NoScoreIsAboveItsBound) {
+TEST(FuzzyMatchTests, noScoreIsAboveItsBound) {
     constexpr std::string_view kCharacters = "abcABC12_/( \xC3";
     std::mt19937 random(7);
     const auto textOf = [&](std::size_t length) {

@@ -151,7 +151,7 @@ protected:
     std::string bundle_;
 };
 
-TEST_F(LargeProjectTests, FollowsACheckoutOfAnotherBranch) {
+TEST_F(LargeProjectTests, followsACheckoutOfAnotherBranch) {
     makeBranches();
     CodeMap map;
     map.open(bundle_);
@@ -166,7 +166,7 @@ TEST_F(LargeProjectTests, FollowsACheckoutOfAnotherBranch) {
     EXPECT_EQ(map.snapshot()->fileCount(), files);
 }
 
-TEST_F(LargeProjectTests, FollowsRenamedFolders) {
+TEST_F(LargeProjectTests, followsRenamedFolders) {
     CodeMap map;
     map.open(bundle_);
     expectEqualToAFreshMap(map);
@@ -181,7 +181,7 @@ TEST_F(LargeProjectTests, FollowsRenamedFolders) {
 }
 
 /// What people and tools do to a large project in a moment.
-TEST_F(LargeProjectTests, EqualsAFreshMapAfterEveryBurst) {
+TEST_F(LargeProjectTests, equalsAFreshMapAfterEveryBurst) {
     constexpr int kBursts = 4;
     constexpr int kEdits = 80;
     makeBranches();
@@ -203,7 +203,7 @@ TEST_F(LargeProjectTests, EqualsAFreshMapAfterEveryBurst) {
 }
 
 /// As over a slow network: a piece, and a while later the next.
-TEST_F(LargeProjectTests, FollowsAFileThatComesInPieces) {
+TEST_F(LargeProjectTests, followsAFileThatComesInPieces) {
     CodeMap map;
     map.open(bundle_);
     expectEqualToAFreshMap(map);
@@ -221,7 +221,7 @@ TEST_F(LargeProjectTests, FollowsAFileThatComesInPieces) {
     expectEqualToAFreshMap(map);
 }
 
-TEST_F(LargeProjectTests, LooksAtTheDiskWhereTheWatchesAreUsedUp) {
+TEST_F(LargeProjectTests, looksAtTheDiskWhereTheWatchesAreUsedUp) {
     CodeMap map(std::make_unique<LimitedFolderWatch>(kFolders / 2));
     map.open(bundle_);
     expectEqualToAFreshMap(map);

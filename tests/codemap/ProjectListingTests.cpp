@@ -16,27 +16,27 @@ protected:
     ProjectListing listing_;
 };
 
-TEST_F(ProjectListingTests, FindsAProjectAboveTheFile) {
+TEST_F(ProjectListingTests, findsAProjectAboveTheFile) {
     const std::string bundle = scratch_.writeProject(
         "App.xcodeproj", group("MAIN", "A") + fileReference("A", "Deep/er/a.m"));
     EXPECT_EQ(projectOf("Deep/er/a.m"), bundle);
     EXPECT_EQ(projectOf("Deep/er/b.m"), std::nullopt);
 }
 
-TEST_F(ProjectListingTests, FindsAProjectInAFolderBeside) {
+TEST_F(ProjectListingTests, findsAProjectInAFolderBeside) {
     const std::string bundle = scratch_.writeProject(
         "Projects/App.xcodeproj", group("MAIN", "A") + fileReference("A", "../Sources/a.m"));
     EXPECT_EQ(projectOf("Sources/a.m"), bundle);
 }
 
-TEST_F(ProjectListingTests, OfSeveralTheOneThatListsTheFileIsIt) {
+TEST_F(ProjectListingTests, ofSeveralTheOneThatListsTheFileIsIt) {
     scratch_.writeProject("One.xcodeproj", group("MAIN", "A") + fileReference("A", "one.m"));
     const std::string two =
         scratch_.writeProject("Two.xcodeproj", group("MAIN", "A") + fileReference("A", "two.m"));
     EXPECT_EQ(projectOf("two.m"), two);
 }
 
-TEST_F(ProjectListingTests, FollowsWhatProjectsAndFoldersBecome) {
+TEST_F(ProjectListingTests, followsWhatProjectsAndFoldersBecome) {
     const std::string bundle =
         scratch_.writeProject("App.xcodeproj", group("MAIN", "S") + synchronizedGroup("S", "App"));
     scratch_.write("App/a.swift");
@@ -48,7 +48,7 @@ TEST_F(ProjectListingTests, FollowsWhatProjectsAndFoldersBecome) {
     EXPECT_EQ(projectOf("App/a.swift"), std::nullopt);
 }
 
-TEST_F(ProjectListingTests, HundredsOfBundlesAreNotAllLookedAt) {
+TEST_F(ProjectListingTests, hundredsOfBundlesAreNotAllLookedAt) {
     for (int bundle = 0; bundle < 220; ++bundle) {
         scratch_.writeProject("P" + std::to_string(1000 + bundle) + ".xcodeproj",
                               group("MAIN", ""));

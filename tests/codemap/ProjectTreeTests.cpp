@@ -26,7 +26,7 @@ protected:
     ScratchProject scratch_;
 };
 
-TEST_F(ProjectTreeTests, GroupsAndFilesComeInTheProjectsOrder) {
+TEST_F(ProjectTreeTests, groupsAndFilesComeInTheProjectsOrder) {
     scratch_.write("Model/Tide.m");
     EXPECT_EQ(treeOf(scratch_.writeProject(
                   "App.xcodeproj",
@@ -40,7 +40,7 @@ TEST_F(ProjectTreeTests, GroupsAndFilesComeInTheProjectsOrder) {
               "    Tide.m\n");
 }
 
-TEST_F(ProjectTreeTests, SourceTreesSayWhatAPathIsRelativeTo) {
+TEST_F(ProjectTreeTests, sourceTreesSayWhatAPathIsRelativeTo) {
     scratch_.write("Code/a.m");
     scratch_.write("Code/Deep/b.m");
     scratch_.write("c.m");
@@ -62,7 +62,7 @@ TEST_F(ProjectTreeTests, SourceTreesSayWhatAPathIsRelativeTo) {
     EXPECT_TRUE(snapshot->nodes()[5]->missing);
 }
 
-TEST_F(ProjectTreeTests, VariantsAndVersionsAreGroupsOfTheirOwn) {
+TEST_F(ProjectTreeTests, variantsAndVersionsAreGroupsOfTheirOwn) {
     scratch_.write("en.lproj/L.strings");
     scratch_.write("Model.xcdatamodeld/One.xcdatamodel/contents");
     EXPECT_EQ(
@@ -86,7 +86,7 @@ TEST_F(ProjectTreeTests, VariantsAndVersionsAreGroupsOfTheirOwn) {
         "    One.xcdatamodel [App]\n");
 }
 
-TEST_F(ProjectTreeTests, SynchronizedFoldersShowWhatIsOnDisk) {
+TEST_F(ProjectTreeTests, synchronizedFoldersShowWhatIsOnDisk) {
     for (const char* file : {"App/b.swift", "App/A.swift", "App/.hidden.swift", "App/Info.plist",
                              "App/Pictures.xcassets/x.json", "App/Sub/Shared.swift"}) {
         scratch_.write(file);
@@ -112,7 +112,7 @@ TEST_F(ProjectTreeTests, SynchronizedFoldersShowWhatIsOnDisk) {
               "      Shared.swift [App] [Tests]\n");
 }
 
-TEST_F(ProjectTreeTests, ReferencedFoldersShowWhatIsInThem) {
+TEST_F(ProjectTreeTests, referencedFoldersShowWhatIsInThem) {
     scratch_.write("Data/Inner/a.json");
     EXPECT_EQ(
         treeOf(scratch_.writeProject(
@@ -124,7 +124,7 @@ TEST_F(ProjectTreeTests, ReferencedFoldersShowWhatIsInThem) {
         "      a.json\n");
 }
 
-TEST_F(ProjectTreeTests, LocalPackagesShowTheirSourcesAndTests) {
+TEST_F(ProjectTreeTests, localPackagesShowTheirSourcesAndTests) {
     scratch_.write("Kit/Package.swift", "let p = Package(targets: [.target(path: \"Own\")])");
     for (const char* file : {"Kit/Own/a.swift", "Kit/Sources/b.swift", "Kit/Tests/t.swift",
                              "Kit/Docs/x.md", "Kit/.build/y.swift"}) {
@@ -146,7 +146,7 @@ TEST_F(ProjectTreeTests, LocalPackagesShowTheirSourcesAndTests) {
         "      t.swift\n");
 }
 
-TEST_F(ProjectTreeTests, SubprojectsThatNameEachOtherAreShownOnce) {
+TEST_F(ProjectTreeTests, subprojectsThatNameEachOtherAreShownOnce) {
     scratch_.writeProject("Lib/Lib.xcodeproj", group("MAIN", "APP, A") +
                                                    fileReference("APP", "../App.xcodeproj") +
                                                    fileReference("A", "a.m"));
@@ -159,7 +159,7 @@ TEST_F(ProjectTreeTests, SubprojectsThatNameEachOtherAreShownOnce) {
         "    a.m missing\n");
 }
 
-TEST_F(ProjectTreeTests, ObjectsThatNameThemselvesAreShownOnce) {
+TEST_F(ProjectTreeTests, objectsThatNameThemselvesAreShownOnce) {
     EXPECT_EQ(
         treeOf(scratch_.writeProject("App.xcodeproj", group("MAIN", "A, A, NOTHING, MAIN") +
                                                           group("A", "A, MAIN, F", "name = A;") +
@@ -169,7 +169,7 @@ TEST_F(ProjectTreeTests, ObjectsThatNameThemselvesAreShownOnce) {
         "    f.c missing\n");
 }
 
-TEST_F(ProjectTreeTests, DeepGroupsEndAtTheLimit) {
+TEST_F(ProjectTreeTests, deepGroupsEndAtTheLimit) {
     std::string objects = group("MAIN", "G0");
     for (int depth = 0; depth < 10'000; ++depth) {
         objects += group("G" + std::to_string(depth), "G" + std::to_string(depth + 1));
@@ -178,7 +178,7 @@ TEST_F(ProjectTreeTests, DeepGroupsEndAtTheLimit) {
     EXPECT_EQ(snapshot->nodes().size(), kMaximumTreeDepth);
 }
 
-TEST_F(ProjectTreeTests, SymbolicLinksThatLeadBackEnd) {
+TEST_F(ProjectTreeTests, symbolicLinksThatLeadBackEnd) {
     scratch_.write("App/Sub/a.swift");
     ASSERT_EQ(::symlink("..", scratch_.path("App/Sub/Up").c_str()), 0);
     ASSERT_EQ(::symlink("a.swift", scratch_.path("App/Sub/b.swift").c_str()), 0);
@@ -191,7 +191,7 @@ TEST_F(ProjectTreeTests, SymbolicLinksThatLeadBackEnd) {
               "      b.swift\n");
 }
 
-TEST_F(ProjectTreeTests, SpecialFilesAreNeverOpened) {
+TEST_F(ProjectTreeTests, specialFilesAreNeverOpened) {
     ASSERT_EQ(::mkfifo(scratch_.path("pipe.swift").c_str(), 0600), 0);
     scratch_.write("App/a.swift");
     ASSERT_EQ(::mkfifo(scratch_.path("App/pipe.swift").c_str(), 0600), 0);
@@ -205,7 +205,7 @@ TEST_F(ProjectTreeTests, SpecialFilesAreNeverOpened) {
     EXPECT_EQ(snapshot->nodes()[1]->outline, nullptr);
 }
 
-TEST_F(ProjectTreeTests, OtherProjectsOfAWorkspaceComeOnDemand) {
+TEST_F(ProjectTreeTests, otherProjectsOfAWorkspaceComeOnDemand) {
     const std::string bundle = scratch_.writeProject("One/One.xcodeproj", group("MAIN", ""));
     const std::string other =
         scratch_.writeProject("Two/Two.xcodeproj", group("MAIN", "F") + fileReference("F", "f.c"));
@@ -229,7 +229,7 @@ TEST_F(ProjectTreeTests, OtherProjectsOfAWorkspaceComeOnDemand) {
                                                         "      f.c missing\n");
 }
 
-TEST_F(ProjectTreeTests, AnUnreadableProjectSaysWhereItEnds) {
+TEST_F(ProjectTreeTests, anUnreadableProjectSaysWhereItEnds) {
     scratch_.write("App.xcodeproj/project.pbxproj", "{\n objects = {\n<<<<<<< HEAD\n};}\n");
     const CodeMapSnapshotPtr snapshot = map(scratch_.path("App.xcodeproj"));
     EXPECT_EQ(snapshot->state(), MapState::unreadable);
@@ -239,7 +239,7 @@ TEST_F(ProjectTreeTests, AnUnreadableProjectSaysWhereItEnds) {
     EXPECT_EQ(treeOf(scratch_.path("None.xcodeproj")), "The project has no project file.");
 }
 
-TEST_F(ProjectTreeTests, IdentifiersAreThoseOfTheTreeWhereverItLies) {
+TEST_F(ProjectTreeTests, identifiersAreThoseOfTheTreeWhereverItLies) {
     const ScratchProject elsewhere;
     const std::string objects = group("MAIN", "G, A") + group("G", "B, S", "path = Sub;") +
                                 fileReference("A", "a.c") + fileReference("B", "../a.c") +
@@ -258,7 +258,7 @@ TEST_F(ProjectTreeTests, IdentifiersAreThoseOfTheTreeWhereverItLies) {
     EXPECT_EQ(std::set(identifiers[0].begin(), identifiers[0].end()).size(), 6U);
 }
 
-TEST_F(ProjectTreeTests, NamesThatAreNotUTF8AreShownAsText) {
+TEST_F(ProjectTreeTests, namesThatAreNotUTF8AreShownAsText) {
     scratch_.write("App/a.swift");
     scratch_.rename("App/a.swift", "App/\xFF.swift");
     const CodeMapSnapshotPtr snapshot = map(

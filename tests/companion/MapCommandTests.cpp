@@ -40,14 +40,14 @@ protected:
     std::string errors_;
 };
 
-TEST_F(MapCommandTests, PrintsTheTree) {
+TEST_F(MapCommandTests, printsTheTree) {
     EXPECT_EQ(run({bundle_}), 0);
     EXPECT_EQ(output_, "App (project)\n└── Tide.swift  2  (not in a target)\n");
     EXPECT_EQ(run({bundle_, "--json"}), 0);
     EXPECT_EQ(json().at("root").at("name").as_string(), "App");
 }
 
-TEST_F(MapCommandTests, PrintsAnOutline) {
+TEST_F(MapCommandTests, printsAnOutline) {
     for (const std::string& file : {std::string("Tide.swift"), scratch_.path("Tide.swift")}) {
         EXPECT_EQ(run({bundle_, "--outline", file}), 0);
         EXPECT_EQ(output_, "     1  struct Tide: Codable\n"
@@ -59,7 +59,7 @@ TEST_F(MapCommandTests, PrintsAnOutline) {
     EXPECT_EQ(json().at("lines").to_number<int>(), 4);
 }
 
-TEST_F(MapCommandTests, PrintsSearchTypesNotesAndChanges) {
+TEST_F(MapCommandTests, printsSearchTypesNotesAndChanges) {
     EXPECT_EQ(run({bundle_, "--search", "rise"}), 0);
     EXPECT_EQ(output_, "method rise() in Tide  Tide.swift:3\n");
     EXPECT_EQ(run({bundle_, "--types"}), 0);
@@ -70,7 +70,7 @@ TEST_F(MapCommandTests, PrintsSearchTypesNotesAndChanges) {
     EXPECT_EQ(output_, "The project is in no Git repository.\n");
 }
 
-TEST_F(MapCommandTests, WhatIsNotFoundOrUnreadableIsOne) {
+TEST_F(MapCommandTests, whatIsNotFoundOrUnreadableIsOne) {
     EXPECT_EQ(run({bundle_, "--outline", "None.swift"}), 1);
     EXPECT_EQ(run({scratch_.path("None.xcodeproj")}), 1);
     scratch_.write("App.xcodeproj/project.pbxproj", "{ objects =\n= }");
@@ -79,7 +79,7 @@ TEST_F(MapCommandTests, WhatIsNotFoundOrUnreadableIsOne) {
     EXPECT_THAT(std::string(json().at("error").as_string()), HasSubstr("line 2"));
 }
 
-TEST_F(MapCommandTests, WhatIsNotUnderstoodIsTwo) {
+TEST_F(MapCommandTests, whatIsNotUnderstoodIsTwo) {
     EXPECT_EQ(run({}), 2);
     EXPECT_EQ(run({"--json"}), 2);
     EXPECT_EQ(run({bundle_, "--outline"}), 2);
@@ -89,7 +89,7 @@ TEST_F(MapCommandTests, WhatIsNotUnderstoodIsTwo) {
     EXPECT_THAT(errors_, HasSubstr("usage"));
 }
 
-TEST_F(MapCommandTests, ControlCharactersDoNotReachTheTerminal) {
+TEST_F(MapCommandTests, controlCharactersDoNotReachTheTerminal) {
     scratch_.writeProject("App.xcodeproj",
                           group("MAIN", "T") + fileReference("T", "\x1B[31mred.m"));
     EXPECT_EQ(run({bundle_}), 0);
