@@ -14,13 +14,13 @@
 #include <string_view>
 #include <utility>
 
-// Most of a source is nothing to any rule. So the text is searched, 64 bytes at a time, for the few
-// bytes that some rule begins with, and only there the rules of that beginning are tried. A pattern
-// is applied to a text by itself, as if there were no other: its matches do not overlap, so each
-// rule remembers where its next match may begin.
+// Most of a source matches no rule. So the text is searched, 64 bytes at a time, for the few bytes
+// that rules begin with, and only there are the rules with that beginning tried. Each rule is its
+// own search of the whole text, whose matches do not overlap; so each remembers where its next
+// match may begin.
 //
-// The patterns for shortcuts and the superclass are applied line by line, but as no part of them
-// takes a line feed, looking for them in the whole text finds the same.
+// By definition, shortcuts and the superclass are searched line by line. Their patterns match no
+// line feed, so a search of the whole text finds the same.
 namespace navrel {
 
 namespace {
@@ -29,13 +29,13 @@ constexpr Keyword kClass("class");
 constexpr Keyword kFunction("func");
 constexpr std::array kVariables = {Keyword("var"), Keyword("let")};
 
-/// Tells line numbers of places that come in order.
+/// The line numbers, from 1, of places that are asked for in ascending order.
 class LineCounter {
 public:
     explicit LineCounter(const char* begin) : countedTo_(begin) {}
 
     quint32 lineAt(const char* place) {
-        constexpr std::ptrdiff_t kFew = 32; // which are not worth a call
+        constexpr std::ptrdiff_t kFew = 32; // bytes: for fewer a call costs more than the count
         line_ += place - countedTo_ < kFew
                      ? static_cast<quint32>(std::count(countedTo_, place, '\n'))
                      : countLineFeeds(countedTo_, place);
@@ -48,7 +48,7 @@ private:
     quint32 line_ = 1;
 };
 
-/// The superclass of a header: on the first line that holds a match, the last one counts.
+/// The rule for the superclass of a header. The last match on the first line with a match counts.
 class SuperclassRule {
 public:
     SuperclassRule(const SourceName& name, QByteArrayView text, SourceFindings& findings,
@@ -62,7 +62,7 @@ public:
         }
     }
 
-    /// Tries the rule where the beginning of the pattern may stand.
+    /// Tries the rule at a place where its pattern may begin.
     void tryAt(const char* place) {
         if (place < next_) {
             return;
@@ -74,7 +74,7 @@ public:
         }
     }
 
-    /// Tries all lines where no beginning of the pattern leads to those with a match.
+    /// Tries all lines, if the base name makes a pattern that need not begin with "@i".
     void tryAllLines() {
         if (search_ && search_->canBeginAnywhere()) {
             for (const char* at = text_.begin(); at < text_.end() && !search_->isOver();
@@ -99,7 +99,7 @@ private:
         }
     }
 
-    /// Asks about the line of a place, once.
+    /// Searches the line of a place. Further places on that line are skipped.
     void tryLineAt(const char* place) {
         const QByteArrayView line = lineAt(place);
         next_ = line.end();
@@ -108,7 +108,7 @@ private:
         }
     }
 
-    /// The line that a place lies on, with its line feed.
+    /// The line of a place, with its line feed.
     QByteArrayView lineAt(const char* place) const {
         const auto begin =
             std::find(std::reverse_iterator(place), std::reverse_iterator(text_.begin()), '\n');
@@ -124,17 +124,17 @@ private:
     SourceFindings& findings_;
     const char* next_ = nullptr; ///< where the next match may begin
 
-    // With a plain base name.
+    // For a plain base name, which is matched by hand.
     QByteArray foldedBaseName_;
-    const char* lineEnd_ = nullptr; ///< of the line that holds the first match
+    const char* lineEnd_ = nullptr; ///< of the line with the first match; null before there is one
 
-    std::optional<SuperclassSearch> search_; ///< with another
+    std::optional<SuperclassSearch> search_; ///< for any other base name
 };
 
-/// One pass over one text.
+/// Tries the rules at the candidates of one text, and collects the findings.
 class SourcePass {
 public:
-    /// `isWhole` tells whether the text is the whole file's, so that it has elements.
+    /// `isWhole` says whether the text is the whole file: only then are elements looked for.
     SourcePass(QByteArrayView text, const SourceName& name, bool isWhole, SourceFindings& findings,
                SuperclassBudget& budget)
         : end_(text.end()), hasElements_(isWhole),
@@ -146,7 +146,7 @@ public:
         }
     }
 
-    /// Tries the rules that begin with what stands here. Places come in order.
+    /// Tries the rules that may begin at a candidate. Places must come in ascending order.
     void visit(const char* place) {
         switch (*place) {
         case '-':
@@ -164,7 +164,7 @@ public:
     }
 
 private:
-    /// Whether a rule whose next match may begin at `next` is to be tried.
+    /// Whether an element's rule, whose next match may begin at `next`, is to be tried at `place`.
     bool isElementPlace(const char* place, const char* next) const {
         return hasElements_ && place >= next;
     }
@@ -186,9 +186,9 @@ private:
     }
 
     void visitAtSign(const char* place) {
-        const char second = place[1];
+        const char second = place[1]; // one of "pPdDiI", as the candidates say
         if (second == 'i' || second == 'I') {
-            superclass_->tryAt(place);
+            superclass_->tryAt(place); // "@i" is a candidate in headers alone, which have this rule
         } else if (isElementPlace(place, nextProperty_)) {
             visitProperty(place);
         }
@@ -270,14 +270,15 @@ private:
                         std::string_view appended = {}) {
         QByteArrayView name = match.name;
         if (!appended.empty() || !isOrdinaryDeclaration(match, keywords)) {
-            name = writtenName(match, keywords, appended);
+            name = composedName(match, keywords, appended);
         }
         addElement(type, match.keyword.begin(), name);
     }
 
-    /// No match holds a line feed that would have to go too.
-    QByteArrayView writtenName(const DeclarationMatch& match, Keywords keywords,
-                               std::string_view appended) {
+    /// The match without keywords and blanks, and `appended` after it, in memory of the findings.
+    /// Line feeds need not be removed: no declaration's pattern matches one.
+    QByteArrayView composedName(const DeclarationMatch& match, Keywords keywords,
+                                std::string_view appended) {
         char* const name = findings_.allocateText(match.keyword.size() + match.name.size() +
                                                   static_cast<qsizetype>(appended.size()));
         const qsizetype length = writeDeclarationName(match, keywords, name);
@@ -320,7 +321,7 @@ private:
     const char methodTerminator_;
     SourceFindings& findings_;
     LineCounter lines_;
-    std::optional<SuperclassRule> superclass_; ///< of a header
+    std::optional<SuperclassRule> superclass_; ///< nil unless the source is a header
     PropertyMatcher properties_;
 
     // Where the next match of a rule may begin.
@@ -334,8 +335,8 @@ private:
     const char* nextVariable_ = nullptr;
 };
 
-/// Calls `pass.visit` for every candidate of the text, in order; for the last bytes of the text as
-/// if NUL bytes followed.
+/// Calls `pass.visit` for every candidate of a text, in ascending order. At the end of the text,
+/// NUL bytes are taken to follow.
 class CandidateVisit {
 public:
     CandidateVisit(Candidates candidates, CandidateSearch search, SourcePass& pass)
@@ -356,10 +357,11 @@ public:
     }
 
 private:
-    /// As many as the processor's nearest memory holds beside everything else.
+    /// 4 KiB of text, and offsets of twice that: both stay in the processor's first-level cache.
     static constexpr qsizetype kBlocksAtOnce = 64;
 
-    /// The bytes to search may be a copy of those at the place.
+    /// Visits the candidates of the blocks at `place`. The search reads `bytes`, which are the same
+    /// bytes or a copy of them with room for the lookahead.
     void visitBlocks(const char* place, const char* bytes, qsizetype blockCount) {
         const qsizetype found = search_(candidates_, bytes, blockCount, offsets_.data());
         const qsizetype likely = keepLikelyCandidates(candidates_, bytes, offsets_.data(), found);
@@ -386,7 +388,7 @@ Candidates candidatesOf(SourceKind kind) {
     return Candidates::ObjectiveC;
 }
 
-/// The best that the processor has.
+/// `fastestCandidateSearch`, which asks the processor, called once.
 CandidateSearch usualCandidateSearch() {
     static const CandidateSearch search = fastestCandidateSearch();
     return search;
@@ -400,7 +402,7 @@ void scanSource(QByteArrayView text, const SourceName& name, SourceFindings& fin
     const qsizetype asciiLength = asciiPrefixLength(text);
     const qsizetype validLength = asciiLength + validUTF8Length(text.sliced(asciiLength));
     const bool isWhole = validLength == text.size();
-    if (!isWhole) {
+    if (!isWhole) { // the lines before the first one that is not UTF-8
         text = text.first(text.first(validLength).lastIndexOf('\n') + 1);
     }
     SourcePass pass(text, name, isWhole, findings, budget);

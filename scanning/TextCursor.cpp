@@ -7,41 +7,44 @@ namespace navrel {
 
 namespace {
 
-/// A character outside ASCII that folds to ASCII letters when letter case does not count.
-struct OtherForm {
+/// A character outside ASCII whose full case folding is ASCII.
+struct CaseFolding {
     std::string_view bytes;
     std::string_view letters;
 };
 
-constexpr std::array kOtherForms = {
-    OtherForm{"\xC5\xBF", "s"},       // U+017F long s
-    OtherForm{"\xE2\x84\xAA", "k"},   // U+212A Kelvin sign
-    OtherForm{"\xC3\x9F", "ss"},      // U+00DF sharp s
-    OtherForm{"\xE1\xBA\x9E", "ss"},  // U+1E9E capital sharp s
-    OtherForm{"\xEF\xAC\x80", "ff"},  // U+FB00
-    OtherForm{"\xEF\xAC\x81", "fi"},  // U+FB01
-    OtherForm{"\xEF\xAC\x82", "fl"},  // U+FB02
-    OtherForm{"\xEF\xAC\x83", "ffi"}, // U+FB03
-    OtherForm{"\xEF\xAC\x84", "ffl"}, // U+FB04
-    OtherForm{"\xEF\xAC\x85", "st"},  // U+FB05
-    OtherForm{"\xEF\xAC\x86", "st"},  // U+FB06
+/// All that Unicode's CaseFolding.txt has.
+constexpr std::array kCaseFoldings = {
+    CaseFolding{"\xC5\xBF", "s"},       // U+017F long s
+    CaseFolding{"\xE2\x84\xAA", "k"},   // U+212A Kelvin sign
+    CaseFolding{"\xC3\x9F", "ss"},      // U+00DF sharp s
+    CaseFolding{"\xE1\xBA\x9E", "ss"},  // U+1E9E capital sharp s
+    CaseFolding{"\xEF\xAC\x80", "ff"},  // U+FB00 ligature, as the next ones
+    CaseFolding{"\xEF\xAC\x81", "fi"},  // U+FB01
+    CaseFolding{"\xEF\xAC\x82", "fl"},  // U+FB02
+    CaseFolding{"\xEF\xAC\x83", "ffi"}, // U+FB03
+    CaseFolding{"\xEF\xAC\x84", "ffl"}, // U+FB04
+    CaseFolding{"\xEF\xAC\x85", "st"},  // U+FB05
+    CaseFolding{"\xEF\xAC\x86", "st"},  // U+FB06
 };
 
 } // namespace
 
-/// The letters of the other form that stands here, having moved over it; none where there is none.
-std::string_view TextCursor::takeOtherForm() {
-    for (const OtherForm& form : kOtherForms) {
-        if (takeBytes(form.bytes)) {
-            return form.letters;
+/// Moves over a character of kCaseFoldings, and returns its letters; empty if none is here.
+std::string_view TextCursor::takeCaseFolding() {
+    for (const CaseFolding& folding : kCaseFoldings) {
+        if (takeBytes(folding.bytes)) {
+            return folding.letters;
         }
     }
     return {};
 }
 
-bool TextCursor::takeFoldedFromOtherForm(const char* place, std::string_view folded) {
+/// The rest of `takeFolded`, from a character outside ASCII on. A character matches whole or not at
+/// all: in "clas\u00DF", the last one is not the second "s" of "class".
+bool TextCursor::takeFoldedBeyondASCII(const char* place, std::string_view folded) {
     TextCursor ahead{place, end};
-    const std::string_view letters = ahead.takeOtherForm();
+    const std::string_view letters = ahead.takeCaseFolding();
     const auto differing =
         std::mismatch(letters.begin(), letters.end(), folded.begin(), folded.end());
     if (letters.empty() || differing.first != letters.end() ||

@@ -7,9 +7,9 @@
 
 namespace navrel {
 
-/// The character classes of the patterns, letter case not counting. One bit each.
+/// The character classes of the patterns, which ignore letter case. One bit each.
 enum class CharacterClass : quint16 {
-    Blank = 1,         ///< a blank
+    Blank = 1,         ///< [ ]
     BlankOrDash = 2,   ///< [ -]
     BlankOrStar = 4,   ///< [ *]
     LetterOrDigit = 8, ///< [a-z0-9]
@@ -27,9 +27,9 @@ constexpr quint16 bitOf(CharacterClass characterClass) {
     return static_cast<quint16>(characterClass);
 }
 
-/// The classes that take in all letters, and so two characters that are letters but for their case:
-/// U+017F (long s) and U+212A (Kelvin sign).
-inline constexpr quint16 kWithCaseForms =
+/// The classes that contain all letters. Without regard to case, they also contain U+017F (long s)
+/// and U+212A (Kelvin sign), which fold to "s" and "k".
+inline constexpr quint16 kWithAllLetters =
     bitOf(CharacterClass::LetterOrDigit) | bitOf(CharacterClass::Word) |
     bitOf(CharacterClass::Cast) | bitOf(CharacterClass::Head) | bitOf(CharacterClass::Attribute) |
     bitOf(CharacterClass::Protocol);
@@ -69,7 +69,7 @@ constexpr Table makeTable() {
 
 inline constexpr Table kTable = makeTable();
 
-/// Small letters for capitals; NUL, which no keyword holds, for what is not ASCII.
+/// Maps ASCII to lower case, and every other byte to NUL, which no keyword holds.
 constexpr std::array<char, 256> makeFolded() {
     std::array<char, 256> folded{};
     for (int byte = 0; byte < 0x80; ++byte) {
@@ -83,44 +83,45 @@ inline constexpr std::array<char, 256> kFolded = makeFolded();
 
 } // namespace characterclasses
 
-/// A place in a valid UTF-8 text, and the text's end. What it moves over, a pattern matches.
+/// A place in a text, for matching a pattern from there on: each function moves over what its part
+/// of the pattern matches. The text must be valid UTF-8, is not owned, and must outlive the cursor.
 struct TextCursor {
     const char* at;
     const char* end;
 
-    /// The byte here; NUL, which no pattern holds, at the end.
+    /// The byte at the cursor; NUL, which no pattern holds, at the end.
     char current() const { return at < end ? *at : '\0'; }
 
-    /// Moves over one byte if it is this one.
+    /// Moves over one byte if it is `byte`, and says whether it was.
     bool take(char byte) {
         const bool isHere = current() == byte;
         at += isHere ? 1 : 0;
         return isHere;
     }
 
-    /// Moves over as many bytes of this value as there are.
+    /// Moves over all bytes of this value.
     void skipAll(char byte) {
         while (at < end && *at == byte) {
             ++at;
         }
     }
 
-    /// Moves over as many characters of the class as there are.
+    /// Moves over all characters of the class.
     void skipAll(CharacterClass characterClass) {
         const quint16 bit = characterclasses::bitOf(characterClass);
         for (;;) {
             while (at < end && (characterclasses::kTable[static_cast<uchar>(*at)] & bit) != 0) {
                 ++at;
             }
-            if ((bit & characterclasses::kWithCaseForms) == 0 || !takeLetterInOtherForm()) {
+            if ((bit & characterclasses::kWithAllLetters) == 0 || !takeLetterBeyondASCII()) {
                 return;
             }
         }
     }
 
-    /// Moves over a text whose letter case does not count, where it stands here whole; else stays.
-    /// `folded` is ASCII without capitals. Characters that are such letters in another form count
-    /// as them, also one for several: U+00DF for "ss".
+    /// Moves over a text without regard to letter case, and says whether all of it was there; if
+    /// not, stays. `folded` must be ASCII in lower case. Characters outside ASCII match by their
+    /// full case folding: U+00DF matches "ss".
     bool takeFolded(std::string_view folded) {
         const char* place = at;
         std::size_t taken = 0;
@@ -133,8 +134,8 @@ struct TextCursor {
             at = place;
             return true;
         }
-        const bool mayBeOtherForm = place < end && static_cast<uchar>(*place) >= 0x80;
-        return mayBeOtherForm && takeFoldedFromOtherForm(place, folded.substr(taken));
+        const bool isBeyondASCII = place < end && static_cast<uchar>(*place) >= 0x80;
+        return isBeyondASCII && takeFoldedBeyondASCII(place, folded.substr(taken));
     }
 
     /// The end of what "." matches from here on: the next line break, of which there are seven
@@ -144,7 +145,7 @@ struct TextCursor {
     QByteArrayView textFrom(const char* begin) const { return {begin, at - begin}; }
 
 private:
-    bool takeLetterInOtherForm() {
+    bool takeLetterBeyondASCII() {
         constexpr std::string_view kLongS = "\xC5\xBF";
         constexpr std::string_view kKelvinSign = "\xE2\x84\xAA";
         if (current() == kLongS[0]) {
@@ -153,7 +154,7 @@ private:
         return current() == kKelvinSign[0] && takeBytes(kKelvinSign);
     }
 
-    /// Moves over a character of several bytes where it stands here.
+    /// Moves over a character of several bytes if it is here.
     bool takeBytes(std::string_view bytes) {
         std::size_t taken = 0; // one by one: a call to compare two or three would take longer
         while (taken < bytes.size() && at + taken < end && at[taken] == bytes[taken]) {
@@ -164,8 +165,8 @@ private:
         return areHere;
     }
 
-    bool takeFoldedFromOtherForm(const char* place, std::string_view folded);
-    std::string_view takeOtherForm();
+    bool takeFoldedBeyondASCII(const char* place, std::string_view folded);
+    std::string_view takeCaseFolding();
 };
 
 } // namespace navrel

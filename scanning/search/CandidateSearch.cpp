@@ -14,8 +14,8 @@ using candidatetables::Position;
 
 constexpr int kDecidingBytes = 1 + int(kCandidateLookahead);
 
-/// The bits of the beginnings that allow a byte at each position. More than a search for many
-/// places can hold: each byte by itself, and as many beginnings as there are.
+/// The bits of the beginnings that allow a byte at each position. Larger than the tables of the
+/// searches: a byte is looked up whole, and there is room for sixteen beginnings.
 struct LikelyTable {
     std::array<std::array<quint16, 256>, kDecidingBytes> allowed;
 
@@ -32,7 +32,7 @@ struct LikelyTable {
     }
 };
 
-/// Each beginning tells the bytes that it allows at each position; no bytes stand for all.
+/// A beginning is given as the bytes that it allows at each position; none means any byte.
 template <std::size_t count>
 constexpr LikelyTable
 makeLikelyTable(const std::string_view (&beginnings)[count][std::size_t(kDecidingBytes)]) {
@@ -106,8 +106,8 @@ qsizetype findCandidatesPortably(Candidates candidates, const char* text, qsizet
     return candidatetables::findCandidates<PortableLanes>(candidates, text, blockCount, offsets);
 }
 
-// Written without a branch on what is found: what the search leaves is mostly comments, some of
-// which go on, and the processor would guess wrong at every other one.
+// Without a branch on the result: most candidates are comments, of which some are kept and some are
+// not, so the processor would mispredict every other one.
 qsizetype keepLikelyCandidates(Candidates candidates, const char* text, quint16* offsets,
                                qsizetype count) {
     const LikelyTable& table =

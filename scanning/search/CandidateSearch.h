@@ -2,49 +2,53 @@
 
 #include <QtGlobal>
 
-/// Finding the places of a text where a rule may match, by the first bytes of each rule: by two or
-/// three of them for many places at once, then by four for the few places that this leaves.
+/// Finds the candidates: the places of a text where a scan rule may match, by the first bytes of
+/// each rule. A `CandidateSearch` compares two or three bytes, at many places at once;
+/// `keepLikelyCandidates` then compares four bytes at the places that are left. All functions are
+/// pure; any thread.
 namespace navrel {
 
-/// Whose rules are looked for. Letter case does not count; a few other places come along, since
-/// bytes are looked up by halves.
+/// Which rules the candidates are for. Letter case does not count. A search may also return a few
+/// places where no rule begins, since it looks bytes up by their halves.
 enum class Candidates {
     /// A sign before a blank or an opening bracket (methods), "@p" and "@d" (properties), "#p" and
     /// "#w" (marks and warnings), "//" (marks, warnings, shortcuts).
     ObjectiveC,
-    /// The same, and "@i" for the superclass.
+    /// As ObjectiveC, and "@i" for the superclass.
     Header,
     /// "cla", "fun", "var", "let" (declarations), "#p", "#w", "//".
     Swift,
 };
 
-/// Texts are searched in blocks of this many places.
+/// Texts are searched in blocks of this many bytes.
 inline constexpr qsizetype kCandidateBlockSize = 64;
-/// The bytes behind a place that decide with it.
+/// How many bytes after a place are read to decide whether it is a candidate.
 inline constexpr qsizetype kCandidateLookahead = 3;
-/// A search may write this many offsets more than it finds.
+/// How many offsets a search may write beyond those that it found.
 inline constexpr qsizetype kCandidateSurplus = 2;
 
-/// Writes the offsets of all candidates in the first `blockCount` blocks, in order, and returns how
-/// many there are. Reads `kCandidateLookahead` bytes past the last block; writes up to
-/// `kCandidateSurplus` offsets of no meaning behind the last.
+/// Writes the offsets in `text` of all candidates in its first `blockCount` blocks, in ascending
+/// order, and returns their number. Reads `kCandidateLookahead` bytes past the last block.
+/// `offsets` must have room for every byte of the blocks and `kCandidateSurplus` more: what is
+/// written there is meaningless. An offset must fit 16 bits, so `blockCount` must be at most 1024.
 using CandidateSearch = qsizetype (*)(Candidates candidates, const char* text, qsizetype blockCount,
                                       quint16* offsets);
 
-/// Keeps the offsets, out of `count`, of the places where four bytes allow some rule to match, and
-/// returns how many are left. Reads `kCandidateLookahead` bytes past each place.
+/// Removes from `offsets` the places whose four bytes begin no rule, and returns how many of the
+/// `count` are left. Reads `kCandidateLookahead` bytes past each place.
 qsizetype keepLikelyCandidates(Candidates candidates, const char* text, quint16* offsets,
                                qsizetype count);
 
-/// With the best that this processor has.
+/// Returns the fastest search that this processor can run.
 CandidateSearch fastestCandidateSearch();
 
-/// Without vector instructions.
+/// The search without vector instructions.
 qsizetype findCandidatesPortably(Candidates candidates, const char* text, qsizetype blockCount,
                                  quint16* offsets);
 
 #if defined(NAVREL_X86_SEARCHES)
-/// With those that x86-64 processors have since 2006 and 2013: only for one that has them.
+/// The searches with the vector instructions of x86-64 processors since 2006 and since 2013. The
+/// processor must have them; on others the program is ended by an illegal instruction.
 qsizetype findCandidatesWithSSSE3(Candidates candidates, const char* text, qsizetype blockCount,
                                   quint16* offsets);
 qsizetype findCandidatesWithAVX2(Candidates candidates, const char* text, qsizetype blockCount,

@@ -4,20 +4,21 @@
 
 #include <QtGlobal>
 
-/// What the searches for candidates have in common: the beginnings of the rules, and their form.
+/// What the searches for candidates share: the tables of the rules' beginnings, and the loop.
 ///
-/// Each beginning has a bit. A byte is looked up by its halves, as vector instructions look up in
-/// tables of sixteen: it has the bits that both halves have. A place is a candidate where a bit is
-/// common to its byte and the next two.
+/// Each beginning has one bit. A table for each position says which beginnings allow a byte there.
+/// A byte is looked up by its halves, since vector instructions look up in tables of sixteen: the
+/// bits of both halves are combined by "and". A place is a candidate if a bit is left after the
+/// same is done with the bytes that follow.
 namespace navrel::candidatetables {
 
-/// The bits of the beginnings that allow a byte at one position, by its halves.
+/// The bits of the beginnings that allow a byte at one position, by its lower and upper half.
 struct Position {
     alignas(16) quint8 low[16];
     alignas(16) quint8 high[16];
 };
 
-/// The positions that decide: two or three.
+/// The tables of all positions: two or three.
 template <int count>
 struct Tables {
     static constexpr int kPositions = count;
@@ -32,7 +33,7 @@ constexpr void allow(Position& position, const char* bytes, quint8 bit) {
     }
 }
 
-/// Each beginning tells the bytes that it allows at each position, in ASCII.
+/// A beginning is given as the bytes (ASCII) that it allows at each position.
 template <int count, int positions>
 constexpr Tables<positions> makeTables(const char* const (&beginnings)[count][positions]) {
     static_assert(count <= 8, "a byte has a bit for each");
@@ -57,8 +58,9 @@ inline constexpr auto kSwift = makeTables({{"cC", "lL", "aA"},
                                            {"/", "/", " mMwWnN"},
                                            {"#", "pPwW", "rRaA"}});
 
-/// Appends the places of the mask's bits. Most masks have few, so the first ones are written
-/// without asking whether they are there: the processor would guess wrong at many a block.
+/// Appends `base` plus the number of each bit that is set in the mask, and returns the new end.
+/// Most masks have few bits, so the first kCandidateSurplus are written without a test of whether
+/// they are there: the processor would often mispredict that branch.
 [[gnu::always_inline]] inline quint16* appendOffsets(quint64 mask, qsizetype base,
                                                      quint16* offsets) {
     constexpr quint64 kSentinel = quint64(1) << 63U; // where no bit is left
@@ -72,8 +74,8 @@ inline constexpr auto kSwift = makeTables({{"cC", "lL", "aA"},
     return end;
 }
 
-/// `Lanes<Tables>` are neighbouring places, looked up side by side. Made from tables, they give a
-/// bit a candidate for the places at a text, the first place's lowest.
+/// The search. `Lanes<Tables>` looks up kCount neighbouring places side by side: it is constructed
+/// from the tables, and `candidatesAt` returns one bit for each place, the lowest for the first.
 template <template <typename> typename Lanes, typename Tables>
 qsizetype findByTables(const Tables& tables, const char* text, qsizetype blockCount,
                        quint16* offsets) {
