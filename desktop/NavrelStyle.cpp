@@ -13,13 +13,14 @@ namespace navrel {
 
 namespace {
 
-const QString kStyleOfQt = QStringLiteral("fusion");
+const QString kQtStyle = QStringLiteral("fusion");
 
+// In pixels.
 constexpr qreal kPenWidth = 1.2;
-constexpr qreal kRadius = 2;
-/// The radius of a choice's dot, as a share of its circle's width.
+constexpr qreal kCornerRadius = 2;
+/// The radius of a radio button's dot, as a share of the button's width.
 constexpr qreal kDotShare = 0.22;
-/// Steps of the way from the background to the text.
+/// How many shades there are from the background's colour to the text's.
 constexpr int kShades = 20;
 
 double linear(double component) {
@@ -51,8 +52,7 @@ QColor legibleShade(const QColor& background, const QColor& text) {
     return text;
 }
 
-/// The circle of a choice, and a dot in the one that was taken.
-void drawChoiceCircle(const QStyleOption& option, QPainter& painter) {
+void drawRadioButton(const QStyleOption& option, QPainter& painter) {
     const QColor color = option.palette.color(QPalette::WindowText);
     const qreal side = std::min(option.rect.width(), option.rect.height()) - 2 * kPenWidth;
     QRectF circle(0, 0, side, side);
@@ -70,12 +70,12 @@ void drawChoiceCircle(const QStyleOption& option, QPainter& painter) {
     painter.restore();
 }
 
-bool isSwitchBox(QStyle::PrimitiveElement element) {
+bool isCheckBox(QStyle::PrimitiveElement element) {
     return element == QStyle::PE_IndicatorItemViewItemCheck ||
            element == QStyle::PE_IndicatorCheckBox || element == QStyle::PE_IndicatorMenuCheckMark;
 }
 
-void drawSwitchBox(const QStyleOption& option, QPainter& painter) {
+void drawCheckBox(const QStyleOption& option, QPainter& painter) {
     const bool isSelected = (option.state & QStyle::State_Selected) != 0;
     const QPalette::ColorRole role = isSelected ? QPalette::HighlightedText : QPalette::WindowText;
     const qreal side = std::min(option.rect.width(), option.rect.height()) - 2 * kPenWidth;
@@ -85,7 +85,7 @@ void drawSwitchBox(const QStyleOption& option, QPainter& painter) {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(option.palette.color(role), kPenWidth));
     painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(box, kRadius, kRadius);
+    painter.drawRoundedRect(box, kCornerRadius, kCornerRadius);
     if ((option.state & QStyle::State_On) != 0) {
         painter.setPen(QPen(option.palette.color(role), 2 * kPenWidth, Qt::SolidLine, Qt::RoundCap,
                             Qt::RoundJoin));
@@ -99,11 +99,11 @@ void drawSwitchBox(const QStyleOption& option, QPainter& painter) {
 
 } // namespace
 
-NavrelStyle::NavrelStyle() : QProxyStyle(kStyleOfQt) {}
+NavrelStyle::NavrelStyle() : QProxyStyle(kQtStyle) {}
 
 void NavrelStyle::install() {
     NAVREL_ASSERT_MAIN_THREAD();
-    if (QApplication::style()->name().compare(kStyleOfQt, Qt::CaseInsensitive) == 0) {
+    if (QApplication::style()->name().compare(kQtStyle, Qt::CaseInsensitive) == 0) {
         QApplication::setStyle(new NavrelStyle);
     }
 }
@@ -115,10 +115,10 @@ void NavrelStyle::polish(QPalette& palette) {
 
 void NavrelStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
                                 QPainter* painter, const QWidget* widget) const {
-    if (isSwitchBox(element)) {
-        drawSwitchBox(*option, *painter);
+    if (isCheckBox(element)) {
+        drawCheckBox(*option, *painter);
     } else if (element == PE_IndicatorRadioButton) {
-        drawChoiceCircle(*option, *painter);
+        drawRadioButton(*option, *painter);
     } else {
         QProxyStyle::drawPrimitive(element, option, painter, widget);
     }

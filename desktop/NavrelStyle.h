@@ -5,14 +5,14 @@
 
 namespace navrel {
 
-/// Qt's own style, but legible in every theme: the boxes of switches and the
-/// circles of choices have the text's colour, where Qt
-/// draws them darker than the background, which cannot be seen in a dark theme, and disabled text
-/// can be read, since menus have entries that are only read. Main thread.
+/// Qt's own style (Fusion), made legible in every theme. Check boxes and radio buttons are drawn in
+/// the text's colour: Fusion draws them darker than the background, where a dark theme hides them.
+/// Disabled text has enough contrast: Navrel's menus have disabled entries that are there to be
+/// read. Main thread.
 class NavrelStyle final : public QProxyStyle {
 public:
-    /// Puts it in the place of the application's style, unless that is another than Qt's own: those
-    /// know how their themes look.
+    /// Replaces the application's style by this one if that is Fusion. Any other style is left, as
+    /// it knows its own theme. There must be a QApplication.
     static void install();
 
     NavrelStyle();
@@ -23,14 +23,15 @@ public:
                        const QWidget* widget) const override;
 };
 
-/// The contrast of two colours, from 1 to 21, as the Web Content Accessibility Guidelines measure
-/// it.
+/// The contrast ratio of two colours, from 1 to 21, as the Web Content Accessibility Guidelines
+/// define it. Pure.
 double contrastOf(const QColor& one, const QColor& other);
 
-/// The palette with a colour for disabled text that can be read on its background.
-QPalette withLegibleDisabledText(QPalette palette);
-
-/// What text must have to be read by most.
+/// The smallest contrast ratio of legible text, by the same guidelines (level AA).
 inline constexpr double kLegibleContrast = 4.5;
+
+/// The palette with disabled text of at least kLegibleContrast, as far as enabled text has that.
+/// Pure.
+QPalette withLegibleDisabledText(QPalette palette);
 
 } // namespace navrel
