@@ -61,6 +61,13 @@ Completion argumentCompletion(const CommandInfo& command, const QString& line, q
     return {begin, {}};
 }
 
+qsizetype skipBlanks(const QString& line, qsizetype at) {
+    while (at < line.size() && line.at(at) == u' ') {
+        ++at;
+    }
+    return at;
+}
+
 } // namespace
 
 QString Completion::common() const {
@@ -77,20 +84,14 @@ QString Completion::common() const {
 }
 
 Completion completionOf(const QString& line, const CompletionWords& words) {
-    qsizetype begin = 0;
-    while (begin < line.size() && line.at(begin) == u' ') {
-        ++begin;
-    }
+    const qsizetype begin = skipBlanks(line, 0);
     const qsizetype blank = line.indexOf(u' ', begin);
     if (blank < 0) {
         return {begin, beginningWith(line.sliced(begin), commandNames())};
     }
     const CommandInfo* const command = commandNamed(line.sliced(begin, blank - begin));
-    qsizetype argument = blank;
-    while (argument < line.size() && line.at(argument) == u' ') {
-        ++argument;
-    }
-    return command == nullptr ? Completion() : argumentCompletion(*command, line, argument, words);
+    return command == nullptr ? Completion()
+                              : argumentCompletion(*command, line, skipBlanks(line, blank), words);
 }
 
 } // namespace navrel

@@ -16,15 +16,15 @@ struct CompletionWords {
     std::function<QStringList(const QString& file)> symbols; ///< of one file
 };
 
-/// What the end of a line can become.
+/// The ways to complete the end of a line.
 struct Completion {
     qsizetype begin = 0;    ///< of the part that is replaced, which goes to the end of the line
     QStringList candidates; ///< for that part, sorted; empty for none
-    /// What all candidates begin with, letter case aside.
+    /// The longest prefix that all candidates share, in any letter case; as the first one has it.
     QString common() const;
 };
 
-/// The completions of a line up to the cursor. Pure, but for the words.
+/// The completions of a line, which must end at the cursor. Pure, except that it calls `words`.
 Completion completionOf(const QString& line, const CompletionWords& words);
 
 } // namespace navrel
