@@ -14,27 +14,29 @@
 
 namespace navrel {
 
-/// Runs what users type: each command asks the source, and prints the answer readably. One thread.
+/// Runs the commands that users type: each asks the source, which may block, and prints the answer.
+/// One thread.
 class Commands {
 public:
     struct World {
-        CodeSource& source;
-        /// Gets all that a command prints, with a line feed at the end of each line.
+        CodeSource& source; ///< must outlive the commands
+        /// Takes the output of one command: whole lines, each with its line feed.
         std::function<void(const QString& text)> show;
-        /// Gets what is amiss, and what to do: one line each, without a line feed at the end.
+        /// Takes a problem and, on a second line, what the user can do about it; no line feed at
+        /// the end.
         std::function<void(const QString& text)> complain;
         TerminalText text;
-        bool isJSON = false;
-        /// Shows the outline of the editor's file until the user ends it; null where that cannot
-        /// be.
+        bool isJSON = false; ///< views and failures are printed as JSON
+        /// Shows the outline of the editor's file until the user ends it. With null, `follow`
+        /// prints its usage.
         std::function<CommandResult()> follow = nullptr;
-        /// The text of `doctor`; null where that cannot be.
+        /// Returns the output of `doctor`. With null, that command prints nothing.
         std::function<QString()> doctor = nullptr;
     };
 
     explicit Commands(World world) : world_(std::move(world)), mapText_(world_.text) {}
 
-    /// Runs one line as typed; an empty one does nothing.
+    /// Runs one line as typed. An empty line does nothing, successfully.
     CommandResult run(const QString& line);
     /// Whether a line asks to quit.
     static bool isQuit(const QString& line);
@@ -67,7 +69,7 @@ private:
     CommandResult showProject();
     CommandResult showVersion();
 
-    /// Prints a view: as JSON, or as `render` has it.
+    /// Prints a view, as JSON or as the text that `render` makes of it; or its failure.
     template <typename Render>
     CommandResult showView(const CodeAnswer& answer, const Render& render);
     CommandResult fail(const CodeAnswer& answer);
@@ -76,10 +78,12 @@ private:
     void printLine(const QString& text) { printed_ += text + u'\n'; }
     void printHeading(const QString& title);
 
-    /// A failure where there is no project.
+    /// The tree of the project; a failure if none is loaded.
     CodeAnswer wholeTree();
-    /// The tree without the files of types that are hidden.
+    /// As `wholeTree`, without the files whose types are hidden.
     CodeAnswer shownTree();
+    /// The one node that `text` means. Nil if it means none or several, which has been printed;
+    /// `what` is the word for such nodes in the message: "file" or "group".
     std::optional<NodeName> nodeNamed(const std::vector<NodeName>& nodes, const QString& text,
                                       const QString& what);
     CommandResult refuseMany(const QString& text, const QString& what, const QStringList& names);

@@ -17,20 +17,20 @@ namespace json = boost::json;
 namespace {
 
 template <typename Item, typename Test>
-std::vector<Item> thoseThat(const std::vector<Item>& items, const Test& test) {
+std::vector<Item> filtered(const std::vector<Item>& items, const Test& test) {
     std::vector<Item> result;
     std::copy_if(items.begin(), items.end(), std::back_inserter(result), test);
     return result;
 }
 
-/// The items that fit by the first of the tests that any fits by.
+/// The items that pass the first test that any item passes. The tests go from strict to lenient.
 template <typename Item>
-std::vector<Item> firstThatFit(const std::vector<Item>& items,
-                               const std::vector<std::function<bool(const Item&)>>& tests) {
+std::vector<Item> bestMatches(const std::vector<Item>& items,
+                              const std::vector<std::function<bool(const Item&)>>& tests) {
     for (const auto& test : tests) {
-        std::vector<Item> fitting = thoseThat(items, test);
-        if (!fitting.empty()) {
-            return fitting;
+        std::vector<Item> matches = filtered(items, test);
+        if (!matches.empty()) {
+            return matches;
         }
     }
     return {};
@@ -49,7 +49,7 @@ std::string_view withoutParameters(std::string_view name) {
     return name.substr(0, name.find_first_of("(:"));
 }
 
-/// 0 for what is no number.
+/// 0 for anything but decimal digits, and for a number that does not fit.
 std::uint32_t numberIn(std::string_view digits) {
     std::uint32_t number = 0;
     const char* const end = digits.data() + digits.size();
@@ -57,7 +57,7 @@ std::uint32_t numberIn(std::string_view digits) {
     return error == std::errc() && stop == end ? number : 0;
 }
 
-/// "FILE:LINE", or with another separator; nothing for anything else.
+/// Reads "FILE:LINE", with `separator` for the colon; nil for any other text.
 std::optional<PlaceText> placeWithLine(std::string_view text, char separator) {
     const auto last = text.rfind(separator);
     const std::uint32_t line = last == text.npos ? 0 : numberIn(text.substr(last + 1));
@@ -66,7 +66,7 @@ std::optional<PlaceText> placeWithLine(std::string_view text, char separator) {
                : std::nullopt;
 }
 
-/// "FILE:LINE:COLUMN"; nothing for anything else.
+/// Reads "FILE:LINE:COLUMN"; nil for any other text.
 std::optional<PlaceText> placeWithColumn(std::string_view text) {
     const auto last = text.rfind(':');
     const std::uint32_t column = last == text.npos ? 0 : numberIn(text.substr(last + 1));
@@ -110,7 +110,8 @@ std::vector<NodeName> nodesNamed(const std::vector<NodeName>& nodes, std::string
                                  std::string_view absolute) {
     const std::string low = lowered(text);
     const std::string end = '/' + std::string(text);
-    // A file at the top has a path that others end in: the longest one is meant.
+    // An absolute path ends in the paths of several nodes: "/x/Model/Tide.m" in "Model/Tide.m" and
+    // in "Tide.m". The longest one is meant.
     const auto isAt = [&](const NodeName& node) {
         return text.find('/') != std::string_view::npos && !node.path.empty() &&
                absolute.ends_with('/' + node.path);
@@ -119,7 +120,7 @@ std::vector<NodeName> nodesNamed(const std::vector<NodeName>& nodes, std::string
     for (const NodeName& node : nodes) {
         longest = isAt(node) ? std::max(longest, node.path.size()) : longest;
     }
-    return firstThatFit<NodeName>(
+    return bestMatches<NodeName>(
         nodes,
         {
             [&](const NodeName& node) { return node.id == text; },
@@ -144,13 +145,13 @@ std::vector<NodeName> nodesNamed(const std::vector<NodeName>& nodes, std::string
 std::vector<SymbolName> symbolsOf(const json::object& outline) {
     std::vector<SymbolName> symbols;
     addSymbols(arrayAt(outline, "items"), symbols);
-    return thoseThat(symbols, [](const SymbolName& symbol) { return !symbol.name.empty(); });
+    return filtered(symbols, [](const SymbolName& symbol) { return !symbol.name.empty(); });
 }
 
 std::vector<SymbolName> symbolsNamed(const std::vector<SymbolName>& symbols,
                                      std::string_view text) {
     const std::string low = lowered(text);
-    return firstThatFit<SymbolName>(
+    return bestMatches<SymbolName>(
         symbols,
         {
             [&](const SymbolName& symbol) { return symbol.name == text; },

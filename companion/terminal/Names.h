@@ -9,7 +9,7 @@
 
 namespace navrel {
 
-// What users call files, groups and symbols, found in the views. All functions are pure.
+// Finds the files, groups and symbols that users name. All functions are pure.
 
 /// A file or a group of the tree.
 struct NodeName {
@@ -33,22 +33,23 @@ struct SymbolName {
 /// Every file and group of a tree, in its order.
 std::vector<NodeName> nodesOf(const boost::json::object& tree);
 
-/// What a text means, by the first of these that anything fits: an identifier, a path in the
-/// project, an absolute path (`absolute` is the text as one), the end of a path, a name, a name in
-/// another letter case or without its extension, a part of a path. Empty where nothing fits; more
-/// than one where the text does not decide.
+/// The nodes that a text names. The first of these readings that matches any node counts: an
+/// identifier; a path in the project; an absolute path (`absolute` is the text made absolute); the
+/// end of a path; a name; then, in any letter case, a name, a name without its extension, a part of
+/// a name or the end of a path, and a part of a path if the text has a slash. Empty if none
+/// matches; several nodes if the text is ambiguous.
 std::vector<NodeName> nodesNamed(const std::vector<NodeName>& nodes, std::string_view text,
                                  std::string_view absolute);
 
 /// Every declaration of an outline with a name, in its order.
 std::vector<SymbolName> symbolsOf(const boost::json::object& outline);
 
-/// The declarations that a text means: by their name, their name without parameters and sign, the
-/// same in another letter case, or a part of it.
+/// The declarations that a text names. The first of these readings that matches any declaration
+/// counts: the name; the name without sign and parameters; either in any letter case; a part of the
+/// name, in any letter case.
 std::vector<SymbolName> symbolsNamed(const std::vector<SymbolName>& symbols, std::string_view text);
 
-/// Ways to read "FILE", "FILE:LINE", "FILE:LINE:COLUMN" and "FILE:SYMBOL", the likeliest first:
-/// file names and symbols may contain colons. The least likely one is "FILE LINE".
+/// A place as users type it: "FILE", "FILE:LINE", "FILE:LINE:COLUMN", "FILE:SYMBOL" or "FILE LINE".
 struct PlaceText {
     std::string file;
     std::string symbol;       ///< empty for none
@@ -56,6 +57,8 @@ struct PlaceText {
     std::uint32_t column = 0; ///< 0 for none
     bool operator==(const PlaceText&) const = default;
 };
+/// The ways to read a text as a place, the likeliest first: several, since file names and symbols
+/// may contain colons. Never empty.
 std::vector<PlaceText> placesIn(std::string_view text);
 
 } // namespace navrel

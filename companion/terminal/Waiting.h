@@ -6,13 +6,15 @@
 
 namespace navrel {
 
-/// What is waited for.
+/// What the companion waits for.
 enum class Wait {
-    navrel,  ///< that a Navrel of this user's answers
-    project, ///< that it has read a project
+    navrel,  ///< for a Navrel to answer
+    project, ///< for that Navrel to have read a project
 };
 
-/// One line for users: what is waited for, how long already, and what would help. Pure.
+/// One line for users: what the companion waits for, how long it has waited and will at most, and
+/// what the user can do. `isDevice` says that it waits for Navrel as a device does, on its port,
+/// rather than on the socket of the user's own Navrel. Pure.
 QString waitingText(Wait wait, std::chrono::seconds passed, std::chrono::seconds atMost,
                     bool isDevice);
 
