@@ -14,24 +14,23 @@ QString counted(qint64 count, const QString& thing) {
                       : QStringLiteral("%1 %2s").arg(count).arg(thing);
 }
 
-/// A name in a sentence, or a word for what has none.
-QString named(const QString& name, const QString& otherwise) {
-    return name.isEmpty() ? otherwise : name;
+QString nameOr(const QString& name, const QString& fallback) {
+    return name.isEmpty() ? fallback : name;
 }
 
-StateSentence unreadable(const ProgramFacts::Project& project) {
+StateSentence unreadableSentence(const ProgramFacts::Project& project) {
     const QString place =
         project.line > 0 ? QStringLiteral(" at line %1").arg(project.line) : QString();
     const QString reason =
         project.reason.isEmpty() ? QStringLiteral(".") : QStringLiteral(": ") + project.reason;
     return {Part::project, Level::error,
             QStringLiteral("%1 cannot be read%2%3")
-                .arg(named(project.name, QStringLiteral("The project")), place, reason),
+                .arg(nameOr(project.name, QStringLiteral("The project")), place, reason),
             QStringLiteral("Look for a merge conflict or a damaged line in its project.pbxproj; "
                            "Navrel reads it again as soon as it changes.")};
 }
 
-StateSentence connected(const ProgramFacts::Device& device) {
+StateSentence connectedSentence(const ProgramFacts::Device& device) {
     const QString since =
         device.since.isEmpty() ? QString() : QStringLiteral(" since %1").arg(device.since);
     return {Part::device,
@@ -42,7 +41,7 @@ StateSentence connected(const ProgramFacts::Device& device) {
             {}};
 }
 
-StateSentence mapped(const ProgramFacts::CodeMap& codeMap) {
+StateSentence readySentence(const ProgramFacts::CodeMap& codeMap) {
     const QString extent = QStringLiteral("%1 in %2")
                                .arg(counted(codeMap.symbols, QStringLiteral("symbol")),
                                     counted(codeMap.files, QStringLiteral("file")));
@@ -56,10 +55,12 @@ StateSentence mapped(const ProgramFacts::CodeMap& codeMap) {
                        "used up: fs.inotify.max_user_watches sets it.")};
 }
 
-QString reachText(const ProgramFacts::Browsers& browsers) {
-    return browsers.reach == ProgramFacts::Browsers::Reach::network
-               ? QStringLiteral("Paired devices in this network can reach Navrel at %1")
-               : QStringLiteral("Paired browsers on this machine can reach Navrel at %1");
+QString reachClause(const ProgramFacts::Browsers& browsers) {
+    const QString clause =
+        browsers.reach == ProgramFacts::Browsers::Reach::network
+            ? QStringLiteral("Paired devices in this network can reach Navrel at %1")
+            : QStringLiteral("Paired browsers on this machine can reach Navrel at %1");
+    return clause.arg(browsers.address);
 }
 
 } // namespace
@@ -84,21 +85,21 @@ QString titleOf(Part part) {
 
 StateSentence sentenceOf(const ProgramFacts::Project& project) {
     using State = ProgramFacts::Project::State;
-    const QString name = named(project.name, QStringLiteral("the project"));
     switch (project.state) {
     case State::unreadable:
-        return unreadable(project);
+        return unreadableSentence(project);
     case State::loading:
         return {Part::project,
                 Level::good,
                 QStringLiteral("Navrel is reading %1: %2 so far.")
-                    .arg(name, counted(project.files, QStringLiteral("file"))),
+                    .arg(nameOr(project.name, QStringLiteral("the project")),
+                         counted(project.files, QStringLiteral("file"))),
                 {}};
     case State::loaded:
         return {Part::project,
                 Level::good,
                 QStringLiteral("%1 is loaded: %2.")
-                    .arg(named(project.name, QStringLiteral("A project")),
+                    .arg(nameOr(project.name, QStringLiteral("A project")),
                          counted(project.files, QStringLiteral("file"))),
                 {}};
     case State::none:
@@ -128,13 +129,13 @@ StateSentence sentenceOf(const ProgramFacts::Device& device) {
                     .arg(kCompanionPort),
                 QStringLiteral("Open the companion app on the device and keep it in front.")};
     case State::connected:
-        return connected(device);
+        return connectedSentence(device);
     case State::refused:
         return {Part::device, Level::warning,
                 QStringLiteral("Port %1 of this machine belongs to another user (%2), who is not "
                                "shown your project.")
                     .arg(kCompanionPort)
-                    .arg(named(device.user, QStringLiteral("unknown"))),
+                    .arg(nameOr(device.user, QStringLiteral("unknown"))),
                 QStringLiteral("Ask that user to end the program that listens there.")};
     case State::absent:
         break;
@@ -145,7 +146,7 @@ StateSentence sentenceOf(const ProgramFacts::Device& device) {
 
 StateSentence sentenceOf(const ProgramFacts::Editor& editor) {
     using State = ProgramFacts::Editor::State;
-    const QString name = named(editor.name, QStringLiteral("The editor"));
+    const QString name = nameOr(editor.name, QStringLiteral("The editor"));
     switch (editor.state) {
     case State::notAsked:
         return {Part::editor, Level::idle,
@@ -185,7 +186,7 @@ StateSentence sentenceOf(const ProgramFacts::Browsers& browsers) {
                 {}};
     }
     const QString text =
-        reachText(browsers).arg(browsers.address) +
+        reachClause(browsers) +
         QStringLiteral(": %1 paired, %2 connected.").arg(browsers.paired).arg(browsers.connected);
     if (browsers.isPlain && browsers.reach == Reach::network) {
         return {Part::browsers, Level::warning, text,
@@ -204,7 +205,7 @@ StateSentence sentenceOf(const ProgramFacts::CodeMap& codeMap) {
     case State::reading:
         return {Part::codeMap, Level::good, QStringLiteral("Navrel is reading the sources."), {}};
     case State::ready:
-        return mapped(codeMap);
+        return readySentence(codeMap);
     case State::none:
         break;
     }

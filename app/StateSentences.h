@@ -8,28 +8,29 @@
 
 namespace navrel {
 
-/// What one part of the program is up to, for users to read. The same words appear in the terminal,
-/// in windows and in browsers.
+/// The state of one part of the program, in words for users. The terminal, the windows and the
+/// browsers all show the same words, as plain text.
 struct StateSentence {
     enum class Part { project, device, editor, browsers, codeMap, update };
     enum class Level {
         good,    ///< it works
-        idle,    ///< nothing is amiss, and nothing is there
-        warning, ///< it does not work, and the user can do something about it
-        error,   ///< nothing can be shown until somebody does
+        idle,    ///< it is not in use, and nothing is wrong
+        warning, ///< it does not work, and the user can fix that
+        error,   ///< it does not work, and no client can show anything until the user fixes that
     };
 
     Part part = Part::project;
     Level level = Level::good;
-    QString text; ///< one sentence: what is the case
-    QString hint; ///< one sentence: what to do; empty where nothing is to be done
+    QString text; ///< one sentence: how this part stands
+    QString hint; ///< one sentence: what the user can do about it; may be empty
 
     bool operator==(const StateSentence&) const = default;
 };
 
-/// "Project", "Device" …
+/// The heading of a part's sentence: "Project", "Device" …
 QString titleOf(StateSentence::Part part);
 
+/// The sentence for one part. Pure; total: every value of the facts has one.
 StateSentence sentenceOf(const ProgramFacts::Project& project);
 StateSentence sentenceOf(const ProgramFacts::Device& device);
 StateSentence sentenceOf(const ProgramFacts::Editor& editor);
@@ -37,7 +38,7 @@ StateSentence sentenceOf(const ProgramFacts::Browsers& browsers);
 StateSentence sentenceOf(const ProgramFacts::CodeMap& codeMap);
 StateSentence sentenceOf(const ProgramFacts::Update& update);
 
-/// One sentence for each part, in the order of StateSentence::Part. Pure.
+/// The sentences of all parts, in the order of StateSentence::Part. Pure.
 std::vector<StateSentence> stateSentences(const ProgramFacts& facts);
 
 } // namespace navrel
