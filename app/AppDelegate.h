@@ -28,81 +28,82 @@ class UserDefaults;
 /// Posted by the application delegate when the connected device has gone.
 extern const QString kConnectedDeviceIDDidChange;
 
-/// The application delegate: starts the program, and connects its parts. What it is asked for, it
-/// hands on to the one that does it: `DeviceLink`, `CommandService`, `ShortcutMenu`, `WebServices`.
+/// The application delegate: starts the program, and connects its parts. It forwards each request
+/// to the part that does the work: `DeviceLink`, `CommandService`, `ShortcutMenu`, `WebServices`.
 /// One per program. Main thread.
 class AppDelegate final : public PTChannelDelegate,
                           public std::enable_shared_from_this<AppDelegate> {
 public:
-    /// The world as the delegate sees it. None is owned, each lives longer.
+    /// The world as the delegate sees it. The references are not owned, and must outlive the
+    /// delegate.
     struct Collaborators {
         KZDataManager& dataManager;
         Desktop& desktop;
         UserDefaults& userDefaults;
-        /// The version that the program shows, and tells the device: "1.4.2".
+        /// The version that the program shows to the user and sends to the device: "1.4.2".
         QString version;
-        /// Gives the hub that devices on USB are reached through; asked once, at start.
+        /// Returns the hub through which devices on USB are reached; called once, at start.
         std::function<std::shared_ptr<PTUSBHub>()> hub = &PTUSBHub::sharedHub;
-        /// The maker's web server, which has the latest version and the manual. One without an
-        /// address is never asked.
+        /// The maker's web server, for the update check and the manual. Never asked where
+        /// `hasAddress` says that there is none.
         QUrl webServer = {};
-        /// Says whom a connected socket has reached on the loopback address.
+        /// Returns the peer of a socket that is connected on the loopback address.
         std::function<LoopbackPeer(int socket)> loopbackPeer = &systemLoopbackPeer;
-        /// The manual's file as it was installed; empty where it was not found.
+        /// Path of the installed manual; empty if it was not found.
         QString installedManual = {};
         Clock& clock = systemClock();
     };
 
-    /// A delegate that does nothing until `applicationDidFinishLaunching`.
+    /// Returns a delegate that does nothing until `applicationDidFinishLaunching`.
     static std::shared_ptr<AppDelegate> create(Collaborators collaborators);
 
     // The shell.
 
-    /// Starts everything, in a fixed order; once, when the event loop is about to run. Waits for
-    /// the update check first, and for the user's answer to its alert.
+    /// Starts everything, in a fixed order. Must be called once, when the event loop is about to
+    /// run. Blocks for the update check first, and until the user has answered its alert.
     void applicationDidFinishLaunching();
-    /// Whether device requests are let in: not for the first moment after launching.
+    /// Whether device requests are answered. For 1.5 s after start-up they are dropped.
     bool clearToSend() const { return collaborators_.clock.now() >= clearToSendFrom_; }
-    /// Lets device requests in, from now on. Called once, soon after launching.
+    /// Has device requests answered from now on. The delegate's own timer calls it after that time.
     void activate() { clearToSendFrom_ = Clock::TimePoint::min(); }
-    /// The quit entry: remembers whether automatic selection is on, then ends the program.
+    /// The quit entry: saves whether automatic selection is on, then ends the program.
     void quit();
     /// The About entry: loads the page again and brings its window to the front.
     void about();
-    /// The manual entry: hands the manual of this version to the desktop's URL opener.
+    /// The manual entry, as `WebServices::showManual`.
     void manual();
-    /// Does nothing, as devices are found by themselves: there for a menu entry to be bound to.
+    /// Does nothing: Navrel finds devices by itself. Deliberate: a menu entry may be bound to it.
     void findIOSDevice() {}
-    /// Brings the shortcut entries of the menu up to date when another file has become active in
-    /// the editor. Once a second.
+    /// Updates the menu's shortcut entries when another file has become active in the editor. The
+    /// delegate's own timer calls it once a second.
     void createMenu() { shortcutMenu_.update(); }
-    /// What a shortcut entry does: shows its file in the editor, at its line. Nothing for another
-    /// entry, or one that the shortcuts have been replaced under.
+    /// The action of a shortcut entry: shows its file in the editor, at its line. Does nothing for
+    /// other entries, and for an entry whose shortcut has been replaced since.
     void openFileForMenuItem(const MenuEntry& entry) { shortcutMenu_.open(entry); }
     /// Does nothing: the store is saved once a second, and the system closes the sockets.
     void applicationWillTerminate() {}
-    /// The status item's menu, and its entry that shows program and version. Not owned; null, as at
-    /// first, is allowed for each: then there is no item, or no such entry.
+    /// Sets the status item's menu, and the entry in it that shows program and version. Neither is
+    /// owned. Both are null at first and may be: without a menu no status item is shown.
     void setMenu(StatusMenu* menu, MenuItem* versionItem);
 
-    /// Says what is the case with the device, and what the update check found; asks nobody.
+    /// Fills in the facts on the device and on the update, as last known. Never blocks.
     void addFacts(ProgramFacts& facts) const;
 
-    // The device link.
+    // The device link: each forwards to the function of `DeviceLink` of that name.
 
     void startListeningForDevices() { link_->startListeningForDevices(); }
     void enqueueConnectToUSBDevice() { link_->enqueueConnectToUSBDevice(); }
     void enqueueConnectToLocalIPv4Port() { link_->enqueueConnectToLocalIPv4Port(); }
     const std::shared_ptr<PTChannel>& connectedChannel() const { return link_->connectedChannel(); }
     void setConnectedChannel(std::shared_ptr<PTChannel> channel);
-    /// Its end is posted as kConnectedDeviceIDDidChange.
+    /// When it becomes null, kConnectedDeviceIDDidChange is posted.
     const std::shared_ptr<const DeviceID>& connectedDeviceID() const {
         return link_->connectedDeviceID();
     }
     void disconnectFromCurrentChannel() { link_->disconnectFromCurrentChannel(); }
     void didDisconnectFromDevice(const DeviceID& deviceID);
 
-    // The command service, called by the connected channel.
+    // The command service: the channels call these.
 
     quint8 optionalOperations() const override { return kShouldAcceptFrame | kDidEnd; }
     bool ioFrameChannelShouldAcceptFrameOfType(const std::shared_ptr<PTChannel>& channel,
@@ -114,8 +115,8 @@ public:
     void ioFrameChannelDidEndWithError(const std::shared_ptr<PTChannel>& channel,
                                        const std::optional<Error>& error) override;
 
-    /// Sends a reply dictionary with the tag of the request that it answers; nothing while no
-    /// channel is connected.
+    /// Sends a reply dictionary on the connected channel, with the tag of the request that it
+    /// answers. Does nothing while no channel is connected. A failure is logged.
     void sendContent(const QVariantMap& content, quint32 tag);
 
 private:
@@ -127,7 +128,7 @@ private:
     ShortcutMenu shortcutMenu_;
     MenuItem* versionItem_ = nullptr;
     std::shared_ptr<DeviceLink> link_;
-    std::vector<std::unique_ptr<ScheduledCall>> timers_; ///< the menu's, and the activation's
+    std::vector<std::unique_ptr<ScheduledCall>> timers_; ///< of `createMenu` and `activate`
     Clock::TimePoint clearToSendFrom_ = Clock::TimePoint::max();
 };
 

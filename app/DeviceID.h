@@ -6,9 +6,9 @@
 
 namespace navrel {
 
-/// The number of a device on USB, as one announcement of the device gave it. Numbers come back:
-/// whether a device is still the one that was meant is a question of the object's identity, whether
-/// two announcements speak of the same device one of its value.
+/// The number of a device on USB, as the daemon announced it when the device was attached. The
+/// daemon may reuse numbers, so there are two comparisons: equal values mean the same number, and
+/// the same object means the same attachment.
 class DeviceID final : public Described {
 public:
     explicit DeviceID(qlonglong value) : value_(value) {}

@@ -6,9 +6,9 @@ namespace navrel {
 
 class Editor;
 
-/// What is the case with the editor, as far as it has been heard. `isAsked` says whether anything
-/// asks it at all: a client that follows it, or the choice of the project. Asks nobody, and never
-/// blocks. Main thread.
+/// How the editor stood when it was last heard from. `isAsked` says whether Navrel asks the editor
+/// at all: for a client that follows it, or to choose the project. Does not ask the editor itself,
+/// and never blocks. Main thread.
 ProgramFacts::Editor editorFacts(Editor& editor, bool isAsked);
 
 } // namespace navrel

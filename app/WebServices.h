@@ -9,7 +9,7 @@ namespace navrel {
 
 class Desktop;
 
-/// What the program has from its maker's web server. Main thread.
+/// The update check and the manual, which come from the maker's web server. Main thread.
 class WebServices {
 public:
     struct World {
@@ -22,14 +22,14 @@ public:
 
     explicit WebServices(World world);
 
-    /// Waits for the server's answer, within the limits of TextFetch.h. Shows an alert, and waits
-    /// for the user's answer, when the server's version is not this program's: any difference
-    /// counts, also an older version or a line break at the end. Deliberate: the server's file
-    /// holds the bare version. Returns what it found.
+    /// Asks the server for the latest version, and blocks within the limits of TextFetch.h. If that
+    /// is not this program's version, shows an alert and blocks until the user has answered it. Any
+    /// difference counts, even an older version or a trailing line break. Deliberate: the server's
+    /// file holds the bare version. Returns what it found.
     ProgramFacts::Update checkForUpdate() const;
 
-    /// Hands the manual of this version to the desktop's URL opener. Where no server is
-    /// configured, opens the one that was installed with the program.
+    /// Opens the manual of this version on the web server by the desktop's URL opener. Opens the
+    /// installed manual instead if no server is configured and there is one. A failure is logged.
     void showManual() const;
 
 private:

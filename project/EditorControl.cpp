@@ -20,8 +20,8 @@ bool isDigit(QChar character) {
     return character >= QLatin1Char('0') && character <= QLatin1Char('9');
 }
 
-/// The number that a text begins with, blanks before it apart; 0 where it begins with none. What
-/// does not fit becomes the nearest value that does.
+/// The decimal number at the beginning of a text, after any blanks; 0 if there is none. A number
+/// out of range becomes the nearest value in range.
 int integerValueOfText(QStringView text) {
     const auto* at =
         std::find_if_not(text.begin(), text.end(), [](QChar c) { return c.isSpace(); });
@@ -29,7 +29,7 @@ int integerValueOfText(QStringView text) {
     const qint64 sign = isSigned && *at == QLatin1Char('-') ? -1 : 1;
     qint64 value = 0;
     for (at += isSigned ? 1 : 0; at != text.end() && isDigit(*at); ++at) {
-        // One past the range stays outside it whatever the sign, and can be multiplied again.
+        // Capped just outside the range, so that the next step does not overflow.
         value = std::min(value * 10 + at->digitValue(), kLargest + 1);
     }
     return static_cast<int>(std::clamp(sign * value, kSmallest, kLargest));
@@ -44,8 +44,8 @@ int integerValueOfReal(double value) {
     return static_cast<int>(std::clamp(value, smallest, largest));
 }
 
-/// A line as it comes from a device, as a 32-bit integer: a number, of which an integer too large
-/// keeps its low 32 bits, or a decimal text. Nothing where there is none, or something else.
+/// The line number that a device sent; nil for a value of any type but number and text. Deliberate:
+/// an integer that is too large keeps its low 32 bits, but other numbers and text are clamped.
 std::optional<int> lineNumber(const QVariant& line) {
     switch (line.typeId()) {
     case QMetaType::QString:
@@ -70,7 +70,7 @@ std::optional<QString> EditorControl::objectIDForActiveFile() {
     NAVREL_ASSERT_MAIN_THREAD();
     const auto fileName = editor_.activeFileName();
     const ManagedObjectContext* context = store_.context();
-    // By name only, deliberately: that is all that an editor's window title tells.
+    // By name only, deliberately: an editor's window title holds no more.
     return fileName ? views::objectIDForFileName(context, *fileName) : std::nullopt;
 }
 

@@ -6,17 +6,19 @@
 
 namespace navrel {
 
-/// A program that stands in for a real one first in `PATH` and records how it is called. One test
-/// at a time; the old `PATH` is back when it is destroyed.
+/// A fake program that records the arguments of each call. It is found before the real one, since
+/// its folder is put first in the `PATH` of this process: tests that run at the same time must not
+/// both do that. The destructor restores `PATH`.
 class RecordingTool {
 public:
+    /// `name` is that of the program; every call ends with `exitStatus`.
     explicit RecordingTool(const QString& name, int exitStatus = 0);
     ~RecordingTool();
     RecordingTool(const RecordingTool&) = delete;
     RecordingTool& operator=(const RecordingTool&) = delete;
 
-    /// The arguments of every call so far, one after another, as the bytes that reached the
-    /// program.
+    /// The arguments of all calls so far in one list, as the bytes that reached the program. Empty
+    /// before the first call.
     QByteArrayList arguments() const;
 
 private:

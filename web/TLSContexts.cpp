@@ -9,7 +9,7 @@ namespace {
 
 namespace ssl = boost::asio::ssl;
 
-/// For TLS 1.2; all of 1.3 are of that kind.
+/// Ephemeral keys and authenticated encryption only. This limits TLS 1.2; TLS 1.3 has no others.
 constexpr const char* kCiphers = "ECDHE+AESGCM:ECDHE+CHACHA20";
 
 } // namespace
@@ -21,7 +21,7 @@ TLSContext tlsContext(const Certificate& certificate) {
     SSL_CTX_set_cipher_list(native, kCiphers);
     SSL_CTX_set_options(native, SSL_OP_NO_RENEGOTIATION | SSL_OP_NO_COMPRESSION |
                                     SSL_OP_CIPHER_SERVER_PREFERENCE);
-    // A quarter of a connection's memory, while it waits.
+    // A connection that waits for requests gives its buffers back.
     SSL_CTX_set_mode(native, SSL_MODE_RELEASE_BUFFERS);
     boost::system::error_code error;
     const auto bytes = [](const std::string& text) { return boost::asio::buffer(text); };

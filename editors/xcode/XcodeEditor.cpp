@@ -14,7 +14,7 @@ namespace navrel {
 
 namespace {
 
-QString script(std::initializer_list<QString> lines) {
+QString scriptOf(std::initializer_list<QString> lines) {
     QString text;
     for (const QString& line : lines) {
         text += QStringLiteral("        ") + line + QLatin1Char('\n');
@@ -23,7 +23,7 @@ QString script(std::initializer_list<QString> lines) {
 }
 
 QString queryScript(const QString& tell, const QString& question) {
-    return script({
+    return scriptOf({
         QStringLiteral("set appName to \"Xcode\""),
         QStringLiteral("if application appName is running then"),
         QStringLiteral("delay 0.1"),
@@ -47,25 +47,25 @@ QString activeFileScript() {
 }
 
 QString jumpScript(int line) {
-    // The first delay gives the opening, which begins after the jump, the time to bring the file to
-    // the front.
-    return script({
-                      QStringLiteral("delay 0.1"),
-                      QStringLiteral("tell application \"Xcode\""),
-                      QStringLiteral("set activeFile to name of first window"),
-                      QStringLiteral("tell document named activeFile"),
-                      QStringLiteral("set selected paragraph range to {LINE, LINE}"),
-                      QStringLiteral("delay 0.1"),
-                      QStringLiteral("tell application \"System Events\""),
-                      QStringLiteral("keystroke \"l\" using {command down, shift down}"),
-                      QStringLiteral("end tell"),
-                      QStringLiteral("end tell"),
-                      QStringLiteral("end tell"),
-                  })
+    // The request to open the file starts after this script: the first delay gives it time to bring
+    // the file to the front.
+    return scriptOf({
+                        QStringLiteral("delay 0.1"),
+                        QStringLiteral("tell application \"Xcode\""),
+                        QStringLiteral("set activeFile to name of first window"),
+                        QStringLiteral("tell document named activeFile"),
+                        QStringLiteral("set selected paragraph range to {LINE, LINE}"),
+                        QStringLiteral("delay 0.1"),
+                        QStringLiteral("tell application \"System Events\""),
+                        QStringLiteral("keystroke \"l\" using {command down, shift down}"),
+                        QStringLiteral("end tell"),
+                        QStringLiteral("end tell"),
+                        QStringLiteral("end tell"),
+                    })
         .replace(QStringLiteral("LINE"), QString::number(line));
 }
 
-// On a thread of its own each; what the tools write is dropped.
+// Each of these runs on a thread of its own, and ignores the tool's output.
 
 void performJumpScript(const XcodeEditor::Tools& tools, int line) {
     outputOfTool(tools.osascript, {QStringLiteral("-e"), jumpScript(line)}, tools.requestAtMost);
@@ -96,13 +96,14 @@ std::optional<QString> XcodeEditor::activeFileName() {
 }
 
 void XcodeEditor::openFile(const QString& path, std::optional<int> line) {
-    // An empty path is left to the tool. What names no file might be taken for another one.
+    // The tool decides what an empty path means. A path that can name no file (it holds a NUL byte,
+    // say) must not reach the tool: cut off there, it would name another file.
     if (!path.isEmpty() && !canNameAFile(path)) {
         return;
     }
     const auto open = [tools = tools_, path] { performOpenScriptWithPath(tools, path); };
     if (line) {
-        // Before the opening, deliberately: the script waits for that by itself.
+        // The jump starts first, deliberately: its script waits for the file to open.
         requests_.start({[tools = tools_, line] { performJumpScript(tools, *line); }, open});
     } else {
         requests_.start({open});
@@ -113,8 +114,9 @@ void XcodeEditor::selectLine(int line) {
     requests_.start({[tools = tools_, line] { performJumpScript(tools, line); }});
 }
 
-/// What a script prints, without line feeds; what it printed last while it runs for longer than a
-/// question may wait, which would otherwise empty the store. Nil when nothing could be read.
+/// The output of a script without its line feeds; nil if it failed. While the script runs for
+/// longer than `queryAtMost`, the last answer stands: nil would make the data manager empty the
+/// store.
 std::optional<QString> XcodeEditor::answerOf(const QString& script, Question& question) {
     const auto answer = question.tool.ask(tools_.osascript, {QStringLiteral("-e"), script},
                                           QDeadlineTimer(tools_.queryAtMost));

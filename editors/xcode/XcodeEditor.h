@@ -15,38 +15,38 @@ namespace navrel {
 /// line, `xed` for opening a file.
 class XcodeEditor final : public Editor {
 public:
-    /// The tools, by absolute path, and how long one of them may take.
+    /// The absolute paths of the tools, and how long each may take.
     struct Tools {
         QString osascript = QStringLiteral("/usr/bin/osascript");
         QString xed = QStringLiteral("/usr/bin/xed");
-        /// How long a question waits. A script gives up by itself after 0.6 s, unless the system
-        /// asks the user for permission first: then it runs on, and its answer is taken when it
-        /// comes.
+        /// How long a question blocks its caller. A script gives up by itself after 0.6 s, unless
+        /// the system asks the user for permission first: then it runs on, and a later question
+        /// returns its answer.
         std::chrono::milliseconds queryAtMost{5000};
-        /// For opening and jumping, which nobody waits for.
+        /// How long opening or jumping may run before its tool is ended. Neither blocks a caller.
         std::chrono::milliseconds requestAtMost{60'000};
-        /// A question that runs for so long hangs, and is ended.
+        /// A question that has run for this long hangs: its tool is ended.
         std::chrono::milliseconds questionEndedAfter{std::chrono::hours(1)};
     };
 
-    /// A person taps a few times a second and a request lasts less than one; a device that asks
-    /// without end must not fill the machine with threads and processes.
+    /// A user taps a few times a second, and a request takes less than a second. A device that
+    /// sends requests without end must not fill the machine with threads and processes.
     static constexpr int kMaximumRunningTools = 64;
 
     XcodeEditor();
     explicit XcodeEditor(Tools tools);
 
-    /// Blocks while the script runs, `queryAtMost` at most; from then until it has ended, the last
-    /// answer stands. The answer is a document one level inside the bundle; what is
-    /// given is the folder of whatever was answered.
+    /// Xcode answers with a document one level inside the bundle, so this returns the folder of the
+    /// answer, whatever the answer is. Blocks while the script runs, for at most `queryAtMost`;
+    /// after that, and until the script has ended, returns the last answer.
     std::optional<QString> activeProjectPath() override;
-    /// The same.
+    /// Blocks as `activeProjectPath` does.
     std::optional<QString> activeFileName() override;
-    /// Starts two threads: one that selects the line, where there is one, and one that opens the
-    /// file. Two requests in quick succession run at the same time, in no certain order. Where too
-    /// many tools run already nothing is done, which is logged.
+    /// Starts two threads: one selects the line, if one is given, and one opens the file. Two
+    /// requests in quick succession run at the same time, in no certain order. If
+    /// kMaximumRunningTools run already, does nothing and logs that.
     void openFile(const QString& path, std::optional<int> line) override;
-    /// Starts the first of these threads alone.
+    /// Starts the first of these two threads only.
     void selectLine(int line) override;
 
 private:

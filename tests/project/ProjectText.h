@@ -5,36 +5,36 @@
 
 namespace navrel {
 
-/// Composes the text of a project file.
+/// Builds the text of a project file. Paths, names and types are put in quotes, not escaped.
 class ProjectText {
 public:
-    /// A group; an empty path or name is left out.
+    /// Adds a group; an empty path or name is left out.
     ProjectText& group(const char* identifier, const QByteArrayList& children,
                        const QByteArray& path = "", const QByteArray& name = "") {
-        return entry(identifier,
-                     "isa = PBXGroup;" + list(children) + pair("path", path) + pair("name", name));
+        return entry(identifier, "isa = PBXGroup;" + childrenPair(children) + pair("path", path) +
+                                     pair("name", name));
     }
 
-    /// A file reference; an empty type is left out.
+    /// Adds a file reference; an empty type or name is left out.
     ProjectText& file(const char* identifier, const QByteArray& path, const QByteArray& type = "",
                       const QByteArray& name = "") {
         return entry(identifier, "isa = PBXFileReference;" + pair("path", path) +
                                      pair("lastKnownFileType", type) + pair("name", name));
     }
 
-    /// Any object; `body` is what stands between its braces.
+    /// Adds any object; `body` is the text between its braces.
     ProjectText& entry(const QByteArray& identifier, const QByteArray& body) {
         objects_ += '"' + identifier + "\" = {" + body + "};\n";
         return *this;
     }
 
-    /// The whole file, whose main group is "MAIN".
+    /// The whole file. Its main group is the object "MAIN", which must have been added.
     QByteArray text() const {
         return "// !$*UTF8*$!\n{ archiveVersion = 1; objects = {\n" + objects_ +
                "PROJECT = {isa = PBXProject; mainGroup = MAIN;};\n}; rootObject = PROJECT; }\n";
     }
 
-    static QByteArray list(const QByteArrayList& children) {
+    static QByteArray childrenPair(const QByteArrayList& children) {
         QByteArray text = "children = (";
         for (const QByteArray& child : children) {
             text += '"' + child + "\", ";

@@ -26,22 +26,24 @@ namespace navrel {
 //
 //   00 00 00 01  00 00 00 05  00 00 00 07  00 00 00 03  61 62 63
 
-constexpr quint32 kPTFrameVersion = 1;
-constexpr quint32 kPTFrameTypeEndOfStream = 0;
-constexpr size_t kPTFrameHeaderSize = 16;
+inline constexpr quint32 kPTFrameVersion = 1;
+inline constexpr quint32 kPTFrameTypeEndOfStream = 0;
+inline constexpr size_t kPTFrameHeaderSize = 16; ///< in bytes
 
-/// What a header says, in host byte order. The version is not kept: there is only one.
+/// The fields of a header, in host byte order. The version is left out: there is only one.
 struct PTFrameHeader {
     quint32 type = kPTFrameTypeEndOfStream;
     quint32 tag = 0;
-    quint32 payloadSize = 0;
+    quint32 payloadSize = 0; ///< in bytes
 
     bool operator==(const PTFrameHeader&) const = default;
 };
 
+/// The bytes of a header on the wire.
 std::array<char, kPTFrameHeaderSize> encodedFrameHeader(const PTFrameHeader& header);
 
-/// Nothing for fewer bytes than a header has, and for another version. Further bytes do not count.
+/// The header at the beginning of `bytes`; those after it are ignored. Nil if there are fewer bytes
+/// than a header has, or the version is another.
 std::optional<PTFrameHeader> decodedFrameHeader(QByteArrayView bytes);
 
 } // namespace navrel
