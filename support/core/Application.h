@@ -4,13 +4,13 @@
 
 namespace navrel {
 
-/// Has applications made with Qt's own event loop while one lives. The one that Qt takes by default
-/// where there is GLib needs a quarter more time for a turn, and each request may cost one. Main
-/// thread, while no other reads the environment.
+/// While one lives, application objects are made with Qt's own event loop. By default Qt uses
+/// GLib's if there is one, which takes a quarter more time for a turn, and each request may cost a
+/// turn. Changes the environment, so no other thread may read it meanwhile. Main thread.
 class OwnEventLoop {
 public:
     OwnEventLoop();
-    /// Programs that this one starts choose for themselves.
+    /// Restores the environment, so that programs that this one starts choose for themselves.
     ~OwnEventLoop();
     OwnEventLoop(const OwnEventLoop&) = delete;
     OwnEventLoop& operator=(const OwnEventLoop&) = delete;
@@ -19,8 +19,8 @@ private:
     bool isChosenHere_;
 };
 
-/// The application object of the program, a QCoreApplication or a class derived from it. `argc` and
-/// `argv` must outlive it.
+/// Makes the application object of the program: a QCoreApplication, or a class derived from it.
+/// `argc` and `argv` must outlive it.
 template <typename Application>
 std::unique_ptr<Application> makeApplication(int& argc, char** argv) {
     const OwnEventLoop choice;

@@ -6,8 +6,7 @@
 
 namespace navrel {
 
-/// A call that a clock has been asked for. It is cancelled when this is destroyed, which the call
-/// itself may do.
+/// A call that a clock will make. Destroying this cancels it; the call itself may do that.
 class ScheduledCall {
 public:
     virtual ~ScheduledCall() = default;
@@ -18,8 +17,8 @@ protected:
     ScheduledCall() = default;
 };
 
-/// Time as the program's parts see it, so that tests can give them another one. It never goes back,
-/// and has nothing to do with the time of day. Main thread.
+/// Time as the program's parts see it; tests pass in one that they advance. It never goes back, and
+/// is not the time of day. Main thread.
 class Clock {
 public:
     using Duration = std::chrono::nanoseconds;
@@ -32,19 +31,20 @@ public:
 
     virtual TimePoint now() const = 0;
 
-    /// Calls once, that much later and never earlier, from the event loop. The clock must outlive
-    /// the result.
+    /// Makes the call once, after `delay` and never earlier, from the event loop. The clock must
+    /// outlive the result.
     [[nodiscard]] virtual std::unique_ptr<ScheduledCall> after(Duration delay, Call call) = 0;
 
-    /// Calls again and again. A call that comes late does not put off the next one; those that a
-    /// busy program missed are left out.
+    /// Makes the call every `interval`, the first time after one, from the event loop. A late call
+    /// does not delay the next one; calls that a busy program missed are skipped. The clock must
+    /// outlive the result.
     [[nodiscard]] virtual std::unique_ptr<ScheduledCall> every(Duration interval, Call call) = 0;
 
 protected:
     Clock() = default;
 };
 
-/// The system's clock. Its calls need a running event loop.
+/// The system's clock, never destroyed. It makes its calls while an event loop runs.
 Clock& systemClock();
 
 } // namespace navrel

@@ -6,8 +6,8 @@
 
 namespace navrel {
 
-/// An object that people attach to another one and that the log can name. Compared by identity
-/// where the owner says so, which is why it travels as a shared pointer and never as a copy.
+/// An object that can be attached to another one, and that the log can name. Some owners compare
+/// such objects by identity: pass them on as shared pointers, never as copies.
 class Described {
 public:
     virtual ~Described() = default;
@@ -21,7 +21,7 @@ protected:
     Described& operator=(const Described&) = default;
 };
 
-/// A text as an object.
+/// A text to attach to an object.
 class DescribedText final : public Described {
 public:
     explicit DescribedText(QString text) : text_(std::move(text)) {}

@@ -6,22 +6,22 @@
 
 namespace navrel {
 
-/// Writes one message to the log: one line on standard error, the message last on its line, and
-/// syslog(3) under the identifier "Navrel". Line breaks and other control characters in the message
-/// (names from project files hold them) are written as escapes, so that a message is always one
-/// line. Nothing is waited for: what standard error or the system's log does not take at once is
-/// lost there, and its number is logged when lines are taken again. Any thread; never fails.
+/// Writes one message to the log: a line on standard error that ends with the message, and an entry
+/// in the system's log under the identifier "Navrel". Line breaks and other control characters in
+/// the message (names from project files may have them) are escaped, so a message is always one
+/// line. Never blocks: lines that standard error or the system's log does not take at once are lost
+/// there, and their number is logged when it takes lines again. Any thread; never fails.
 void log(const QString& message);
 
-/// Has writes to a pipe without a reader, and beyond the largest allowed file, fail instead of
-/// ending the program. To be called once, before the first message.
+/// Ignores SIGPIPE and SIGXFSZ: writes to a pipe without a reader, or beyond the limit of a file's
+/// size, then fail instead of ending the program. Must be called once, before the first message.
 void surviveSignalsOfWriting();
 
 /// Receives every message in place of the log, as passed to `log`.
 using LogReceiver = std::function<void(const QString& message)>;
 
-/// Puts a receiver in place of the log, for tests; an empty one restores the log. Returns the
-/// previous one. Any thread.
+/// Replaces the log by a receiver, for tests; an empty one restores the log. Returns the previous
+/// receiver. Any thread.
 LogReceiver setLogReceiver(LogReceiver receiver);
 
 } // namespace navrel

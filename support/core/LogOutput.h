@@ -5,8 +5,8 @@
 
 namespace navrel {
 
-/// A place for lines of the log that is never waited for: what it does not take at once is lost,
-/// and counted; the first line that it takes afterwards is preceded by the count. One thread at a
+/// A destination of the log that never blocks: a line that it does not take at once is lost. The
+/// first line that it takes after that is preceded by the number of those lost. One thread at a
 /// time.
 class LogOutput {
 public:
@@ -21,7 +21,7 @@ protected:
     LogOutput() = default;
 
 private:
-    /// Takes a line whole, or returns false.
+    /// Writes the whole line without blocking. False if that was not possible.
     virtual bool take(const QByteArray& line) = 0;
 
     quint64 lost_ = 0;

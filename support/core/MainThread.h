@@ -9,7 +9,7 @@ bool isMainThread();
 
 } // namespace navrel
 
-/// Stops the program where a class that is for the main thread alone is entered on another one: its
-/// state has no lock, and would be corrupted sooner or later. In release builds too; it costs a
-/// comparison.
+/// Aborts the program on any thread but the main one. For functions of classes that only the main
+/// thread may use: their state has no lock, and would be corrupted sooner or later. In release
+/// builds too; it costs one comparison.
 #define NAVREL_ASSERT_MAIN_THREAD() NAVREL_ASSERT_AS(::navrel::isMainThread(), "on the main thread")

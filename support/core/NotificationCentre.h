@@ -10,22 +10,22 @@
 
 namespace navrel {
 
-/// Something that happened to its sender, told to those that observe it.
+/// Something that happened, as observers of the sender learn it.
 struct Notification {
     QString name;
     const void* sender = nullptr; ///< for comparison only
     QVariantMap userInfo;
 };
 
-/// Carries notifications from senders to observers that do not know each other. Any thread.
+/// Passes notifications from senders to observers that do not know each other. Any thread.
 class NotificationCentre {
     struct Observation;
 
 public:
     using Observer = std::function<void(const Notification& notification)>;
 
-    /// Keeps an observer registered: it is removed, together with what it holds, when the last copy
-    /// of its token goes. A call that has begun is not waited for.
+    /// Keeps an observer registered. When its last copy is destroyed, the observer is removed and
+    /// destroyed; a call to it that has begun on another thread may still be running.
     using Token = std::shared_ptr<const Observation>;
 
     /// The centre of the process. Never destroyed.
@@ -35,12 +35,12 @@ public:
     NotificationCentre(const NotificationCentre&) = delete;
     NotificationCentre& operator=(const NotificationCentre&) = delete;
 
-    /// Observes the notifications of that name by that very sender.
+    /// Has `observer` called for the notifications of that name that this sender posts.
     [[nodiscard]] Token addObserver(const QString& name, const void* sender, Observer observer);
 
-    /// Calls the observers one after the other, in the order of their registration, before this
-    /// returns. They may add and remove observers: an added one is not called for this notification
-    /// any more, nor is a removed one.
+    /// Calls the observers one after another, in the order of their registration, and returns after
+    /// the last. They may add and remove observers: added ones are not called for this
+    /// notification, and neither are removed ones that were still to come.
     void post(const QString& name, const void* sender, const QVariantMap& userInfo);
 
 private:

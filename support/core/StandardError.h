@@ -9,11 +9,12 @@
 
 namespace navrel {
 
-/// Standard error, each line behind "Navrel: ". A pipe or a terminal that nobody reads takes
-/// nothing; where there is no standard error, nothing is lost.
+/// Standard error as an output of the log; each line begins with "Navrel: ". A pipe or terminal
+/// that is full loses lines. If there is no standard error, lines are dropped and not counted as
+/// lost.
 class StandardError final : public LogOutput {
 public:
-    /// Another descriptor is for tests. It stays the caller's.
+    /// `descriptor` is not owned, and must outlive this. Tests pass another one.
     explicit StandardError(int descriptor = 2) : descriptor_(descriptor) {}
 
 private:
@@ -22,12 +23,12 @@ private:
     void openUnblocked(dev_t device, ino_t inode);
 
     int descriptor_;
-    // A second way to the same pipe or terminal, of which alone it is known that it does not block:
-    // other programs share the first.
+    // The same pipe or terminal, opened again so that it does not block. The descriptor itself is
+    // shared with other programs, which may expect it to block.
     OwnedDescriptor own_;
     dev_t ownDevice_ = 0;
     ino_t ownInode_ = 0;
-    bool isInLine_ = false; ///< a line was cut short
+    bool isInLine_ = false; ///< the last line was written in part
 };
 
 } // namespace navrel

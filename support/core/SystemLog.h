@@ -7,10 +7,11 @@
 
 namespace navrel {
 
-/// The system's log, under the identifier "Navrel". Where there is none, nothing is lost.
+/// The system's log as an output of the log, under the identifier "Navrel". If there is none, lines
+/// are dropped and not counted as lost.
 class SystemLog final : public LogOutput {
 public:
-    /// Another socket than the system's is for tests.
+    /// Tests pass another socket than the system's.
     explicit SystemLog(QByteArray socketPath = QByteArrayLiteral("/dev/log"));
 
 private:

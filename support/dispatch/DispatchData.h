@@ -20,12 +20,12 @@ struct MallocDeleter {
 };
 using MallocedBytes = std::unique_ptr<char, MallocDeleter>;
 
-/// Bytes in counted buffers: a value that is cheap to copy, join and hand on, since only references
-/// are copied. The bytes themselves never change while anybody refers to them. Any thread may hold,
-/// copy and release a value that it has for itself.
+/// Bytes in reference-counted buffers: a value that is cheap to copy and join, since only
+/// references are copied. The bytes themselves never change. Any thread may use a value of its own;
+/// several values may share a buffer.
 class DispatchData {
 public:
-    /// One contiguous run of bytes, with a share in the buffer that holds them.
+    /// One contiguous run of bytes, and a reference to the buffer that holds them.
     struct Region {
         std::shared_ptr<const char> bytes;
         size_t size = 0;
@@ -38,7 +38,7 @@ public:
     DispatchData(const DispatchData&) = default;
     DispatchData& operator=(const DispatchData&) = default;
 
-    /// What is moved from is empty.
+    /// Leaves the other value empty.
     DispatchData(DispatchData&& other) noexcept
         : onlyRegion_(std::move(other.onlyRegion_)), regions_(std::move(other.regions_)),
           size_(std::exchange(other.size_, 0)) {}
@@ -50,21 +50,21 @@ public:
     }
     ~DispatchData() = default;
 
-    /// The array's bytes, shared with it and not copied.
+    /// The bytes of the array, which are shared with it and not copied.
     static DispatchData referencing(const QByteArray& bytes);
 
     /// A copy of the bytes.
     static DispatchData copying(QByteArrayView bytes);
 
-    /// `size` bytes that the pointer has a share in.
+    /// `size` bytes that the pointer keeps alive.
     static DispatchData sharing(std::shared_ptr<const char> bytes, size_t size);
 
-    /// `size` bytes of memory that this call takes over.
+    /// Takes ownership of `size` bytes.
     static DispatchData owning(MallocedBytes bytes, size_t size);
 
-    /// `size` bytes that stay somebody else's, and must stay as they are until `destructor` runs.
-    /// It runs exactly once, after the last reference has gone: as a job of `queue`, or, with a
-    /// null queue, at once where that reference is released.
+    /// `size` bytes that the caller owns, and must not change or free until `destructor` runs. That
+    /// happens exactly once, after the last reference is released: as a job of `queue` or, if that
+    /// is null, on the thread that releases it.
     static DispatchData borrowing(const void* bytes, size_t size,
                                   std::shared_ptr<DispatchQueue> queue, Destructor destructor);
 
@@ -79,16 +79,16 @@ public:
         return regions_;
     }
 
-    /// Puts the other's regions behind these; no byte is copied.
+    /// Appends the other's regions; no byte is copied.
     void append(DispatchData other);
 
-    /// The same bytes in one region: this value itself if it has no more than one already, else a
-    /// single copy. Nothing when there is no memory for it.
+    /// The same bytes in one region: this value if it has at most one, otherwise a copy. Nil if
+    /// there is no memory for that.
     std::optional<DispatchData> contiguous() const&;
     std::optional<DispatchData> contiguous() &&;
 
-    /// The first byte of data in at most one region, which is what `contiguous` gives; null for
-    /// empty data.
+    /// The bytes of data in at most one region, as `contiguous` returns it; aborts the program for
+    /// more. Null for empty data. Valid until this value changes.
     const char* bytes() const;
 
     /// A copy of all bytes.
@@ -97,12 +97,12 @@ public:
 private:
     void appendRegion(const Region& region);
 
-    Region onlyRegion_;           ///< what is received comes in one, which needs no allocation
-    std::vector<Region> regions_; ///< all of them, where there are several
+    Region onlyRegion_;           ///< if there is one, as with received data: needs no allocation
+    std::vector<Region> regions_; ///< all of them, if there are several; otherwise empty
     size_t size_ = 0;
 };
 
-/// Both values' bytes, one behind the other; no byte is copied.
+/// The bytes of `first`, then those of `second`; no byte is copied.
 DispatchData concatenated(const DispatchData& first, const DispatchData& second);
 
 } // namespace navrel

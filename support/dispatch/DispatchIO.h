@@ -20,37 +20,36 @@ class DispatchQueue;
 
 /// Asynchronous reads and writes on a stream descriptor (socket, pipe, terminal).
 ///
-/// Reads end in the order of their calls, and so do writes. Every operation ends exactly once, with
-/// a delivery that is told as done. Handlers run as jobs of the queue that the operation names,
+/// Reads end in the order of their calls, and so do writes. Every operation ends exactly once: a
+/// read with a delivery marked as done. Handlers run as jobs of the queue that the operation names,
 /// never inside the call that starts it.
 ///
-/// The channel reads ahead: bytes behind what an operation asked for wait in it for the next one,
-/// so nobody else may read the descriptor. It reads only while an operation waits, a few times an
-/// event, and not while more than `kMostUnwrittenBytes` or `kMostUnwrittenWrites` wait for a peer
-/// that does not read. So what a peer can make it hold is bounded by the piece that the first read
-/// asks for, and a caller that takes a length from a peer must limit it.
+/// The channel reads ahead: bytes beyond those that an operation asked for are kept for the next
+/// one, so no other code may read the descriptor. It reads only while an operation waits, a few
+/// times for each event, and not while more than `kMostUnwrittenBytes` or `kMostUnwrittenWrites`
+/// wait for a peer that does not read. So the memory that a peer can take is bounded by the piece
+/// size of the first read: a caller that gets a length from a peer must limit it.
 ///
-/// Operations may be called on any thread; off the queue's thread they take effect in the order of
-/// their calls as soon as the queue gets there. The channel stays alive while operations are
-/// pending.
+/// Any thread may call the operations. Off the queue's thread they take effect later, in the order
+/// of the calls. The channel stays alive while operations are pending.
 class DispatchIO final : public std::enable_shared_from_this<DispatchIO> {
 public:
-    /// Room for a counted reference and another function: a handler that calls one back.
+    /// Room for a shared pointer and another function: for handlers that wrap one.
     static constexpr size_t kReadHandlerInlineSize =
         sizeof(std::shared_ptr<void>) + sizeof(MoveOnlyFunction<void()>);
 
-    /// One delivery of a read: the next piece of its bytes, whether it is the last delivery, and
-    /// for the last one an errno value. At the end of the stream an unfinished read first delivers
-    /// what it has, if anything, and then an empty last piece with errno 0. A piece that was read
-    /// ahead shares that buffer of 64 KiB: a caller that keeps small ones for long must copy them.
+    /// One delivery of a read: the next piece of its bytes, whether it is the last delivery, and,
+    /// if it is, an errno value. At the end of the stream, an unfinished read delivers what it has,
+    /// if anything, and then an empty last piece with errno 0. A piece may keep a read-ahead buffer
+    /// of 64 KiB alive: a caller that keeps small pieces for long should copy them.
     using ReadHandler = MoveOnlyFunction<void(bool done, DispatchData data, int errnoValue),
                                          kReadHandlerInlineSize>;
 
     /// The end of a write: 0 when all its bytes are written.
     using WriteHandler = MoveOnlyFunction<void(int errnoValue)>;
 
-    /// The end of the channel: EBADF when the descriptor turned out to be none, else 0. The
-    /// owner of the descriptor must close it here, not before.
+    /// The end of the channel: EBADF if the descriptor turned out not to be open, otherwise 0. The
+    /// owner of the descriptor must not close it before this.
     using CleanupHandler = MoveOnlyFunction<void(int errnoValue)>;
 
     enum class Close {
@@ -61,14 +60,15 @@ public:
     /// A read with this piece size delivers all its bytes at once, in one region.
     static constexpr size_t kWholeLength = std::numeric_limits<size_t>::max();
 
-    /// More than a device could wait for; beyond it, answering is pointless before the peer reads.
+    /// No device waits for more than this. Beyond it, reading further requests is pointless until
+    /// the peer reads its replies.
     static constexpr size_t kMostUnwrittenBytes = size_t{8} * 1024 * 1024;
     static constexpr size_t kMostUnwrittenWrites = 4096;
 
-    /// A channel on the descriptor, which is made non-blocking and stays the caller's. Null, with
-    /// errno set and no handler called, when that is not possible or the queue is null. The
-    /// clean-up handler (may be null) runs once, on the queue, after the channel was closed or
-    /// dropped and the last handler of its operations has returned.
+    /// Makes a channel on a descriptor, which is made non-blocking and still belongs to the caller.
+    /// Null, with errno set and no handler called, if that fails or the queue is null. The clean-up
+    /// handler (may be null) runs once, on the queue, after the channel is closed or destroyed and
+    /// the last handler of its operations has returned.
     static std::shared_ptr<DispatchIO> create(int descriptor,
                                               const std::shared_ptr<DispatchQueue>& queue,
                                               CleanupHandler cleanupHandler);
@@ -79,14 +79,14 @@ public:
     /// The descriptor, for information only; -1 once the clean-up handler has been called.
     int descriptor() const { return descriptor_.value(); }
 
-    /// Reads exactly `length` bytes and delivers them in pieces of `largestPiece` bytes. The
-    /// announced length is not believed: memory grows with what arrives. ECANCELED after `close`.
+    /// Reads exactly `length` bytes and delivers them in pieces of `largestPiece` bytes. Memory
+    /// grows with what arrives, not with `length`. ECANCELED after `close`.
     void read(quint64 length, const std::shared_ptr<DispatchQueue>& handlerQueue,
               ReadHandler&& handler, size_t largestPiece = kWholeLength);
 
-    /// The next `length` bytes at once, in one region, if they were read ahead and no read waits
-    /// for them: a handler can go on with what follows its own bytes. Nothing otherwise, also once
-    /// the channel was closed and off its queue; then nothing is taken, and `read` is the way.
+    /// Returns the next `length` bytes in one region if they have been read ahead and no read waits
+    /// for them, so that a handler can go on at once. Otherwise takes nothing and returns nil: the
+    /// caller should use `read`. Always nil after `close`, and off the queue's thread.
     std::optional<DispatchData> takeReadAhead(size_t length);
 
     /// Writes all bytes. The system is called at once when no earlier write waits. The handler may
@@ -95,11 +95,12 @@ public:
     void write(DispatchData data, const std::shared_ptr<DispatchQueue>& handlerQueue,
                WriteHandler&& handler);
 
-    /// The same for the data with the prefix before it.
+    /// As `write` above, of the prefix and then the data.
     void write(const WritePrefix& prefix, DispatchData&& data,
                const std::shared_ptr<DispatchQueue>& handlerQueue, WriteHandler&& handler);
 
-    /// No operation is taken any more. May be called again, to stop what a first call lets finish.
+    /// Ends the channel: later operations end with ECANCELED. May be called again, with `stop`, to
+    /// end what a first call lets finish.
     void close(Close how);
 
 private:

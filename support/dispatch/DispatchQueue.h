@@ -15,14 +15,14 @@ class QObject;
 
 namespace navrel {
 
-/// A queue of jobs that run one at a time, in the order in which they were put there, always on the
+/// A queue of jobs that run one at a time, in the order in which they were added, always on the
 /// same thread.
 ///
 /// The queue is not re-entrant: while one of its jobs spins an event loop of its own (a modal
 /// dialog), no other job of the queue runs; they follow, in order, once that job has returned.
 ///
-/// Needs a QCoreApplication. A queue lives as long as somebody holds it or jobs wait that can run;
-/// jobs of a suspended queue that nobody holds are dropped unrun.
+/// Needs a QCoreApplication. A queue lives as long as it is referenced or has jobs that can run.
+/// When the last reference to a suspended queue goes, its jobs are destroyed without being run.
 class DispatchQueue final : public std::enable_shared_from_this<DispatchQueue> {
 public:
     using Job = MoveOnlyFunction<void()>;
@@ -40,26 +40,27 @@ public:
     DispatchQueue(const DispatchQueue&) = delete;
     DispatchQueue& operator=(const DispatchQueue&) = delete;
 
-    /// Name for people: what the creator gave, "main" for the main queue.
+    /// A name for debugging: as given to `serialQueue`, or "main" for the main queue.
     const QString& label() const { return label_; }
 
-    /// Puts a job at the end of the queue; never runs it inside the call. Any thread.
+    /// Adds a job at the end of the queue; never runs it inside the call. Any thread.
     void async(Job job);
 
-    /// Holds back every job that has not begun, until as many `resume` calls have come. Any thread,
-    /// the queue's own jobs too.
+    /// Keeps jobs that have not begun from running, until `resume` has been called as often as
+    /// `suspend`. Any thread, also from the queue's own jobs.
     void suspend();
 
-    /// Undoes one `suspend`; one too many stops the program. Any thread.
+    /// Undoes one `suspend`. Must not be called more often than that: it aborts the program. Any
+    /// thread.
     void resume();
 
     /// Stores a value under a key, which is compared by its address. The destructor (may be null)
-    /// is called once with the value: when another value takes its place, on the thread that stores
-    /// that one, or when the queue goes away, on the thread that lets go of it. A null value
-    /// removes the entry. Any thread.
+    /// is called once with the value: when it is replaced, on the thread that does that, or when
+    /// the queue is destroyed, on the thread that releases it. A null value removes the entry. Any
+    /// thread.
     void setSpecific(const void* key, void* value, SpecificDestructor destructor);
 
-    /// The value stored under the key in this very queue, or null. Any thread.
+    /// The value stored under the key in this queue, or null. Any thread.
     void* specific(const void* key) const;
 
     /// Whether the caller is on the thread that runs this queue's jobs.
@@ -68,9 +69,10 @@ public:
         return current == thread_;
     }
 
-    /// Runs the job at once, as a job of this queue, if none is running or waiting and the queue is
-    /// not suspended; jobs that it puts on the queue follow at once. False, with nothing run,
-    /// otherwise. For events that arrive on the queue's thread, which alone may call it.
+    /// Runs the job at once, as a job of this queue, and then those that it adds, if no other job
+    /// is running or waiting and the queue is not suspended. Otherwise runs nothing and returns
+    /// false. Only for the queue's thread: saves a turn of its event loop when an event arrives
+    /// there.
     bool tryPerform(Job job);
 
 private:

@@ -9,19 +9,19 @@ namespace navrel {
 
 class DispatchQueue;
 
-/// Tells its owner whenever a descriptor can be read. Handlers run as jobs of the queue.
+/// Calls a handler whenever a descriptor can be read. Handlers run as jobs of the queue.
 ///
-/// All operations on the queue's thread. The source holds its handlers, and what they hold, until
-/// it has been cancelled; dropping the last reference cancels it too.
+/// The queue's thread only. The source keeps its handlers, and what they refer to, until it has
+/// been cancelled; releasing the last reference cancels it too.
 class DispatchSource final : public std::enable_shared_from_this<DispatchSource> {
 public:
-    /// `pendingCount` says how much waits: bytes, or connections of a listening socket; 0 when the
-    /// system does not tell.
+    /// `pendingCount` says how much can be read: in bytes, or in connections for a listening
+    /// socket; 0 if the system does not say.
     using EventHandler = std::function<void(quint64 pendingCount)>;
     using CancelHandler = std::function<void()>;
 
-    /// A source that does nothing before `start`. The descriptor stays the caller's and must stay
-    /// open until the cancel handler has run, which is the place to close it.
+    /// Makes a source that does nothing before `start`. The descriptor still belongs to the caller,
+    /// who must not close it before the cancel handler runs.
     static std::shared_ptr<DispatchSource> create(int descriptor,
                                                   std::shared_ptr<DispatchQueue> queue,
                                                   EventHandler eventHandler,
@@ -32,8 +32,8 @@ public:
 
     void start();
 
-    /// No event is told from now on. The cancel handler runs once, as a later job of the queue; a
-    /// second call does nothing.
+    /// Ends the events: the event handler is not called any more. The cancel handler runs once, as
+    /// a later job of the queue. A second call does nothing.
     void cancel();
 
     bool isCancelled() const { return isCancelled_; }

@@ -8,32 +8,31 @@
 
 namespace navrel {
 
-/// A std::function and a counted reference, with room for a few values.
+/// In bytes: room for a std::function, a shared pointer and a few values.
 inline constexpr size_t kUsualInlineSize = 64;
 
 template <typename Signature, size_t InlineSize = kUsualInlineSize>
 class MoveOnlyFunction;
 
-/// What a wrapper can take over and call later: anything that is called so, but no other wrapper of
-/// its kind, which it moves instead.
+/// What a wrapper can hold: anything that can be called with these arguments, except another
+/// wrapper of its own type, which is moved instead.
 template <typename Callable, typename Wrapper, typename Result, typename... Arguments>
 concept CallableFor = !std::is_same_v<std::remove_cvref_t<Callable>, Wrapper> &&
                       std::is_invocable_r_v<Result, std::remove_cvref_t<Callable>&, Arguments...>;
 
-/// Something to call, with one owner at a time. Unlike a std::function it may hold what cannot be
-/// copied, such as another function of this kind, and it allocates nothing for what fits into
-/// `kInlineSize` bytes, counted references included: what happens with every frame of a connection
-/// is handed on in these.
+/// A callable that can be moved and not copied. Unlike a std::function it may hold what cannot be
+/// copied, such as another function of this kind. It allocates nothing for a callable of at most
+/// `kInlineSize` bytes: every frame of a connection passes through several of these.
 template <typename Result, typename... Arguments, size_t InlineSize>
 class MoveOnlyFunction<Result(Arguments...), InlineSize> {
 public:
     static constexpr size_t kInlineSize = InlineSize;
 
-    /// Nothing to call.
+    /// Holds nothing: converts to false.
     MoveOnlyFunction() = default;
     MoveOnlyFunction(std::nullptr_t) {}
 
-    /// Takes over whatever can be called so. A std::function with nothing in it is nothing to call.
+    /// Holds a callable; nothing if that is an empty std::function or a null pointer.
     template <CallableFor<MoveOnlyFunction, Result, Arguments...> Callable>
     MoveOnlyFunction(Callable&& callable) {
         if constexpr (std::is_constructible_v<bool, const Callable&> &&
@@ -59,13 +58,13 @@ public:
 
     explicit operator bool() const { return operations_ != nullptr; }
 
-    /// Calls what is held, which there must be.
+    /// Calls what it holds. Must not be called while it holds nothing.
     Result operator()(Arguments... arguments) {
         return operations_->call(storage_, std::forward<Arguments>(arguments)...);
     }
 
 private:
-    /// What to do with the held object, whose type only these functions know.
+    /// The operations on the held object, whose type only they know.
     struct Operations {
         Result (*call)(void* storage, Arguments&&... arguments);
         void (*move)(void* from, void* to); ///< leaves nothing behind
@@ -85,7 +84,7 @@ private:
         [](void* storage) { static_cast<Held*>(storage)->~Held(); },
     };
 
-    /// What is too large to be held in place.
+    /// Holds a callable that is too large to be stored inline.
     template <typename Callable>
     struct Allocated {
         std::unique_ptr<Callable> callable;

@@ -7,17 +7,17 @@
 
 namespace navrel {
 
-/// Bytes that were read before anybody asked for them, so that many small operations cost one
-/// system call. Its memory is allocated with the first use, and again when somebody still has a
-/// share in it.
+/// A buffer of bytes that were read before an operation asked for them, so that many small
+/// operations cost one system call. Its memory is allocated at first use, and again if the old
+/// memory is still shared.
 class ReadAhead {
 public:
-    /// Holds hundreds of ordinary requests, and is small enough to stay in the processor's cache.
+    /// In bytes: room for hundreds of ordinary requests, and it stays in the processor's cache.
     static constexpr size_t kCapacity = size_t{64} * 1024;
 
     bool isEmpty() const { return begin_ == end_; }
 
-    /// Room for a read, to be followed by `filled`. Only while empty.
+    /// The buffer to read into; `filled` must follow. Must be called only while empty.
     std::span<char> room() {
         if (!isMine()) {
             bytes_ = std::make_shared_for_overwrite<char[]>(kCapacity);
@@ -29,12 +29,11 @@ public:
         end_ = count;
     }
 
-    /// What waits, and that the first `count` bytes of it have been taken.
+    /// The bytes that have not been taken. `taken` removes the first `count` of them.
     std::span<const char> waiting() const { return {bytes_.get() + begin_, end_ - begin_}; }
     void taken(size_t count) { begin_ += count; }
 
-    /// The first `count` waiting bytes, which are taken; the one that holds them keeps the whole
-    /// buffer.
+    /// Takes the first `count` bytes. The result keeps the whole buffer alive.
     std::shared_ptr<char[]> takeShared(size_t count) {
         std::shared_ptr<char[]> first(bytes_, bytes_.get() + begin_);
         begin_ += count;
@@ -42,7 +41,7 @@ public:
     }
 
 private:
-    // The one that let go of the last share, maybe on another thread, has read from it before.
+    // Acquires, since another thread may have read the bytes before it released the last share.
     bool isMine() const {
         if (bytes_.use_count() != 1) {
             return false;

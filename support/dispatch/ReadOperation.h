@@ -11,26 +11,26 @@
 
 namespace navrel {
 
-/// The bytes of one read on their way in: each piece is gathered into one buffer. A large one grows
-/// with what has arrived, since the announced length is somebody else's word.
+/// One read in progress: collects each of its pieces in one buffer. The buffer of a large piece
+/// grows with what has arrived, since the announced length comes from the peer.
 class ReadOperation {
 public:
-    /// Allocated at once where as much or more is announced; beyond it a buffer at most doubles,
-    /// so a peer that announces 4 GB and delivers little holds this much.
+    /// In bytes: at most this much is allocated before anything has arrived. Beyond it a buffer at
+    /// most doubles, so a peer that announces 4 GB and sends little takes no more than this.
     static constexpr size_t kFirstCapacity = size_t{1024} * 1024;
 
-    /// Reads `length` bytes in pieces of `largestPiece`, which is not 0.
+    /// For `length` bytes in pieces of `largestPiece` bytes, which must not be 0.
     ReadOperation(quint64 length, size_t largestPiece);
 
-    /// Takes from the read-ahead buffer what the piece still lacks: a share in the buffer where
-    /// that is the whole piece, else a copy. False when there is no memory.
+    /// Takes the missing bytes of the piece from the read-ahead buffer, as far as they are there:
+    /// shares the buffer if it has the whole piece, copies otherwise. False if there is no memory.
     bool take(ReadAhead& ahead);
 
-    /// Whether the piece is worth reading straight into its buffer, past the read-ahead buffer.
+    /// Whether the piece should be read straight into its own buffer.
     bool isLarge() const { return pieceLength() > ReadAhead::kCapacity; }
 
-    /// Where the next bytes of the piece go, to be followed by `filled`; empty when there is no
-    /// memory, or the piece lacks nothing.
+    /// The buffer for the next bytes of the piece; `filled` must follow. Empty if there is no
+    /// memory, or the piece is complete.
     std::span<char> room();
     void filled(size_t count) { filled_ += count; }
 
@@ -38,7 +38,7 @@ public:
     bool isLastPiece() const { return undelivered_ <= largestPiece_; }
     size_t missing() const { return pieceLength() - filled_; }
 
-    /// What the current piece has so far; the next piece begins.
+    /// Returns what the current piece has so far, and begins the next piece.
     DispatchData takePiece();
 
 private:

@@ -9,18 +9,19 @@
 
 namespace navrel {
 
-/// Non-blocking transfers on a stream descriptor that belongs to somebody else. Never raises
-/// SIGPIPE, whatever the kind of descriptor, and leaves the process's signal handling alone.
+/// Non-blocking transfers on a stream descriptor, which is not owned. Never raises SIGPIPE,
+/// whatever the kind of descriptor, and does not change the process's signal handlers.
 class StreamDescriptor {
 public:
-    /// The outcome of one system call: bytes moved (0 of a read: end of stream), or an errno value.
+    /// The outcome of one system call: the number of bytes (0 for a read at the end of the stream),
+    /// or an errno value other than 0.
     struct Transfer {
         size_t count = 0;
         int errnoValue = 0;
         bool wouldBlock() const;
     };
 
-    /// Makes the descriptor non-blocking. Nothing, with errno set, when that fails.
+    /// Makes the descriptor non-blocking. Nil, with errno set, if that fails.
     static std::optional<StreamDescriptor> adopt(int descriptor);
 
     int value() const { return value_; }

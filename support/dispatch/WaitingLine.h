@@ -7,9 +7,9 @@
 
 namespace navrel {
 
-/// First come, first served. Memory for a few is kept, so that a connection whose operations come
-/// and go in turn allocates nothing for them, as a std::deque would. References are valid until the
-/// line changes.
+/// A first-in, first-out queue of values. It keeps memory for a few of them, so a connection whose
+/// operations come and go in turn allocates nothing, unlike with a std::deque. References are valid
+/// until the queue changes.
 template <typename Value>
 class WaitingLine {
 public:
@@ -28,7 +28,7 @@ public:
         values_.push_back(Value{std::forward<Arguments>(arguments)...});
     }
 
-    /// Puts back what was taken.
+    /// Puts a value that was taken back to the front.
     void pushFront(Value&& value) {
         if (first_ > 0) {
             values_[--first_] = std::move(value);
@@ -44,8 +44,8 @@ public:
         return value;
     }
 
-    /// Whatever the first value still holds goes now or with a later one: it is to be moved out
-    /// before, as far as that matters.
+    /// Removes the first value. It may be destroyed later, with others: move out of it first
+    /// anything that must be released now.
     void dropFront() {
         ++first_;
         if (first_ == values_.size()) {
@@ -57,7 +57,8 @@ public:
     }
 
 private:
-    /// Places of values that are gone; more are given to others, as soon as that moves few of them.
+    /// How many removed values may stay before the others. More are erased as soon as they
+    /// outnumber the others.
     static constexpr std::size_t kMostTaken = 64;
     static constexpr std::size_t kMostKept = 256;
 

@@ -9,10 +9,10 @@
 
 namespace navrel {
 
-/// What one system call is to write: the regions of one write after the other.
+/// The buffers for one system call: the regions of one or several writes, in order.
 class WriteVectors {
 public:
-    /// Enough for dozens of frames; further regions go with the next call.
+    /// Room for dozens of frames. Further regions are written by the next call.
     static constexpr size_t kCapacity = 64;
 
     bool isFull() const { return count_ == kCapacity; }
@@ -27,8 +27,8 @@ private:
     size_t size_ = 0;
 };
 
-/// A few bytes that go before the data of a write, such as a header: kept with the write, they need
-/// no buffer of their own.
+/// A few bytes that are written before the data of a write, such as a header. The write holds them,
+/// so they need no buffer of their own.
 class WritePrefix {
 public:
     static constexpr size_t kCapacity = 16;
@@ -44,7 +44,7 @@ private:
     size_t size_ = 0;
 };
 
-/// The bytes of one write on their way out.
+/// One write in progress.
 class WriteOperation {
 public:
     WriteOperation(const WritePrefix& prefix, DispatchData&& data)
@@ -53,10 +53,11 @@ public:
 
     size_t unwritten() const { return unwritten_; }
 
-    /// Adds what is not written yet, as far as there is room, which there is for something.
+    /// Appends the unwritten bytes until `vectors` is full. Must not be called when it is full.
     void gather(WriteVectors& vectors) const;
 
-    /// Up to `count` more bytes are written; returns how many of them are this operation's.
+    /// Notes that `count` more bytes of the vectors were written, and returns how many of them
+    /// belong to this operation.
     size_t advance(size_t count);
 
 private:

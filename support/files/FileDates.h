@@ -19,7 +19,7 @@ inline qint64 nanosecondsOf(const struct timespec& time) {
                                static_cast<quint64>(time.tv_nsec));
 }
 
-/// When a file's content was last changed, in nanoseconds since 1970.
+/// When a file's content was last modified, in nanoseconds since 1970.
 inline qint64 modificationDateIn(const struct stat& status) {
 #ifdef __APPLE__
     return nanosecondsOf(status.st_mtimespec);

@@ -4,10 +4,10 @@
 
 namespace navrel {
 
-/// Whether the desktop's opener may be given a file because a browser asked for it: a regular file
-/// without an execute bit, and no entry of the applications menu (.desktop), which openers start.
-/// A link is judged by what it leads to, name and all. False for a file that cannot be looked at.
-/// Any thread.
+/// Whether a file may be handed to the desktop's opener because a browser asked for that: it must
+/// be a regular file without an execute bit, and not a ".desktop" file, which openers start. A link
+/// is judged by its target, including the name. False for a file that cannot be examined. Any
+/// thread.
 bool isHarmlessToOpen(const std::string& path);
 
 } // namespace navrel

@@ -4,7 +4,7 @@
 
 namespace navrel {
 
-/// A descriptor that is closed when its owner is destroyed.
+/// A file descriptor that is closed with this object.
 class OwnedDescriptor {
 public:
     OwnedDescriptor() = default;
@@ -16,7 +16,7 @@ public:
     bool isValid() const { return value_ >= 0; }
     int value() const { return value_; }
 
-    /// The descriptor, which is the caller's to close from now on.
+    /// Returns the descriptor, which the caller must close from now on.
     int release() { return std::exchange(value_, -1); }
 
 private:

@@ -10,29 +10,29 @@
 
 namespace navrel {
 
-/// An open regular file, for reading; closed with the object. Opening and reading never block, as
-/// a pipe or a device in the place of a file would. Any one thread.
+/// An open regular file, for reading; closed with the object. Pipes and devices, which could block,
+/// are not opened. One thread at a time.
 class RegularFile {
 public:
-    /// Nil where the path names no file, one that may not be read, or something that is no regular
-    /// file. A path that holds a NUL byte names no file.
+    /// Nil if there is no such file, it may not be read, or it is not a regular file. A path with a
+    /// NUL byte names no file.
     static std::optional<RegularFile> open(const QByteArray& path);
 
-    /// `readAll` of the file at a path; nil where `open` gives none.
+    /// Opens the file and returns `readAll`; nil if `open` fails.
     static std::optional<QByteArray> content(const QByteArray& path, qsizetype atMost);
 
     /// The length in bytes at the time of opening.
     quint64 size() const { return size_; }
 
-    /// What the file system says of the file now; nil where it cannot.
+    /// The file's state now; nil if the file system does not return it.
     std::optional<struct stat> status() const;
 
-    /// The bytes up to the end of the file, wherever that is by now. Nil where there are more than
-    /// `atMost`, or fewer than at the time of opening: it was cut, or cannot be read to its end.
+    /// All bytes of the file as it is now. Nil if they are more than `atMost`, or fewer than at the
+    /// time of opening: the file was truncated, or could not be read to its end.
     std::optional<QByteArray> readAll(qsizetype atMost) const;
 
-    /// Reads up to `length` bytes from an offset; fewer only at the end of the file. 0 also where
-    /// the file cannot be read.
+    /// Reads up to `length` bytes from an offset, and returns how many: fewer only at the end of
+    /// the file. 0 also if the file cannot be read.
     qsizetype readAt(quint64 offset, char* buffer, qsizetype length) const;
 
 private:

@@ -9,19 +9,18 @@
 
 namespace navrel {
 
-/// Jobs that block, each on a thread of its own that nobody waits for; only so many at a time,
-/// since what asks for them may be a device that asks without end. Jobs may outlive the object, and
-/// end with the process at the latest. Any thread.
+/// Runs blocking jobs, each on a thread of its own, without waiting for them. Their number is
+/// limited, since a device may cause them without end. A job may outlive this object, and ends with
+/// the process at the latest. Any thread.
 class Errands {
 public:
     using Job = std::function<void()>;
 
-    /// `name` is what the log calls them: "requests to Xcode".
+    /// `name` is what the log calls the jobs: "requests to Xcode". At most `atMost` run at a time.
     Errands(QString name, int atMost);
 
-    /// Starts all of these jobs, in their order, or none. False, which is logged, when too many run
-    /// already, or the system has no thread to run them on: then none but those before the first
-    /// that has none.
+    /// Starts these jobs in their order. False, which is logged, if too many would run: then none
+    /// is started. Also false if the system has no more threads: then the first of them may run.
     bool start(std::initializer_list<Job> jobs) const;
 
 private:

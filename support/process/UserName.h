@@ -4,8 +4,9 @@
 
 namespace navrel {
 
-/// What a user is called on this machine; the number where the system has no name for it. Empty for
-/// a negative number, which stands for an unknown user. May read the system's files.
+/// The name of a user (by its number) on this machine, or the number as text if the system has no
+/// name for it. Empty for a negative number, which means an unknown user. May read files. Any
+/// thread.
 QString nameOfUser(qint64 user);
 
 } // namespace navrel

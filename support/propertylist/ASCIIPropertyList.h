@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-// The old-style ASCII format: text in, nodes out.
+// Parses the old-style ASCII format: text in, nodes out.
 //
 //   list        a value, with blanks before and behind
 //   value       string | data | array | dictionary
@@ -17,41 +17,44 @@
 //   dictionary  { string = value ; string ; … } a key alone is its own value
 //   blank       U+0009 to U+000D, U+0020, U+2028, U+2029, // to the end of the line, /* … */
 //
-// Blanks may stand between any two tokens; a /* that is never closed runs to the end. Within quotes
-// a backslash begins an escape: see unescaped.
+// Blanks are allowed between any two tokens. A "/*" that is never closed runs to the end. Within
+// quotes a backslash begins an escape: see `unescaped`.
 namespace navrel::propertylist {
 
 inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 inline constexpr std::string_view kASCIIWhiteSpace = " \t\n\v\f\r";
 
-/// Why a text (of this format or of XML) is no list: what was expected (or is too much) at a
-/// position of the text.
+/// Why a text, of this format or of XML, is not a property list: what was expected, or exceeds a
+/// limit, at a position (in bytes) of the text.
 struct TextFailure {
     std::size_t position;
     PropertyListErrorCode code;
     const char* reason;
 };
 
-/// Appends the nodes of a list; positions count from the beginning of the text. A list of more
-/// values than there may be nodes is a failure. On failure the nodes are of no use.
+/// Appends the nodes of the list that the text is; their positions count from the beginning of the
+/// text. Fails also if there are more values than `nodes` takes. After a failure the nodes must not
+/// be used. Nil on success.
 std::optional<TextFailure> parseASCII(std::string_view text, NodeArray& nodes);
 
-/// The same without vector instructions: what other processors run.
+/// As `parseASCII`, without vector instructions, as processors other than x86-64 run it.
 std::optional<TextFailure> parseASCIIPortably(std::string_view text, NodeArray& nodes);
 
-/// Where and that a text is not strict UTF-8; nothing for one that is.
+/// The position of the first byte that is not strict UTF-8; nil if there is none.
 std::optional<TextFailure> checkUTF8(std::string_view text);
 
-/// The UTF-8 text of a string that holds escapes. One to three octal digits are a byte in the
-/// NeXTSTEP encoding; \U and up to four hexadecimal digits are one UTF-16 unit, two of which make a
-/// pair; \a \b \f \n \r \t \v are control characters; any other character stands for itself. What
-/// is no character (a unit without its other half, the NeXTSTEP bytes 0xFE and 0xFF) gives U+FFFD.
+/// The UTF-8 text of a string with escapes. A backslash and one to three octal digits are a byte of
+/// the NeXTSTEP encoding; \U and up to four hexadecimal digits are a UTF-16 unit, and two of them
+/// may be a surrogate pair; \a \b \f \n \r \t \v are control characters; any other character after
+/// a backslash is itself. Invalid ones (half of a pair, the NeXTSTEP bytes 0xFE and 0xFF) become
+/// U+FFFD.
 std::string unescaped(std::string_view text);
 
-/// The bytes that the digits of a data value stand for.
+/// The bytes of a data value, from its hexadecimal digits; white space is skipped.
 QByteArray dataOfDigits(std::string_view digits);
 
-/// "line L, column C: reason", both from 1; columns count characters.
+/// The failure as an error: "line L, column C: reason". Lines and columns count from 1, columns in
+/// characters. `text` must be the one that was parsed.
 Error errorOfFailure(const TextFailure& failure, std::string_view text);
 
 } // namespace navrel::propertylist

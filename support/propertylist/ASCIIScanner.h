@@ -10,14 +10,14 @@
 #include <emmintrin.h>
 #endif
 
-// The loops over bytes of the old-style ASCII format. PortableScanner says what each means;
-// VectorScanner gives the same answers 16 bytes at a time. All take and return positions in
-// [at, end], and `end` where there is nothing to find.
+// The byte loops of the old-style ASCII format. PortableScanner defines them; VectorScanner does
+// the same with 16 bytes at a time. All take and return positions in [at, end], and return `end` if
+// there is nothing to find.
 namespace navrel::propertylist {
 
 enum ByteClass : std::uint8_t {
     kWhite = 1,      ///< U+0009 to U+000D and blank
-    kUnquoted = 2,   ///< may stand in a string without quotes
+    kUnquoted = 2,   ///< allowed in a string without quotes
     kMaybeBlank = 4, ///< white, or may begin a comment, U+2028 or U+2029
     kHexadecimal = 8,
 };
@@ -59,7 +59,7 @@ struct PortableScanner {
         return at;
     }
 
-    /// The first byte that cannot stand in a string without quotes.
+    /// The first byte that is not allowed in a string without quotes.
     static const char* endOfUnquoted(const char* at, const char* end) {
         while (at != end && isOfClass(*at, kUnquoted)) {
             ++at;
@@ -111,8 +111,8 @@ struct VectorScanner {
                 return at + std::countr_zero(others);
             }
             const std::uint32_t others = ~unquotedMask(load(at + kBlock)) & kAll;
-            // Object identifiers have 24 bytes. Saying so lets the processor go on at once from
-            // where it foresees the end, instead of waiting for the end to be computed.
+            // Object identifiers have 24 bytes. With a branch for that length, the processor can
+            // predict the end and go on from there, instead of waiting until it is computed.
             if ((others & kFirst9) == kOnly9th) {
                 return at + kBlock + 8;
             }
@@ -173,12 +173,13 @@ private:
         return _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
     }
 
-    // A bit for each byte whose uppermost bit is set, the first byte's lowest.
+    // One bit for each byte: its uppermost one. The lowest bit is the first byte's.
     static std::uint32_t mask(__m128i bytes) {
         return static_cast<std::uint32_t>(_mm_movemask_epi8(bytes));
     }
 
-    // Bytes from first to last: moved so that the range ends at the greatest signed byte.
+    // Whether bytes are from `first` to `last`, by one signed comparison: all are moved so that the
+    // range ends at the greatest signed byte.
     static __m128i isInRange(__m128i bytes, char first, char last) {
         const __m128i moved = _mm_add_epi8(bytes, _mm_set1_epi8(static_cast<char>(127 - last)));
         return _mm_cmpgt_epi8(moved, _mm_set1_epi8(static_cast<char>(126 - (last - first))));

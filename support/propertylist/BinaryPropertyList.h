@@ -15,8 +15,8 @@
 //   trailer (32 bytes) 6 unused | offsetSize 1 | referenceSize 1 | objectCount 8 | topObject 8 |
 //                      offsetTable 8 (its position)
 //
-// Markers, the kind above and the length n below; n = 15 says that an integer object with the
-// length follows:
+// Markers have the kind in the upper four bits, and the length n in the lower four. n = 15 means
+// that an integer object follows, which is the length:
 //
 //   0x08 0x09  false, true          0x5n  ASCII text of n bytes
 //   0x1n       integer, 2^n bytes   0x6n  UTF-16 text of n units
@@ -24,7 +24,7 @@
 //   0x33       date, a real of 8    0xDn  dictionary: n references of keys, then n of values
 //   0x4n       data of n bytes
 //
-// Integers of 1, 2 and 4 bytes have no sign. A date is the seconds since 2001-01-01 UTC.
+// Integers of 1, 2 and 4 bytes are unsigned. A date is the seconds since 2001-01-01 UTC.
 namespace navrel::propertylist {
 
 inline constexpr char kBinaryMagic[] = "bplist";
@@ -49,7 +49,8 @@ inline constexpr qsizetype kTrailerSize = 32;
 /// 2001-01-01 00:00 UTC, from which dates count, in milliseconds since 1970.
 inline constexpr qint64 kReferenceDate = 978'307'200'000;
 
-/// Reads the binary format. An object that several others refer to is read once and shared.
+/// Reads the binary format, as `propertyListWithData` does. An object that several others refer to
+/// is read once and shared.
 std::optional<QVariant> readBinary(QByteArrayView bytes, std::optional<Error>* error);
 
 } // namespace navrel::propertylist

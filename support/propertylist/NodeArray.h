@@ -7,11 +7,11 @@
 #include <cstdint>
 #include <vector>
 
-// The inside of PropertyListDocument: only its readers include this.
+// Internal to PropertyListDocument: only its readers may include this.
 namespace navrel::propertylist {
 
-/// The nodes of one list: a vector that hands out the next place at the cost of one comparison, and
-/// keeps its memory from one list to the next.
+/// The nodes of one list: a vector whose `append` costs one comparison, and which keeps its memory
+/// from one list to the next.
 class NodeArray {
 public:
     explicit NodeArray(std::size_t most = kMaxPropertyListNodes) : most_(most) {}
@@ -24,7 +24,7 @@ public:
     bool isEmpty() const { return size_ == 0; }
     void clear() { size_ = 0; }
 
-    /// False, with nothing appended, when there are as many as there may be.
+    /// False, with nothing appended, if there are already `most` nodes.
     [[nodiscard]] bool append(Node node) {
         if (size_ == nodes_.size() && !grow()) [[unlikely]] {
             return false;
@@ -33,7 +33,7 @@ public:
         return true;
     }
 
-    /// Gives memory back where it is many times what the nodes take, as after a far larger list.
+    /// Frees memory if it is many times what the nodes need, as after a far larger list.
     void trim();
 
 private:

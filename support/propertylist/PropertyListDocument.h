@@ -15,11 +15,10 @@
 
 namespace navrel {
 
-/// A property list in the old-style ASCII format, or in XML, as a flat array of small nodes over
-/// the list's bytes. It serves project files, which are read again whenever they change: reading
-/// copies no text, and the memory of the nodes is kept from one reading to the next, unless it is
-/// many times what the new list takes. One thread at a time, readers of values included (escapes
-/// are undone when a string is first looked at).
+/// A property list, read from the old-style ASCII format or XML, as a flat array of small nodes
+/// that refer to the list's bytes. It is for project files, which are read again whenever they
+/// change: reading ASCII copies no text, and the memory of the nodes is reused. One thread at a
+/// time, even for reading values: escapes are decoded when a string is first read.
 class PropertyListDocument {
 public:
     class Value;
@@ -29,22 +28,22 @@ public:
     template <typename Iterator>
     class Range;
 
-    /// For lists of up to so many values, at all levels, keys included.
+    /// Lists of more than `mostValues` values, at all levels, including keys, are not read.
     explicit PropertyListDocument(std::size_t mostValues = kMaxPropertyListNodes)
         : nodes_(mostValues) {}
     PropertyListDocument(const PropertyListDocument&) = delete;
     PropertyListDocument& operator=(const PropertyListDocument&) = delete;
 
-    /// Reads a list in place of the one before; XML is tried first. The bytes are kept alive by the
-    /// document, and must not change where they are raw data. False when they are no list, with
-    /// "line L, column C: what was expected" in `error` where it is given; the document is then
-    /// empty. Every value taken from the document before is dead, however it ends.
+    /// Reads a list in place of the one before. The document keeps a reference to the bytes; raw
+    /// data (QByteArray::fromRawData) must outlive it and not change. False if they are not a list,
+    /// with "line L, column C: what was expected" in `error` unless that is null; the document is
+    /// empty then. In either case, values taken before must not be used any more.
     bool read(QByteArray bytes, std::optional<Error>* error = nullptr);
 
-    /// The list's outermost value; nothing while the document is empty.
+    /// The outermost value of the list; nothing if the document is empty.
     Value root() const;
 
-    /// How many values the list has, at all levels, keys included.
+    /// How many values the list has, at all levels, including keys.
     std::size_t valueCount() const { return nodes_.size(); }
 
 private:
@@ -66,12 +65,12 @@ private:
 
     QByteArray bytes_; // what was read; for XML, the texts of its strings end to end
     propertylist::NodeArray nodes_;
-    // The text of strings with escapes, by node, from the first look on.
+    // The decoded text of strings with escapes, by node; added when first read.
     mutable std::unordered_map<std::uint32_t, std::string> unescaped_;
 };
 
-/// A light view of one value, or of nothing: what is not there is a view too, so that look-ups can
-/// be chained. Valid until its document is read again or destroyed.
+/// A view of one value, or of nothing, which is cheap to copy. A missing value is a view of
+/// nothing, so look-ups can be chained. Valid until its document reads again or is destroyed.
 class PropertyListDocument::Value {
 public:
     /// Nothing.
@@ -83,28 +82,28 @@ public:
     bool isArray() const;
     bool isDictionary() const;
 
-    /// A string's text, without quotes and escapes, as UTF-8 in the document's memory; empty for
-    /// everything else.
+    /// The decoded text of a string, as UTF-8 in the document's memory; empty for other kinds.
     std::string_view utf8() const;
 
-    /// The value of a dictionary's key, the last one where the key is repeated; nothing for an
-    /// absent key and for other kinds. Compares every key: for many look-ups in a large dictionary
-    /// there is PropertyListIndex.
+    /// The value of a key of a dictionary, the last one if the key is repeated; nothing for an
+    /// absent key and for other kinds. Compares all keys: for many look-ups in a large dictionary,
+    /// use PropertyListIndex.
     Value operator[](std::string_view key) const;
 
-    /// How many elements an array, or entries (repeated keys each count) a dictionary has; else 0.
+    /// The number of elements of an array, or of entries of a dictionary, where repeated keys each
+    /// count; 0 for other kinds.
     std::size_t count() const;
 
-    /// An array's values in order; none for other kinds.
+    /// The values of an array in order; none for other kinds.
     Range<ElementIterator> elements() const;
 
-    /// A dictionary's entries, repeated keys included; none for other kinds. In the order of the
-    /// bytes for the ASCII format, in the order of the keys for XML.
+    /// The entries of a dictionary, including repeated keys; none for other kinds. In the order of
+    /// the file for the ASCII format, in the order of the keys for XML.
     Range<EntryIterator> entries() const;
 
-    /// The value as maps, lists, strings and bytes, the last of repeated keys winning. An invalid
-    /// variant for nothing, and for what XML has beside these (numbers, booleans, dates and data),
-    /// of which the document keeps no value.
+    /// The value as maps, lists, strings and bytes; the last of repeated keys wins. An invalid
+    /// variant for nothing, and for the other kinds of XML (numbers, booleans, dates and data),
+    /// whose values the document does not keep.
     QVariant toVariant() const;
 
 private:
@@ -160,7 +159,7 @@ private:
     Value position_;
 };
 
-/// What a range-based for runs over.
+/// A range for range-based for loops.
 template <typename Iterator>
 class PropertyListDocument::Range {
 public:

@@ -6,11 +6,11 @@
 #include <cstring>
 #include <string_view>
 
-// The hash of PropertyListIndex, apart from it so that tests can make keys that collide.
+// The hash of PropertyListIndex, in a header of its own so that tests can make keys that collide.
 namespace navrel::propertylist {
 
-/// Both halves of a product of two words, folded into one: every bit of either word moves about
-/// half of the result's.
+/// The upper and lower half of a product of two words, combined by "exclusive or". A change of any
+/// bit of either word changes about half of the result's bits.
 inline std::uint64_t mixed(std::uint64_t left, std::uint64_t right) {
     __extension__ using Product = unsigned __int128;
     const Product product = static_cast<Product>(left) * right;
@@ -30,8 +30,8 @@ inline std::uint64_t shortWordAt(const char* bytes, std::size_t count) {
     return word;
 }
 
-/// A hash that only who knows the seed can aim at. Object identifiers have 24 bytes, which are
-/// three words.
+/// A keyed hash: without the seed, keys that collide cannot be chosen. Object identifiers have 24
+/// bytes, which are three words.
 inline std::uint64_t hashOfKey(std::string_view key, const PropertyListIndex::Seed& seed) {
     std::uint64_t hash = seed[0] ^ key.size();
     const char* at = key.data();

@@ -10,9 +10,9 @@
 
 namespace navrel {
 
-/// A hash index over the keys of one dictionary, for the "objects" of a project. The memory is kept
-/// from one building to the next, unless it is many times what the new one takes. The hash is keyed
-/// with random words of the process, so that a file cannot be made whose keys collide.
+/// A hash index of the keys of one dictionary, for the "objects" of a project. `build` reuses the
+/// memory, unless it is many times what the new index needs. The hash is keyed with random words of
+/// the process, so nobody can write a file whose keys collide. One thread at a time.
 class PropertyListIndex {
 public:
     using Value = PropertyListDocument::Value;
@@ -23,17 +23,18 @@ public:
     PropertyListIndex();
     explicit PropertyListIndex(const Seed& seed) : seed_(seed) {}
 
-    /// Indexes a dictionary in place of the one before; an empty index for any other value. The
-    /// index holds views: it is valid as long as they are.
+    /// Indexes a dictionary in place of the one before. For any other value the index is empty. It
+    /// must not be used after the value's document has read again or was destroyed.
     void build(Value dictionary);
 
-    /// The value of a key, the last one where the key is repeated; nothing for an absent key.
+    /// The value of a key, the last one if the key is repeated; nothing for an absent key.
     Value find(std::string_view key) const;
 
     /// How many different keys there are.
     std::size_t size() const { return size_; }
 
-    /// The most keys that a look-up passes on its way: a few dozen in the largest dictionary.
+    /// The largest number of slots that a look-up of a key visits: a few dozen in the largest
+    /// dictionaries. For tests.
     std::size_t longestProbe() const;
 
 private:

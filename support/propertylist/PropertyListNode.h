@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-// The inside of PropertyListDocument: only its readers include this.
+// Internal to PropertyListDocument: only its readers may include this.
 namespace navrel::propertylist {
 
 enum class NodeKind : std::uint8_t {
@@ -10,12 +10,12 @@ enum class NodeKind : std::uint8_t {
     escapedString, ///< the bytes hold escapes
     data,          ///< the bytes are hexadecimal digits and white space
     array,
-    dictionary, ///< keys and values take turns
+    dictionary, ///< keys and values alternate
     scalar,     ///< a number, boolean or date of an XML list, whose value is not kept
 };
 
-/// One value of a list. The nodes of a list stand in the order of its bytes: a container comes
-/// right before what is in it. 8 bytes, since a project file has one for every 11 of its bytes.
+/// One value of a list. The nodes are in the order of the list's bytes: a container comes right
+/// before its contents. Takes 8 bytes, since a project file has a value for every 11 of its bytes.
 class Node {
 public:
     static constexpr std::uint32_t kMaxSize = (std::uint32_t{1} << 29) - 1;

@@ -9,19 +9,19 @@
 
 namespace navrel {
 
-// TCP sockets over IPv4. Each function leaves errno set when it fails. Ports and addresses are in
-// host byte order. All sockets are closed in the programs that this one starts.
+// TCP sockets over IPv4. A function that fails sets errno. Ports and addresses are in host byte
+// order. Programs that this one starts do not inherit the sockets. Any thread.
 
 sockaddr_in IPv4SocketAddress(quint16 port, quint32 IPv4Address);
 
-/// A blocking stream socket; invalid on failure.
+/// Makes a blocking stream socket; invalid on failure.
 OwnedDescriptor makeIPv4StreamSocket();
 
-/// Connects, and returns once the connection is made or refused, or with ETIMEDOUT. The socket is
-/// non-blocking afterwards.
+/// Connects a socket, and makes it non-blocking. Blocks until it is connected (true) or not (false,
+/// with ETIMEDOUT after `atMost`).
 bool connectBlocking(int socket, const sockaddr_in& address, std::chrono::milliseconds atMost);
 
-/// A non-blocking socket that listens with a backlog of 512; invalid on failure.
+/// Makes a non-blocking socket that listens with a backlog of 512; invalid on failure.
 OwnedDescriptor makeListeningSocket(const sockaddr_in& address);
 
 /// Accepts one connection and fills in the peer's address and its length; invalid on failure.
@@ -29,8 +29,8 @@ OwnedDescriptor acceptConnection(int serverSocket, sockaddr_in& address, socklen
 
 bool makeNonBlocking(int descriptor);
 
-/// What every connection gets: no signal when the peer is gone, and frames that leave at once
-/// instead of waiting for the peer to acknowledge the one before. Failures do not matter.
+/// Sets the options of a connection: no signal when the peer is gone (SO_NOSIGPIPE, where the
+/// system has it), and no delay of small writes (TCP_NODELAY). Failures are ignored.
 void setConnectionOptions(int socket);
 
 } // namespace navrel

@@ -9,17 +9,18 @@
 
 namespace navrel {
 
-// Sockets that never hold the caller. Any thread. A failure sets errno.
+// Sockets that never block the caller. A function that fails sets errno. Any thread.
 
-/// A socket of a family and type, closed in the programs that this one starts. Invalid on failure.
+/// Makes a socket of a family and type, which programs that this one starts do not inherit. Invalid
+/// on failure.
 OwnedDescriptor makeNonBlockingSocket(int family, int type);
 
-/// One that is connected to the Unix socket of a name: a path, or on Linux a NUL and an abstract
-/// name. Invalid on failure, which is EAGAIN where the listener's queue is full.
+/// Makes a socket that is connected to the Unix socket at a path or, on Linux, of an abstract name,
+/// which begins with a NUL byte. Invalid on failure: EAGAIN if the listener's queue is full.
 OwnedDescriptor connectToUnixSocket(const QByteArray& name, int type = SOCK_STREAM);
 
-/// Sends what the socket takes at once, without SIGPIPE, also where the socket may block. The
-/// number of bytes, or -1.
+/// Sends what the socket takes at once, without SIGPIPE, even if the socket is a blocking one.
+/// Returns the number of bytes sent, or -1.
 ssize_t sendWithoutWaiting(int socket, QByteArrayView bytes);
 
 } // namespace navrel

@@ -17,8 +17,7 @@ namespace navrel {
 /// Domain of the errors whose code is one of ICU's.
 extern const QString kRegularExpressionErrorDomain;
 
-/// A regular expression with ICU's syntax and semantics, searched for anywhere in a text.
-/// One thread at a time.
+/// A regular expression with ICU's syntax and semantics. One thread at a time.
 class RegularExpression {
 public:
     enum Option : quint32 {
@@ -26,38 +25,38 @@ public:
         kDotMatchesLineSeparators = 2,
     };
 
-    /// A part of the searched text, in UTF-16 units. A group that took no part in the match has the
-    /// location -1 and no length.
+    /// A part of the searched text, in UTF-16 units. A group that took no part in the match has
+    /// location -1 and length 0.
     struct Range {
         qsizetype location;
         qsizetype length;
     };
 
-    /// The whole match and its groups: `ranges[0]` is the match, `ranges[n]` the group n.
+    /// One match: `ranges[0]` is the whole of it, `ranges[n]` is group n.
     struct Match {
         std::vector<Range> ranges;
     };
 
-    /// What a search costs: places where a match was tried, and steps that ICU can go back to while
-    /// it tries one. The same on every machine, however busy.
+    /// The cost of a search: the number of places where ICU tries a match, and of the states that
+    /// it saves to backtrack to. The same on every machine, however busy.
     using Steps = qint64;
 
-    /// ICU counts the steps of a search by that many: what is beyond a multiple of it is not seen.
+    /// ICU reports its states in multiples of this number; the rest is not counted.
     static constexpr Steps kStepsAtATime = 10'000;
 
-    /// What was found, in order of position. With an error, what was found before it.
+    /// The matches in order of position; with an error, those found before it.
     struct Matches {
         std::vector<Match> matches;
-        Steps steps = 0; ///< counted only where they are limited: counting takes time
+        Steps steps = 0; ///< 0 for a search without limit: counting takes time
         std::optional<Error> error;
     };
 
-    /// The expression, or why the pattern is none. `options` is a combination of Option.
+    /// The expression, or the error in the pattern. `options` is a combination of Option.
     static std::variant<RegularExpression, Error> compile(QStringView pattern, quint32 options);
 
-    /// All matches, none overlapping another. A pattern may backtrack without end: a search that
-    /// has taken more than `atMost` steps ends with an error, and so does one that needs more than
-    /// ICU's own limit of backtracking memory (8 MB).
+    /// All matches, anywhere in the text, which do not overlap. A pattern may backtrack without
+    /// end: a search that takes more than `atMost` steps ends with an error, and so does one that
+    /// exceeds ICU's own limit of backtracking memory (8 MB).
     Matches matchesIn(QStringView text, std::optional<Steps> atMost = std::nullopt);
 
 private:

@@ -5,23 +5,22 @@
 
 #include <optional>
 
-/// Strict UTF-8. Overlong forms, surrogates, values above U+10FFFF and cut-off sequences are
-/// invalid and never replaced; NUL and the byte order mark are characters like any other. Any
-/// thread.
+/// Strict UTF-8. Overlong forms, surrogates, values above U+10FFFF and truncated sequences are
+/// invalid, and not replaced unless a function says so. NUL and the byte order mark are characters
+/// like any other. Any thread.
 namespace navrel {
 
-/// How many bytes at the beginning are valid UTF-8: all of them, or the position at which the first
-/// invalid sequence begins.
+/// How many bytes at the beginning are valid UTF-8: all, or those before the first invalid
+/// sequence.
 qsizetype validUTF8Length(QByteArrayView bytes);
 
 bool isValidUTF8(QByteArrayView bytes);
 
-/// The text that the bytes spell, or nil where they are not valid UTF-8.
+/// The text of the bytes, or nil if they are not valid UTF-8.
 std::optional<QString> decodeUTF8(QByteArrayView bytes);
 
-/// The text of bytes that were valid where they came from, for people and devices: a byte order
-/// mark at the beginning, of which QString::fromUtf8 makes nothing, is part of the name that
-/// begins with it. What is not valid shows as U+FFFD.
+/// The text of the bytes, to show to users and devices. Invalid sequences become U+FFFD. Unlike
+/// with QString::fromUtf8, a byte order mark at the beginning stays: it is part of the name.
 QString shownUTF8(QByteArrayView bytes);
 
 } // namespace navrel
