@@ -11,11 +11,11 @@
 
 namespace navrel {
 
-/// What lies in a folder, as a project that is synchronized with it shows it.
+/// An entry of a folder, as a project that is synchronized with the folder shows it.
 struct ListedEntry {
     QByteArray name;
-    bool isFolder; ///< one that is shown with what lies in it
-    bool isLink;   ///< a symbolic link to what `isFolder` says
+    bool isFolder; ///< shown with its contents; otherwise shown as one file
+    bool isLink;   ///< a symbolic link, whose target `isFolder` describes
     bool operator==(const ListedEntry& other) const = default;
 };
 using ListedEntries = std::vector<ListedEntry>;
@@ -23,41 +23,40 @@ using ListedEntries = std::vector<ListedEntry>;
 /// Whether a folder of that name counts as one file: "Assets.xcassets" and its kind.
 bool isBundleName(QByteArrayView name);
 
-/// What tells a folder from every other.
+/// Identifies a folder on this machine.
 struct FolderNumber {
     dev_t device;
     ino_t inode;
     bool operator==(const FolderNumber& other) const = default;
 };
 
-/// That of the folder at a path, symbolic links followed; nil where no folder is.
+/// The number of the folder at a path, symbolic links followed; nil if there is no folder.
 std::optional<FolderNumber> folderNumberAt(const QByteArray& path);
 
-/// The entries of folders, read again only where a folder has changed: the folders of a large
+/// The entries of folders. A folder is read again only if it has changed, since those of a large
 /// project are asked for once a second. One thread at a time.
 class FolderListings {
 public:
-    /// No more entries of a folder are read: so many files no project has.
+    /// How many entries of a folder are read at most: more than any project has.
     static constexpr std::size_t kMostEntries = 100'000;
 
-    /// Files and folders in a folder, by name. Left out is what is hidden, what is no file or
-    /// folder (it would never be opened), and a name that is not UTF-8. None where the folder
-    /// cannot be read. Valid until the next call.
+    /// The files and folders in a folder, ordered by name. Leaves out hidden and special files, and
+    /// names that are not UTF-8. Empty if the folder cannot be read. Valid until the next call.
     const ListedEntries& entriesOf(const QByteArray& folder);
 
-    /// Whether every folder that was asked for since `clear` still has the same entries.
+    /// Whether every folder that was asked for since `beginPass` still has the same entries.
+    /// Forgets the listings of all other folders.
     bool stillHold();
 
     /// How often a folder was read.
     quint64 readings() const { return readings_; }
 
-    /// The folders asked for from now on are a new pass. What is known of the former ones serves
-    /// the pass, and is forgotten at the next `beginPass` where it did not.
+    /// Begins a new pass, which may use the listings of the passes before.
     void beginPass() { ++pass_; }
 
 private:
-    /// A folder's state: its entries cannot change without another one, once that is older than
-    /// the steps in which dates advance.
+    /// A folder's state. Once it is older than the resolution of the file system's dates, the
+    /// entries cannot change without changing it.
     struct Identity {
         FolderNumber number;
         qint64 modified;
