@@ -10,13 +10,13 @@
 
 namespace navrel {
 
-/// What the file system said about the files of a project during one pass. Each path is asked about
-/// once: one answer serves the date and the existence check. Later all questions can be asked again
-/// to see whether the answers still hold. One thread at a time.
+/// The modification dates of a project's files, as the file system returned them during one pass.
+/// Each path is looked up once, for its date and its existence. Later `stillHolds` looks all paths
+/// up again. One thread at a time.
 class FileSurvey {
 public:
-    /// As `modificationDateOfFile`, or the answer that was given before. A path that can name no
-    /// file counts as missing and is not remembered, since it may have any length.
+    /// As `modificationDateOfFile`, but looks a path up only the first time. A path that can name
+    /// no file counts as missing and is not remembered, since it may have any length.
     std::optional<qint64> modificationDate(const QByteArray& path);
 
     bool exists(const QByteArray& path) { return modificationDate(path).has_value(); }
@@ -24,8 +24,8 @@ public:
     /// How many paths are remembered.
     std::size_t size() const { return asked_.size(); }
 
-    /// Asks about every path again. True when all answers are what they were; the survey keeps the
-    /// former ones in any case.
+    /// Looks every path up again. True if all dates are as remembered; the remembered dates stay in
+    /// either case.
     bool stillHolds();
 
     /// Forgets all answers.

@@ -9,25 +9,26 @@
 
 namespace navrel {
 
-/// The answers of a survey of files, arranged so that all questions can be put again at the lowest
-/// cost: a folder is opened once, from the folder above it where that is open, and its files are
-/// asked about by their names. The answers are those of `stat` by absolute path, since the same
-/// components are resolved, once instead of once a file. One thread at a time.
+/// The results of a FileSurvey, arranged so that all files can be looked up again at the lowest
+/// cost: each folder is opened once, from the folder above it if that is open, and its files are
+/// looked up by their names in it. The results equal those of `stat` with absolute paths: the same
+/// components are resolved, but once for a folder instead of once for a file. One thread at a time.
 class FolderwiseSurvey {
 public:
     using Date = std::optional<qint64>;
 
-    /// One answer: what was asked about, and the modification date that was given.
+    /// A path, and its modification date; nil if nothing was there.
     struct Answer {
         const QByteArray& path;
         Date date;
     };
 
-    /// Takes the answers in the order of the questions, in which neighbours tend to lie near to
-    /// each other on the disk too. The paths can name files, and may go afterwards.
+    /// The answers should be in the order of the first survey: neighbours in it tend to be near
+    /// each other on the disk too. Each path must be one that can name a file. The paths are
+    /// copied.
     explicit FolderwiseSurvey(const std::vector<Answer>& answers);
 
-    /// Asks about every path again. Whether all answers are what they were.
+    /// Looks every path up again. True if all dates are as given.
     bool stillHolds() const;
 
 private:
@@ -40,7 +41,7 @@ private:
         std::optional<Date> ownDate; // where the folder itself was asked about
         std::vector<File> files;
     };
-    /// Those on the way to the folder at hand, outermost first.
+    /// The folders from the root to the current one, outermost first.
     class OpenFolders;
 
     Folder& folderAt(const QByteArray& path);

@@ -4,13 +4,13 @@
 
 namespace navrel {
 
-/// An entry of the shell's menu, as far as the project model touches it. Main thread.
+/// An entry of the status menu, as the project model sees it. Main thread.
 class MenuItem {
 public:
     virtual ~MenuItem() = default;
 
     virtual void setTitle(const QString& title) = 0;
-    /// Shows whether what the entry switches is on.
+    /// Shows the entry's check mark, or removes it.
     virtual void setChecked(bool checked) = 0;
 
 protected:

@@ -12,33 +12,33 @@
 
 namespace navrel {
 
-/// No larger project file is read: 20 times the largest that people make.
+/// The size in bytes of the largest project file that is read: 20 times the largest real one.
 inline constexpr qsizetype kMaximumProjectFileSize = qsizetype{64} * 1024 * 1024;
 
-/// A project.pbxproj as last read: its objects and the identifier of its main group. It is
+/// The contents of a project.pbxproj: its objects and the identifier of its main group. It is
 /// untrusted: a value of another kind than expected counts as absent. One thread at a time.
 class ProjectFile {
 public:
-    /// Reads the file in place of the one before. What was read stands where the file is provably
-    /// the same: reading it again would give the same. A file that is missing, too large, no
-    /// regular file or no property list gives nothing; nothing is waited for.
+    /// Reads the file in place of the one before, unless that is the same file and has provably not
+    /// changed since. A file that is missing, too large, not a regular file or not a property list
+    /// has no objects and no main group. Never blocks on a pipe or device.
     void read(const QByteArray& path);
 
-    /// The "objects" dictionary; null when the file could not be read or has none. Valid until the
-    /// next reading.
+    /// The "objects" dictionary; null if the file could not be read or has none. Valid until the
+    /// next `read`.
     const PropertyListIndex* objects() const { return hasObjects_ ? &objects_ : nullptr; }
 
     /// Identifier of the project's main group; nil when the file could not be read or names none.
     const std::optional<QByteArray>& rootID() const { return rootID_; }
 
-    /// Why there is nothing to show, for the log; nil where there is a main group.
+    /// Why there is nothing to show, for the log; nil if there is a main group.
     const std::optional<QString>& problem() const { return problem_; }
 
-    /// Differs from every earlier answer after a reading that may have given something else.
+    /// A number that changes to a new value with each `read` that may have changed the contents.
     quint64 generation() const { return generation_; }
 
 private:
-    /// What tells one content of a file from another without reading it.
+    /// The file's state. If it is the same, so are the contents, which need not be read.
     struct Identity {
         dev_t device = 0;
         ino_t inode = 0;
@@ -46,7 +46,7 @@ private:
         qint64 modified = 0;
         qint64 statusChanged = 0;
 
-        /// That of a file that is not there, or cannot be a project file.
+        /// For a file that is missing, or cannot be a project file.
         Identity() = default;
         explicit Identity(const struct stat& status);
         bool operator==(const Identity& other) const = default;
@@ -56,7 +56,7 @@ private:
     std::optional<QString> take(std::optional<QByteArray> bytes);
 
     QByteArray path_;
-    // Nil while what was read is not known to be the whole content of the file as it stands.
+    // Nil while the file may have changed since it was read.
     std::optional<Identity> identity_;
     PropertyListDocument document_;
     PropertyListIndex objects_;

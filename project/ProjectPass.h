@@ -17,41 +17,41 @@ class CDObject;
 class ManagedObjectContext;
 class ProjectStore;
 
-/// The passes over a project: from the project file and the file system to the records. Main
-/// thread.
+/// Runs the passes over a project, which bring its records up to date with the project file and the
+/// file system. Main thread.
 class ProjectPass {
 public:
-    /// `showsSynchronizedFolders`: whether the files in folders that the project mirrors have
-    /// records. The store must outlive the passes.
+    /// `showsSynchronizedFolders` says whether the files in folders that the project mirrors get
+    /// records. The store must outlive this.
     ProjectPass(ProjectStore& store, bool showsSynchronizedFolders)
         : store_(store), showsSynchronizedFolders_(showsSynchronizedFolders) {}
 
-    /// How a pass ended: with every record up to date, or with some left for `resume`.
+    /// How a pass ended: all records are up to date, or some are left for `resume`.
     enum class End { Complete, ToBeContinued };
 
-    /// One pass over the bundle at a path: reads the project file, brings the records up to date,
-    /// saves. One that follows a pass without changes costs one question to the file system a
-    /// record. With an allowance, files that changed are left once so many bytes were scanned; the
-    /// store is consistent then, too.
+    /// Runs a pass over the bundle at a path: reads the project file, brings the records up to
+    /// date, saves. If the pass before changed nothing, this one costs one look-up of a file's date
+    /// for each record. Once `bytesToScan` bytes of sources have been scanned, further files that
+    /// changed are left for `resume`; the store is saved and consistent then, too.
     End run(const QString& bundlePath, qint64 bytesToScan = ScanAllowance::kUnlimited);
-    /// Goes on with a pass that was to be continued. No file is asked for its date, or scanned,
-    /// that was before: a file that changes all the time holds up no other.
+    /// Continues a pass that ended with ToBeContinued. Files whose dates it has looked up already
+    /// are not looked at again, so a file that changes all the time does not hold up the others.
     End resume(const QString& bundlePath, qint64 bytesToScan);
 
-    /// Builds or refreshes the record of one project object and, depth first, those below it, in
-    /// the project file as last read.
+    /// Builds or refreshes the record of one object of the project file as last read, then, depth
+    /// first, those of its children.
     void generateObjectForID(const QByteArray& identifier,
                              const std::optional<QByteArray>& referencePath,
                              const std::optional<QByteArray>& parentID, qint32 index);
 
-    /// What the record's file holds now. Valid until the next scan.
+    /// Scans the record's file. The result is valid until the next scan.
     const SourceFindings& scan(const CDObject& object);
 
     /// The project file as last read.
     const ProjectFile& projectFile() const { return projectFile_; }
 
 private:
-    /// What a pass that changed no record was based on, beside its survey of the files.
+    /// The state that a pass which changed no record was based on, in addition to its survey.
     struct QuietPass {
         quint64 projectFileGeneration;
         quint64 objectsGeneration;

@@ -12,11 +12,12 @@ class ProjectDialogs;
 class ProjectStore;
 class UserDefaults;
 
-/// Which project is shown: the last one, one that the user picks, or the one that is active in the
-/// editor. What is not described here is an operation of KZDataManager's. Main thread.
+/// Selects the project that is shown: the last one, one that the user picks, or the one that is
+/// active in the editor. Functions without a comment are operations of KZDataManager of that name,
+/// described there. Main thread.
 class ProjectSelection {
 public:
-    /// All of them must outlive the selection.
+    /// All references must outlive the selection.
     ProjectSelection(UserDefaults& userDefaults, Editor& editor, ProjectDialogs& dialogs,
                      ProjectStore& store);
 
@@ -35,13 +36,14 @@ public:
     std::optional<QString> activeProject();
     void changeProjectToPath(const std::optional<QString>& path);
 
-    /// Selects the project that is active in the editor, where it is followed.
+    /// Selects the project that is active in the editor, if automatic selection is on. Blocks while
+    /// the editor answers.
     void follow();
-    /// A pass over the selected project, of which there must be one, begins: `projectPath` and the
-    /// menu entry become its own.
+    /// Notes that a pass begins: `projectPath` and the menu entry become those of the selected
+    /// project. There must be one.
     void beginPass();
 
-    /// Whether the user is being asked for a project.
+    /// Whether the open panel is shown.
     bool isPanelShown() const { return isPanelShown_; }
 
 private:

@@ -26,20 +26,20 @@ public:
     const QString& folder() const { return folder_; }
     static QString folderIn(const QString& applicationSupportDirectory);
 
-    /// Opens the store on first use. Null when that failed: the error has been presented (modal, as
-    /// `StoreErrorWindow` does), and the next call tries, and presents, again.
+    /// Opens the store on first use. Null if that failed: then the error has been presented (modal,
+    /// by `StoreErrorWindow`), and the next call tries again.
     PersistentStoreCoordinator* coordinator();
-    /// The single context, made on first use. Null where the coordinator is.
+    /// The single context, made on first use. Null if the coordinator is.
     ManagedObjectContext* context();
 
-    /// Commits pending edits and saves what has changed; a failure is logged. There must be a
-    /// context.
+    /// Commits pending edits and saves what has changed; a failure is logged. `context` must have
+    /// returned one.
     void save();
-    /// Saves at quit, and asks the user (modal) where that fails. True to terminate now, false to
+    /// Saves at quit, and asks the user (modal) if that fails. True to terminate now, false to
     /// cancel.
     bool saveToTerminate();
 
-    /// Whether a dialog of the store's is open.
+    /// Whether a dialog of the store is shown.
     bool isDialogShown() const { return isDialogShown_; }
 
 private:

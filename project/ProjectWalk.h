@@ -21,13 +21,13 @@ class ManagedObjectContext;
 class PropertyListIndex;
 class SourceFileScanner;
 
-/// In one pass, the children of an object are walked under no more paths than this. An object whose
-/// file is there has one path; one whose file is missing takes a new one with each group that lists
-/// it, of which real projects have two or three, while a cycle would lengthen it without end.
+/// Under how many paths the children of an object are walked in one pass. An object whose file
+/// exists has one path. One whose file is missing gets another path from each group that lists it:
+/// two or three in real projects, but without end in a cycle.
 inline constexpr std::size_t kMaximumPathsOfObject = 8;
 
-/// What a walk may scan of the files that changed: it begins no further one once it has scanned so
-/// many bytes. Their records stay as they are, for the next walk.
+/// How much a walk may scan of files that changed. Once it has scanned `bytes` bytes, it leaves the
+/// records of further such files as they are, for the next walk.
 struct ScanAllowance {
     static constexpr qint64 kUnlimited = std::numeric_limits<qint64>::max();
 
@@ -37,18 +37,19 @@ struct ScanAllowance {
 
 /// One walk over the group tree of a project file, which builds and refreshes the records of its
 /// objects: depth first, parents before children, children in project order. The tree is untrusted:
-/// it may be cyclic, of any depth, and name an object in many places. What the references name
-/// outlives the walk, and the project file is not read again meanwhile.
+/// it may be cyclic, of any depth, and name an object in many places. One thread at a time.
 class ProjectWalk {
 public:
-    /// `objects` is null where there is no project file. `listings` are those of synchronized
-    /// folders; without them such a folder is a leaf, as every kind that is not known. New files
-    /// are scanned whatever the allowance.
+    /// All arguments must outlive the walk, and the project file must not be read again meanwhile.
+    /// `objects` is null if there is no project file. `listings` are those of synchronized folders;
+    /// without them (null), such a folder is a leaf, like any object of unknown kind. New files are
+    /// scanned whatever the allowance.
     ProjectWalk(ManagedObjectContext& context, const PropertyListIndex* objects,
                 SourceFileScanner& scanner, FileSurvey& survey, FolderListings* listings,
                 ScanAllowance& allowance);
 
-    /// Walks from one object on. `referencePath` is the parent's resolved path.
+    /// Walks one object and everything below it. `referencePath` is the resolved path of its
+    /// parent.
     void generateObjectForID(const QByteArray& identifier,
                              const std::optional<QByteArray>& referencePath,
                              const std::optional<QByteArray>& parentID, qint32 index);
@@ -57,16 +58,16 @@ private:
     using Value = PropertyListDocument::Value;
     using Elements = PropertyListDocument::ElementIterator;
 
-    /// One object as one group lists it.
+    /// One object in one of the groups that list it.
     struct Visit {
         std::string_view identifier;
         const std::optional<QByteArray>& referencePath;
         std::optional<std::string_view> parentID;
         qint32 index;
-        /// What it is where it stands on disk and not in the project file, else null.
+        /// The entry, for an object that is on disk and not in the project file; otherwise null.
         const ListedEntry* onDisk = nullptr;
     };
-    /// A group some of whose children are still to be visited.
+    /// A group with children that are still to be visited.
     struct Level {
         std::string_view identifier;
         std::optional<QByteArray> path;
@@ -75,7 +76,7 @@ private:
         qint32 nextIndex = 0;
     };
 
-    /// A folder on disk some of whose entries are still to be visited.
+    /// A folder on disk with entries that are still to be visited.
     struct FolderLevel {
         QByteArray identifier;
         QByteArray path;

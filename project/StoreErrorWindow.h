@@ -12,9 +12,10 @@ namespace navrel {
 class Error;
 class ProjectDialogs;
 
-/// How the error of opening the store is presented: each access to the store presents it, several
-/// times a second. So there is one window for one cause, and none for a minute after it was
-/// dismissed; what is presented meanwhile is counted, and the count is logged. Main thread.
+/// Shows the error of opening the store, without flooding the user: every access to the store
+/// presents it, several times a second. So there is one window for one cause, and none for a minute
+/// after the user dismissed it. Errors that are not shown are counted, and the count is logged.
+/// Main thread.
 class StoreErrorWindow {
 public:
     static constexpr std::chrono::minutes kQuietTime{1};
@@ -25,7 +26,7 @@ public:
     /// Shows the error (modal), or counts it.
     void present(const Error& error);
 
-    /// The store could be opened: the next error is a new one.
+    /// Must be called when the store was opened: the next error is shown at once.
     void forget();
 
 private:

@@ -11,19 +11,19 @@
 namespace navrel {
 
 /// A folder on disk that a group of the project mirrors (PBXFileSystemSynchronizedRootGroup),
-/// during one walk: what lies below it is not in the project file. One thread at a time.
+/// during one walk: its files are not in the project file. One thread at a time.
 class SynchronizedFolder {
 public:
-    /// The identifier and the path of the group.
+    /// Takes the identifier and the resolved path of the group.
     SynchronizedFolder(std::string_view groupIdentifier, QByteArray path);
 
-    /// Identifier of a file or folder below: 24 upper-case hexadecimal digits like those of the
-    /// project file, made of the group's identifier and the path relative to the folder, so that it
-    /// stays the same for as long as both do.
+    /// The identifier of a file or folder below: 24 upper-case hexadecimal digits, like those of
+    /// the project file. It is computed from the group's identifier and the path relative to the
+    /// folder, so it stays the same as long as these do.
     QByteArray identifierOf(const QByteArray& path) const;
 
-    /// Whether an entry, at that path, is shown with what lies in it. A link to a folder that is
-    /// shown already, or that leads back above, is not: so loops of links end.
+    /// Whether an entry, at that path, is shown with its contents. False for a link to a folder
+    /// that is shown already or contains this one, so that loops of links end.
     bool isEntered(const ListedEntry& entry, const QByteArray& path);
 
 private:

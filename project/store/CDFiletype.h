@@ -9,7 +9,8 @@
 
 namespace navrel {
 
-/// A file extension that was ever seen, and whether the navigator shows its files. Text is UTF-8.
+/// A file extension that was seen in any project, and whether the navigator shows its files. Text
+/// is UTF-8.
 class CDFiletype final : public ManagedObject<CDFiletype, 1> {
 public:
     static constexpr const char* kEntityName = "CDFiletype";
@@ -18,7 +19,7 @@ public:
     std::optional<bool> allowed() const { return allowed_; }
     void setAllowed(std::optional<bool> value) { setAttribute(allowed_, value); }
 
-    /// As in CDObject's `extension`; the empty text is that of files without one.
+    /// As CDObject's `extension`; empty for files without one.
     const std::optional<QByteArray>& extension() const { return extension_; }
     void setExtension(std::optional<QByteArray> value) {
         setKey(kExtensionKey, extension_, std::move(value));

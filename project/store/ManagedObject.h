@@ -24,11 +24,11 @@ struct Attribute {
 template <typename Record, typename Value>
 Attribute(const char*, std::optional<Value> Record::*) -> Attribute<Record, Value>;
 
-/// What the records of all entities have in common. A record belongs to its table, which a context
-/// owns: records are inserted and deleted through the context, and valid until then.
+/// The base of the records of all entities. A record belongs to its table, which a context owns:
+/// records are inserted and deleted through the context, and valid until they are deleted.
 ///
-/// `Record` names its key attributes, those that are fetched by, as `kKeyCount` numbers from 0 and
-/// gives their values by `key(number)`.
+/// `Record` numbers its key attributes, by which records are fetched, from 0 to `keyCount` - 1, and
+/// returns their values from `key(number)`.
 template <typename Record, std::size_t keyCount>
 class ManagedObject {
 public:
@@ -38,7 +38,7 @@ public:
     qint64 rowID() const { return rowID_; }
 
 protected:
-    /// Sets an attribute; one that has the value already does not count as changed.
+    /// Sets an attribute. Setting it to the value that it has is not a change.
     template <typename Value>
     void setAttribute(std::optional<Value>& attribute, std::optional<Value> value) {
         if (attribute != value) {
@@ -47,7 +47,7 @@ protected:
         }
     }
 
-    /// The same for a key attribute.
+    /// As `setAttribute`, for a key attribute: updates the index too.
     void setKey(std::size_t key, std::optional<QByteArray>& attribute,
                 std::optional<QByteArray> value) {
         if (attribute != value) {

@@ -18,19 +18,19 @@ class PersistentStoreCoordinator;
 /// The records as the program works with them: all of them are in memory, and `save` writes what
 /// changed since the last save. Main thread only.
 ///
-/// A record is owned by the context and valid until it is deleted. Fetches give snapshots in the
-/// order of insertion; they cannot fail. Values are compared byte by byte, and nil equals nothing.
+/// A record is owned by the context and valid until it is deleted. Fetches return snapshots in the
+/// order of insertion, and cannot fail. Values are compared byte by byte; nil never matches.
 class ManagedObjectContext {
 public:
-    /// Takes the records that the coordinator's store holds. The coordinator outlives the context.
+    /// Takes the records of the coordinator's store. The coordinator must outlive the context.
     explicit ManagedObjectContext(PersistentStoreCoordinator& coordinator);
     ~ManagedObjectContext();
     ManagedObjectContext(const ManagedObjectContext&) = delete;
     ManagedObjectContext& operator=(const ManagedObjectContext&) = delete;
 
-    // Insertion: a record whose attributes are all nil. What makes records of what it reads asks
-    // first whether there is room for one more (StoreLimits.h), and does without where there is
-    // none.
+    // Insertion: the new record's attributes are all nil. Code that makes records of untrusted
+    // input must ask first whether there is room for one more (StoreLimits.h), and leave it out if
+    // not.
 
     bool hasRoomForObject() const { return tables_->objects.size() < kMaximumObjects; }
     bool hasRoomForFiletype() const { return tables_->filetypes.size() < kMaximumFiletypes; }
@@ -72,20 +72,20 @@ public:
     std::vector<CDElement*> elements() const { return tables_->elements.all(); }
     std::vector<CDElement*> elementsWithIdentifier(QByteArrayView identifier) const;
 
-    /// Differs from every earlier answer after any insertion, deletion or change of a CDObject.
+    /// A number that changes to a new value with any insertion, deletion or change of a CDObject.
     quint64 objectsGeneration() const { return tables_->objects.generation(); }
 
     // Saving.
 
-    /// Registers an edit that is under way outside of the records, to be written into them by
-    /// `commit`, which returns false when the edit cannot be committed as it stands.
+    /// Registers an edit in progress that is not in the records yet. `commit` writes it into them,
+    /// and returns false if it cannot be written as it is.
     void addPendingEdit(std::function<bool()> commit);
-    /// Commits the pending edits. False when one could not be; it and those after it stay pending.
+    /// Commits the pending edits in order. False if one failed: it and those after it stay pending.
     bool commitEditing();
     /// Whether a save has something to write.
     bool hasChanges() const;
-    /// Writes what changed since the last save, all of it or nothing; no statement is run where
-    /// nothing changed. After a failure the records stay as they are and the next save tries again.
+    /// Writes all changes since the last save, or none of them; without changes, no statement is
+    /// run. After a failure the records stay as they are, and the next save tries again.
     std::optional<Error> save();
 
 private:

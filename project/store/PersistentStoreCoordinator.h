@@ -13,7 +13,7 @@ namespace navrel {
 class StoreFile;
 struct StoreTables;
 
-/// Stands between a context and the store file. Main thread only.
+/// Opens the store file, and saves a context's records to it. Main thread only.
 class PersistentStoreCoordinator {
 public:
     PersistentStoreCoordinator();
@@ -21,17 +21,17 @@ public:
     PersistentStoreCoordinator(const PersistentStoreCoordinator&) = delete;
     PersistentStoreCoordinator& operator=(const PersistentStoreCoordinator&) = delete;
 
-    /// Opens the store file, makes it where there is none, and reads its records. An error when the
-    /// file is no store of this program, is damaged, too new or too large, or when it cannot be had
-    /// for writing within a short time; the file then stays as it was.
+    /// Opens the store file, or creates it, and reads its records. Fails if the file is not a store
+    /// of this program, is damaged, too new or too large, or is locked for longer than a moment;
+    /// the file then stays as it was.
     std::optional<Error> addPersistentStoreAtPath(const QString& path);
 
-    /// The records that the file held when it was opened. To be called once.
+    /// Returns the records that the file had when it was opened. Must be called at most once.
     std::unique_ptr<StoreTables> takeRecords();
 
-    /// Writes what changed since the last save, all of it or nothing. Neither a killed process nor
-    /// a lost power supply undoes a save that returned without error. Where the file was deleted or
-    /// replaced since, which is logged, a new one with all records takes its place.
+    /// Writes all changes since the last save, or none of them. A save that returned without error
+    /// survives a kill of the process and a loss of power. If the file was deleted or replaced
+    /// meanwhile, that is logged, and a new file with all records is made.
     std::optional<Error> save(StoreTables& tables);
 
 private:

@@ -16,7 +16,7 @@ namespace navrel {
 /// Finds the records of a table by the value of one attribute, in the order of their insertion into
 /// the table. Adding and removing take constant time, however many records share a value.
 ///
-/// `Record` gives `rowID()`, which grows with insertion, and `position(key)`, a number that the
+/// `Record` must have `rowID()`, which grows with insertion, and `position(key)`, a number that the
 /// index keeps in the record.
 template <typename Record>
 class RecordIndex {
@@ -25,7 +25,7 @@ public:
 
     void add(Record& record, const QByteArray& value);
 
-    /// Takes a record out that stands under `value`.
+    /// Removes a record, which must have been added with this value.
     void remove(Record& record, const QByteArray& value);
 
     void clear();
@@ -36,15 +36,16 @@ public:
     Record* last(QByteArrayView value);
 
 private:
-    /// The records of one value. Removal leaves a gap, since closing it would cost as much as there
-    /// are records behind it; the last one is never a gap.
+    /// The records of one value. Removal leaves a gap, since closing it would mean moving all
+    /// records after it. The last one is never a gap.
     struct Group {
         QVarLengthArray<Record*, 1> records;
         qsizetype gaps = 0;
-        // False after a record came behind younger ones, as one whose value was changed does.
+        // False after a record was added behind younger ones, because its value was changed.
         bool isInOrder = true;
     };
-    // Seeded differently in every process, so that no project file is made of keys that collide.
+    // Seeded differently in every process, so that nobody can write a project file whose keys
+    // collide.
     struct Hash {
         using is_transparent = void;
         std::size_t operator()(QByteArrayView value) const {

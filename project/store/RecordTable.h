@@ -26,8 +26,8 @@ struct RecordLinks {
 /// attribute, and what the next save has to write. A record's address is stable until it is
 /// removed. One thread at a time.
 ///
-/// A row number is given at insertion and only ever grows, so that one number tells the records
-/// that the store file holds from those that it has not seen yet.
+/// Row numbers are assigned at insertion and only grow, so one number separates the records that
+/// are in the store file from the new ones.
 template <typename Record>
 class RecordTable {
 public:
@@ -35,23 +35,23 @@ public:
     RecordTable(const RecordTable&) = delete;
     RecordTable& operator=(const RecordTable&) = delete;
 
-    /// A new record without any attribute, last in the list.
+    /// Appends a new record, whose attributes are all nil.
     Record& insert();
-    /// A record that the store file holds; rows come in ascending order. `fill(record)` sets its
-    /// fields and tells whether their values will do; where they do not, so does this, and the
-    /// table is of no further use.
+    /// Appends a record from the store file. Rows must come in ascending order, before any
+    /// `insert`. `fill(record)` sets its fields and returns false if their values are not
+    /// acceptable; then this returns false, and the table must not be used any more.
     template <typename Fill>
     bool insertStored(qint64 rowID, Fill fill);
-    /// Takes a record out. It must not be used any more.
+    /// Removes a record, which must not be used any more.
     void remove(Record& record);
     void removeAll();
 
-    /// The records in the order of insertion; a snapshot, so that the caller may remove meanwhile.
+    /// The records in the order of insertion. A snapshot: the caller may remove records meanwhile.
     std::vector<Record*> all() const;
     std::vector<Record*> withKey(std::size_t key, QByteArrayView value) const {
         return indexes_[key].records(value);
     }
-    /// The record of a key value that was inserted last, or null.
+    /// Of the records with a key value, the one that was inserted last; null if there is none.
     Record* lastWithKey(std::size_t key, QByteArrayView value) const {
         return indexes_[key].last(value);
     }
@@ -61,36 +61,36 @@ public:
     /// The record after the given one in the list, or null.
     static const Record* next(const Record& record) { return record.tableLinks_.next; }
 
-    /// Differs from every earlier answer after any insertion, removal or change.
+    /// A number that changes to a new value with any insertion, removal or change.
     quint64 generation() const { return generation_; }
 
     // What a save has to write, in this order.
 
-    /// Whether all rows of the file go before anything else is written.
+    /// Whether all rows of the file must be deleted before anything is written.
     bool isFileOutdated() const { return fileOutdated_; }
     /// Rows of the file to be deleted, in the order of removal.
     const std::vector<qint64>& removedRowIDs() const { return removedRowIDs_; }
     const std::vector<Record*>& changedRecords() const { return changed_; }
-    /// The first record that the file has not seen; all that follow it are new too. Or null.
+    /// The first record that is not in the file; all after it are new too. Null if there is none.
     Record* firstNewRecord() const { return firstNew_; }
 
     bool hasChanges() const;
-    /// To be called once the file holds what this table holds.
+    /// Must be called once the file has the contents of this table.
     void markSaved();
-    /// To be called once an empty file is in the place of the one that the rows were in: the next
-    /// save writes all records.
+    /// Must be called once an empty file has replaced the one with the rows: the next save writes
+    /// all records.
     void markUnsaved();
 
     // For the records' setters.
 
-    /// Takes note that an attribute of the record was changed.
+    /// Notes that an attribute of the record has changed.
     void noteChange(Record& record);
-    /// Changes a key attribute, the index along with it.
+    /// Changes a key attribute, and updates its index.
     void setKey(std::size_t key, Record& record, std::optional<QByteArray>& attribute,
                 std::optional<QByteArray> value);
 
 private:
-    // Large enough that allocation does not count, small enough for a project of ten files.
+    // Large enough to make allocation cheap, small enough for a project of ten files.
     static constexpr std::size_t kRecordsInChunk = 64;
     static constexpr std::size_t kKeyCount = Record::kKeyCount;
     using Chunk = std::array<Record, kRecordsInChunk>;
@@ -112,7 +112,7 @@ private:
     Record* first_ = nullptr;
     Record* last_ = nullptr;
     std::size_t size_ = 0;
-    // Put in order when they are read.
+    // Mutable: an index is put in order when it is read.
     mutable std::array<RecordIndex<Record>, kKeyCount> indexes_;
 
     qint64 nextRowID_ = 1;

@@ -14,15 +14,15 @@ namespace navrel {
 /// A connection to a database file. One thread at a time.
 class SQLiteDatabase {
 public:
-    /// Opens a file for reading and writing, and makes it where there is none. SQLite looks at its
-    /// bytes only when a statement is run.
+    /// Opens a file for reading and writing, or creates it. SQLite reads its bytes only when a
+    /// statement is run.
     std::optional<Error> open(const QByteArray& path);
 
     std::optional<Error> prepare(const QByteArray& sql, SQLiteStatement& statement);
-    /// Runs statements that take no parameters and whose rows do not matter.
+    /// Runs statements without parameters, and ignores their rows.
     std::optional<Error> execute(const QByteArray& sql);
 
-    /// The connection, for settings.
+    /// The connection, for settings. Owned by this.
     sqlite3* handle() const { return database_.get(); }
 
 private:

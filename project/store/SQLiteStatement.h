@@ -14,16 +14,16 @@ namespace navrel {
 /// Domain of the errors whose code is an (extended) SQLite result code.
 extern const QString kSQLiteErrorDomain;
 
-/// The error that the connection's last call gave.
+/// The error of the connection's last call.
 Error lastErrorOf(sqlite3* database);
 
-/// A prepared statement, kept for many runs. One run: bind, step until done, reset. Outlived by its
-/// database.
+/// A prepared statement, for many runs. One run: bind, step until done, reset. Must be destroyed
+/// before its database. One thread at a time.
 class SQLiteStatement {
 public:
     SQLiteStatement() = default;
 
-    /// Parameters count from 1. Text stays the caller's and must outlive the run; nil is NULL.
+    /// Parameters count from 1. Text is not copied and must outlive the run; nil is NULL.
     void bind(int parameter, const std::optional<QByteArray>& text);
     void bind(int parameter, qint64 number);
     template <typename Number>
@@ -35,14 +35,14 @@ public:
         }
     }
 
-    /// The statement itself, for callers that bind by hand.
+    /// The statement itself, for callers that bind by hand. Owned by this.
     sqlite3_stmt* handle() const { return statement_.get(); }
 
-    /// Runs on to the next row. False at the end and on failure, which `error` tells apart.
+    /// Runs to the next row. False at the end, and on failure: then `error` has the reason.
     bool step();
-    /// Runs a statement without rows to its end and makes it ready for the next run.
+    /// Runs a statement without rows to its end, and resets it.
     std::optional<Error> run();
-    /// What the last step failed with.
+    /// The error of the last step; nil if it did not fail.
     const std::optional<Error>& error() const { return error_; }
     void reset() { sqlite3_reset(statement_.get()); }
 

@@ -17,7 +17,7 @@ namespace navrel {
 
 struct EntityDescription;
 
-/// Domain of the errors of files that are no store of this program.
+/// Domain of the errors of files that are not a store of this program.
 extern const QString kStoreFileErrorDomain;
 
 /// The codes of that domain.
@@ -32,27 +32,27 @@ enum class StoreFileError {
     kTooLarge = 5,
 };
 
-/// The store as a file: one SQLite 3 database with a table an entity, whose columns are the
-/// attributes by name. Nothing of it is trusted. One thread at a time.
+/// The store as a file: an SQLite 3 database with a table for each entity, whose columns are its
+/// attributes by name. The file is not trusted. One thread at a time.
 class StoreFile {
 public:
-    /// `maximumSize` is that of the file in bytes: a larger one is not opened, and none is made.
+    /// `maximumSize` is in bytes: larger files are neither opened nor written.
     explicit StoreFile(qint64 maximumSize = kMaximumStoreSize) : maximumSize_(maximumSize) {}
 
-    /// Opens the file, or makes it, for the user alone. On an error the file is left as it was and
-    /// this object is of no further use.
+    /// Opens the file, or creates it, so that only the user can read it. After an error the file is
+    /// as it was, and this object must not be used any more.
     std::optional<Error> open(const QByteArray& path);
 
     /// Appends the file's records to empty tables, in the order of their insertion.
     std::optional<Error> load(StoreTables& tables);
 
-    /// Writes what the tables have to save, all of it or nothing.
+    /// Writes all changes of the tables, or none of them.
     std::optional<Error> save(StoreTables& tables);
 
 private:
     using RowReceiver = std::function<std::optional<Error>(const SQLiteStatement& row)>;
 
-    /// What is prepared once for an entity.
+    /// The statements for one entity, which are prepared once.
     template <typename Record>
     struct Statements {
         SQLiteStatement read;

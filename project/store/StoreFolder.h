@@ -8,16 +8,16 @@
 
 namespace navrel {
 
-/// Makes the store's folder, and those above it, whatever the umask for the user alone; takes the
-/// rights of others from one that is there. Errors of the latter do not matter: the folder is
-/// another user's then, or on a file system without rights.
+/// Creates the store's folder, and those above it, so that only the user has access, whatever the
+/// umask. If the folder exists, removes the access of others; errors of that are ignored: then the
+/// folder is another user's, or its file system has no permissions.
 std::optional<Error> makeStoreFolder(const QByteArray& path);
 
-/// Takes the rights of others from a file or folder, where they have any.
+/// Removes the access of others to a file or folder. Errors are ignored.
 void keepFromOthers(const QByteArray& path);
 
-/// Gives what lies at a path, if anything does, a name beside it that nothing has. The new path; an
-/// empty one where nothing was there, nil where it could not be renamed.
+/// Renames the file or folder at a path to an unused name beside it. Returns the new path; empty if
+/// nothing was there, nil if it could not be renamed.
 std::optional<QByteArray> moveAside(const QByteArray& path);
 
 } // namespace navrel

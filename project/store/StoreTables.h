@@ -15,7 +15,8 @@ struct StoreTables {
     RecordTable<CDShortcut> shortcuts;
     RecordTable<CDElement> elements;
 
-    /// Calls `visit(table)` for each table until one call returns something true, and returns that.
+    /// Calls `visit(table)` for each table until a result converts to true, and returns the last
+    /// one.
     template <typename Visit>
     auto visitUntil(Visit visit) {
         auto result = visit(objects);

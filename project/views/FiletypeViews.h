@@ -10,8 +10,9 @@ namespace navrel {
 
 class ManagedObjectContext;
 
-/// The file types as replies for the device, and the one thing that the device may change.
-/// `records` is null where the store cannot be opened: there are no file types then. Main thread.
+/// The file types as replies for the device, and the one request by which the device changes
+/// something. `records` is null if the store cannot be opened: then there are no file types. Main
+/// thread.
 namespace views {
 
 /// "items": "extension" and "allowed" of every file type, ordered by extension.
@@ -19,7 +20,7 @@ QVariantMap allowedFileTypesDictionary(const ManagedObjectContext* records);
 
 /// The extensions that are switched on, in the order of insertion.
 std::vector<QByteArray> allowedExtensions(const ManagedObjectContext* records);
-/// The same as texts.
+/// As `allowedExtensions`, as text to show.
 QStringList allowedFileTypes(const ManagedObjectContext* records);
 
 /// Switches the file type "extension" to "allowed" (a boolean or an integer) and returns the new

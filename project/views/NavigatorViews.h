@@ -11,12 +11,11 @@ namespace navrel {
 class ManagedObjectContext;
 
 /// The files of the project as replies for the device: functions from the records to property-list
-/// values. `records` is null where the store cannot be opened, which has been presented to the
-/// user: nothing is listed then. Main thread.
+/// values. `records` is null if the store cannot be opened: then nothing is listed. Main thread.
 namespace views {
 
-/// "identifier", "label", "items" and "path" of one group, or of the main group, whose identifier
-/// is `root`, where nil is asked for. Nil for an unknown identifier.
+/// "identifier", "label", "items" and "path" of one group. A nil `identifier` means the main group,
+/// whose identifier is `root`. The result is nil if there is no such group.
 std::optional<QVariantMap> navigatorDictionaryForID(const ManagedObjectContext* records,
                                                     const QByteArray& root,
                                                     const std::optional<QString>& identifier);
@@ -28,8 +27,8 @@ QVariantMap superclassDictionary(const ManagedObjectContext* records);
 QVariantMap navigatorDictionaryForSuperclass(const ManagedObjectContext* records,
                                              const QString& superclass);
 
-/// Identifier of the file of that name; nil where there is none, or several have it: none of them
-/// can be told to be the one that is meant.
+/// Identifier of the file of that name; nil if there is none, or there are several: which of them
+/// is meant cannot be known.
 std::optional<QString> objectIDForFileName(const ManagedObjectContext* records,
                                            const QString& fileName);
 

@@ -9,8 +9,8 @@ namespace navrel {
 
 class ManagedObjectContext;
 
-/// What scanning found as replies for the device and the menu. `records` is null where the store
-/// cannot be opened: nothing is listed then. Main thread.
+/// The findings of scans as replies for the device and the menu. `records` is null if the store
+/// cannot be opened: then nothing is listed. Main thread.
 namespace views {
 
 /// "items": "shortcut", "line" and "path" of every shortcut of the project, ordered by shortcut as

@@ -9,8 +9,8 @@
 
 namespace navrel {
 
-/// An attribute of a record as replies show it. Only a store made by hand holds records without the
-/// attributes that are shown; they show as empty.
+/// An attribute of a record as replies show it. Nil is shown as empty; only a store that was edited
+/// by hand lacks attributes that are shown.
 inline QString shown(const std::optional<QByteArray>& text) {
     return shownUTF8(text.value_or(""));
 }
