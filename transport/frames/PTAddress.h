@@ -9,7 +9,7 @@
 
 namespace navrel {
 
-/// A socket address as a value that people can read.
+/// A socket address as a value, with a text for the log.
 class PTAddress final : public Described {
 public:
     /// Copies the address, as many bytes as its family has; an address of no family (AF_UNSPEC) is
@@ -18,8 +18,8 @@ public:
 
     bool isEmpty() const { return sockaddr_.ss_family == AF_UNSPEC; }
 
-    /// The numeric text of the address. Nothing for an empty address, for one that is neither IPv4
-    /// nor IPv6, and, deliberately, for an IPv4 address of 15 characters.
+    /// The numeric text of the address. Nil for an empty address, for one that is neither IPv4 nor
+    /// IPv6, and, deliberately, for an IPv4 address of 15 characters.
     std::optional<QString> name() const;
 
     /// In host byte order; 0 for an empty address.

@@ -38,10 +38,9 @@ enum PTConnState : quint8 {
 ///     ◀──failure (USB)──┘
 ///   None ──listen───▶ Listening
 ///
-/// All calls on the queue of its protocol, where the delegate is called too. Callbacks may be null;
-/// connect, listen and send in the wrong state call theirs with the POSIX error EPERM. A channel
-/// that is connected or listening keeps itself alive until it has ended, whatever else lets go of
-/// it.
+/// Must be used on the queue of its protocol, where the delegate is called too. Callbacks may be
+/// null; connect, listen and send in the wrong state call theirs with the POSIX error EPERM. A
+/// channel that is connected or listening keeps itself alive until it has ended.
 class PTChannel final : public std::enable_shared_from_this<PTChannel> {
 public:
     using Callback = std::function<void(const std::optional<Error>& error)>;
@@ -65,15 +64,16 @@ public:
     const std::shared_ptr<PTProtocol>& protocol() const { return protocol_; }
     void setProtocol(std::shared_ptr<PTProtocol> protocol) { protocol_ = std::move(protocol); }
 
-    /// Held strongly. Setting it asks it for its optional operations; null has none.
+    /// The channel keeps its delegate alive, and asks it for its optional operations when it is
+    /// set. Null, as at first, for none.
     const std::shared_ptr<PTChannelDelegate>& delegate() const { return delegate_; }
     void setDelegate(std::shared_ptr<PTChannelDelegate> delegate);
 
-    /// Whatever the application attaches; null at first.
+    /// An object that the application attaches; null at first.
     const std::shared_ptr<const Described>& userInfo() const { return userInfo_; }
     void setUserInfo(std::shared_ptr<const Described> userInfo) { userInfo_ = std::move(userInfo); }
 
-    /// Deliberately true while still connecting, too.
+    /// Deliberately true also while connecting.
     bool isConnected() const;
     bool isListening() const { return connState_ == kConnStateListening; }
 
@@ -82,21 +82,21 @@ public:
     /// Stores a state without any check.
     void setConnState(PTConnState state) { connState_ = state; }
 
-    /// Connects over TCP; port and address in host byte order. Blocks until the connection is made
-    /// or refused, two seconds at most (ETIMEDOUT); the callback is called before this returns,
-    /// with the peer's address when there is a connection. Deliberately, a channel whose attempt
-    /// failed stays connecting for good: every attempt takes a new channel.
+    /// Connects over TCP; port and address are in host byte order. Blocks until the connection is
+    /// made or refused, for at most two seconds (then ETIMEDOUT). The callback is called before
+    /// this returns, with the peer's address on success. Deliberately, a channel whose attempt
+    /// failed stays in the state Connecting: every attempt needs a new channel.
     void connectToPort(quint16 port, quint32 IPv4Address, const ConnectCallback& callback);
 
-    /// Connects to a port (in host byte order) of a device on USB; see PTUSBHub::connectToDevice.
-    /// A channel whose attempt failed is in the state None again. The callback is called before
-    /// this returns when the daemon cannot be reached, else later. The delegate is told of the end
-    /// of the stream also where the daemon refused the attempt.
+    /// Connects to a port (in host byte order) of a device on USB, as PTUSBHub::connectToDevice. A
+    /// channel whose attempt failed is in the state None again. The callback is called before this
+    /// returns if the daemon cannot be reached, otherwise later. If the daemon refuses the attempt,
+    /// the delegate is also called for the end of the stream.
     void connectToPort(quint16 port, const std::shared_ptr<PTUSBHub>& overUSBHub,
                        const QVariant& deviceID, Callback callback);
 
-    /// Listens on a TCP port of the given address, both in host byte order. The callback is called
-    /// before this returns.
+    /// Listens on a TCP port of the given address; both are in host byte order. The callback is
+    /// called before this returns.
     void listenOnPort(quint16 port, quint32 IPv4Address, const Callback& callback);
 
     /// Adopts a stream channel in place of any other, which is closed, and begins to read frames.
@@ -104,18 +104,18 @@ public:
     std::optional<Error>
     startReadingFromConnectedChannel(const std::shared_ptr<DispatchIO>& channel);
 
-    /// Accepts one connection on a listening socket. False when no more should be tried now.
+    /// Accepts one connection on a listening socket. False if no more can be accepted now.
     bool acceptIncomingConnection(int serverSocket);
 
-    /// Sends one frame; the callback runs when it has been written.
+    /// Sends one frame. The callback is called when it has been written, or has failed.
     void sendFrameOfType(quint32 type, quint32 tag, std::optional<DispatchData> payload,
                          PTProtocol::SendCallback callback);
 
-    /// Ends the connection and abandons what is still being read and written, or stops listening.
-    /// The delegate is told later, once the socket is closed.
+    /// Ends the connection, and abandons what is being read and written; or stops listening. The
+    /// delegate is called later, once the socket is closed.
     void close();
 
-    /// The same, but what is being read and written is finished first.
+    /// As `close`, but finishes what is being read and written first.
     void cancel();
 
     /// The stream channel of a connection. Setting it in the listening state stops the program;

@@ -9,8 +9,8 @@
 
 namespace navrel {
 
-/// The payload of a received frame. Its bytes are not copied: it keeps the buffer alive that they
-/// were read into, and nobody changes them.
+/// The payload of a received frame. Its bytes are not copied: it keeps the buffer alive into which
+/// they were read. They never change.
 class PTData {
 public:
     /// `data` points to `length` bytes inside the dispatch data, which is contiguous.
@@ -18,10 +18,10 @@ public:
     PTData(const PTData&) = delete;
     PTData& operator=(const PTData&) = delete;
 
-    /// What holds the bytes; may be nothing.
+    /// The data that holds the bytes; nil if there is none.
     const std::optional<DispatchData>& dispatchData() const { return dispatchData_; }
 
-    /// The first byte; valid as long as this object.
+    /// The bytes; valid as long as this object.
     const char* data() const { return data_; }
     size_t length() const { return length_; }
 

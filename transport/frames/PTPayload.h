@@ -10,23 +10,23 @@
 
 namespace navrel {
 
-// Payloads of frames: byte arrays and property lists to dispatch data and back.
+// Payloads of frames: converts byte arrays and property lists to dispatch data, and back.
 
-/// Refers to the array's own bytes, without copying them; they stay alive until a job of the main
-/// queue lets go of them, after the last reference to the result has gone.
+/// Refers to the bytes of the array, without copying them. They are released by a job of the main
+/// queue, after the last reference to the result is gone.
 DispatchData createReferencingDispatchData(const QByteArray& buffer);
 
-/// The dictionary as a binary property list, version 1.0. Nothing, with the reason in the log, for
-/// a dictionary that has no such form.
+/// The dictionary as a binary property list, version 1.0. Nil, with the reason in the log, if it
+/// holds a value that the format does not have.
 std::optional<DispatchData> createReferencingDispatchData(const QVariantMap& dictionary);
 
-/// The data's bytes in contiguous form, not copied if they already are. Nothing for no data, and
-/// when there is no memory.
+/// The data in contiguous form, not copied if it already is. Nil for nil, and if there is no
+/// memory.
 std::optional<PTDispatchData>
 dataWithContentsOfDispatchData(const std::optional<DispatchData>& data);
 
-/// The property list, of any format, that the data holds. Nothing for no data and for bytes that
-/// are no property list. Nothing verifies that the value is a dictionary: a peer may send any.
+/// The property list, of any format, that the data holds. Nil for nil, and for bytes that are not a
+/// property list. The value may be of any kind, as the peer sent it: callers must check that.
 std::optional<QVariant>
 dictionaryWithContentsOfDispatchData(const std::optional<DispatchData>& data);
 

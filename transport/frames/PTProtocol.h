@@ -16,23 +16,25 @@ namespace navrel {
 class DispatchIO;
 class DispatchQueue;
 
-/// Turns a byte stream into frames (PTFrame.h) and back. It schedules nothing by itself: every
-/// operation is given the stream channel that it works on, and every callback runs on the
-/// protocol's queue, later than the call. Failures of the stream are POSIX errors. No failure
-/// closes the channel; that is up to the caller.
+/// Reads and writes frames (PTFrame.h) on stream channels. It keeps no channel: every operation
+/// gets the one to work on. Callbacks run on the protocol's queue, after the call has returned.
+/// Failures of the stream are POSIX errors. No failure closes the channel; that is up to the
+/// caller.
 ///
-/// An operation holds the protocol until its callback has run. Used on the protocol's queue only.
+/// An operation keeps the protocol alive until its callback has run. Must be used on the protocol's
+/// queue only.
 class PTProtocol : public std::enable_shared_from_this<PTProtocol> {
     struct FrameLoop;
 
 public:
-    /// The most that is gathered of one payload. A request is a small dictionary and a reply has a
-    /// few MiB, so a peer that really delivers more means no good, and is not to fill the memory.
+    /// The largest payload in bytes that is read. A request is a small dictionary, and a reply has
+    /// a few MiB: a peer that sends more is hostile, and must not fill the memory.
     static constexpr size_t kLargestPayload = size_t{64} * 1024 * 1024;
 
     using SendCallback = std::function<void(const std::optional<Error>& error)>;
 
-    /// Type 0 without an error is the end of the stream. With an error type, tag and size are 0.
+    /// Type 0 without an error means the end of the stream. With an error, type, tag and size are
+    /// 0.
     using FrameCallback = std::function<void(const std::optional<Error>& error, quint32 type,
                                              quint32 tag, quint32 payloadSize)>;
 
@@ -46,8 +48,8 @@ public:
     using DiscardCallback =
         MoveOnlyFunction<void(const std::optional<Error>& error, bool endOfStream)>;
 
-    /// Goes on with the loop that told of a frame, which it keeps alive until then. To be called
-    /// once.
+    /// Continues the loop that reported a frame, and keeps it alive until then. Must be called at
+    /// most once.
     class Resume {
     public:
         void operator()();
@@ -66,14 +68,14 @@ public:
     using OnFrame = std::function<void(const std::optional<Error>& error, quint32 type, quint32 tag,
                                        quint32 payloadSize, Resume resume)>;
 
-    /// A protocol on the given queue, which may be null: it is then no use before `setQueue`.
+    /// A protocol on the given queue. If that is null, it must not be used before `setQueue`.
     static std::shared_ptr<PTProtocol> initWithDispatchQueue(std::shared_ptr<DispatchQueue> queue);
 
     /// A protocol on the main queue.
     static std::shared_ptr<PTProtocol> init();
 
-    /// The one protocol that belongs to the queue, made on first use. The queue holds it, it does
-    /// not hold the queue.
+    /// The one protocol that belongs to the queue, made on first use. The queue owns it; it does
+    /// not keep the queue alive.
     static std::shared_ptr<PTProtocol>
     sharedProtocolForQueue(const std::shared_ptr<DispatchQueue>& queue);
 
@@ -87,8 +89,8 @@ public:
     /// 1, 2, 3, …; after 4294967295 comes 0.
     quint32 newTag() { return ++nextFrameTag_; }
 
-    /// A whole frame: header and payload, whose bytes are referred to. A payload of more than
-    /// 4294967295 bytes stops the program.
+    /// A whole frame: header and payload, whose bytes are not copied. A payload of more than
+    /// 4294967295 bytes aborts the program.
     DispatchData
     createDispatchDataWithFrameOfType(quint32 type, quint32 frameTag,
                                       const std::optional<DispatchData>& payload) const;
@@ -97,20 +99,20 @@ public:
     void sendFrameOfType(quint32 type, quint32 tag, std::optional<DispatchData> payload,
                          const std::shared_ptr<DispatchIO>& overChannel, SendCallback callback);
 
-    /// Reads one header. A payload, if it announces one, comes next on the channel.
+    /// Reads one header. If it announces a payload, the caller must read or skip that next.
     void readFrameOverChannel(const std::shared_ptr<DispatchIO>& channel, FrameCallback callback);
 
-    /// Reads exactly `size` bytes, into one buffer that grows as they arrive. More than
-    /// `kLargestPayload` end at once with the POSIX error ENOMEM, none of them read.
+    /// Reads exactly `size` bytes, into one buffer that grows as they arrive. If `size` is more
+    /// than `kLargestPayload`, reads nothing and fails at once with the POSIX error ENOMEM.
     void readPayloadOfSize(size_t size, const std::shared_ptr<DispatchIO>& overChannel,
                            PayloadCallback callback);
 
-    /// Reads exactly `size` bytes and keeps none. The callback may be null.
+    /// Reads exactly `size` bytes and discards them. The callback may be null.
     void readAndDiscardDataOfSize(size_t size, const std::shared_ptr<DispatchIO>& overChannel,
                                   DiscardCallback callback);
 
-    /// Reads headers, one after the other, until the stream ends, an operation fails, or `resume`
-    /// is dropped uncalled.
+    /// Reads headers, one after another, until the stream ends, an operation fails, or a `resume`
+    /// is destroyed without having been called.
     void readFramesOverChannel(const std::shared_ptr<DispatchIO>& channel, OnFrame onFrame);
 
 protected:
@@ -124,8 +126,8 @@ private:
     static void readNextFrame(std::shared_ptr<const FrameLoop> loop);
 };
 
-/// The protocol that belongs to one queue: the queue owns it, so it refers to the queue without
-/// keeping it alive, and it can never be moved to another one.
+/// The protocol that belongs to one queue. The queue owns it, so it does not keep the queue alive,
+/// and cannot be given another queue.
 class RQueueLocalIOFrameProtocol final : public PTProtocol {
 public:
     explicit RQueueLocalIOFrameProtocol(DispatchQueue& queue);
@@ -133,7 +135,7 @@ public:
     /// Does nothing.
     void setQueue(std::shared_ptr<DispatchQueue>) override {}
 
-    /// The queue goes away; there is none from now on.
+    /// Called when the queue is destroyed: there is none from now on.
     void forgetQueue() { queue_ = nullptr; }
 };
 

@@ -10,13 +10,13 @@
 
 namespace navrel {
 
-/// Domain of the one error of the protocol: code 0, a header that is cut off or has another
+/// Domain of the one error of the protocol, code 0: a header that is truncated or has another
 /// version.
 extern const QString kPTProtocolErrorDomain;
 
-// What the last delivery of a read says, by its bytes and its errno value. Without bytes and
-// without an errno value it is the end of the stream. Deliberately decided on that delivery alone:
-// a stream that ends within a frame has ended as cleanly as one that ends between frames.
+// The outcome of a read, from the bytes and the errno value of its last delivery. No bytes and no
+// errno value mean the end of the stream. Deliberately, only that delivery counts: a stream that
+// ends within a frame ends as cleanly as one that ends between frames.
 
 /// An error, or a header; the header of an error, and of the end of the stream, has type 0.
 struct PTHeaderOutcome {

@@ -4,11 +4,11 @@
 
 namespace navrel {
 
-/// The peer of a socket that is connected over the loopback address, as the kernel has it. Where
-/// its tables are not known, always this user. Any thread.
+/// The peer of a socket that is connected on the loopback address, from the kernel. On systems
+/// whose tables Navrel cannot read, this user. Any thread.
 LoopbackPeer systemLoopbackPeer(int socket);
 
-/// Whether a peer runs as this user or as root: nobody else is served.
+/// Whether a peer runs as this user or as root. No other peer is served.
 bool isOfThisUser(const LoopbackPeer& peer);
 
 } // namespace navrel

@@ -6,7 +6,7 @@
 
 namespace navrel {
 
-/// What a program says about itself to others.
+/// The name and version by which a program identifies itself.
 struct BundleInformation {
     std::optional<QString> name; ///< "CFBundleName"
     QString version;             ///< "CFBundleVersion", as text

@@ -24,15 +24,15 @@ class DispatchQueue;
 /// their replies, and broadcasts. After a successful "Connect" its stream carries the bytes of a
 /// device's port instead, and lives on with its taker.
 ///
-/// All calls on the queue that it was opened on, where all callbacks run, later than the call; that
-/// of a message which no property list can hold is called before the call returns. Dropping it lets
-/// go of the stream, unless a packet is being read: that keeps it until `cancel` or `stop`, or
-/// until the packet has come.
+/// Must be used on the queue that it was opened on. Callbacks run there, after the call has
+/// returned; only for a message that a property list cannot hold, before that. Releasing the last
+/// reference closes the stream, unless a packet is being read: that keeps the channel alive until
+/// `cancel` or `stop`, or until the packet has arrived.
 class PTUSBChannel final : public std::enable_shared_from_this<PTUSBChannel> {
 public:
     using Message = std::optional<QVariantMap>;
     using Callback = std::function<void(const std::optional<Error>& error)>;
-    /// Nothing for a packet that could not be read, or holds no dictionary.
+    /// The reply is nil for a packet that could not be read or is not a dictionary.
     using BroadcastHandler = std::function<void(const Message& packet)>;
     using ReplyCallback =
         std::function<void(const std::optional<Error>& error, const Message& reply)>;
@@ -41,37 +41,38 @@ public:
     using DataCallback =
         std::function<void(const std::optional<Error>& error, const DispatchData& data)>;
 
-    /// A message of that type: with the program's name and version, and the keys of a payload,
-    /// over which the former win.
+    /// A message of a type, with the program's name and version and the keys of `payload`. If
+    /// `payload` has one of the former, it is ignored.
     static QVariantMap packetDictionaryWithPacketType(
         const QString& messageType, const Message& payload,
         const BundleInformation& bundle = BundleInformation::mainBundle());
 
-    /// What a reply means, in `error`: nothing for success. An error that is there already stays.
-    /// False when the reply is none of success.
+    /// Sets `error` if a reply reports a failure, unless there is an error already. False if the
+    /// reply does not report success.
     static bool errorFromPlistResponse(const Message& reply, std::optional<Error>& error);
 
-    /// Logs a reply that no pending request was waiting for.
+    /// Logs a reply that belongs to no pending request.
     static void logIgnoredReply(const Message& reply);
 
-    /// A channel that is not open yet. The daemon is kept as long as the stream is in use.
+    /// Makes a channel that is not open yet. It keeps the daemon alive as long as it uses the
+    /// stream.
     static std::shared_ptr<PTUSBChannel> create(std::shared_ptr<USBDaemon> daemon);
     ~PTUSBChannel();
     PTUSBChannel(const PTUSBChannel&) = delete;
     PTUSBChannel& operator=(const PTUSBChannel&) = delete;
 
-    /// Opens the stream; once only, anything else stops the program, and so does a null queue.
-    /// `onEnd` (may be null) is called once, when the stream is closed, with a POSIX error or
-    /// nothing. On failure nothing stays open.
+    /// Opens the stream. Must be called at most once, and with a queue: otherwise aborts the
+    /// program. `onEnd` (may be null) is called once, when the stream is closed, with a POSIX error
+    /// or nil. On failure nothing stays open.
     [[nodiscard]] std::optional<Error> openOnQueue(std::shared_ptr<DispatchQueue> queue,
                                                    Callback onEnd);
 
-    /// Asks for broadcasts. The callback (may be null) receives the outcome. Stops the program when
-    /// a packet is being read.
+    /// Asks for broadcasts. The callback (may be null) receives the outcome. Must not be called
+    /// while a packet is being read: aborts the program.
     void listenWithBroadcastHandler(BroadcastHandler broadcastHandler, Callback callback);
 
-    /// Sends a request; the callback, which must not be null, receives its reply, or why it could
-    /// not be sent. No callback at all when the stream fails before the reply has come.
+    /// Sends a request. The callback, which must not be null, receives the reply, or the error if
+    /// it could not be sent. It is not called if the stream fails before the reply has arrived.
     void sendRequest(const QVariantMap& packet, ReplyCallback callback);
 
     // The steps of a request. Send callbacks may be null.
@@ -82,29 +83,31 @@ public:
     void sendDispatchData(DispatchData data, Callback callback);
     /// The bytes are shared, not copied.
     void sendData(const QByteArray& data, Callback callback);
-    /// 1, 2, 3, …; after 4294967295 comes 0, the tag of broadcasts: that one request gets no reply.
+    /// The next tag: 1, 2, 3, …; after 4294967295 comes 0, the tag of broadcasts: that one request
+    /// gets no reply.
     quint32 nextPacketTag() { return ++nextPacketTag_; }
 
     // The steps of reading.
 
-    /// Reads exactly that many bytes. A stream has no positions: the offset says what the bytes
-    /// are for. Deliberately, the callback receives those of the last delivery alone, so none when
-    /// the stream ends first.
+    /// Reads exactly `length` bytes. A stream has no positions: the offset says what the bytes are
+    /// for. Deliberately, the callback receives only the bytes of the last delivery, so none if the
+    /// stream ends first.
     void readFromOffset(size_t offset, size_t length, DataCallback callback);
     /// Reads a packet, unless one is being read.
     void setNeedsReadingPacket();
-    /// Reads a packet and hands it to the callback of the request that its tag names, or, with tag
-    /// 0, as that of a failed read is, to the handler (may be null). Stops the program when a
-    /// packet is being read.
+    /// Reads a packet, and passes it to the callback of the request with its tag or, for tag 0 and
+    /// for a failed read, to the handler (may be null). Must not be called while a packet is being
+    /// read: aborts the program.
     void scheduleReadPacketWithBroadcastHandler(BroadcastHandler broadcastHandler);
-    /// Reads a packet. Deliberately, a stream that ends where a packet should come or in the middle
-    /// of one stops the program: a daemon never does that, and the provider of a stream sees to
-    /// it. A size that no packet has is a read error, EBADMSG, and stops the stream.
+    /// Reads a packet. Deliberately, a stream that ends before or within a packet aborts the
+    /// program: a daemon never does that, and the provider of the stream must make sure of it. A
+    /// size that no packet has is a read error, EBADMSG, and stops the stream.
     void scheduleReadPacketWithCallback(PacketCallback callback);
 
-    /// Closes the stream after what is being read and written. Nothing when it was never opened.
+    /// Closes the stream once what is being read and written is finished. Does nothing if it was
+    /// never opened.
     void cancel();
-    /// Closes the stream at once. Nothing when it was never opened.
+    /// Closes the stream at once. Does nothing if it was never opened.
     void stop();
 
     /// The stream; null until it is opened.

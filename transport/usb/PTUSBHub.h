@@ -17,8 +17,8 @@ namespace navrel {
 extern const QString PTUSBDeviceDidAttachNotification;
 extern const QString PTUSBDeviceDidDetachNotification;
 
-/// The program's view of the devices on USB: tells when one is attached or detached, and opens
-/// connections to their ports. Used on the queue that it listens on, where its notifications are
+/// The devices on USB: posts a notification when one is attached or detached, and opens connections
+/// to their ports. Must be used on the queue that it listens on, where its notifications are
 /// posted; connections to devices are made on the main queue.
 class PTUSBHub final : public std::enable_shared_from_this<PTUSBHub> {
 public:
@@ -26,36 +26,35 @@ public:
     using StartCallback = std::function<void(const std::optional<Error>& error,
                                              const std::shared_ptr<DispatchIO>& channel)>;
 
-    /// The hub of the process, on the daemon that USBDaemonAddress::fromEnvironment names. The
-    /// first call makes it and lets it listen on the main queue; it is never destroyed. Should
-    /// listening fail, that is logged.
+    /// The hub of the process, for the daemon at USBDaemonAddress::fromEnvironment. The first call
+    /// makes it, and has it listen on the main queue; a failure of that is logged. Never destroyed.
     static const std::shared_ptr<PTUSBHub>& sharedHub();
 
-    /// A hub that does not listen yet.
+    /// Makes a hub that does not listen yet.
     static std::shared_ptr<PTUSBHub> create(std::shared_ptr<USBDaemon> daemon);
     ~PTUSBHub();
     PTUSBHub(const PTUSBHub&) = delete;
     PTUSBHub& operator=(const PTUSBHub&) = delete;
 
-    /// Listens for devices; `onStart` receives the outcome, `onEnd` the end of listening; both may
-    /// be null. Only the first call does anything: deliberately, any later one reports success,
-    /// even after a failure. It does so before it returns, as the first one does when the daemon
-    /// cannot be reached.
+    /// Listens for devices. `onStart` receives the outcome, `onEnd` the end of listening; both may
+    /// be null. Deliberately, only the first call does anything: any later one reports success,
+    /// even after a failure. A later call, and a first one that cannot reach the daemon, call
+    /// `onStart` before they return.
     void listenOnQueue(const std::shared_ptr<DispatchQueue>& queue, const Callback& onStart,
                        const Callback& onEnd);
 
-    /// Connects to a TCP port (in host byte order) of a device, whose identifier is passed on as it
-    /// came; none at all is an unknown device. `onStart` (not null) receives a stream of the port's
-    /// bytes, or why there is none: before this returns when the daemon cannot be reached, else
-    /// later. `onEnd` (may be null) is called once that stream is closed, also that of an attempt
-    /// that the daemon refused.
+    /// Connects to a TCP port (in host byte order) of a device. Its identifier is sent to the
+    /// daemon unchanged; none means an unknown device. `onStart` must not be null: it receives a
+    /// stream of the port's bytes, or the error, before this returns if the daemon cannot be
+    /// reached, otherwise later. `onEnd` (may be null) is called once the stream is closed, even if
+    /// the daemon refused the attempt.
     void connectToDevice(const QVariant& deviceID, quint16 port, const StartCallback& onStart,
                          const Callback& onEnd);
 
-    /// Whether the daemon has been reached, as far as it was looked for.
+    /// Whether the daemon is there, as far as is known.
     bool isDaemonThere() const { return daemon_ && daemon_->isThere(); }
 
-    /// Tells the observers what a broadcast says.
+    /// Posts the notification for a broadcast.
     void handleBroadcastPacket(const std::optional<QVariantMap>& packet);
 
 private:

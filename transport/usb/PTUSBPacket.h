@@ -39,14 +39,14 @@ constexpr quint32 kPTUSBBroadcastTag = 0;
 /// The key of every message's type.
 inline const QString kMessageType = QStringLiteral("MessageType");
 
-/// Real packets take one or two kilobytes. An announced size beyond this is not waited for.
+/// In bytes. Real packets take one or two kilobytes; a larger announced size than this is an error.
 constexpr quint32 kMaxPTUSBPacketSize = 1024 * 1024;
 
-/// Domain of the errors of packets and replies: a reply's code (PTUSBReplyCode), and 0 for packets
-/// and replies that say nothing.
+/// Domain of the errors of packets and replies. The code is that of the reply (PTUSBReplyCode), or
+/// 0 for a packet or reply that is not understood.
 extern const QString kPTUSBHubErrorDomain;
 
-/// What the daemon answers under "Number".
+/// The values of the key "Number" of a reply.
 enum PTUSBReplyCode : quint32 {
     kPTUSBReplyOK = 0,
     kPTUSBReplyBadCommand = 1,
@@ -58,32 +58,32 @@ enum PTUSBReplyCode : quint32 {
 /// The error of a reply code that is not 0, with its text.
 Error errorOfPTUSBReplyCode(quint32 code);
 
-/// Memory for a packet of that many payload bytes: the header is zero but for `size`. A payload of
-/// more than 4294967295 bytes stops the program.
+/// Memory for a packet with that many payload bytes. Its header is zero except for `size`. More
+/// than 4294967295 bytes abort the program.
 MallocedBytes usbmuxPacketAlloc(size_t payloadSize);
 
-/// A whole packet, its payload copied.
+/// A whole packet, with a copy of the payload.
 DispatchData createPTUSBPacket(quint32 type, quint32 protocol, quint32 tag, QByteArrayView payload);
 
-/// The size that the first four bytes announce. The bytes are at least that many.
+/// The packet size that the first four bytes announce. There must be at least four.
 quint32 announcedPTUSBPacketSize(const char* sizeWord);
 
-/// Whether a packet may be that large: it has a header, and stays within the limit.
+/// Whether a packet may have that size: at least that of a header, and within the limit.
 bool isPTUSBPacketSizeAllowed(quint32 size);
 
-/// What a received packet holds.
+/// The contents of a received packet.
 struct PTUSBPacket {
     quint32 tag = kPTUSBBroadcastTag;
-    /// Why there is no message: another protocol or type, or a payload that is no property list.
+    /// Why there is no message: another protocol or type, or a payload that is not a property list.
     std::optional<Error> error;
-    /// Nothing, without an error, for an empty packet and for a list that is no dictionary.
+    /// Nil without an error for an empty packet, and for a list that is not a dictionary.
     std::optional<QVariantMap> message;
 };
 
-/// Decodes a whole packet, which has at least its header; its size word is not looked at.
+/// Decodes a whole packet, which must have at least its header. Its size word is ignored.
 PTUSBPacket decodedPTUSBPacket(QByteArrayView packet);
 
-/// The tag of a whole packet, which has at least its header.
+/// The tag of a whole packet, which must have at least its header.
 quint32 tagOfPTUSBPacket(QByteArrayView packet);
 
 /// Takes the first packet off bytes that have arrived.
@@ -93,10 +93,10 @@ struct PTUSBPacketTaken {
 };
 PTUSBPacketTaken takePTUSBPacket(QByteArray& received);
 
-/// The integer under a key; nothing where there is none, or a value of another kind.
+/// The integer under a key; nil if there is none, or a value of another kind.
 std::optional<qlonglong> numberInMessage(const QVariantMap& message, const QString& key);
 
-/// Text for the log, on one line and of a bounded length; "(null)" for nothing.
+/// Text for the log, on one line and of bounded length; "(null)" for nil.
 QString descriptionOfMessage(const std::optional<QVariantMap>& message);
 
 } // namespace navrel

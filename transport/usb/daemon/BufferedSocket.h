@@ -11,9 +11,9 @@
 
 namespace navrel {
 
-/// A stream socket with a buffer each way: what has arrived waits until its owner takes it, what
-/// the peer does not read yet waits until it does. How much may wait is up to the owner, who says
-/// when to read on. Main thread.
+/// A stream socket with a buffer in each direction: for bytes that the owner has not taken yet, and
+/// for bytes that the peer has not read yet. The owner must bound both: by `setReading` and by what
+/// it sends. Main thread.
 class BufferedSocket {
 public:
     /// Makes the socket non-blocking. `didChange` is called by the event loop, never inside a call,
@@ -24,25 +24,25 @@ public:
     BufferedSocket(const BufferedSocket&) = delete;
     BufferedSocket& operator=(const BufferedSocket&) = delete;
 
-    /// What has arrived; the caller removes what it takes.
+    /// The bytes that have arrived. The caller must remove those that it takes.
     QByteArray& received() { return received_; }
 
-    /// Whether nothing more arrives: the peer is gone, or the stream failed.
+    /// Whether nothing more will arrive: the peer is gone, or the stream failed.
     bool hasEnded() const { return hasEnded_; }
-    /// Why it failed; 0 when the peer closed it.
+    /// The errno value of a stream that failed; 0 if the peer closed it.
     int errnoValue() const { return errnoValue_; }
 
-    /// Sends bytes, behind those that wait. A peer that takes none any more loses them: what it
+    /// Sends bytes, after those that wait. If the peer takes no more they are lost, but what it
     /// sent before still arrives.
     void write(QByteArrayView bytes);
-    /// The same without a copy, unless others wait.
+    /// As above, without a copy unless others wait.
     void write(QByteArray&& bytes);
     /// Whether a write has failed.
     bool isPeerDeaf() const { return isPeerDeaf_; }
-    /// How many bytes wait.
+    /// How many bytes wait to be sent.
     qsizetype unwritten() const { return unwritten_.size(); }
 
-    /// Whether to read what arrives; at first it is read.
+    /// Sets whether to read what arrives; at first true.
     void setReading(bool wanted);
 
 private:

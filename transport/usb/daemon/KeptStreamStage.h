@@ -6,18 +6,18 @@
 
 namespace navrel {
 
-/// How far a stream of the USB daemon's keeper is.
+/// The stages of a stream of the USB daemon's keeper.
 enum class KeptStreamStage : quint8 {
     awaitingRequest,  ///< the program has not asked for anything yet
     awaitingReply,    ///< the daemon owes the reply to a request other than "Listen"
     relaying,         ///< the daemon has replied: the bytes of both sides are passed on
-    refused,          ///< the daemon went before it replied, and was answered for
+    refused,          ///< the daemon ended before it replied: the program got "connection refused"
     listening,        ///< a "Listen" request, with a connection to the daemon
     waitingForDaemon, ///< a "Listen" request, without one
-    ended,            ///< to be let go of
+    ended,            ///< to be released
 };
 
-/// What may happen to a stream.
+/// The events of such a stream.
 enum class KeptStreamEvent : quint8 {
     listenRequested, ///< the program asked for "Listen"
     otherRequested,  ///< the program asked for something else
@@ -46,7 +46,7 @@ inline constexpr TransitionTable<KeptStreamStage, 7, 6> kKeptStreamTransitions =
 
 } // namespace detail
 
-/// The stage after an event. Every event may come in every stage.
+/// The stage after an event. Every event may occur in every stage.
 constexpr KeptStreamStage nextKeptStreamStage(KeptStreamStage stage, KeptStreamEvent event) {
     return stateAfter(detail::kKeptStreamTransitions, stage, event);
 }

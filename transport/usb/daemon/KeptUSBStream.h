@@ -17,18 +17,18 @@
 
 namespace navrel {
 
-/// One stream of the keeper: on one side the program, which sees a daemon that never goes; on the
-/// other a connection to the real one. What the program asks for first decides what becomes of it.
+/// One stream of the keeper, between the program, which sees a daemon that never ends, and a
+/// connection to the real daemon. What it does depends on the program's first request:
 ///
 ///   "Listen"   Packets are passed on whole, and the stream never ends by itself. When the daemon
-///              goes, or sends what is no packet, each device that it had announced is reported as
-///              detached, and the request is repeated to the daemon that comes next. A daemon that
-///              refuses is left and asked again, too. The reply to a repeated request stays here;
-///              any other reply is passed on, so that the program logs what it did not ask for.
-///   any other  The reply is passed on, and from then on the bytes of both sides, until one ends. A
-///              reply to another request is logged here, since the program reads only one packet. A
-///              daemon that goes, or sends what is no packet, before it has replied is answered
-///              for: "connection refused".
+///              ends or sends anything but a packet, each device that it announced is reported as
+///              detached, and the request is sent again to the next daemon. The same goes for a
+///              daemon that refuses. The reply to a repeated request is dropped; any other reply is
+///              passed on, so that the program logs replies to requests that it did not make.
+///   any other  The reply is passed on, and after it the bytes of both sides, until one ends. A
+///              reply to another request is logged here, since the program reads only one packet.
+///              If the daemon ends or sends anything but a packet before it has replied, the
+///              program gets the reply "connection refused".
 ///
 /// A daemon that does not reply in time counts as gone. KeptStreamStage.h has the stages and their
 /// transitions. Main thread.
@@ -37,12 +37,12 @@ public:
     struct Events {
         /// A listening stream has no daemon; `reachDaemon` is due when there may be one.
         std::function<void()> didLoseDaemon;
-        /// The stream has ended on both sides and is to be let go of.
+        /// The stream has ended on both sides and should be released.
         std::function<void()> didEnd;
     };
 
-    /// The program's end of the stream is the peer of `program`. The daemon, which is not owned,
-    /// has `replyTimeout` for its reply, on a clock that must outlive the stream.
+    /// The program's end of the stream is the peer of `program`. The daemon must reply within
+    /// `replyTimeout`. Daemon and clock are not owned, and must outlive the stream.
     static std::shared_ptr<KeptUSBStream> create(OwnedDescriptor program, USBDaemon& daemon,
                                                  Clock& clock,
                                                  std::chrono::milliseconds replyTimeout,

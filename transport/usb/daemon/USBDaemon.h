@@ -4,17 +4,17 @@
 
 namespace navrel {
 
-/// Where streams to the USB multiplexing daemon come from. Main thread.
+/// Opens streams to the USB multiplexing daemon. Main thread.
 class USBDaemon {
 public:
     virtual ~USBDaemon() = default;
 
-    /// A connected stream socket, closed in the programs that this one starts; invalid, with errno
-    /// set, on failure. Never waits for a daemon to accept. The caller must keep this object as
-    /// long as it uses the stream.
+    /// Returns a connected stream socket, which programs that this one starts do not inherit;
+    /// invalid, with errno set, on failure. Does not wait until a daemon accepts. This object must
+    /// outlive the stream.
     virtual OwnedDescriptor openStream() = 0;
 
-    /// False while no stream that listens reaches it; true where that is not known.
+    /// False while a listening stream cannot reach the daemon; true if that is not known.
     virtual bool isThere() const { return true; }
 
 protected:

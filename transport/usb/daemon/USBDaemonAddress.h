@@ -6,7 +6,7 @@
 
 namespace navrel {
 
-/// Where a daemon listens: a socket of the file system, or a port of a host.
+/// Where a daemon listens: on a Unix socket, or on a port of a host.
 struct USBDaemonAddress {
     QString path; ///< empty for a host and port
     QString host; ///< a number, or a name
@@ -16,8 +16,8 @@ struct USBDaemonAddress {
     /// "localhost:27015", "mac.example:27015"); nothing for any other text. Looks no name up.
     static std::optional<USBDaemonAddress> fromText(const QString& text);
 
-    /// The one that USBMUXD_SOCKET_ADDRESS names; "/var/run/usbmuxd" where it is not set, or cannot
-    /// be read, which is logged.
+    /// The address in USBMUXD_SOCKET_ADDRESS; "/var/run/usbmuxd" if that is not set or not valid,
+    /// which is logged.
     static USBDaemonAddress fromEnvironment();
 };
 

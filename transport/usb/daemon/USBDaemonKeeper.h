@@ -12,21 +12,21 @@
 
 namespace navrel {
 
-/// A daemon that is always there, made of one that comes and goes: the real one starts with the
-/// first device plugged in and ends with the last one unplugged, leaving its socket's file behind.
+/// Makes a daemon that comes and goes look like one that always runs: the real one starts when the
+/// first device is plugged in and ends when the last is unplugged, and leaves its socket's file.
 ///
 /// A stream of the keeper is one end of a pair of sockets; the keeper serves the other end
-/// (KeptUSBStream.h). So whatever the daemon does, the program's streams end only where a daemon
-/// that always runs would end them, and `openStream` fails only for want of descriptors. While a
-/// listening stream has no daemon, one is looked for whenever something changes in the folder of
-/// the daemon's socket, and once a second, since it takes a moment from the file to a daemon that
-/// accepts, and a daemon at a port has no folder.
+/// (KeptUSBStream.h). So the program's streams end only when a daemon that always runs would end
+/// them, and `openStream` fails only if there are no more descriptors. While a listening stream has
+/// no daemon, the keeper looks for one whenever the folder of the daemon's socket changes. It also
+/// looks once a second: a daemon accepts a moment after its file appears, and one at a port has no
+/// folder.
 ///
 /// Streams end with the keeper. Main thread.
 class USBDaemonKeeper final : public USBDaemon {
 public:
-    /// How long the daemon may take for a reply. A device, and with it the daemon, answers within
-    /// milliseconds; one that has hung never does, and until it is given up nothing else is tried.
+    /// How long the daemon may take to reply. Normally it takes milliseconds, even if it has to ask
+    /// a device. One that hangs never replies, and nothing else is tried before it is given up.
     static constexpr std::chrono::seconds kReplyTimeout{5};
 
     /// The clock must outlive the keeper.

@@ -9,9 +9,10 @@
 
 namespace navrel {
 
-/// The daemon itself: each stream is a connection to its socket. A host's name is looked up for
-/// each stream (HostLookup.h); while it has no address, opening fails with EHOSTUNREACH. Of several
-/// addresses the first counts that does not refuse; each but the last has 100 ms to do that.
+/// The real daemon: each stream is a connection to its socket. A host name is looked up for each
+/// stream (HostLookup.h); while it has no address, opening fails with EHOSTUNREACH. Several
+/// addresses are tried in order, until one does not refuse; each except the last has 100 ms to
+/// refuse.
 class USBDaemonSocket final : public USBDaemon {
 public:
     explicit USBDaemonSocket(USBDaemonAddress address);
