@@ -9,11 +9,12 @@
 #include "project/EditorRefusal.h"
 #include "support/core/Log.h"
 
-#include <QHash>
 #include <QVariantMap>
 
+#include <algorithm>
 #include <chrono>
 #include <iterator>
+#include <poll.h>
 #include <thread>
 #include <utility>
 
@@ -45,6 +46,21 @@ std::optional<bool> waitsForAKey(NeovimConnection& editor, const QDeadlineTimer&
         return std::nullopt;
     }
     return mode.value.toMap().value(QStringLiteral("blocking")) != false;
+}
+
+/// The reply to a request that was begun; nothing where it has not come by the deadline.
+std::optional<Reply> replyBefore(const QDeadlineTimer& deadline, NeovimConnection& editor,
+                                 qint64 request) {
+    while (true) {
+        if (auto reply = editor.replyTo(request)) {
+            return reply;
+        }
+        if (deadline.hasExpired()) {
+            return std::nullopt;
+        }
+        pollfd waited = {editor.descriptor(), POLLIN, 0};
+        ::poll(&waited, 1, static_cast<int>(deadline.remainingTime()));
+    }
 }
 
 /// Whether an operator waits for its motion: to leave that mode would end what the user began.
@@ -163,24 +179,42 @@ NeovimEditor::NeovimEditor(std::chrono::milliseconds leftAloneFor,
 
 NeovimEditor::~NeovimEditor() = default;
 
-std::optional<ActiveFile> NeovimEditor::activeFile(const QDeadlineTimer& deadline) {
-    const QByteArrayList sockets = neovimServerSockets(shareOf(deadline, 2));
-    answers_.forgetAllBut(sockets);
-    hearLateAnswers(sockets);
-    QHash<QByteArray, ProbedNeovim*> probed;
-    // Looked up once: the time of one that is left alone may end while the others are asked.
-    const QByteArrayList asked = silent_.without(sockets);
-    auto servers =
-        probeNeovims(asked, deadline, std::chrono::milliseconds(deadline.remainingTime()) / 2);
-    for (ProbedNeovim& server : servers) {
-        probed.insert(server.socket, &server);
+/// Where a Neovim may listen. A search that had too little time keeps what the one before it found:
+/// an editor is not gone because the machine is busy.
+QByteArrayList NeovimEditor::servers(const QDeadlineTimer& deadline) {
+    bool isWhole = false;
+    QByteArrayList sockets = neovimServerSockets(deadline, &isWhole);
+    if (isWhole) {
+        known_ = sockets;
+        return sockets;
     }
+    for (const QByteArray& socket : known_) {
+        if (!sockets.contains(socket)) {
+            sockets.append(socket);
+        }
+    }
+    return sockets;
+}
+
+std::optional<ActiveFile> NeovimEditor::activeFile(const QDeadlineTimer& deadline) {
+    const QByteArrayList sockets = servers(shareOf(deadline, 2));
+    answers_.forgetAllBut(sockets);
+    std::vector<ProbedNeovim> asked = takeLateAnswers(sockets);
+    // Looked up once: the time of one that is left alone may end while the others are asked.
+    QByteArrayList probed = silent_.without(sockets);
+    for (const ProbedNeovim& awake : asked) {
+        probed.removeOne(awake.socket);
+    }
+    auto answering =
+        probeNeovims(probed, deadline, std::chrono::milliseconds(deadline.remainingTime()) / 2);
+    std::move(answering.begin(), answering.end(), std::back_inserter(asked));
     std::optional<ActiveFile> lastKnown;
     for (const QByteArray& socket : sockets) {
-        ProbedNeovim* const server = probed.value(socket, nullptr);
-        if (server != nullptr) {
+        const auto server = std::find_if(asked.begin(), asked.end(),
+                                         [&](const auto& each) { return each.socket == socket; });
+        if (server != asked.end()) {
             learnFrom(*server, deadline);
-        } else if (asked.contains(socket)) {
+        } else if (probed.contains(socket)) {
             answers_.forget(socket);
         }
         const auto file = answers_.of(socket);
@@ -202,23 +236,41 @@ bool NeovimEditor::isSuspended() const {
     const QByteArray& server = isFollowing ? follower_->lastServer() : shown_;
     int descriptor = follower_ ? follower_->descriptorOf(server) : -1;
     const auto late = late_.find(server);
-    if (descriptor < 0 && late != late_.end() && late->second.connection != nullptr) {
-        descriptor = late->second.connection->descriptor();
+    if (descriptor < 0 && late != late_.end() && late->second.server.connection != nullptr) {
+        descriptor = late->second.server.connection->descriptor();
     }
     return descriptor >= 0 && isPeerStopped(descriptor);
 }
 
-/// A server that was left alone and has answered since may be asked again.
-void NeovimEditor::hearLateAnswers(const QByteArrayList& sockets) {
+/// Servers that were left alone and have answered since, which may be asked again. One that is
+/// ready is not asked for that a second time: where the machine is slow, it would be late each
+/// time.
+std::vector<ProbedNeovim> NeovimEditor::takeLateAnswers(const QByteArrayList& sockets) {
+    std::vector<ProbedNeovim> awake;
     for (auto late = late_.begin(); late != late_.end();) {
-        late->second.look();
-        const bool hasAnswered = late->second.state != NeovimState::Silent;
-        if (hasAnswered) {
+        if (hasAnswered(late->second)) {
             silent_.remove(late->first);
+            if (late->second.fileQuestion == 0 && sockets.contains(late->first)) {
+                awake.push_back(std::move(late->second.server));
+            }
         }
         const bool isWaitedFor = silent_.contains(late->first) && sockets.contains(late->first);
         late = isWaitedFor ? std::next(late) : late_.erase(late);
     }
+    return awake;
+}
+
+/// Takes what a server has said since it was left alone.
+bool NeovimEditor::hasAnswered(LateNeovim& late) {
+    if (late.fileQuestion == 0) {
+        late.server.look();
+        return late.server.state != NeovimState::Silent;
+    }
+    const auto file = late.server.connection->replyTo(late.fileQuestion);
+    if (file) {
+        learnFile(late.server.socket, *file);
+    }
+    return file.has_value();
 }
 
 /// Keeps what a server that was asked shows. One that is busy or silent stands by its last answer;
@@ -244,24 +296,34 @@ void NeovimEditor::learnFrom(ProbedNeovim& server, const QDeadlineTimer& deadlin
 
 void NeovimEditor::askForFile(ProbedNeovim& server, const QDeadlineTimer& deadline) {
     static const QByteArray script = QByteArray(kNeovimPlaceFunction) + kNeovimActiveFileScript;
-    const Reply file = runScript(*server.connection, script.constData(), {}, deadline);
-    if (file.kind == Reply::Kind::Result && file.value.typeId() == QMetaType::QByteArray) {
-        answers_.add(server.socket, file.value.toByteArray());
-        return;
-    }
-    if (file.kind == Reply::Kind::None) {
-        silent_.add(server.socket);
-    }
-    const bool isOverdue = file.kind == Reply::Kind::None && deadline.hasExpired();
-    if (!isOverdue) {
-        answers_.forget(server.socket);
+    const qint64 question =
+        server.connection->begin("nvim_exec_lua", {script, QVariant(QVariantList())});
+    const auto file = question != 0 ? replyBefore(deadline, *server.connection, question) : Reply();
+    if (file) {
+        learnFile(server.socket, *file);
+    } else {
+        leaveAlone(server, question);
     }
 }
 
-void NeovimEditor::leaveAlone(ProbedNeovim& server) {
-    silent_.add(server.socket);
+/// A connection that broke has no answer, and neither has a Neovim that fails.
+void NeovimEditor::learnFile(const QByteArray& socket, const Reply& file) {
+    if (file.kind == Reply::Kind::Result && file.value.typeId() == QMetaType::QByteArray) {
+        answers_.add(socket, file.value.toByteArray());
+        return;
+    }
+    if (file.kind == Reply::Kind::None) {
+        silent_.add(socket);
+    }
+    answers_.forget(socket);
+}
+
+void NeovimEditor::leaveAlone(ProbedNeovim& server, qint64 fileQuestion) {
+    const QByteArray socket = server.socket;
+    silent_.add(socket);
     if (server.connection != nullptr) {
-        late_.insert_or_assign(server.socket, std::move(server));
+        server.state = NeovimState::Silent;
+        late_.insert_or_assign(socket, LateNeovim{std::move(server), fileQuestion});
     }
 }
 

@@ -3,10 +3,12 @@
 #include "editors/LastAnswers.h"
 #include "editors/RunningEditor.h"
 #include "editors/SilentEditors.h"
+#include "editors/neovim/NeovimConnection.h"
 #include "editors/neovim/NeovimProbe.h"
 
 #include <map>
 #include <memory>
+#include <vector>
 
 namespace navrel {
 
@@ -34,10 +36,19 @@ public:
     void follow(PlaceObserver observer) override;
 
 private:
-    void hearLateAnswers(const QByteArrayList& sockets);
+    /// A server that had its time and may still answer.
+    struct LateNeovim {
+        ProbedNeovim server;
+        qint64 fileQuestion = 0; ///< for its file; 0 where it has not said yet that it is ready
+    };
+
+    QByteArrayList servers(const QDeadlineTimer& deadline);
+    std::vector<ProbedNeovim> takeLateAnswers(const QByteArrayList& sockets);
+    bool hasAnswered(LateNeovim& late);
     void learnFrom(ProbedNeovim& server, const QDeadlineTimer& deadline);
     void askForFile(ProbedNeovim& server, const QDeadlineTimer& deadline);
-    void leaveAlone(ProbedNeovim& server);
+    void learnFile(const QByteArray& socket, const NeovimConnection::Reply& file);
+    void leaveAlone(ProbedNeovim& server, qint64 fileQuestion = 0);
     template <typename Use>
     bool useFirst(const QDeadlineTimer& search, Use use);
     template <typename Use>
@@ -47,8 +58,9 @@ private:
     SilentEditors silent_; ///< any thread: opening learns from queries, and the reverse
     LastAnswers answers_;  ///< main thread
     QByteArray shown_;     ///< the server whose answer was given last; main thread
+    QByteArrayList known_; ///< the servers that a search found that saw all; main thread
     /// Servers that are left alone, as long as they may still answer. Main thread.
-    std::map<QByteArray, ProbedNeovim> late_;
+    std::map<QByteArray, LateNeovim> late_;
     std::unique_ptr<NeovimFollower> follower_; ///< main thread; null while nobody follows
 };
 

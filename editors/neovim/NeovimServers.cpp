@@ -56,6 +56,9 @@ public:
         });
     }
 
+    /// Whether nothing was left out for want of time.
+    bool isWhole() const { return isWhole_; }
+
     /// What was found, the newest first.
     std::vector<Found> takeFound() {
         std::sort(found_.begin(), found_.end(), [](const Found& left, const Found& right) {
@@ -67,16 +70,18 @@ public:
 private:
     /// Calls `visit` with the path of every entry of a folder whose name matches the pattern.
     void forEachMatch(const QByteArray& folder, const QByteArray& pattern,
-                      const std::function<void(const QByteArray& path)>& visit) const {
-        forEachFolderEntry(folder, deadline_, [&](const QByteArray& name) {
+                      const std::function<void(const QByteArray& path)>& visit) {
+        const FolderEnd end = forEachFolderEntry(folder, deadline_, [&](const QByteArray& name) {
             if (::fnmatch(pattern.constData(), name.constData(), FNM_PERIOD) == 0) {
                 visit(folder + '/' + name);
             }
             return true;
         });
+        isWhole_ = isWhole_ && end != FolderEnd::Overdue;
     }
 
     const QDeadlineTimer deadline_;
+    bool isWhole_ = true;
     std::vector<Found> found_;
 };
 
@@ -92,7 +97,7 @@ QByteArray userFolderName() {
     return QByteArray("nvim.") + entry.pw_name;
 }
 
-std::vector<Found> foundSockets(const QDeadlineTimer& deadline) {
+std::vector<Found> foundSockets(const QDeadlineTimer& deadline, bool& isWhole) {
     const QByteArray runtime = qgetenv("XDG_RUNTIME_DIR");
     const QByteArray chosenTemporary = qgetenv("TMPDIR");
     const QByteArray temporary = chosenTemporary.isEmpty() ? "/tmp" : chosenTemporary;
@@ -102,12 +107,13 @@ std::vector<Found> foundSockets(const QDeadlineTimer& deadline) {
     }
     search.lookBelow(temporary + '/' + userFolderName(), "*", "nvim.*.0");
     search.lookBelow(temporary, "nvim*", "0");
+    isWhole = search.isWhole();
     return search.takeFound();
 }
 
 } // namespace
 
-QByteArrayList neovimServerSockets(const QDeadlineTimer& deadline) {
+QByteArrayList neovimServerSockets(const QDeadlineTimer& deadline, bool* isWhole) {
     QByteArrayList sockets;
     const auto add = [&sockets](const QByteArray& path) {
         // What does not begin with a slash is a network address, or nothing.
@@ -118,8 +124,12 @@ QByteArrayList neovimServerSockets(const QDeadlineTimer& deadline) {
     };
     add(qgetenv("NVIM"));
     add(qgetenv("NVIM_LISTEN_ADDRESS"));
-    for (const Found& found : foundSockets(deadline)) {
+    bool sawAll = true;
+    for (const Found& found : foundSockets(deadline, sawAll)) {
         add(found.path);
+    }
+    if (isWhole != nullptr) {
+        *isWhole = sawAll;
     }
     return sockets;
 }

@@ -286,10 +286,34 @@ TEST_F(HostileNeovim, aServerThatAnswersLateIsAskedAgainAtOnce) {
     EXPECT_TRUE(waitUntil([&] { return ask(patient) == QByteArray("/a.m"); }));
 }
 
+/// As on a machine that is so busy that no answer comes while it is waited for.
+TEST_F(HostileNeovim, aServerThatIsLateEachTimeIsHeardAllTheSame) {
+    environment.set("NVIM", socket());
+    const FakeNeovim server(socket(), "/a.m");
+    NeovimEditor hasty(std::chrono::hours(1));
+    EXPECT_TRUE(waitUntil([&] {
+        const auto file = hasty.activeFile(QDeadlineTimer(0));
+        return file && file->path == "/a.m" && file->isFresh;
+    }));
+}
+
+TEST_F(HostileNeovim, aSearchWithoutTimeForgetsNoAnswer) {
+    const FakeNeovim server(socket(), "/a.m");
+    ASSERT_TRUE(waitUntil([&] { return ask() == QByteArray("/a.m"); }));
+    const auto file = editor.activeFile(QDeadlineTimer(0));
+    ASSERT_TRUE(file.has_value());
+    EXPECT_EQ(file->path, "/a.m");
+}
+
 TEST_F(HostileNeovim, whereFoldersAreSlowTheServerOfTheEnvironmentIsStillFound) {
     leaveStaleSocket(socket());
     environment.set("NVIM", environment.bytesOf("own"));
-    EXPECT_EQ(neovimServerSockets(QDeadlineTimer(0)), QByteArrayList{environment.bytesOf("own")});
+    bool isWhole = true;
+    EXPECT_EQ(neovimServerSockets(QDeadlineTimer(0), &isWhole),
+              QByteArrayList{environment.bytesOf("own")});
+    EXPECT_FALSE(isWhole);
+    neovimServerSockets(kWhenever, &isWhole);
+    EXPECT_TRUE(isWhole);
 }
 
 TEST_F(HostileNeovim, aNetworkAddressIsNoSocket) {
