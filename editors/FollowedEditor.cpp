@@ -53,7 +53,7 @@ std::optional<QByteArray> FollowedEditor::activeFile() {
             break;
         }
     }
-    isSilent_ = followed && !followed->isCurrent;
+    isSilent_ = followed && !followed->isFresh;
     if (!followed) {
         name_.clear();
         named_ = nullptr;

@@ -11,6 +11,10 @@
 
 namespace navrel {
 
+/// An editor is asked once a second. That it missed three questions is worth a word to the user,
+/// who wonders why nothing moves; whose project is shown is decided later, with more patience.
+inline constexpr std::chrono::milliseconds kAnswerIsFresh{3'000};
+
 /// What each editor answered last. One that waits for the rest of a command, stands behind a prompt
 /// or was stopped (Ctrl-Z in its terminal) still shows what it showed: to take it for gone would
 /// make another project of it, or none, and build the store again, twice. One thread at a time.
@@ -20,7 +24,7 @@ public:
     explicit LastAnswers(std::chrono::milliseconds standsFor) : standsFor_(standsFor) {}
 
     void add(const QByteArray& name, const QByteArray& path) {
-        answers_.insert(name, {path, QDeadlineTimer(standsFor_)});
+        answers_.insert(name, {path, QDeadlineTimer(standsFor_), QDeadlineTimer(kAnswerIsFresh)});
     }
     /// For an editor that is not there any more.
     void forget(const QByteArray& name) { answers_.remove(name); }
@@ -34,13 +38,14 @@ public:
         if (found == answers_.end()) {
             return std::nullopt;
         }
-        return ActiveFile{found->path, !found->stands.hasExpired()};
+        return ActiveFile{found->path, !found->stands.hasExpired(), !found->fresh.hasExpired()};
     }
 
 private:
     struct Answer {
         QByteArray path;
         QDeadlineTimer stands;
+        QDeadlineTimer fresh;
     };
 
     const std::chrono::milliseconds standsFor_;

@@ -16,6 +16,8 @@ struct ActiveFile {
     /// Whether the editor said so within the last ten seconds or so. If not, it has been busy or
     /// suspended since, and an editor that answers now is preferred.
     bool isCurrent = true;
+    /// Whether the editor said so itself, within the last questions. It is busy otherwise.
+    bool isFresh = true;
 };
 
 /// A place in a file, as the editor reports it.

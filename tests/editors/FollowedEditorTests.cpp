@@ -33,7 +33,7 @@ public:
         ++queries;
         timeGiven = std::chrono::milliseconds(deadline.remainingTime());
         std::this_thread::sleep_for(isStopped ? timeGiven : timeTaken);
-        return file ? std::optional(ActiveFile{*file, !isBusy}) : std::nullopt;
+        return file ? std::optional(ActiveFile{*file, !isBusy, !isBusy}) : std::nullopt;
     }
     bool open(const QByteArray& path, std::optional<int> line, const QDeadlineTimer&) override {
         while (isHeld) {
