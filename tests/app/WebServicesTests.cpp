@@ -1,5 +1,6 @@
 // The update check at start, the manual, and the page about the program.
 
+#include "app/StateSentences.h"
 #include "app/StatusMenu.h"
 #include "app/WebServer.h"
 #include "tests/TestWebServer.h"
@@ -27,6 +28,13 @@ protected:
                   std::vector<std::string>{"GET /apps/Navrel/version.txt HTTP/1.1"});
     }
 
+    /// What users read about updates.
+    QString sentence() const {
+        ProgramFacts facts;
+        other_->addFacts(facts);
+        return sentenceOf(facts.update).text;
+    }
+
     QUrl url_;
     StatusMenu menu_;
     std::shared_ptr<AppDelegate> other_;
@@ -38,6 +46,17 @@ const QStringList kAlertFirst{QStringLiteral("alert"), QStringLiteral("status it
 TEST_F(WebServicesTest, theSameVersionOnTheServerShowsNoAlert) {
     startWithVersionFile("1.4.2", QStringLiteral("1.4.2"));
     EXPECT_EQ(desktop_.events, kOnlyStatusItem);
+}
+
+TEST_F(WebServicesTest, theStateSaysWhatTheServerSaid) {
+    startWithVersionFile("1.4.2", QStringLiteral("1.4.2"));
+    EXPECT_EQ(sentence(), QStringLiteral("This is the latest version."));
+    startWithVersionFile("1.5", QStringLiteral("1.4.2"));
+    EXPECT_EQ(sentence(), QStringLiteral("Another version is available: 1.5."));
+    startWith(QUrl(QStringLiteral("http://127.0.0.1:9")), QStringLiteral("1.4.2"));
+    EXPECT_EQ(sentence(), QStringLiteral("The update server did not answer at start-up."));
+    startWith({}, QStringLiteral("1.4.2"));
+    EXPECT_EQ(sentence(), QStringLiteral("Navrel asks no server for updates."));
 }
 
 TEST_F(WebServicesTest, anEmptyVersionFileShowsNoAlert) {

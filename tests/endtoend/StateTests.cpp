@@ -11,6 +11,7 @@
 #include "tests/endtoend/NavrelProcess.h"
 #include "tests/web/WebClient.h"
 
+#include <QFile>
 #include <gtest/gtest.h>
 
 #include <csignal>
@@ -36,6 +37,11 @@ protected:
     [[nodiscard]] bool waitForSentence(const std::string& pattern) const {
         const std::regex sentence("\"text\":\"" + pattern + "\"");
         return waitUntil([&] { return std::regex_search(state(), sentence); });
+    }
+
+    [[nodiscard]] bool writeProjectFile(const QByteArray& text) const {
+        QFile file(project_.bundle() + QStringLiteral("/project.pbxproj"));
+        return file.open(QIODevice::WriteOnly) && file.write(text) == text.size();
     }
 
     SmallProject project_;
@@ -78,6 +84,39 @@ TEST_F(StateTest, followsDebiansUSBDaemon) {
     EXPECT_TRUE(waitForSentence(kNoDaemon)) << state();
     ASSERT_TRUE(daemon.start());
     EXPECT_TRUE(waitForSentence(kNoDevice)) << state();
+}
+
+TEST_F(StateTest, followsTheProjectAndItsSources) {
+    project_.writeFile(QStringLiteral("a.m"), "@interface Tide : NSObject\n@end\n");
+    ASSERT_TRUE(navrel_.start());
+    EXPECT_TRUE(waitForSentence("App is loaded: 1 file\\.")) << state();
+    EXPECT_TRUE(waitForSentence("1 symbol in 1 file can be searched\\.")) << state();
+    ASSERT_TRUE(writeProjectFile("{ objects = {\n<<<<<<< ours\n"));
+    EXPECT_TRUE(waitForSentence("App cannot be read at line 2: .*\\.")) << state();
+    EXPECT_TRUE(waitForSentence("There are no sources to search\\.")) << state();
+    project_.writeFile(QStringLiteral("b.m"), "\n");
+    project_.addEntry("B", "b.m"); // which writes the project again
+    EXPECT_TRUE(waitForSentence("App is loaded: 2 files\\.")) << state();
+}
+
+TEST_F(StateTest, saysThatThereIsNoProject) {
+    // No editor that happens to run on this machine.
+    navrel_.setEnvironment(QStringLiteral("NAVREL_EDITOR"), QStringLiteral("desktop"));
+    navrel_.writeDefaults("[General]\nautomaticProjectSelection=false\n");
+    ASSERT_TRUE(navrel_.start());
+    EXPECT_TRUE(waitForSentence("No project is chosen\\.")) << state();
+    EXPECT_TRUE(waitForSentence("No editor is asked while no browser or terminal follows it\\."))
+        << state();
+    EXPECT_TRUE(waitForSentence("No browser can reach Navrel\\.")) << state();
+    EXPECT_TRUE(waitForSentence("Navrel asks no server for updates\\.")) << state();
+}
+
+TEST_F(StateTest, saysWhereBrowsersReachIt) {
+    navrel_.setEnvironment(QStringLiteral("NAVREL_BROWSER"), QStringLiteral("machine"));
+    ASSERT_TRUE(navrel_.start());
+    EXPECT_TRUE(waitForSentence("Paired browsers on this machine can reach Navrel at "
+                                "http://[^ ]*:2346: 0 paired, 0 connected\\."))
+        << state();
 }
 
 /// The program asks the editor once a second, since it follows the editor's project.
