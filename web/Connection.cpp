@@ -154,7 +154,8 @@ Connection::Task<bool> Connection::serveRequest() {
     auto admitted = world_.site.admit(request, caller_, world_.now());
     if (const auto* refusal = std::get_if<HTTPResponse>(&admitted)) {
         const bool isWhole = reader.state() == RequestReader::State::complete;
-        co_return co_await respond(*refusal, request, isWhole && request.keepAlive);
+        co_return co_await respond(*refusal, request,
+                                   isWhole && request.keepAlive && !refusal->close);
     }
     const auto& visit = std::get<Site::Visit>(admitted);
     if (!co_await readBody(reader)) {

@@ -240,7 +240,11 @@ std::variant<HTTPResponse, Site::Visit> Site::admit(const HTTPRequest& head, con
 Site::Refusal Site::refuseOutright(const HTTPRequest& head, const Caller& caller,
                                    std::chrono::steady_clock::time_point now) {
     if (head.hasTransferEncoding) {
-        return errorResponse(501, "Requests with a transfer encoding are not taken.");
+        // Where its body ends is not known: what follows is no request.
+        HTTPResponse response =
+            errorResponse(501, "Requests with a transfer encoding are not taken.");
+        response.close = true;
+        return response;
     }
     if (caller.way == Caller::Way::owner) {
         return std::nullopt;
