@@ -166,6 +166,11 @@ std::optional<DeviceList::Visitor> DeviceList::recognize(std::string_view token)
     return std::nullopt;
 }
 
+bool DeviceList::knows(int number) const {
+    const std::lock_guard lock(mutex_);
+    return records_.contains(number);
+}
+
 bool DeviceList::isReadOnly(int number) const {
     const std::lock_guard lock(mutex_);
     const auto record = records_.find(number);

@@ -50,6 +50,7 @@ public:
     /// expired one.
     std::optional<Visitor> recognize(std::string_view token);
 
+    bool knows(int number) const;
     bool isReadOnly(int number) const;
     /// False where there is no such device.
     bool forget(int number);

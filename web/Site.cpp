@@ -384,6 +384,7 @@ HTTPResponse Site::pairedResponse(const Visit& visit, std::string_view label) {
         streams_.endAllOf(visit.device); // the same browser again: its new cookie replaces the old
     }
     const auto pairing = parts_.devices.add(label);
+    endStrangersStreams(); // to make room, it may have forgotten another
     log(QStringLiteral("paired the browser \"%1\"").arg(QString::fromStdString(pairing.label)));
     parts_.host.devicePaired(pairing.label);
     devicesChanged();
@@ -631,6 +632,15 @@ void Site::closeStream(EventStream& stream) {
 void Site::deviceGone(int device) {
     streams_.endAllOf(device);
     devicesChanged();
+}
+
+void Site::endStrangersStreams() {
+    const auto streams = streams_.all();
+    for (EventStream* stream : streams) {
+        if (stream->device() != kOwner && !parts_.devices.knows(stream->device())) {
+            stream->end();
+        }
+    }
 }
 
 void Site::devicesChanged() {

@@ -139,6 +139,7 @@ private:
     HTTPResponse pairedResponse(const Visit& visit, std::string_view label);
     CompanionHost::Reply replyTo(int device, std::uint64_t request);
     std::string stateText(bool readOnly) const;
+    void endStrangersStreams();
     void tellState();
     void tell(std::string_view event, const boost::json::object& data);
     bool hasFileType(std::string_view extension) const;

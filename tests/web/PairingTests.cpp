@@ -288,6 +288,17 @@ TEST_F(PairingTests, aForgottenDeviceLosesItsStreamAtOnce) {
     EXPECT_THAT(kept.readUntil("\n\n"), ::testing::HasSubstr("\"devices\":1"));
 }
 
+TEST_F(PairingTests, aDeviceThatMakesRoomLosesItsStream) {
+    const std::string cookie = pair("first");
+    WebClient stream = events(cookie);
+    clock.advance(std::chrono::seconds(1));
+    for (std::size_t count = 0; count < DeviceList::kMaximumDevices; ++count) {
+        pair();
+    }
+    EXPECT_TRUE(stream.ends());
+    EXPECT_EQ(get("/api/state", cookie).status, 401);
+}
+
 TEST_F(PairingTests, aReadOnlyDeviceMayLookButNotOpen) {
     const std::string cookie = pair();
     service_->setReadOnly(1, true);
