@@ -39,7 +39,9 @@ protected:
 
     void expectAll(const std::vector<Row>& rows) const {
         for (const Row& row : rows) {
-            const WebAnswer answer = WebClient(port()).ask(bytesOf(row));
+            WebClient client(port());
+            client.send(bytesOf(row));
+            const WebAnswer answer = client.answer(!row.bytes.starts_with("HEAD "));
             EXPECT_EQ(answer.status, row.status) << row.what << '\n' << answer.body;
         }
     }
@@ -301,6 +303,129 @@ TEST_F(RefusalTests, requestsOfOneConnectionFollowEachOther) {
                 "\r\nConnection: close\r\n\r\n");
     EXPECT_EQ(client.answer(false).status, 200);
     EXPECT_EQ(client.readToEnd(), "");
+}
+
+/// What stands behind a request is taken for another one only where the first one's end is certain.
+TEST_F(RefusalTests, aRequestWithoutACertainEndIsTheLast) {
+    const std::string post = "POST /api/back HTTP/1.1\r\nHost: {host}\r\nOrigin: {origin}\r\n"
+                             "X-Navrel: 1\r\nCookie: {cookie}\r\n"
+                             "Content-Type: application/json\r\n";
+    const std::string hidden =
+        "GET /api/state HTTP/1.1\r\nHost: {host}\r\nCookie: {cookie}\r\n\r\n";
+    const std::vector<Row> rows = {
+        {"a length and chunks",
+         post + "Content-Length: 4\r\nTransfer-Encoding: chunked\r\n\r\n0\r\n\r\n", 501},
+        {"chunks and a length",
+         post + "Transfer-Encoding: chunked\r\nContent-Length: 4\r\n\r\n0\r\n\r\n", 400},
+        {"an encoding that is almost one", post + "Transfer-Encoding: xchunked\r\n\r\n", 501},
+        {"an encoding that does nothing", post + "Transfer-Encoding: identity\r\n\r\n", 501},
+        {"an encoding behind a tab", post + "Transfer-Encoding:\tchunked\r\n\r\n0\r\n\r\n", 501},
+        {"an encoding on the next line", post + "Transfer-Encoding:\r\n chunked\r\n\r\n0\r\n\r\n",
+         501},
+        {"an encoding in a GET",
+         "GET /api/state HTTP/1.1\r\nHost: {host}\r\nTransfer-Encoding: gzip\r\n\r\n", 501},
+        {"an encoding to a stranger's host",
+         "GET / HTTP/1.1\r\nHost: attacker.example\r\nTransfer-Encoding: gzip\r\n\r\n", 501},
+        {"a blank before the colon", post + "Transfer-Encoding : chunked\r\n\r\n0\r\n\r\n", 400},
+        {"a length with a sign", post + "Content-Length: +2\r\n\r\n{}", 400},
+        {"a hexadecimal length", post + "Content-Length: 0x2\r\n\r\n{}", 400},
+        {"two lengths", post + "Content-Length: 2\r\nContent-Length: 0\r\n\r\n{}", 400},
+        {"a length that overflows", post + "Content-Length: 18446744073709551618\r\n\r\n{}", 400},
+        {"a line feed alone", "GET / HTTP/1.1\r\nHost: {host}\nX-Navrel: 1\r\n\r\n", 400},
+        {"a carriage return alone", "GET / HTTP/1.1\r\nHost: {host}\r\nX-A: a\rb\r\n\r\n", 400},
+        {"a field without a name", "GET / HTTP/1.1\r\nHost: {host}\r\n: a\r\n\r\n", 400},
+    };
+    for (const Row& row : rows) {
+        WebClient client(port());
+        EXPECT_EQ(client.ask(bytesOf({"", row.bytes + hidden, 0})).status, row.status) << row.what;
+        EXPECT_EQ(client.readToEnd(), "") << row.what;
+    }
+    EXPECT_EQ(host.asked(), std::vector<std::string>{"paired iPad, Safari"});
+}
+
+TEST_F(RefusalTests, otherSpellingsOfOurNamesAreNotOurs) {
+    const auto toHost = [](const std::string& name) {
+        return "GET / HTTP/1.1\r\nHost: " + name + "\r\n\r\n";
+    };
+    const auto asking = [](const std::string& target) {
+        return "GET " + target + " HTTP/1.1\r\nHost: {host}\r\n\r\n";
+    };
+    std::string manyHosts = "GET / HTTP/1.1\r\n";
+    for (int count = 0; count < 60; ++count) {
+        manyHosts += "Host: {host}\r\n";
+    }
+    expectAll({
+        {"in capitals, as names may be",
+         "GET /api/state HTTP/1.1\r\nHost: LOCALHOST:1\r\nCookie: {cookie}\r\n\r\n", 200},
+        {"a user before it", toHost("attacker.example@localhost"), 421},
+        {"a user behind it", toHost("localhost@attacker.example"), 421},
+        {"a dot behind it", toHost("localhost."), 421},
+        {"two names", toHost("localhost, attacker.example"), 421},
+        {"a name on the next line", toHost("localhost\r\n attacker.example"), 421},
+        {"a port alone", toHost(":2346"), 421},
+        {"an address as one number", toHost("2130706433"), 421},
+        {"the address of all", toHost("0.0.0.0"), 421},
+        {"an interface", toHost("[::1%25lo]"), 421},
+        {"sixty of them", manyHosts + "\r\n", 421},
+        {"what a proxy may say",
+         toHost("attacker.example\r\nX-Forwarded-Host: localhost\r\nForwarded: host=localhost"),
+         421},
+        {"ours as a whole address", asking("http://{host}/api/state"), 400},
+        {"an escaped letter", asking("/%61pi/state"), 404},
+        {"an escaped slash", asking("/api%2fstate"), 404},
+        {"two slashes", asking("//api/state"), 404},
+        {"a dot", asking("/./api/state"), 404},
+        {"two dots", asking("/x/../api/state"), 404},
+        {"a backslash", asking("/api\\state"), 404},
+        {"in capitals", asking("/API/state"), 404},
+    });
+}
+
+TEST_F(RefusalTests, whatIsNotSpokenIsPassedOver) {
+    const std::string getting = " HTTP/1.1\r\nHost: {host}\r\nCookie: {cookie}\r\n";
+    const std::string instance = cookie_.substr(0, cookie_.find('='));
+    std::string cookies;
+    while (cookies.size() < 7000) {
+        cookies += "name=value; ";
+    }
+    expectAll({
+        {"a part of an answer", "GET /api/tree" + getting + "Range: bytes=0-1\r\n\r\n", 200},
+        {"another protocol",
+         "GET /api/state" + getting + "Connection: Upgrade\r\nUpgrade: h2c\r\n\r\n", 200},
+        {"another method in a field",
+         "GET /api/back" + getting + "X-HTTP-Method-Override: POST\r\n\r\n", 405},
+        {"an echo", "TRACE /api/state" + getting + "\r\n", 403},
+        {"a foreign page's leave to ask",
+         "OPTIONS /api/open" + getting +
+             "Origin: http://attacker.example\r\n"
+             "Access-Control-Request-Method: POST\r\n\r\n",
+         403},
+        {"HTTP/1.0", "GET /api/state HTTP/1.0\r\nHost: {host}\r\nCookie: {cookie}\r\n\r\n", 200},
+        {"7 kB of cookies",
+         "GET /api/state HTTP/1.1\r\nHost: {host}\r\nCookie: " + cookies + "{cookie}\r\n\r\n", 200},
+        {"a cookie that stands before ours",
+         "GET /api/state HTTP/1.1\r\nHost: {host}\r\nCookie: " + instance + "=x; {cookie}\r\n\r\n",
+         401},
+        {"a parameter a thousand times",
+         "GET /api/search?" + filled(std::string(1000, '&'), "&", "q=a%26") + getting + "\r\n",
+         200},
+        {"a line beyond all lines",
+         "GET /api/files/0000000000000003/source?from=18446744073709551615" + getting + "\r\n",
+         200},
+        {"a compressed body",
+         "POST /api/open" + getting +
+             "Origin: {origin}\r\nX-Navrel: 1\r\n"
+             "Content-Type: application/json\r\nContent-Encoding: gzip\r\nContent-Length: 4\r\n\r\n"
+             "\x1f\x8b\x08\x01",
+         400},
+        {"a number of a thousand digits",
+         "POST /api/open" + getting +
+             "Origin: {origin}\r\nX-Navrel: 1\r\n"
+             "Content-Type: application/json\r\nContent-Length: 1034\r\n\r\n"
+             "{\"file\":\"0000000000000002\",\"line\":" +
+             std::string(1000, '9') + "}",
+         400},
+    });
 }
 
 } // namespace
