@@ -117,5 +117,33 @@ TEST_F(LoadTests, aFloodOfRequestsIsAnsweredAndLeavesNothingBehind) {
     expectFlat(descriptors + 2, memory);
 }
 
+TEST_F(LoadTests, streamsThatComeAndGoLeaveNothingBehind) {
+    ASSERT_EQ(get("/api/state", cookie).status, 200);
+    const int descriptors = openDescriptors();
+    const long memory = residentMiB();
+    for (int count = 0; count < 1'000; ++count) {
+        WebClient stream = events(cookie);
+        service_->publishActive(path("Notes.txt"), static_cast<std::uint32_t>(count + 1));
+    }
+    EXPECT_TRUE(waitUntil([this] { return !service_->devices().at(0).connected; }));
+    expectFlat(descriptors, memory);
+}
+
+TEST_F(LoadTests, fiftyStreamsAreToldWhatHappens) {
+    std::vector<WebClient> streams;
+    for (int count = 0; count < 50; ++count) {
+        const std::string from = "127.0.0." + std::to_string(2 + count / 16);
+        streams.emplace_back(port(), WebClient::Kind::plain, "127.0.0.1", from);
+        streams.back().send(getBytes("/api/events", pair("phone " + std::to_string(count))));
+        ASSERT_THAT(streams.back().readUntil("\n\n"), ::testing::HasSubstr("text/event-stream"))
+            << count;
+    }
+    service_->publishActive(path("Notes.txt"), 2);
+    for (WebClient& stream : streams) {
+        EXPECT_THAT(stream.readUntil("event: active\n"), ::testing::HasSubstr("event: active"));
+    }
+    EXPECT_EQ(get("/api/state", cookie).status, 200);
+}
+
 } // namespace
 } // namespace navrel
