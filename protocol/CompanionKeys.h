@@ -4,7 +4,7 @@
 
 namespace navrel {
 
-/// The keys of requests and replies.
+/// The keys of requests and replies, as they are on the wire.
 namespace key {
 inline const QString allowed = QStringLiteral("allowed");
 inline const QString autoUpdate = QStringLiteral("autoUpdate");

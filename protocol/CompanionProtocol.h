@@ -4,7 +4,7 @@
 
 namespace navrel {
 
-// What Navrel and the companion app have agreed on above the frames; docs/protocol.md describes
+// The protocol between Navrel and the companion app, above the frames. docs/protocol.md describes
 // each request and its reply.
 
 /// Where the companion app listens: on the device, and on 127.0.0.1 in the simulator.

@@ -7,8 +7,8 @@
 
 namespace navrel {
 
-/// A list that grows chunk by chunk: what is in it never moves, and what grew keeps its memory
-/// from use to use. It takes `mostRecords` and leaves out the rest.
+/// A list that grows in chunks: records never move, and `clear` keeps memory for the next use. It
+/// takes up to `mostRecords` records; further ones are ignored.
 template <typename Record, std::size_t mostRecords>
 class ChunkedList {
 public:
@@ -18,7 +18,7 @@ public:
         return std::min(usedChunks_ * kChunkSize, mostRecords) -
                static_cast<std::size_t>(end_ - next_);
     }
-    /// How many records there is memory for.
+    /// The number of records that fit into the memory it has.
     std::size_t capacity() const { return chunks_.size() * kChunkSize; }
 
     void append(const Record& record) {
@@ -38,7 +38,7 @@ public:
         }
     }
 
-    /// Keeps the memory for the next records, but not for more than `mostKept`.
+    /// Removes all records. Keeps memory for at most `mostKept` of the next ones.
     void clear(std::size_t mostKept) {
         chunks_.resize(std::min(chunks_.size(), mostKept / kChunkSize));
         usedChunks_ = 0;
@@ -47,7 +47,7 @@ public:
     }
 
 private:
-    /// False where the list is full.
+    /// False if the list is full.
     bool beginChunk() {
         const std::size_t room = mostRecords - std::min(usedChunks_ * kChunkSize, mostRecords);
         if (room == 0) {

@@ -11,8 +11,8 @@
 
 namespace navrel {
 
-/// The keyword of a declaration: up to eight letters, in lower case, which mostly take one
-/// comparison.
+/// The keyword of a declaration: at most eight letters, in lower case, so that a comparison mostly
+/// takes one instruction.
 class Keyword {
 public:
     explicit constexpr Keyword(std::string_view letters)
@@ -21,7 +21,7 @@ public:
 
     std::string_view letters() const { return letters_; }
 
-    /// Whether it stands there, letter case counting.
+    /// Whether the text at `at` begins with it, in lower case.
     bool standsAt(const char* at, const char* end) const {
         if (end - at < std::ptrdiff_t(sizeof(quint64))) {
             return isPrefixOf(at, end);
@@ -38,7 +38,7 @@ private:
         return std::bit_cast<quint64>(all);
     }
 
-    // Short texts are most names: a call for each would take longer than this.
+    // A loop, since most names are short: a call would take longer.
     bool isPrefixOf(const char* at, const char* end) const {
         const char* letter = letters_.data();
         const char* const lettersEnd = letter + letters_.size();

@@ -15,20 +15,20 @@ struct ScanPattern {
     quint32 options;
 };
 
-/// The expression of a pattern, which must be one.
+/// Compiles a pattern. Aborts the program if it is not valid.
 RegularExpression compiled(const ScanPattern& pattern);
 
-/// What a group of a match in a text took, as UTF-8.
+/// The text of one group of a match, as UTF-8.
 QByteArray textOfGroup(const QString& text, const RegularExpression::Match& match,
                        std::size_t group);
 
-/// What is looked for line by line.
+/// The patterns that are searched line by line.
 struct LinePatterns {
     static constexpr quint32 kWholeText =
         RegularExpression::kCaseInsensitive | RegularExpression::kDotMatchesLineSeparators;
     static constexpr quint32 kWithinLine = RegularExpression::kCaseInsensitive;
 
-    /// The base name of the header takes the place of "%@", as it is.
+    /// The header's base name replaces "%@", without being escaped.
     ScanPattern superclass = {QStringLiteral("@interface %@ *: *([a-z0-9]*) *(<([a-z, ]*)>)*"),
                               kWholeText};
     ScanPattern shortcutLine = {QStringLiteral("// *navrel: *(.*)"), kWithinLine};

@@ -6,12 +6,13 @@
 
 namespace navrel {
 
-/// The property pattern,
+/// Matches the property pattern,
 /// "(@property *\(*[a-z0-9, ]*\)*[IBOutlet ]*[a-z0-9_]*[ \*]+|@dynamic[ ]*)(.*);".
-/// Keeps what it learned of a line for the next match on it: one object a text, places in order.
+/// It remembers the line of the last match, so an object is for one text, and places must come in
+/// ascending order.
 class PropertyMatcher {
 public:
-    /// Group 2; the match ends with the semicolon behind it.
+    /// Group 2 of a match that begins at `at`, or nil. The semicolon after it ends the match.
     std::optional<QByteArrayView> match(const char* at, const char* end);
 
 private:

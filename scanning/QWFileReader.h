@@ -12,22 +12,21 @@
 
 namespace navrel {
 
-/// One shortcut comment, as a scan hands it on.
+/// One shortcut comment that a scan has found.
 struct ShortcutRecord {
     QByteArray shortcut; ///< the comment's text, UTF-8
     qint32 line;         ///< 1-based
     QByteArray path;     ///< the reader's `filePath`
 };
 
-/// Reads a text file line by line, forward and once, without holding more of it than a line and a
-/// buffer. One thread at a time.
+/// Reads a text file line by line, once from beginning to end, and keeps no more of it in memory
+/// than a line and a buffer. One thread at a time.
 ///
 /// The program itself reads sources whole and scans them in one pass (SourceFileScanner.h), which
-/// is faster. This is the reader for callers that want lines, and the scans of lines are what the
-/// tests hold that pass to.
+/// is faster. This reader is for callers that need lines; tests compare that pass with its scans.
 class QWFileReader {
 public:
-    /// A reader at the beginning of the file, or null where `RegularFile::open` gives no file.
+    /// Returns a reader at the beginning of the file, or null if `RegularFile::open` fails.
     static std::unique_ptr<QWFileReader> initWithFilePath(QByteArray path);
 
     /// The path given at creation, unchanged.
@@ -37,41 +36,41 @@ public:
     /// Length of the file in bytes at creation; never measured again.
     quint64 totalFileLength() const { return fileHandle_.size(); }
 
-    /// What ends a line, as UTF-8; a line feed at first.
+    /// The text that ends a line, as UTF-8; a line feed at first.
     const QByteArray& lineDelimiter() const { return lineDelimiter_; }
     void setLineDelimiter(QByteArray delimiter) { lineDelimiter_ = std::move(delimiter); }
-    /// The step, in bytes, in which lines are searched for the delimiter; 10 at first. Every line
-    /// starts such a chunk, and each chunk is searched by itself: where a chunk ends within a
-    /// delimiter of several bytes, the line deliberately ends there too, with half a delimiter (see
-    /// `rangeOfData_qw`). With a delimiter of one byte the chunks do not show.
+    /// The size, in bytes, of the chunks in which a line is searched for the delimiter; 10 at
+    /// first. The first chunk starts with the line, and each is searched by itself. Deliberately, a
+    /// chunk that ends within a delimiter of several bytes also ends the line, with half a
+    /// delimiter (see `rangeOfData_qw`). With a delimiter of one byte, the size makes no
+    /// difference.
     quint64 chunkSize() const { return chunkSize_; }
     void setChunkSize(quint64 size) { chunkSize_ = size; }
 
     /// The next line as UTF-8, with its delimiter, which only the last line may lack. Nil at the
-    /// end of the file, and for a line that is not valid UTF-8: deliberately the same, so that
-    /// every loop over the lines ends at such a line. A line of more than `kLargestSource` bytes
-    /// (with the chunk that it ends in) ends the file, and so does a read that gives no bytes,
-    /// since the file was cut meanwhile. The bytes are valid until the next call on the reader.
+    /// end of the file and, deliberately, for a line that is not valid UTF-8, so that every loop
+    /// over the lines ends there. A line of more than `kLargestSource` bytes (including the rest of
+    /// its last chunk) counts as the end of the file, and so does a read without bytes, since the
+    /// file was truncated. The bytes are valid until the next call on the reader.
     std::optional<QByteArrayView> readLine();
 
-    /// The same without white space and line-break characters at both ends.
+    /// As `readLine`, without white space and line breaks at both ends.
     std::optional<QByteArrayView> readTrimmedLine();
 
-    /// Calls the block with each line as `readLine` gives it, until that gives nil or the block has
-    /// set `stop`.
+    /// Calls the block with each line that `readLine` returns, until that is nil or the block sets
+    /// `stop`.
     using LineBlock = std::function<void(QByteArrayView line, bool& stop)>;
     void enumerateLinesUsingBlock(const LineBlock& block);
 
-    /// Calls the block with the superclass that the first line declaring the file's own class names
-    /// (it may be the empty text), and ends there; never calls it where no line does. The file's
-    /// own class is named like the file: its base name is put into the pattern as it is,
-    /// deliberately, so that special characters in it are the pattern's. No superclass is found
-    /// where that makes no pattern, or one that takes longer than `SuperclassBudget` lets one
-    /// header take; nor where ICU's memory does not suffice for a line. Then the lines behind are
-    /// not read.
+    /// Finds the first line that declares the file's own class, calls the block with the superclass
+    /// there (which may be empty), and reads no further. Does not call it if there is no such line.
+    /// The file's own class has its base name, which is put into the pattern unescaped,
+    /// deliberately: special characters in it are those of a pattern. Ends without a superclass if
+    /// that makes no valid pattern, if it takes more steps than `SuperclassBudget` allows one
+    /// header, or if ICU runs out of memory.
     using SuperclassBlock = std::function<void(QByteArrayView superclass)>;
     void findSuperclassUsingBlock(const SuperclassBlock& block);
-    /// The same, with the same pattern.
+    /// As `findSuperclassUsingBlock`, with the same pattern.
     void findSuperclassForSwiftUsingBlock(const SuperclassBlock& block);
 
     /// Calls the block for each line that holds a shortcut comment, with the record and false;
@@ -111,9 +110,9 @@ private:
     std::size_t capacity_;
     quint64 bufferStart_ = 0;
     std::size_t bufferedCount_ = 0;
-    /// Whether the last reading gave no bytes.
+    /// Whether the last read returned no bytes.
     bool exhausted_ = false;
-    /// What lies between a line's start and here is known to be UTF-8; ends between characters.
+    /// The bytes from the line's start to here are known to be UTF-8. Always between characters.
     quint64 validEnd_ = 0;
 };
 

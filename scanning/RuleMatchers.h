@@ -8,10 +8,10 @@
 #include <span>
 #include <string_view>
 
-/// The patterns of the scan (tests/scanning/plain/ScanPatterns.h) matched by hand at one place of a
-/// valid UTF-8 text. Each gives what ICU gives for a match that begins there, and reads on no
-/// further than a search for the next match may skip, so that a search over a text is linear in its
-/// length.
+/// Matches the patterns of the scan (tests/scanning/plain/ScanPatterns.h) by hand, at one place of
+/// a valid UTF-8 text. Each function finds what ICU finds for a match that begins there. It reads
+/// no further than the place where the next match may begin, so searching a whole text takes time
+/// in proportion to its length. Pure; results refer to the text.
 namespace navrel {
 
 /// "class *([a-z0-9]*)" and the like.
@@ -24,7 +24,7 @@ std::optional<DeclarationMatch> matchDeclaration(const char* at, const char* end
                                                  const Keyword& keyword);
 
 /// "(-|\+) *\([a-z0-9 *]*\)[a-z :()_0-9*\n]*\{", or with another terminator: the end of the match,
-/// or null. The sign has been seen.
+/// or null. There must be a sign at `at`.
 const char* matchMethod(const char* at, const char* end, char terminator);
 
 /// The rest of a line.
@@ -53,20 +53,19 @@ struct SuperclassMatch {
 std::optional<SuperclassMatch> matchSuperclass(const char* at, const char* end,
                                                std::string_view foldedBaseName);
 
-/// The name of a method: its match without types and arguments, of each argument only the colon
-/// kept, and without blanks and terminator. Writes at most `match.size()` bytes to `name` and
-/// returns how many.
+/// Writes the name of a method to `name`, and returns its length: at most `match.size()` bytes. The
+/// name is the match without types, arguments (only their colons stay), blanks and terminator.
 qsizetype writeMethodName(QByteArrayView match, char* name);
 
-/// The keywords that are taken out of a declaration's match, one after the other, as they are
-/// written here; as none begins as another one ends, what is left does not depend on the blanks.
+/// The keywords that are removed from a declaration's match, one after another. None begins as
+/// another one ends, so it makes no difference whether blanks are removed before or after them.
 using Keywords = std::span<const Keyword>;
 
-/// Whether the name of a declaration is its group, as it nearly always is.
+/// Whether the name of a declaration is simply its group, as it nearly always is.
 bool isOrdinaryDeclaration(const DeclarationMatch& match, Keywords keywords);
 
-/// The match without keywords and blanks. Writes at most as many bytes as the match has to `name`
-/// and returns how many.
+/// Writes the match without keywords and blanks to `name`, and returns its length: at most that of
+/// the match.
 qsizetype writeDeclarationName(const DeclarationMatch& match, Keywords keywords, char* name);
 
 } // namespace navrel

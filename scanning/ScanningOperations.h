@@ -6,12 +6,12 @@ class CDObject;
 class ManagedObjectContext;
 class SourceFindings;
 
-/// The data manager's scanning operations: what a scan of a record's file has found goes into the
-/// store. None of them deletes older records, which the caller must have done, or saves. What the
-/// context has no room for is left out. Main thread.
+/// The data manager's scanning operations: store the findings of a scan of a record's file. The
+/// caller must have deleted the older records of the file, and must save. Records for which the
+/// context has no room are left out. Main thread.
 
-/// Sets the record's `subclassOf` to the superclass that was found; without one the former value
-/// stays.
+/// Sets the record's `subclassOf` to the superclass that was found. If none was, it keeps its
+/// value.
 void setSuperclassForManagedObject(CDObject& object, const SourceFindings& findings);
 
 /// Inserts a CDShortcut for each shortcut comment, with identifier, path and line of the shortcut

@@ -9,13 +9,13 @@
 
 namespace navrel {
 
-/// The shortcut pattern, by ICU. One thread at a time.
+/// Searches lines for the shortcut pattern, by ICU. One thread at a time.
 class ShortcutExpression {
 public:
     explicit ShortcutExpression(const ScanPattern& pattern = LinePatterns().shortcutLine);
 
-    /// The text of a line's shortcut comment: that of its last match that has any. Nil where there
-    /// is none, or the line is not UTF-8.
+    /// The text of a line's shortcut comment: the last that is not empty, if there are several. Nil
+    /// if there is none, or the line is not UTF-8.
     std::optional<QByteArray> shortcutOnLine(QByteArrayView line);
 
 private:

@@ -8,15 +8,15 @@
 
 namespace navrel {
 
-/// What is read of a source is held in memory, so a file (or a line) of more bytes counts as
-/// unreadable. The largest sources that people keep in their projects have some 3 MB.
+/// Sources are read into memory, so a file (or a line) of more bytes counts as unreadable. The
+/// largest sources in real projects have some 3 MB.
 inline constexpr qint64 kLargestSource = qint64(64) * 1024 * 1024;
 
-/// Reads source files whole, one after the other into the same memory. One thread at a time.
+/// Reads whole source files, one after another into the same memory. One thread at a time.
 class SourceFileBuffer {
 public:
-    /// The bytes of a file, valid until the next call. Nil where `RegularFile::open` gives no file,
-    /// and for one of more than `kLargestSource` bytes.
+    /// The bytes of a file, valid until the next call. Nil if `RegularFile::open` fails, or the
+    /// file has more than `kLargestSource` bytes.
     std::optional<QByteArrayView> read(const QByteArray& path);
 
 private:

@@ -10,12 +10,12 @@
 
 namespace navrel {
 
-/// Reads and scans source files, one after the other. All headers share one `SuperclassBudget`, so
-/// that no project keeps the scanner busy with names that are patterns. One thread at a time.
+/// Reads and scans source files, one after another. All headers share one `SuperclassBudget`, so
+/// that file names that are expensive patterns cannot keep the scanner busy. One thread at a time.
 class SourceFileScanner {
 public:
-    /// What the file at a path holds, from one reading; nothing where there is no path or the file
-    /// cannot be read. Valid until the next call.
+    /// The findings in the file at a path, which is read once. Empty if the path is nil, or the
+    /// file cannot be read. Valid until the next call.
     const SourceFindings& scan(const std::optional<QByteArray>& path);
 
     /// How many bytes of sources have been scanned so far.

@@ -14,21 +14,22 @@
 
 namespace navrel {
 
-/// Which rules a source file is scanned by.
+/// The rules by which a source file is scanned.
 enum class SourceKind : quint8 {
     Header,         ///< extension "h"
     Swift,          ///< extension "swift"
     Implementation, ///< every other extension
 };
 
-/// What the scans need to know of a file beside its text.
+/// What a scan needs to know about a file, besides its text.
 class SourceName {
 public:
-    /// The path must outlive the name. Extensions are compared exactly: "H" is not "h".
+    /// The path is not copied, and must outlive this. Extensions are compared exactly: "H" is not
+    /// "h".
     explicit SourceName(QByteArrayView path);
 
     SourceKind kind() const { return kind_; }
-    /// The last component without its extension, UTF-8: a part of the path.
+    /// The last component without its extension, UTF-8; a part of the path.
     QByteArrayView baseName() const;
 
 private:
@@ -54,37 +55,37 @@ struct SourceShortcut {
     QByteArrayView text;
 };
 
-/// What a scan found in one file. Texts are UTF-8 and lie partly in the scanned text, partly here:
-/// valid while both stay as they are. Kept from file to file, it soon allocates no more; what a
-/// list of more than `kMostKeptRecords` took is given back.
+/// The findings of a scan of one file. Texts are UTF-8. Some refer to the scanned text and some to
+/// memory of this object: valid while neither changes. Use one object for many files: it keeps its
+/// memory, except that of lists of more than `kMostKeptRecords`. One thread at a time.
 class SourceFindings {
 public:
     SourceFindings() = default;
     SourceFindings(const SourceFindings&) = delete;
     SourceFindings& operator=(const SourceFindings&) = delete;
 
-    /// A list of more records is a text made to fill the memory: the rest is left out. The largest
-    /// sources that people keep hold some ten thousands.
+    /// Further records of a list are left out: a text with more is made to fill the memory. The
+    /// largest real sources have some ten thousand.
     static constexpr std::size_t kMostRecords = 1'000'000;
 
-    /// Above what the largest sources take; 1.5 MiB a list.
+    /// More than the largest real sources need; 1.5 MiB for each list.
     static constexpr std::size_t kMostKeptRecords = 98'304;
 
     static constexpr qsizetype kLongestName = (qsizetype(1) << 29) - 1;
 
     void clear();
 
-    /// How many records there is memory for, in all lists together.
+    /// The number of records that fit into the memory of all lists together.
     std::size_t recordCapacity() const;
 
-    /// The superclass that a header declares for the class of its own name, maybe the empty text;
-    /// nil where it declares none, and for other files.
+    /// The superclass that a header declares for the class named like the header, which may be
+    /// empty; nil if it declares none, and for other files.
     const std::optional<QByteArrayView>& superclass() const { return superclass_; }
     void setSuperclass(QByteArrayView name) { superclass_ = name; }
 
-    /// In order of line, at most one a line.
+    /// In order of line, at most one on each line.
     const std::vector<SourceShortcut>& shortcuts() const { return shortcuts_; }
-    /// A shortcut on the line of the last one takes its place.
+    /// Adds a shortcut. One on the same line as the last replaces that.
     void addShortcut(const SourceShortcut& shortcut);
 
     /// Calls `visit` with each element: all classes first, then all methods, marks and warnings,
@@ -95,8 +96,8 @@ public:
             list.visitAll([&visit](const PackedElement& element) { visit(element.unpacked()); });
         }
     }
-    /// Elements of one list come in order of position; the lists may be filled side by side. No
-    /// name is longer than `kLongestName` bytes.
+    /// Adds an element. Those of one list must come in order of position; the lists may be filled
+    /// in any order. A name of more than `kLongestName` bytes aborts the program.
     void addElement(const SourceElement& element) {
         NAVREL_ASSERT(element.name.size() <= kLongestName);
         elements_[kListOfType[static_cast<std::size_t>(element.type)]].append(
@@ -104,15 +105,15 @@ public:
              static_cast<quint32>(element.name.size()) & quint32(kLongestName)});
     }
 
-    /// Room for a text that is not part of the scanned one, as long as the findings live.
+    /// Allocates memory for a text that is not part of the scanned one. Valid until `clear`.
     char* allocateText(qsizetype size) {
         return static_cast<char*>(texts_.allocate(static_cast<std::size_t>(size), 1));
     }
     QByteArrayView keepText(QByteArrayView text);
 
 private:
-    /// An element in two thirds of its size: texts made of nothing but elements are bounded by the
-    /// memory that is written.
+    /// An element in two thirds of its size, since writing them takes most of the time for a text
+    /// that is nothing but elements.
     struct PackedElement {
         const char* name;
         quint32 line;
@@ -127,7 +128,7 @@ private:
     static constexpr std::size_t kListCount = 5;
     /// The list of each type, in the order of ElementType: marks and warnings share one.
     static constexpr std::array<quint8, 6> kListOfType = {0, 1, 2, 2, 3, 4};
-    /// Holds the made-up names of an ordinary file.
+    /// In bytes: room for the composed names of an ordinary file.
     static constexpr std::size_t kFirstTextSize = std::size_t(64) * 1024;
 
     std::optional<QByteArrayView> superclass_;

@@ -9,20 +9,21 @@
 namespace navrel {
 
 /// Finds the superclass, the shortcut comments and the code elements of a source file in one pass
-/// over its text: what a search by ICU for each pattern (tests/scanning/plain/ScanPatterns.h) finds
-/// wherever ICU comes to an end, and elsewhere what the patterns mean. Takes time in proportion to
-/// the length of the text, whatever it holds.
+/// over its text. Finds what a search by ICU for each pattern (tests/scanning/plain/ScanPatterns.h)
+/// would, also where ICU gives up. Takes time in proportion to the length of the text, whatever it
+/// holds.
 ///
 /// A text that is not UTF-8 has no elements; superclass and shortcuts are those of the lines before
-/// the first one that is not. A header has no superclass where its base name is a pattern that the
-/// budget does not suffice for. `findings` is cleared first; it holds parts of `text`.
+/// the first one that is not. A header gets no superclass if its base name is a pattern for which
+/// the budget does not suffice. `findings` is cleared first, and refers to parts of `text`, which
+/// must outlive it. One thread at a time for the findings and the budget.
 void scanSource(QByteArrayView text, const SourceName& name, SourceFindings& findings,
                 SuperclassBudget& budget);
 
-/// The same for a text by itself, with a full budget.
+/// As above, with a full budget of its own.
 void scanSource(QByteArrayView text, const SourceName& name, SourceFindings& findings);
 
-/// The same by a search for candidates of the caller's choice.
+/// As above, with a candidate search of the caller's choice.
 void scanSource(QByteArrayView text, const SourceName& name, SourceFindings& findings,
                 SuperclassBudget& budget, CandidateSearch search);
 

@@ -11,22 +11,23 @@
 
 namespace navrel {
 
-/// The superclass pattern of one header, by ICU. One thread at a time.
+/// Searches lines for the superclass pattern of one header, by ICU. One thread at a time.
 class SuperclassExpression {
 public:
-    /// The expression for a header of that base name; nil where it makes no pattern.
+    /// The expression for a header of that base name; nil if that makes no valid pattern.
     static std::optional<SuperclassExpression>
     forBaseName(QByteArrayView baseName, const ScanPattern& pattern = LinePatterns().superclass);
 
-    /// The superclass that a line names: that of its last match. Nil where it holds no match, is
-    /// not UTF-8, or could not be searched, as in `atMost` steps: `error` then says why.
+    /// The superclass that a line names: that of its last match. Nil if there is no match, the line
+    /// is not UTF-8, or it could not be searched, for example in `atMost` steps: then `error` says
+    /// why.
     std::optional<QByteArray> superclassOnLine(QByteArrayView line,
                                                std::optional<RegularExpression::Steps> atMost);
 
-    /// What the last search cost, where it was limited.
+    /// The steps of the last search, if it was limited.
     RegularExpression::Steps steps() const { return steps_; }
 
-    /// Why the last search gave nothing although it may hold a match.
+    /// Why the last search failed, although the line may have a match; nil if it did not fail.
     const std::optional<Error>& error() const { return error_; }
 
 private:

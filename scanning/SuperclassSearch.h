@@ -10,27 +10,27 @@
 
 namespace navrel {
 
-/// Whether a base name stands for itself in the superclass pattern. ICU decides about all others.
+/// Whether a base name has no special characters of patterns. ICU must search for all others.
 bool isPlainBaseName(QByteArrayView baseName);
 
-/// Looks for the superclass of one header line by line: what `SuperclassExpression` finds, asked
-/// only about the lines that can hold a match and, where the base name is not plain, within a
+/// Searches for the superclass of one header line by line. Finds what `SuperclassExpression` finds,
+/// but searches only the lines that can have a match and, unless the base name is plain, within a
 /// budget. One thread at a time.
 class SuperclassSearch {
 public:
-    /// The budget must outlive the search and serve no other header meanwhile. A plain name takes
-    /// nothing from it: no line makes its pattern backtrack.
+    /// The budget must outlive the search, and must not be used for another header meanwhile. A
+    /// plain name takes nothing from it, since its pattern never backtracks.
     SuperclassSearch(QByteArray baseName, SuperclassBudget& budget);
 
     /// The superclass that a line names, or nil.
     std::optional<QByteArray> superclassOnLine(QByteArrayView line);
 
-    /// Whether nothing more will be found: a superclass has been, the base name makes no pattern,
-    /// its steps are spent, or ICU's memory is.
+    /// Whether nothing more will be found: a superclass was found, the base name makes no valid
+    /// pattern, or its steps or ICU's memory are used up.
     bool isOver() const { return isOver_; }
 
-    /// Whether matches may begin elsewhere than at "@i": a bar in the name makes the pattern two,
-    /// and the second one begins behind the bar.
+    /// Whether matches may begin elsewhere than at "@i": a bar in the name splits the pattern into
+    /// two, of which the second begins after the bar.
     bool canBeginAnywhere() const { return canBeginAnywhere_; }
 
 private:

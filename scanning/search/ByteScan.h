@@ -2,18 +2,17 @@
 
 #include <QByteArrayView>
 
-/// Two questions about all bytes of a text, answered with the best instructions that the processor
-/// has. Any thread.
+/// Two functions over all bytes of a text, which use the best instructions that the processor has.
+/// Any thread.
 namespace navrel {
 
-/// How many line feeds stand between two places.
+/// How many line feeds are from `begin` up to `end`.
 quint32 countLineFeeds(const char* begin, const char* end);
 
-/// How many bytes at the beginning are known to be ASCII: all of them, or some before the first one
-/// that is not.
+/// How many bytes at the beginning are ASCII: all of them, or a number up to the first that is not.
 qsizetype asciiPrefixLength(QByteArrayView text);
 
-/// The same, each in one way.
+/// The implementations of the above. Those with AVX2 must run only if hasAVX2().
 quint32 countLineFeedsPortably(const char* begin, const char* end);
 qsizetype asciiPrefixLengthPortably(const char* text, qsizetype size);
 #if defined(NAVREL_X86_SEARCHES)
