@@ -8,15 +8,16 @@
 
 namespace navrel {
 
-/// One instance a session and a store: locks that the kernel drops with the process, however it
-/// ends. They are on a file in the session's runtime folder and on the store's folder, so that a
-/// second instance is found out also where one of the two cannot be locked: it would write records
-/// into the first one's store.
+/// Allows one instance for each login session and each store, by locks that the kernel releases
+/// with the process, however it ends. One is on a file in the session's runtime folder, the other
+/// on the store's folder: a second instance, which would write records into the first one's store,
+/// is detected even if one of the two cannot be locked.
 class InstanceLock {
 public:
-    /// Tries to take the locks. The session's file is made if need be and stays; nil, and anything
-    /// but a regular file of this user, means that there is none. The store's folder is made too,
-    /// for the user alone; where it cannot be had, there is no store to protect.
+    /// Tries to take the locks, without blocking. The session's file is created if it is missing,
+    /// and not deleted; nil, or anything but a regular file of this user, is not locked. The
+    /// store's folder is created too, for this user only; if that fails, there is no store to
+    /// protect.
     InstanceLock(const std::optional<QString>& sessionFile, const QString& storeFolder);
 
     /// Whether another process holds one of the locks.

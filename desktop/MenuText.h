@@ -2,21 +2,21 @@
 
 #include <QString>
 
-/// How titles are shown, whose text is anybody's: shortcut comments, names of projects. Any thread.
+/// Prepares titles for display. Their text is foreign: shortcut comments, names of projects. Pure.
 namespace navrel {
 
-/// The longest title that a menu shows whole, in characters as a person counts them.
+/// The longest title that a menu shows whole, in characters as users see them (grapheme clusters).
 inline constexpr int kMaximumTitleLength = 60;
 
 /// A title on one line of at most kMaximumTitleLength characters: white space and control
-/// characters as blanks, a long title with "…" for its middle.
+/// characters become blanks, and "…" replaces the middle of a long title.
 QString titleOnOneLine(const QString& title);
 
-/// The whole title as a tooltip of Qt, which takes some texts for markup and breaks the lines of
-/// markup only: so it is markup, which shows the title as written.
+/// The whole title as a tooltip for Qt: markup that shows the title literally. Qt would take some
+/// plain texts for markup, and breaks lines only of markup.
 QString toolTipForTitle(const QString& title);
 
-/// The text with every character doubled that would announce a mnemonic: "_" in menus over D-Bus,
+/// The text without mnemonics: every `announcer` is doubled, which is "_" in menus over D-Bus and
 /// "&" in Qt's.
 QString withoutMnemonics(const QString& text, QChar announcer);
 

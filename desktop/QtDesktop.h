@@ -11,23 +11,24 @@ namespace navrel {
 class AboutWindow;
 class StatusItem;
 
-/// The desktop through Qt Widgets and, for the status item, D-Bus. Where there is no display nobody
-/// could answer a dialog: it counts as dismissed, and the log says so.
+/// Implements `Desktop` with Qt Widgets and, for the status item, D-Bus. Without a display the user
+/// cannot answer a dialog: it counts as dismissed, which is logged.
 class QtDesktop final : public Desktop {
 public:
-    /// Whether dialogs and windows have somewhere to appear. The application must exist.
+    /// Whether dialogs and windows can be shown. There must be a QApplication.
     static bool isDisplayThere();
 
     explicit QtDesktop(bool hasDisplay = isDisplayThere());
     ~QtDesktop() override;
 
-    /// Says in which folder open panels start; empty, or one that is not there: the home folder.
+    /// Sets the function that returns the folder in which open panels start. They start in the home
+    /// folder if it returns an empty path, or one that does not exist.
     void setOpenPanelFolder(std::function<QString()> folder) {
         openPanelFolder_ = std::move(folder);
     }
 
-    /// Shows the status menu as a window, in front of all others, wherever else the item shows: for
-    /// a user who looks for the program. Nothing before the status item is there.
+    /// Shows the status menu as a window, in front of all others, even if it is also in a panel:
+    /// for a user who looks for the program. Does nothing before `showStatusItem`.
     void bringToFront();
 
     std::optional<QString> runOpenPanel(const QString& title,

@@ -7,18 +7,18 @@
 
 namespace navrel {
 
-/// Hears of a second start of the program, which ends at once: the user looks for the first one.
-/// Main thread.
+/// Receives a call from a second instance of the program, which then ends: the user is looking for
+/// the first one. Main thread.
 class SecondStart {
 public:
-    /// Listens at a socket's path, which must be this program's alone: what is there is replaced.
-    /// Only this user may connect. Where it cannot listen, which is logged, a second start changes
-    /// nothing. `didStart` is called by the event loop.
+    /// Listens on a Unix socket at a path that only this program may use: what is there is
+    /// replaced. Only this user may connect. If it cannot listen, that is logged, and second
+    /// instances are not noticed. `didStart` is called from the event loop.
     SecondStart(const QString& socketPath, std::function<void()> didStart);
     SecondStart(const SecondStart&) = delete;
     SecondStart& operator=(const SecondStart&) = delete;
 
-    /// What the second start calls. False when nobody listens.
+    /// Called by the second instance. False if no first one listens.
     static bool tellFirst(const QString& socketPath);
 
 private:

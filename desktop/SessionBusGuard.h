@@ -4,9 +4,10 @@
 
 namespace navrel {
 
-/// While one lives, a session bus that does not greet within two seconds is hidden from this
-/// process, which starts as without one, and says so in the log. Programs that it starts
-/// afterwards find the environment as it was. Main thread, before the application object is made.
+/// While one lives, a session bus that does not answer within two seconds is hidden from this
+/// process: it starts as if there were no bus, which is logged. The destructor restores the
+/// environment for programs that it starts. Must be made on the main thread, before the application
+/// object.
 class SessionBusGuard {
 public:
     SessionBusGuard();

@@ -7,18 +7,18 @@
 
 namespace navrel {
 
-/// Whether the session bus greets who connects to it, within a limit. Qt and its platform plugins
-/// wait for it for half a minute each, several times, and nothing can interrupt them: a bus that
-/// accepts and never answers would hold up the start for more than a minute.
+/// Whether the session bus answers a client's greeting within a time limit. Blocks until then. Qt
+/// and its platform plugins wait for half a minute each, several times, and cannot be interrupted:
+/// a bus that accepts connections and never answers would delay the start by more than a minute.
 ///
-/// Asks at an address as the environment has it ("unix:path=…" or "unix:abstract=…"; of several,
-/// the first). An address of any other kind is not asked at, and counts as one that greets.
+/// The address is one as the environment has it: "unix:path=…" or "unix:abstract=…"; of several,
+/// the first is tried. An address of any other kind is not tried, and counts as one that answers.
 bool greetsOnBus(const QByteArray& address, std::chrono::milliseconds atMost);
 
-/// The environment's variable for the bus's address.
+/// The environment variable with the bus's address.
 inline constexpr char kSessionBusVariable[] = "DBUS_SESSION_BUS_ADDRESS";
 
-/// The address at which programs of this session find its bus; empty where there is none.
+/// The address of the session's bus; empty if there is none.
 QByteArray sessionBusAddress();
 
 } // namespace navrel

@@ -12,9 +12,9 @@ namespace navrel {
 class Editor;
 class KZDataManager;
 
-/// What the server for browsers asks of the program, brought to the main thread: it is called on
-/// the server's thread, and queues a job for each request. Made and destroyed on the main thread;
-/// must outlive the server.
+/// Brings the requests of the server for browsers to the main thread: called on the server's
+/// thread, it queues a job for each. Must be made and destroyed on the main thread, and outlive the
+/// server.
 class BrowserHost final : public QObject, public CompanionHost {
 public:
     /// Called on the main thread. None may be null.

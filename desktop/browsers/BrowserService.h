@@ -20,19 +20,19 @@ class KZDataManager;
 class PairingWindow;
 class UserDefaults;
 
-/// Browsers as companions, beside the device link: makes the code map and the server, tells them
-/// what the program knows (the selected project, the file types, the active file, the device), and
-/// shows the pairing window. Main thread.
+/// Serves browsers, independently of the device link: makes the code map and the server, informs
+/// them of the selected project, the file types, the active file and the device, and shows the
+/// pairing window. Main thread.
 class BrowserService final : public QObject {
 public:
-    /// Nothing is owned, and everything outlives the service.
+    /// Nothing is owned, and everything must outlive the service.
     struct Collaborators {
         KZDataManager& dataManager;
         Editor& editor;
         UserDefaults& userDefaults;
         const AppDelegate& delegate;
         bool hasDisplay = false;
-        /// Tells the user something, without a window: a summary and a sentence, both plain text.
+        /// Shows the user a notification: a summary and a sentence, both plain text.
         std::function<void(const QString& summary, const QString& sentence)> notify;
     };
 
@@ -40,14 +40,14 @@ public:
     /// Ends the server, then the code map.
     ~BrowserService() override;
 
-    /// Starts the server as the preferences and NAVREL_BROWSER say: for the owner's socket alone
-    /// where access is off.
+    /// Starts the server as the preferences and NAVREL_BROWSER say. If access is off, it serves
+    /// only the user's own socket.
     void start();
     /// The menu entry: opens the pairing window, or brings it to the front.
     void showPairingWindow();
 
     const BrowserAccess& access() const { return access_; }
-    /// What is the case with the program now.
+    /// The current facts about the program.
     ProgramFacts facts();
 
 private:

@@ -14,7 +14,7 @@ class AppDelegate;
 class Editor;
 class KZDataManager;
 
-/// Where the facts about the program are found. Nothing is owned.
+/// The parts of the program that have the facts about it. Nothing is owned.
 struct FactSources {
     const AppDelegate& delegate;
     KZDataManager& dataManager;
@@ -27,10 +27,10 @@ struct FactSources {
     bool isMapWatching = true;     ///< CodeMap::isWatching
 };
 
-/// Collects what is the case now. Asks nobody, and never blocks. Main thread.
+/// Collects the facts, as last known: asks no editor or device, and never blocks. Main thread.
 ProgramFacts gatherFacts(const FactSources& sources);
 
-/// What is the case with browsers. Pure.
+/// The facts about browsers. Pure.
 ProgramFacts::Browsers browserFacts(const AccessSettings& settings, const AccessStatus& access,
                                     const std::vector<PairedDevice>& devices);
 

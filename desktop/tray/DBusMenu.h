@@ -8,9 +8,9 @@
 
 namespace navrel {
 
-/// The status menu on the session bus, as panels read it: "com.canonical.dbusmenu". One level of
-/// entries below the root, which has the id 0. An entry that the user chooses does its work after
-/// the panel has its answer, since that work may be a dialog. Main thread.
+/// The status menu on the session bus, by the interface "com.canonical.dbusmenu". It has one level
+/// of entries below the root, whose id is 0. The action of an entry runs after the panel has its
+/// reply, since the action may show a dialog. Main thread.
 class DBusMenu final : public QDBusAbstractAdaptor, public StatusMenuView {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.canonical.dbusmenu")
@@ -20,7 +20,7 @@ class DBusMenu final : public QDBusAbstractAdaptor, public StatusMenuView {
     Q_PROPERTY(QStringList IconThemePath READ iconThemePath CONSTANT)
 
 public:
-    /// Serves the menu at the path where `exported` is registered. The menu must live longer.
+    /// Serves the menu at the path where `exported` is registered. The menu must outlive this.
     DBusMenu(StatusMenu& menu, QObject& exported);
     ~DBusMenu() override;
 
@@ -33,8 +33,8 @@ public:
     void entryDidChange(const MenuEntry& entry) override;
 
 public Q_SLOTS:
-    /// An entry's properties (all, or those named), and with a depth other than 0 the entries below
-    /// it. The result is the revision of the menu. An unknown entry has none.
+    /// An entry's properties (all, or those named) and, unless the depth is 0, the entries below
+    /// it. Returns the revision of the menu. An unknown entry has no properties.
     uint GetLayout(int parentId, int recursionDepth, const QStringList& propertyNames,
                    navrel::DBusMenuLayoutItem& layout);
     /// The properties of these entries; of all for an empty list.
@@ -42,9 +42,9 @@ public Q_SLOTS:
                                                    const QStringList& propertyNames);
     QDBusVariant GetProperty(int id, const QString& name);
     void Event(int id, const QString& eventId, const QDBusVariant& data, uint timestamp);
-    /// The result is the ids that are unknown.
+    /// Returns the ids that are unknown.
     QList<int> EventGroup(const QList<navrel::DBusMenuEvent>& events);
-    /// Whether the layout must be read again: never, since each change was announced.
+    /// Whether the panel must read the layout again: never, since each change has been announced.
     bool AboutToShow(int id);
     QList<int> AboutToShowGroup(const QList<int>& ids, QList<int>& idErrors);
 

@@ -7,7 +7,7 @@
 #include <QStringList>
 #include <QVariantMap>
 
-/// The values that a menu over D-Bus consists of, with their signatures.
+/// The types of a menu over D-Bus, with their signatures.
 namespace navrel {
 
 /// (ia{sv}): an entry with properties.
@@ -46,7 +46,7 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, DBusMenuLayoutIte
 QDBusArgument& operator<<(QDBusArgument& argument, const DBusMenuEvent& event);
 const QDBusArgument& operator>>(const QDBusArgument& argument, DBusMenuEvent& event);
 
-/// Makes the types known to Qt's D-Bus binding; any number of times.
+/// Registers the types with Qt's D-Bus binding. May be called any number of times.
 void registerDBusMenuTypes();
 
 } // namespace navrel

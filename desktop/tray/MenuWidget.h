@@ -8,11 +8,11 @@
 
 namespace navrel {
 
-/// The status menu as a menu of Qt, for an X11 tray and for panels that ask the program to show it.
-/// Main thread.
+/// The status menu as a QMenu, for an X11 tray and for panels that have the program show it. Main
+/// thread.
 class MenuWidget final : public QMenu, public StatusMenuView {
 public:
-    /// The menu must live longer.
+    /// The menu must outlive this.
     explicit MenuWidget(StatusMenu& menu);
     ~MenuWidget() override;
 

@@ -15,14 +15,13 @@ class MenuWindow;
 class StatusMenu;
 class StatusNotifierItem;
 
-/// Shows the status item where this desktop shows such items, for as long as it lives: on the
-/// session bus where a panel hosts items, else in an X11 tray, else as a small window with the same
-/// menu, so that the program can be reached everywhere. Panels come and go; the item follows. Main
-/// thread.
+/// Shows the status item, for as long as it lives: on the session bus if a panel hosts items,
+/// otherwise in an X11 tray, otherwise as a small window with the same menu, so that the user can
+/// always reach the program. Follows panels as they come and go. A QObject of the main thread.
 class StatusItem final : public QObject {
 public:
-    /// Without a display only panels on the session bus can show the item. The menu must live
-    /// longer.
+    /// Without a display, only panels on the session bus can show the item. The menu must outlive
+    /// this.
     StatusItem(StatusMenu& menu, const QIcon& icon, bool hasDisplay);
     ~StatusItem() override;
 

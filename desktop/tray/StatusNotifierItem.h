@@ -14,9 +14,8 @@ namespace navrel {
 
 class StatusMenu;
 
-/// The status item on the session bus: an item of the freedesktop.org StatusNotifierItem kind,
-/// whose menu stands beside it. It offers itself to whatever panel hosts such items, also to one
-/// that starts later, or again. Main thread.
+/// The status item on the session bus: a freedesktop.org StatusNotifierItem, with its menu. Offers
+/// itself to any panel that hosts such items, even one that starts later, or again. Main thread.
 class StatusNotifierItem final : public QObject {
     Q_OBJECT
 
@@ -28,25 +27,25 @@ public:
         QIcon icon;
     };
 
-    /// `bus` is the session's. `menuAt` shows the menu at a point of the screen by other means, for
-    /// panels that do not read it over the bus. `hostDidChange` is called when `hasHost` changed,
-    /// or became certain.
+    /// `bus` is the session's. `menuAt` must show the menu at a point of the screen, for panels
+    /// that do not read it over the bus. `hostDidChange` is called when `hasHost` or `isHostKnown`
+    /// has changed. The menu must outlive this.
     StatusNotifierItem(const QDBusConnection& bus, StatusMenu& menu, Appearance appearance,
                        std::function<void(QPoint)> menuAt, std::function<void()> hostDidChange);
     ~StatusNotifierItem() override;
 
-    /// Whether a panel shows the item, as far as is known: each answer of the bus comes later.
+    /// Whether a panel shows the item, as far as is known: the bus answers later.
     bool hasHost() const { return hasHost_.value_or(false); }
-    /// Whether that is certain, be it that there is nobody to ask: not before the first answer, nor
-    /// when the panel's watcher refuses to tell.
+    /// Whether `hasHost` is certain: not before the first answer, nor if the panel's watcher
+    /// refuses to answer. Certain also if there is no watcher.
     bool isHostKnown() const { return hasHost_.has_value(); }
 
-    /// Whether it stands on a bus: not after that has ended.
+    /// Whether the bus is connected.
     bool isOnBus() const { return bus_.isConnected(); }
 
     const Appearance& appearance() const { return appearance_; }
     void showMenuAt(QPoint position) const { menuAt_(position); }
-    /// Where the menu stands on the bus.
+    /// The object path of the menu on the bus.
     QString menuPath() const;
 
 private Q_SLOTS:

@@ -9,7 +9,7 @@
 
 namespace navrel {
 
-/// "org.kde.StatusNotifierItem", the name by which every desktop knows the interface.
+/// The D-Bus interface of the item: "org.kde.StatusNotifierItem", the name that all desktops use.
 class StatusNotifierItemAdaptor final : public QDBusAbstractAdaptor {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierItem")
@@ -35,7 +35,7 @@ public:
 
     QString category() const { return QStringLiteral("ApplicationStatus"); }
     QString id() const { return QStringLiteral("nl.kelvane.Navrel"); }
-    /// For screen readers and lists of items: the icon alone shows.
+    /// For screen readers and lists of items: panels show only the icon.
     QString title() const { return QStringLiteral("Navrel"); }
     QString status() const { return QStringLiteral("Active"); }
     int windowId() const { return 0; }

@@ -6,7 +6,7 @@
 #include <QMetaType>
 #include <QString>
 
-/// The values that a status item on the session bus consists of, with their signatures.
+/// The types of a status item on the session bus, with their signatures.
 namespace navrel {
 
 /// (iiay): a picture as ARGB32 in network byte order.
@@ -30,7 +30,7 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, DBusPicture& pict
 QDBusArgument& operator<<(QDBusArgument& argument, const DBusToolTip& toolTip);
 const QDBusArgument& operator>>(const QDBusArgument& argument, DBusToolTip& toolTip);
 
-/// Makes the types known to Qt's D-Bus binding; any number of times.
+/// Registers the types with Qt's D-Bus binding. May be called any number of times.
 void registerStatusNotifierTypes();
 
 } // namespace navrel

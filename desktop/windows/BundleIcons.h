@@ -8,7 +8,7 @@
 
 namespace navrel {
 
-/// Shows bundles as projects among the folders. Main thread.
+/// Gives bundles, which are folders, the icon of a project. Main thread.
 class BundleIcons final : public QFileIconProvider {
 public:
     explicit BundleIcons(const QStringList& bundleTypes) : bundleTypes_(bundleTypes) {}
@@ -17,7 +17,7 @@ public:
     QIcon icon(const QFileInfo& file) const override;
     QString type(const QFileInfo& file) const override;
 
-    /// Whether it is a folder of one of the types.
+    /// Whether a file is a folder of one of the types.
     bool isBundle(const QFileInfo& file) const;
 
 private:

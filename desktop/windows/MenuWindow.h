@@ -13,14 +13,14 @@
 
 namespace navrel {
 
-/// The status menu as a small window, for desktops that show no status items, below sentences on
-/// the program's state. Closing it only minimizes it: it is all that the user has of the program,
-/// which ends by its quit entry. It is as high as its rows, or as many of them as the screen has
-/// room for, and cuts none. Main thread.
+/// The status menu as a small window, below sentences on the program's state, for desktops without
+/// status items. Closing it only minimizes it, since it is the only way to reach the program; the
+/// quit entry ends that. It is as high as its rows, or as many whole rows as fit on the screen.
+/// Main thread.
 class MenuWindow final : public QWidget, public StatusMenuView {
 public:
-    /// Hidden at first. The menu must live longer; it is asked for the sentences once a second
-    /// while the window shows.
+    /// Hidden at first. The menu must outlive this; it is asked for the sentences once a second
+    /// while the window is shown.
     MenuWindow(StatusMenu& menu, const QIcon& icon);
     ~MenuWindow() override;
 
@@ -32,7 +32,7 @@ protected:
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
-    /// Hears that the session ends, which closes all windows: then none may refuse.
+    /// Notices the end of the session, which closes all windows: then this one must not refuse.
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:

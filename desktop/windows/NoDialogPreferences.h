@@ -4,9 +4,9 @@
 
 namespace navrel {
 
-/// While one lives, Qt's dialogs keep nothing in its own preferences (QtProject.conf), and read
-/// nothing there: they would write a file that is not this program's. Main thread; preferences of
-/// the program must be open before.
+/// While one lives, Qt's dialogs neither read nor write Qt's own preferences (QtProject.conf),
+/// which is not a file of this program. Main thread; the program's own preferences must have been
+/// opened before.
 class NoDialogPreferences {
 public:
     NoDialogPreferences();

@@ -10,15 +10,15 @@
 namespace navrel {
 
 /// Lets the user pick a bundle: a folder of one of the given types (extensions without the dot),
-/// which is picked as if it were a file and never entered. Other folders are entered, and nothing
-/// is changed or made there. Modal by `exec`; the bundle is then `selectedFiles().first()`. Main
-/// thread.
+/// which the panel treats as a file. The user can enter other folders, but not change them. `exec`
+/// shows it as a modal dialog; then `selectedFiles().first()` is the bundle. As any widget, it is
+/// for the main thread.
 class OpenPanel final : private NoDialogPreferences, public QFileDialog {
 public:
     /// Starts in `folder`; in the home folder if that is not there.
     OpenPanel(const QString& title, const QStringList& bundleTypes, const QString& folder);
 
-    /// What the user confirms: picks a bundle, or enters another folder.
+    /// Called when the user confirms: picks a bundle, or enters another folder.
     void accept() override;
 
 private:

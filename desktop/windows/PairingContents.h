@@ -9,7 +9,7 @@
 
 namespace navrel {
 
-/// What the pairing window shows, ready to be shown.
+/// The contents of the pairing window, as text to show.
 struct PairingContents {
     struct Device {
         int number = 0;
@@ -33,7 +33,7 @@ struct PairingContents {
     bool operator==(const PairingContents&) const = default;
 };
 
-/// Puts it together. `chosenAddress` is ignored once it is not among the addresses. Pure.
+/// Computes the contents. `chosenAddress` is ignored if it is not among the addresses. Pure.
 PairingContents pairingContents(const AccessSettings& settings, const AccessStatus& status,
                                 const PairingOffer& offer, const std::vector<PairedDevice>& devices,
                                 const QString& chosenAddress, const QDateTime& now);

@@ -15,19 +15,20 @@ namespace navrel {
 
 class QRCode;
 
-/// The window "Phone or Tablet…": who may reach Navrel by a browser, how a device is paired, and
-/// the devices that are. It shows contents that it is given, and asks for others; texts that come
-/// from devices are shown as they are, never as markup. Main thread.
+/// The window "Phone or Tablet…": which browsers may reach Navrel, how to pair a device, and the
+/// paired devices. It shows the contents that it is given, and reports what the user does. Text
+/// from devices is shown literally, never as markup. Main thread.
 class PairingWindow final : public QWidget {
 public:
-    /// What the user does. None may be null.
+    /// Called when the user does something. None may be null.
     struct Events {
         std::function<void(AccessSettings::Mode mode)> didChooseMode;
         std::function<void(const QString& address)> didChooseAddress;
         std::function<void()> didAskForNewCode;
         std::function<void(int device)> didForget;
         std::function<void(int device, bool readOnly)> didSetReadOnly;
-        /// Once a second while the window shows: codes expire, and devices come and go.
+        /// Called once a second while the window is shown, since codes expire and devices come and
+        /// go: `show` should be called with new contents.
         std::function<void()> isDue;
     };
 
@@ -35,7 +36,7 @@ public:
     explicit PairingWindow(Events events);
 
     void show(const PairingContents& contents);
-    /// Brings it to the front, with the keyboard.
+    /// Brings the window to the front, with the keyboard focus.
     void bringToFront();
 
 protected:

@@ -5,13 +5,13 @@
 
 namespace navrel {
 
-/// A text as a code that cameras read: dark on light in every theme, with the quiet zone that they
-/// need around it. Main thread.
+/// Shows a text as a QR code: dark on light in every theme, with the quiet zone that scanners need.
+/// Main thread.
 class QRCode final : public QWidget {
 public:
     QRCode();
 
-    /// Shows another text; nothing for an empty one, and for one that is too long for a code.
+    /// Replaces the text. Shows nothing for an empty text, and for one that is too long for a code.
     void setText(const QString& text);
     const QString& text() const { return text_; }
 
