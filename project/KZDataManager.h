@@ -27,16 +27,17 @@ class UserDefaults;
 struct ManagedObjectModel;
 
 /// The project data manager: selects the project, mirrors it into the store once a second, owns the
-/// store, and answers the device's view requests. Each operation is one of a class of project/, of
-/// its views, or of the scanning operations. There is one manager in the program. Main thread only.
+/// store, and answers the device's view requests. Each operation forwards to a class of project/,
+/// to its views, or to the scanning operations. There is one manager in the program. Main thread
+/// only.
 class KZDataManager {
 public:
-    /// The world as the manager sees it. Nothing is owned, and everything outlives the manager.
+    /// The world as the manager sees it. Nothing is owned, and everything must outlive the manager.
     struct Collaborators {
         UserDefaults& userDefaults;
         Editor& editor;
         ProjectDialogs& dialogs;
-        /// The user's application-support folder: `$XDG_DATA_HOME`, in which the store's own folder
+        /// The user's application-support folder, `$XDG_DATA_HOME`, in which the store's own folder
         /// is made.
         QString applicationSupportDirectory;
         Clock& clock = systemClock();
@@ -57,22 +58,22 @@ public:
     /// Path of the selected .xcodeproj bundle; nil when no project is selected. The empty string is
     /// a selected project too: the one that automatic selection finds when nothing is active.
     const std::optional<QString>& pbxProjPath() const;
-    /// The "objects" of the last project file read; null when it could not be read. Valid until the
-    /// next pass.
+    /// The "objects" of the project file as last read; null if it could not be read. Valid until
+    /// the next pass.
     const PropertyListIndex* pbxObjects() const;
-    /// Identifier of the project's main group; nil when nothing is loaded.
+    /// Identifier of the project's main group; nil if nothing is loaded.
     std::optional<QString> rootID() const;
-    /// Whether the project that is active in the editor is followed.
+    /// Whether Navrel selects the project that is active in the editor.
     bool automaticProjectSelection() const;
     /// Plain setter: the user defaults stay as they are.
     void setAutomaticProjectSelection(bool follow);
-    /// The menu entry that shows whether automatic selection is on, from now on. Not owned; null,
-    /// as at first, is allowed.
+    /// Sets the menu entry that shows whether automatic selection is on. Not owned; null, as at
+    /// first, for none.
     void setAutomaticProjectSelectionItem(MenuItem* item);
-    /// The menu entry that shows the current project. Not owned; null, as at first, is allowed.
+    /// Sets the menu entry that shows the current project. Not owned; null, as at first, for none.
     void setCurrentProjectItem(MenuItem* item);
-    /// The manager itself, held strongly despite the name, so that it is never released:
-    /// deliberate, it lives as long as the process. Tests set it to null to let a manager go.
+    /// The manager itself. Despite the name this is a strong reference, deliberately: the manager
+    /// lives as long as the process. Tests set it to null to destroy a manager.
     const std::shared_ptr<KZDataManager>& weakSelf() const { return weakSelf_; }
     void setWeakSelf(std::shared_ptr<KZDataManager> self) { weakSelf_ = std::move(self); }
 
@@ -80,13 +81,13 @@ public:
 
     /// The folder of the store: "nl.kelvane.Navrel" in the application-support folder.
     QString applicationDocumentsDirectory() const;
-    /// The same before there is a manager.
+    /// As above, before there is a manager.
     static QString applicationDocumentsDirectoryIn(const QString& applicationSupportDirectory);
     const ManagedObjectModel& managedObjectModel() const;
-    /// Opens the store on first use. Null when that failed: the error has been presented (modal, as
-    /// `StoreErrorWindow` does), and the next call tries, and presents, again.
+    /// Opens the store on first use. Null if that failed: then the error has been presented (modal,
+    /// by `StoreErrorWindow`), and the next call tries again.
     PersistentStoreCoordinator* persistentStoreCoordinator();
-    /// The single context, made on first use. Null where the coordinator is.
+    /// The single context, made on first use. Null if the coordinator is.
     ManagedObjectContext* managedObjectContext();
     /// Saves at quit. True to terminate now, false to cancel.
     bool applicationShouldTerminate();
@@ -94,7 +95,7 @@ public:
     // Selection.
 
     /// Turns automatic selection off and lets the user pick a project (modal). There is one panel
-    /// at a time: while it is shown, a further call turns automatic selection off, and that is all.
+    /// at a time: while it is shown, further calls only turn automatic selection off.
     void open();
     /// Path of the project that is active in the editor: the empty string when none is, nil when
     /// the editor could not be asked.
@@ -105,12 +106,13 @@ public:
 
     // Loading.
 
-    /// Follows the editor where automatic selection is on, then runs a pass. The timer does the
-    /// same once a second, in slices: where many files changed, requests are answered in between.
+    /// Selects the editor's project if automatic selection is on, then runs a pass. The timer does
+    /// the same once a second, but in slices: if many files have changed, requests are answered in
+    /// between.
     void update();
-    /// One pass: reads the project file, brings the records up to date, saves. Synchronous, despite
-    /// its name. A pass that follows one without changes costs one question to the file system a
-    /// record.
+    /// Runs one pass: reads the project file, brings the records up to date, saves. Synchronous,
+    /// despite its name. If the pass before changed nothing, this one costs one look-up of a file's
+    /// date for each record.
     void updateInBackground();
     /// Builds or refreshes the record of one project object and, depth first, those below it.
     /// `referencePath` is the parent's resolved path.
@@ -118,8 +120,8 @@ public:
                              const std::optional<QByteArray>& referencePath,
                              const std::optional<QByteArray>& parentID, qint32 index);
 
-    // Scanning: what the record's file holds goes into the store, from one reading each. The caller
-    // must have deleted what was found before.
+    // Scanning: each reads the record's file once and stores what it finds. The caller must have
+    // deleted the records of earlier findings.
 
     /// Sets the record's `subclassOf` to the superclass that its header declares, if any.
     void setSuperclassForManagedObject(CDObject& object);

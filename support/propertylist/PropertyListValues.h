@@ -20,25 +20,25 @@ inline constexpr QTimeZone::Initialization kUTC = QTimeZone::UTC;
 inline constexpr Qt::TimeSpec kUTC = Qt::UTC;
 #endif
 
-/// Stores an error where the caller asked for one.
+/// Stores an error in `error`, unless that is null.
 void report(std::optional<Error>* error, PropertyListErrorCode code, const QString& text);
 
-/// True for the years 1 to 9999, which every format can carry.
+/// Whether a date is in the years 1 to 9999, which every format can hold.
 bool isInRange(const QDateTime& date);
 
-/// The integer of a variant of any integer or boolean type (true is 1); nothing for other types,
-/// and for what does not fit.
+/// The integer of a variant of any integer or boolean type (true is 1); nil for other types, and
+/// for a number that does not fit.
 std::optional<qlonglong> integerOf(const QVariant& value);
 
-/// A value that a format cannot hold: "at items[3].path: what is wrong with it". The place is put
-/// together while the error travels outwards.
+/// A value that a format cannot hold: "items[3].path: what is wrong with it". The callers add the
+/// place step by step, from the inside outwards.
 class UnwritableValue {
 public:
     explicit UnwritableValue(QString reason,
                              PropertyListErrorCode code = PropertyListErrorCode::notWritable)
         : reason_(std::move(reason)), code_(code) {}
 
-    /// A variant that is no property-list value at all.
+    /// For a variant that is not a property-list value at all.
     static UnwritableValue ofType(const QVariant& value);
 
     UnwritableValue inEntry(const QString& key) &&;

@@ -9,17 +9,17 @@
 
 namespace navrel::propertylist {
 
-/// How a date stands in XML, always UTC.
+/// The format of dates in XML, which are always UTC.
 inline constexpr char kXMLDateFormat[] = "yyyy-MM-dd'T'HH:mm:ss'Z'";
 
-/// True for bytes that only XML begins with: a declaration, a document type, a comment or <plist>.
-/// A lone "<" begins data of the old-style format.
+/// Whether a text begins as only XML does: with a declaration, a document type, a comment or
+/// <plist>. A "<" alone begins data of the old-style format.
 bool isXML(std::string_view bytes);
 
-/// Reads the XML format, in UTF-8 or the encoding that it declares. Document types are passed over,
-/// but one with declarations of its own is refused: lists have no use for them, and what they
-/// define unfolds without bound. So are tags with more text than any list's: the time that the XML
-/// reader takes for a tag grows with the square of its attributes.
+/// Reads the XML format, in UTF-8 or the encoding that it declares, as `propertyListWithData` does.
+/// Document types are skipped, but one with declarations of its own is refused: lists do not need
+/// them, and what they define may grow without bound. Tags with more text than any list has are
+/// refused too, since the XML reader takes time in proportion to the square of their attributes.
 std::optional<QVariant> readXML(const QByteArray& bytes, std::optional<Error>* error);
 
 } // namespace navrel::propertylist
