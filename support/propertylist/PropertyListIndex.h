@@ -12,7 +12,7 @@ namespace navrel {
 
 /// A hash index of the keys of one dictionary, for the "objects" of a project. `build` reuses the
 /// memory, unless it is many times what the new index needs. The hash is keyed with random words of
-/// the process, so nobody can write a file whose keys collide. One thread at a time.
+/// the process, so no file can be made whose keys collide. One thread at a time.
 class PropertyListIndex {
 public:
     using Value = PropertyListDocument::Value;
