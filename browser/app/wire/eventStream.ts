@@ -22,6 +22,8 @@ export interface Stream {
 
 /** Two heartbeats of 15 seconds, and something for the network. */
 const kSilenceMilliseconds = 35_000;
+/** A server in reach answers at once. A kept connection that died in the device's sleep never does: the next try is by another one. */
+const kAnswerMilliseconds = 5_000;
 
 const kNames: Record<EventName, true> = {
   hello: true,
@@ -45,14 +47,14 @@ export function parseEvent(name: string, data: string): AnyEvent | undefined {
 export function openEventStream(observer: StreamObserver): Stream {
   const controller = new AbortController();
   let silence: ReturnType<typeof setTimeout>;
-  const listen = () => {
+  const listen = (milliseconds = kSilenceMilliseconds) => {
     clearTimeout(silence);
-    silence = setTimeout(() => controller.abort(), kSilenceMilliseconds);
+    silence = setTimeout(() => controller.abort(), milliseconds);
   };
   let closed = false;
 
   const read = async () => {
-    listen();
+    listen(kAnswerMilliseconds);
     const response = await fetch("/api/events", {
       headers: { Accept: "text/event-stream" },
       cache: "no-store",
@@ -60,6 +62,7 @@ export function openEventStream(observer: StreamObserver): Stream {
     });
     if (!response.ok) throw await errorOf(response);
     if (closed) return;
+    listen();
     observer.onOpen();
     const reader = response.body!.getReader();
     const text = new TextDecoder();
