@@ -191,10 +191,28 @@ void Recogniser::readDash(const Token& token) {
 }
 
 void Recogniser::readEquals(const Token& token) {
+    if (holdsMacroCallsAlone()) {
+        clearHead(); // "MACRO(a) = {…} MACRO_END(a)": there may be no semicolon
+        return;
+    }
     head_.push(token);
     if (!head_.isNested()) {
         passInitializer();
     }
+}
+
+bool Recogniser::holdsMacroCallsAlone() const {
+    std::size_t i = 0;
+    while (head_.is(i, Word::specifier)) {
+        ++i;
+    }
+    const std::size_t first = i;
+    while (i < head_.size() && head_[i].isName() && head_.is(i + 1, '(') &&
+           isAllCapitals(head_.textOf(i)) && head_.textOf(i) != scopes_.current().name) {
+        i = head_.after(i + 1);
+    }
+    return i > first && i == head_.size() && !head_.isNested() &&
+           scopes_.current().kind != ScopeKind::enumeration;
 }
 
 void Recogniser::readComma(const Token& token) {
@@ -701,6 +719,9 @@ std::string Recogniser::nameAfterBody(std::size_t brace) {
 
 void Recogniser::closeBrace(const Token& brace) {
     head_.abandonGroups();
+    if (holdsMacrosAlone()) {
+        clearHead();
+    }
     endHead(brace.begin);
     const Scope scope = scopes_.current();
     if (scope.kind == ScopeKind::file || isContainerKind(scope.kind)) {
@@ -725,6 +746,16 @@ void Recogniser::closeBrace(const Token& brace) {
     body.kind = TokenKind::braces;
     head_.push(body);
     isFirstNameTaken_ = scope.isNameTaken;
+}
+
+/// "A_MACRO ANOTHER_MACRO", which have no semicolon.
+bool Recogniser::holdsMacrosAlone() const {
+    for (std::size_t i = 0; i < head_.size(); ++i) {
+        if (!head_[i].isName() || !isAllCapitals(head_.textOf(i))) {
+            return false;
+        }
+    }
+    return scopes_.current().kind != ScopeKind::enumeration;
 }
 
 // Parts of heads.

@@ -50,6 +50,7 @@ private:
     void readColon(const Token& token);
     void readDash(const Token& token);
     void readEquals(const Token& token);
+    bool holdsMacroCallsAlone() const;
     void readComma(const Token& token);
     void readTemplateParameters();
 
@@ -75,6 +76,7 @@ private:
     bool endsScopeBefore(std::size_t indent) const;
     bool isLabelAt(const Token& word) const;
     void closeBrace(const Token& brace);
+    bool holdsMacrosAlone() const;
     void passFunction(const Found& function);
     void passHandlers();
     void passBraces(const Token& brace);
