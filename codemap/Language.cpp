@@ -19,10 +19,10 @@ constexpr std::array kExtensions = {
     Extension{"m", Language::objectiveC},    Extension{"c", Language::c},
     Extension{"mm", Language::objectiveCpp}, Extension{"cpp", Language::cpp},
     Extension{"cc", Language::cpp},          Extension{"cxx", Language::cpp},
-    Extension{"c++", Language::cpp},         Extension{"hpp", Language::cpp},
-    Extension{"hh", Language::cpp},          Extension{"hxx", Language::cpp},
-    Extension{"h++", Language::cpp},         Extension{"ipp", Language::cpp},
-    Extension{"tpp", Language::cpp},         Extension{"inl", Language::cpp},
+    Extension{"c++", Language::cpp},         Extension{"hpp", Language::cppHeader},
+    Extension{"hh", Language::cppHeader},    Extension{"hxx", Language::cppHeader},
+    Extension{"h++", Language::cppHeader},   Extension{"ipp", Language::cppHeader},
+    Extension{"tpp", Language::cppHeader},   Extension{"inl", Language::cppHeader},
     Extension{"h", Language::header},        Extension{"pch", Language::header},
 };
 
@@ -55,6 +55,7 @@ std::string_view nameOf(Language language) {
     case Language::c:
         return "c";
     case Language::cpp:
+    case Language::cppHeader:
         return "cpp";
     case Language::objectiveCpp:
         return "objcpp";

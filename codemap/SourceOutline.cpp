@@ -101,6 +101,7 @@ Outline outlineOfSource(Language language, std::string_view text) {
     case Language::objectiveC:
     case Language::c:
     case Language::cpp:
+    case Language::cppHeader:
     case Language::objectiveCpp:
     case Language::header:
         return outlineOfCFamily(language, text);

@@ -94,7 +94,7 @@ void measureCFamily() {
     const SourceTree tree;
     const std::vector<std::string> files =
         filesOf({Language::objectiveC, Language::c, Language::objectiveCpp, Language::cpp,
-                 Language::header},
+                 Language::cppHeader, Language::header},
                 tree.paths());
     const SourceTexts sources = textsOf(files);
     measure("C and Objective-C", sources);

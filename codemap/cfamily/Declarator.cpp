@@ -292,7 +292,7 @@ private:
             return true;
         }
         const int macros = result_.isAfterMacro ? 1 : 0;
-        const bool mayBeMacro = macros == 0 || isAllCapitals(head_.textOf(name_.last));
+        const bool mayBeMacro = macros == 0 || looksLikeMacro(head_.textOf(name_.last));
         if (types_ > macros || !mayBeMacro || result_.isOperator || after >= head_.size() ||
             !goesOnAfterMacro(head_[after]) || isQualifiedName()) {
             return false;

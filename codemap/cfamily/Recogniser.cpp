@@ -19,6 +19,7 @@ constexpr int kMaximumLook = 64;
 Dialect dialectOf(Language language) {
     switch (language) {
     case Language::cpp:
+    case Language::cppHeader:
     case Language::objectiveCpp:
         return Dialect::cpp;
     case Language::header:
@@ -26,6 +27,10 @@ Dialect dialectOf(Language language) {
     default:
         return Dialect::c;
     }
+}
+
+bool isHeader(Language language) {
+    return language == Language::header || language == Language::cppHeader;
 }
 
 Access accessOf(AtWord word) {
@@ -67,8 +72,7 @@ std::string_view withoutQuotes(std::string_view text) {
 Recogniser::Recogniser(std::string_view text, Language language)
     : text_(text), isCpp_(language != Language::c && language != Language::objectiveC),
       builder_(language, text.size()), lines_(text), lexer_(text, dialectOf(language), *this),
-      head_(text), scopes_(builder_),
-      declarations_(head_, scopes_, lines_, language == Language::header) {}
+      head_(text), scopes_(builder_), declarations_(head_, scopes_, lines_, isHeader(language)) {}
 
 void Recogniser::trustIndentation() {
     trustsIndentation_ = true;
@@ -208,7 +212,7 @@ bool Recogniser::holdsMacroCallsAlone() const {
     }
     const std::size_t first = i;
     while (i < head_.size() && head_[i].isName() && head_.is(i + 1, '(') &&
-           isAllCapitals(head_.textOf(i)) && head_.textOf(i) != scopes_.current().name) {
+           looksLikeMacro(head_.textOf(i)) && head_.textOf(i) != scopes_.current().name) {
         i = head_.after(i + 1);
     }
     return i > first && i == head_.size() && !head_.isNested() &&

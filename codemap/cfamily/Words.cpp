@@ -222,6 +222,10 @@ AtWord atWordOf(std::string_view word) {
     return AtWord::other;
 }
 
+bool looksLikeMacro(std::string_view word) {
+    return isAllCapitals(word) || isAllCapitals(word.substr(0, word.rfind('_')));
+}
+
 bool isAllCapitals(std::string_view word) {
     bool hasCapital = false;
     for (const char byte : word) {

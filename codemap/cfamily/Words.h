@@ -31,5 +31,8 @@ AtWord atWordOf(std::string_view word);
 
 /// Whether a word has capitals, digits and "_" only: macros are named like this.
 bool isAllCapitals(std::string_view word);
+/// Whether a word is in capitals, or is so up to its last part: "SEQUENCE_END_cb". A constant's
+/// name may look like this, too, or a function's.
+bool looksLikeMacro(std::string_view word);
 
 } // namespace navrel::cfamily
