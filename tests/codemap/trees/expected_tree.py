@@ -189,6 +189,8 @@ class _Project:
         targets = list(own)
         for identifier in self.objects[group].get("exceptions", []):
             exception = self.objects[identifier]
+            if "buildPhase" in exception:
+                continue  # the same target builds the files in another phase
             members = exception.get("membershipExceptions", [])
             if any(path == member or path.startswith(member + "/") for member in members):
                 if exception["target"] in own:

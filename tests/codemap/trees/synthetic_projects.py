@@ -1,4 +1,4 @@
-"""Twelve small projects, each about one way in which a project names its files."""
+"""Fifteen small projects, each about one way in which a project names its files."""
 
 import os
 
@@ -159,10 +159,49 @@ def _workspace_of_ten(folder):
     return f"{folder.path}/All.xcworkspace"
 
 
+def _both_kinds_of_exception_sets(folder):
+    folder.write("App/App.swift", "App/Info.plist", "App/Helper/helper.c", "App/Scripts/run.js", "App/Shared/s.swift")
+    folder.write("App/Kit/Sources/Kit/k.swift", "App/Kit/Tests/KitTests/t.swift", "App/Shared/Deep/d.swift")
+    folder.write("App/Kit/Package.swift", text='let package = Package(name: "Kit")')
+    isa = "PBXFileSystemSynchronizedGroupBuildPhaseMembershipExceptionSet"
+    sets = "exceptions = (E1, E2, E3); explicitFileTypes = {}; explicitFolders = (Scripts);"
+    objects = _group("MAIN", ["S", "W"]) + _synchronized("S", "App", more=sets)
+    objects += _exception("E1", "T1", "Info.plist, Helper") + _exception("E2", "T2", "Shared, App.swift")
+    objects += f'E3 = {{isa = {isa}; buildPhase = T1_COPY; membershipExceptions = ("Scripts/run.js"); }};\n'
+    objects += _synchronized("W", "Not there") + _target("T1", "App", (), ["S"]) + _target("T2", "Widget")
+    objects += "T1_COPY = {isa = PBXCopyFilesBuildPhase; files = (); };\n"
+    objects += "R1 = {isa = XCLocalSwiftPackageReference; relativePath = App/Kit; };\n"
+    return folder.project("App.xcodeproj", objects, "targets = (T1, T2); packageReferences = (R1);")
+
+
+def _workspace_with_nested_groups(folder):
+    folder.write("One/a.swift", "Two/Deep/b.m", "Two/loose.md", "top.c")
+    folder.project("One/One.xcodeproj", _group("MAIN", ["A", "V"]) + _file("A", "a.swift")
+                   + _file("V", "Lib/Lib.xcodeproj", "LIBRARIES"))
+    folder.project("Two/Deep/Two.xcodeproj", _group("MAIN", ["B", "O"]) + _file("B", "b.m")
+                   + _file("O", "../../One/One.xcodeproj"))
+    inner = '<Group location = "group:Deep" name = "Inner"><FileRef location = "group:Two.xcodeproj"/></Group>'
+    group = f'<Group location = "group:Two" name = "Outer">{inner}<FileRef location = "group:loose.md"/></Group>'
+    files = f'<FileRef location = "absolute:{folder.path}/top.c"/><FileRef location = "container:One/One.xcodeproj"/>'
+    text = f'<?xml version="1.0" encoding="UTF-8"?>\n<Workspace version = "1.0">{group}{files}</Workspace>\n'
+    folder.write("All.xcworkspace/contents.xcworkspacedata", text=text)
+    return f"{folder.path}/All.xcworkspace"
+
+
+def _names_with_marks_and_quotes(folder):
+    names = ["👩‍👩‍👧 Family.swift", "Cafe\u0301.m", "Café.m", "it's.c", 'say "hi".h', "semi;colon=1.mm", "back\\slash.c"]
+    folder.write(*(f"Röt {{1}}/{name}" for name in names), *(f"Sync 🌊/{name}" for name in names))
+    escaped = [name.replace("\\", "\\\\").replace('"', '\\"') for name in names]
+    objects = _group("MAIN", ["A", "S"]) + _group("A", [f"F{n}" for n in range(len(names))], "", "Röt {1}")
+    objects += "".join(_file(f"F{n}", name) for n, name in enumerate(escaped)) + _synchronized("S", "Sync 🌊")
+    return folder.project("Ünder 🌊.xcodeproj", objects)
+
+
 _PROJECTS = [
     _source_root, _synchronized_with_exceptions, _folder_references, _packages, _projects_that_name_each_other,
     _variants_and_versions, _absolute_paths_and_products, _groups_in_circles, _deep_folders_and_links,
     _names_of_all_kinds, _synchronized_from_the_source_root, _workspace_of_ten,
+    _both_kinds_of_exception_sets, _workspace_with_nested_groups, _names_with_marks_and_quotes,
 ]
 
 
