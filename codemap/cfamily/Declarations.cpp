@@ -16,6 +16,9 @@ constexpr std::size_t kMaximumCall = 160;
 /// So much of a declaration is looked at for its signature, comments included.
 constexpr std::size_t kMaximumSignature = 4 * kMaximumSignatureLength;
 
+/// So many tokens are looked at for a specifier, once for each declarator.
+constexpr std::size_t kMaximumSpecifiers = 64;
+
 std::size_t afterString(std::string_view text, std::size_t position) {
     const char quote = text[position++];
     while (position < text.size() && text[position] != quote && text[position] != '\n') {
@@ -317,9 +320,10 @@ SymbolKind Declarations::kindOf(const Declarator& declarator) const {
     return isMember ? SymbolKind::method : SymbolKind::function;
 }
 
-/// Whether a word stands in the head, outside of groups.
+/// Whether a specifier stands at the beginning of the head, outside of groups.
 bool Declarations::contains(Word word) const {
-    for (std::size_t i = 0; i < head_.size(); i = head_.after(i)) {
+    const std::size_t end = std::min(head_.size(), kMaximumSpecifiers);
+    for (std::size_t i = 0; i < end; i = head_.after(i)) {
         if (head_.is(i, word)) {
             return true;
         }
