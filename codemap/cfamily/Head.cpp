@@ -6,12 +6,9 @@ namespace navrel::cfamily {
 
 namespace {
 
-/// No declaration that is written by hand is nearly as long.
-constexpr std::size_t kMaximumTokens = 100'000;
-
-/// A longer head is not cut back to a preprocessor branch: looking through it for each branch
-/// would take time in proportion to the square of the text.
-constexpr std::size_t kMaximumTruncated = 4096;
+/// No declaration that is written by hand is nearly as long. A head may be looked through for each
+/// of its tokens, so this bounds the time that a hostile text takes.
+constexpr std::size_t kMaximumTokens = 4096;
 
 /// "operator  +" and "operator new" in one spelling: one blank between words, none before signs.
 std::string textOfOperator(std::string_view text) {
@@ -110,10 +107,6 @@ void Head::clear() {
 
 void Head::truncate(std::size_t size) {
     if (size >= tokens_.size()) {
-        return;
-    }
-    if (size > kMaximumTruncated) {
-        clear();
         return;
     }
     tokens_.resize(size);

@@ -16,6 +16,13 @@ namespace {
 /// So many tokens after a body are looked at for the name of what has none before it.
 constexpr int kMaximumLook = 64;
 
+/// Lines that are longer were not written to be read.
+constexpr std::size_t kMaximumIndentedLine = 1000;
+
+/// A head is looked through at so many braces and "=", so that time stays linear. Declarations have
+/// few, but for lists of variables, which need no such look.
+constexpr std::uint32_t kMaximumHeadLooks = 256;
+
 Dialect dialectOf(Language language) {
     switch (language) {
     case Language::cpp:
@@ -195,7 +202,7 @@ void Recogniser::readDash(const Token& token) {
 }
 
 void Recogniser::readEquals(const Token& token) {
-    if (holdsMacroCallsAlone()) {
+    if (mayLookThroughHead() && holdsMacroCallsAlone()) {
         clearHead(); // "MACRO(a) = {…} MACRO_END(a)": there may be no semicolon
         return;
     }
@@ -203,6 +210,10 @@ void Recogniser::readEquals(const Token& token) {
     if (!head_.isNested()) {
         passInitializer();
     }
+}
+
+bool Recogniser::mayLookThroughHead() {
+    return headLooks_++ < kMaximumHeadLooks;
 }
 
 bool Recogniser::holdsMacroCallsAlone() const {
@@ -347,7 +358,8 @@ void Recogniser::goTo(const Place& place, std::size_t at) {
 // Braces.
 
 void Recogniser::openBrace(const Token& brace) {
-    if (!head_.empty() && head_[0].atWord == AtWord::property) {
+    const bool isOfProperty = !head_.empty() && head_[0].atWord == AtWord::property;
+    if (isOfProperty || !mayLookThroughHead()) {
         passBraces(brace); // "@property struct { int a; } name;"
         return;
     }
@@ -786,6 +798,7 @@ void Recogniser::endHead(std::size_t place) {
 void Recogniser::clearHead() {
     head_.clear();
     ++headNumber_;
+    headLooks_ = 0;
     signatureEnd_ = 0;
     hasReadColon_ = false;
     isFirstNameTaken_ = false;
@@ -1152,10 +1165,16 @@ std::string Recogniser::takeNames(Sign opening, Sign closing) {
     }
 }
 
+/// How far the line of a place is indented. Far behind the line's beginning it is as good as not at
+/// all: going back there from each place would take the square of the line's length.
 std::size_t Recogniser::indentAt(std::size_t position) const {
+    const std::size_t last = position - std::min(position, kMaximumIndentedLine);
     std::size_t begin = position;
-    while (begin > 0 && text_[begin - 1] != '\n') {
+    while (begin > last && text_[begin - 1] != '\n') {
         --begin;
+    }
+    if (begin > 0 && text_[begin - 1] != '\n') {
+        return 0;
     }
     std::size_t first = begin;
     while (first < position && (text_[first] == ' ' || text_[first] == '\t')) {

@@ -50,6 +50,7 @@ private:
     void readColon(const Token& token);
     void readDash(const Token& token);
     void readEquals(const Token& token);
+    bool mayLookThroughHead();
     bool holdsMacroCallsAlone() const;
     void readComma(const Token& token);
     void readTemplateParameters();
@@ -125,6 +126,7 @@ private:
     BraceMatcher matcher_;
 
     std::uint64_t headNumber_ = 0;
+    std::uint32_t headLooks_ = 0; ///< how often the head was looked through
     std::uint32_t bodyDepth_ = 0;
     std::size_t signatureEnd_ = 0; ///< where a constructor's initializers begin; 0 without
     bool hasReadColon_ = false;    ///< whether the head had a colon that was no constructor's
