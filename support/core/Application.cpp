@@ -1,5 +1,7 @@
 #include "support/core/Application.h"
 
+#include "support/core/MainThread.h"
+
 #include <QByteArray>
 #include <QtGlobal>
 
@@ -12,6 +14,7 @@ constexpr const char* kWithoutGLib = "QT_NO_GLIB";
 } // namespace
 
 OwnEventLoop::OwnEventLoop() : isChosenHere_(!qEnvironmentVariableIsSet(kWithoutGLib)) {
+    NAVREL_ASSERT_MAIN_THREAD();
     if (isChosenHere_) {
         qputenv(kWithoutGLib, "1");
     }

@@ -6,7 +6,7 @@ namespace navrel {
 
 /// While one lives, application objects are made with Qt's own event loop. By default Qt uses
 /// GLib's if there is one, which takes a quarter more time for a turn, and each request may cost a
-/// turn. Changes the environment: only for the main thread, while no other thread reads that.
+/// turn. Main thread. It changes the environment, which no other thread may read meanwhile.
 class OwnEventLoop {
 public:
     OwnEventLoop();
