@@ -2,6 +2,7 @@
 
 #include "desktop/tray/StatusNotifierItem.h"
 #include "desktop/windows/MenuWindow.h"
+#include "support/core/MainThread.h"
 
 #include <QCursor>
 #include <QDBusConnection>
@@ -31,6 +32,7 @@ QString installedSymbolicIcon() {
 StatusItem::StatusItem(StatusMenu& menu, const QIcon& icon, bool hasDisplay)
     : icon_(icon), hasDisplay_(hasDisplay), menuWidget_(menu),
       window_(std::make_unique<MenuWindow>(menu, icon)) {
+    NAVREL_ASSERT_MAIN_THREAD();
     offerOnBus(menu);
     connect(&trayTimer_, &QTimer::timeout, this, [this] {
         if (busItem_ != nullptr && !busItem_->isOnBus()) {

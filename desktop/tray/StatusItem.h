@@ -17,7 +17,7 @@ class StatusNotifierItem;
 
 /// Shows the status item, for as long as it lives: on the session bus if a panel hosts items,
 /// otherwise in an X11 tray, otherwise as a small window with the same menu, so that the user can
-/// always reach the program. Follows panels as they come and go. A QObject of the main thread.
+/// always reach the program. Follows panels as they come and go. Main thread.
 class StatusItem final : public QObject {
 public:
     /// Without a display, only panels on the session bus can show the item. The menu must outlive
