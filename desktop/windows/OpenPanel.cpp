@@ -1,5 +1,7 @@
 #include "desktop/windows/OpenPanel.h"
 
+#include "support/core/MainThread.h"
+
 #include <QDir>
 #include <QFileInfo>
 #include <QHeaderView>
@@ -18,6 +20,7 @@ constexpr QSize kUsualSize{760, 480};
 
 OpenPanel::OpenPanel(const QString& title, const QStringList& bundleTypes, const QString& folder)
     : QFileDialog(nullptr, title), icons_(bundleTypes) {
+    NAVREL_ASSERT_MAIN_THREAD();
     setFileMode(QFileDialog::Directory);
     setViewMode(QFileDialog::Detail);
     // No new folder, nothing renamed, nothing deleted.

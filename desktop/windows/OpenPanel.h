@@ -11,8 +11,7 @@ namespace navrel {
 
 /// Lets the user pick a bundle: a folder of one of the given types (extensions without the dot),
 /// which the panel treats as a file. The user can enter other folders, but not change them. `exec`
-/// shows it as a modal dialog; then `selectedFiles().first()` is the bundle. As any widget, it is
-/// for the main thread.
+/// shows it as a modal dialog; then `selectedFiles().first()` is the bundle. Main thread.
 class OpenPanel final : private NoDialogPreferences, public QFileDialog {
 public:
     /// Starts in `folder`; in the home folder if that is not there.
