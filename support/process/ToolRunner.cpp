@@ -4,11 +4,31 @@
 #include <QProcess>
 #include <QStandardPaths>
 
+#include <cstdlib>
+#include <mutex>
 #include <unistd.h>
 
 namespace navrel {
 
 namespace {
+
+/// Held while a program is started, and from the end of `main` on. A process that QProcess forks
+/// waits for a word of its parent before it becomes the program. Without this lock, a process that
+/// ends on one thread while another starts a program could leave such a child waiting forever.
+std::mutex& starting() {
+    // Never destroyed, since threads may still wait for it while static objects are destroyed.
+    static std::mutex& mutex = []() -> std::mutex& {
+        std::atexit([] { starting().lock(); });
+        return *new std::mutex;
+    }();
+    return mutex;
+}
+
+void start(QProcess& process, const QString& path, const QStringList& arguments,
+           QIODevice::OpenMode mode) {
+    const std::lock_guard lock(starting());
+    process.start(path, arguments, mode);
+}
 
 void stop(QProcess& process) {
     process.kill();
@@ -28,7 +48,7 @@ std::optional<int> runTool(const QString& path, const QStringList& arguments) {
     process.setStandardOutputFile(QProcess::nullDevice());
     process.setStandardErrorFile(QProcess::nullDevice());
     process.setChildProcessModifier([] { ::setsid(); });
-    process.start(path, arguments);
+    start(process, path, arguments, QIODevice::ReadWrite);
     constexpr int kHoweverLong = -1;
     process.waitForFinished(kHoweverLong);
     if (process.error() == QProcess::FailedToStart) {
@@ -43,7 +63,7 @@ std::optional<QByteArray> outputOfTool(const QString& path, const QStringList& a
     QProcess process;
     process.setStandardInputFile(QProcess::nullDevice());
     process.setStandardErrorFile(QProcess::nullDevice());
-    process.start(path, arguments, QIODevice::ReadOnly);
+    start(process, path, arguments, QIODevice::ReadOnly);
     QByteArray output;
     while (process.state() != QProcess::NotRunning) {
         process.waitForReadyRead(static_cast<int>(deadline.remainingTime()));
