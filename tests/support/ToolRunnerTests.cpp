@@ -5,6 +5,16 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+#include <array>
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
 namespace navrel {
 namespace {
 
@@ -61,6 +71,44 @@ TEST(ToolRunner, aToolRunsToItsEndInASessionOfItsOwn) {
     EXPECT_EQ(status[5], status[0]);
 
     EXPECT_EQ(runTool(QStringLiteral("/nonexistent/tool"), {}), std::nullopt);
+}
+
+/// Ends this process while eight threads start programs.
+[[noreturn]] void endWhileToolsAreStarted() {
+    std::atomic<int> started = 0;
+    for (int i = 0; i < 8; ++i) {
+        std::thread([&started] {
+            while (true) {
+                outputOfTool(kShell, {QStringLiteral("-c"), QStringLiteral(":")}, seconds(20));
+                ++started;
+            }
+        }).detach();
+    }
+    while (started < 16) {
+        std::this_thread::yield();
+    }
+    std::exit(0);
+}
+
+TEST(ToolRunner, aProcessThatEndsLeavesNoHalfStartedTool) {
+    std::fflush(nullptr);
+    for (int i = 0; i < 20; ++i) {
+        // Each process that is forked holds the pipe open until it becomes another program or ends.
+        std::array<int, 2> ends = {};
+        ASSERT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
+        const pid_t process = ::fork();
+        if (process == 0) {
+            endWhileToolsAreStarted();
+        }
+        ::close(ends[1]);
+        int status = -1;
+        EXPECT_EQ(::waitpid(process, &status, 0), process);
+        EXPECT_EQ(status, 0);
+        pollfd pipe = {ends[0], POLLIN, 0};
+        const int closed = ::poll(&pipe, 1, 20'000);
+        ::close(ends[0]);
+        ASSERT_EQ(closed, 1) << "a child waits for a process that has ended";
+    }
 }
 
 TEST(ToolRunner, toolsAreFoundInThePath) {
