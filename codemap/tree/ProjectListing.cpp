@@ -20,12 +20,13 @@ public:
         std::string folder(parentFolder(file));
         for (std::size_t step = 0; step < kMostFoldersUpwards && !isFull(); ++step) {
             addIn(folder);
-            // What lies beside the folder. The root has nothing beside it.
             const std::string above(parentFolder(folder));
             if (above == folder) {
                 break;
             }
-            addBeside(above, folder);
+            if (above != "/") { // the system's folders are there, and may be other machines'
+                addBeside(above, folder);
+            }
             folder = above;
         }
         return std::move(bundles_);
