@@ -57,7 +57,7 @@ public:
 
     QString path() const { return folder_.path(); }
     QString pathOf(const QString& name) const { return folder_.filePath(name); }
-    QByteArray bytesOf(const char* name) const { return path().toUtf8() + '/' + name; }
+    QByteArray bytesOf(const QByteArray& name) const { return path().toUtf8() + '/' + name; }
 
     /// Writes a file, with the folders above it. Names are bytes: they need not be valid UTF-8.
     static void write(const QByteArray& path, const QByteArray& text) {
