@@ -3,6 +3,7 @@
 #include "app/StatusMenu.h"
 #include "app/StatusMenuLayout.h"
 #include "app/WebServer.h"
+#include "codemap/tree/ProjectListing.h"
 #include "desktop/CommandLine.h"
 #include "desktop/DisplayFailure.h"
 #include "desktop/InstanceLock.h"
@@ -98,6 +99,14 @@ QString folderOfLastProject(const UserDefaults& userDefaults) {
     return bundle && !bundle->isEmpty() ? QFileInfo(*bundle).path() : QString();
 }
 
+/// Finds the project that lists a file.
+ActiveProject::ListingProject listingProject() {
+    return [listing = std::make_shared<ProjectListing>()](const QByteArray& file) {
+        const auto bundle = listing->projectListingFile(file.toStdString());
+        return bundle ? std::optional(QByteArray::fromStdString(*bundle)) : std::nullopt;
+    };
+}
+
 int runApplication(const std::optional<SessionFiles>& files) {
     UserDefaults userDefaults;
     StatusMenu menu;
@@ -106,7 +115,7 @@ int runApplication(const std::optional<SessionFiles>& files) {
     const auto secondStart = files ? std::make_unique<SecondStart>(
                                          files->secondStart, [&desktop] { desktop.bringToFront(); })
                                    : nullptr;
-    const auto editor = chooseEditor();
+    const auto editor = chooseEditor(listingProject());
     const auto dataManager =
         KZDataManager::init({userDefaults, *editor, desktop, applicationSupportDirectory()});
     AppDelegate::Collaborators world = {*dataManager, desktop, userDefaults, programVersion()};

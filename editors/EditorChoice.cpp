@@ -22,9 +22,12 @@ namespace navrel {
 
 namespace {
 
+using Listing = ActiveProject::ListingProject;
+
 std::shared_ptr<Editor> following(std::vector<std::shared_ptr<RunningEditor>> editors,
+                                  const Listing& listing,
                                   std::shared_ptr<Editor> lastResort = nullptr) {
-    return std::make_shared<FollowedEditor>(std::move(editors), std::move(lastResort));
+    return std::make_shared<FollowedEditor>(std::move(editors), std::move(lastResort), listing);
 }
 
 /// The editors with plug-ins, as one; none where there is no folder for their socket.
@@ -40,7 +43,7 @@ std::shared_ptr<KateEditor> kate() {
     return std::make_shared<KateEditor>(QDBusConnection::sessionBus());
 }
 
-std::shared_ptr<Editor> detectedEditor() {
+std::shared_ptr<Editor> detectedEditor(const Listing& listing) {
     if (QFileInfo(XcodeEditor::Tools().osascript).isExecutable()) {
         return std::make_shared<XcodeEditor>();
     }
@@ -49,33 +52,33 @@ std::shared_ptr<Editor> detectedEditor() {
     editors.push_back(std::make_shared<EmacsEditor>());
     editors.push_back(kate());
     editors.push_back(std::make_shared<CodeCommandEditor>());
-    return following(std::move(editors), std::make_shared<DesktopEditor>());
+    return following(std::move(editors), listing, std::make_shared<DesktopEditor>());
 }
 
 } // namespace
 
-std::shared_ptr<Editor> chooseEditor() {
+std::shared_ptr<Editor> chooseEditor(const ActiveProject::ListingProject& listing) {
     NAVREL_ASSERT_MAIN_THREAD();
     const QString name = qEnvironmentVariable("NAVREL_EDITOR");
     if (name == QStringLiteral("xcode")) {
         return std::make_shared<XcodeEditor>();
     }
     if (name == QStringLiteral("neovim")) {
-        return following({std::make_shared<NeovimEditor>()});
+        return following({std::make_shared<NeovimEditor>()}, listing);
     }
     if (name == QStringLiteral("emacs")) {
-        return following({std::make_shared<EmacsEditor>()});
+        return following({std::make_shared<EmacsEditor>()}, listing);
     }
     if (name == QStringLiteral("kate")) {
-        return following({kate()});
+        return following({kate()}, listing);
     }
     if (name == QStringLiteral("plugin") || name == QStringLiteral("vim")) {
-        return following(hookedEditors());
+        return following(hookedEditors(), listing);
     }
     if (name == QStringLiteral("vscode")) {
         auto editors = hookedEditors();
         editors.push_back(std::make_shared<CodeCommandEditor>());
-        return following(std::move(editors));
+        return following(std::move(editors), listing);
     }
     if (name == QStringLiteral("desktop")) {
         return std::make_shared<DesktopEditor>();
@@ -83,7 +86,7 @@ std::shared_ptr<Editor> chooseEditor() {
     if (!name.isEmpty()) {
         log(QStringLiteral("NAVREL_EDITOR names no editor: %1").arg(name));
     }
-    return detectedEditor();
+    return detectedEditor(listing);
 }
 
 } // namespace navrel

@@ -1,7 +1,6 @@
 #include "editors/FollowedEditor.h"
 
 #include "editors/Deadlines.h"
-#include "editors/ProjectBundle.h"
 #include "editors/RequestedPath.h"
 #include "project/EditorRefusal.h"
 #include "support/core/Log.h"
@@ -16,9 +15,11 @@
 namespace navrel {
 
 FollowedEditor::FollowedEditor(std::vector<std::shared_ptr<RunningEditor>> editors,
-                               std::shared_ptr<Editor> lastResort)
+                               std::shared_ptr<Editor> lastResort,
+                               ActiveProject::ListingProject listing)
     : editors_(std::move(editors)), lastResort_(std::move(lastResort)),
-      requests_(DispatchQueue::serialQueue(QStringLiteral("Editor requests"))) {}
+      requests_(DispatchQueue::serialQueue(QStringLiteral("Editor requests"))),
+      projects_(std::move(listing)) {}
 
 FollowedEditor::~FollowedEditor() {
     onMove(nullptr);
@@ -70,7 +71,7 @@ std::optional<QString> FollowedEditor::activeProjectPath() {
     if (!file) {
         return lastResort_ != nullptr ? lastResort_->activeProjectPath() : std::nullopt;
     }
-    if (const auto bundle = nearestProjectBundle(*file, deadline)) {
+    if (const auto bundle = projects_.of(*file, deadline)) {
         // A folder whose name is not UTF-8 cannot be told of: it holds no project to be shown.
         activeProject_ = decodeUTF8(*bundle).value_or(QStringLiteral(""));
     }

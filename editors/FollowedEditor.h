@@ -1,5 +1,6 @@
 #pragma once
 
+#include "editors/ActiveProject.h"
 #include "editors/EditorTrail.h"
 #include "editors/RunningEditor.h"
 #include "project/Editor.h"
@@ -15,7 +16,7 @@ class DispatchQueue;
 
 /// The editor that the user has open just now: of several kinds, the one that the user moved in
 /// last as far as editors report that, otherwise the first that answers when asked. The active
-/// project follows from the active file's place.
+/// project is that of the active file, as `ActiveProject` finds it.
 ///
 /// An editor that answered before and is only busy (half a command, a prompt) or stopped counts as
 /// showing what it showed. For about ten seconds no other one is asked in its place; from then on,
@@ -37,10 +38,11 @@ public:
     /// end must not fill the memory.
     static constexpr int kMaximumWaitingRequests = 64;
 
-    /// `lastResort` (may be null) is what is used when none of `editors` answers. Needs a
-    /// QCoreApplication.
+    /// `lastResort` (may be null) is what is used when none of `editors` answers. `listing` (may be
+    /// null) finds the project that lists a file. Needs a QCoreApplication.
     FollowedEditor(std::vector<std::shared_ptr<RunningEditor>> editors,
-                   std::shared_ptr<Editor> lastResort);
+                   std::shared_ptr<Editor> lastResort,
+                   ActiveProject::ListingProject listing = nullptr);
     ~FollowedEditor() override;
 
     std::optional<QString> activeProjectPath() override;
@@ -71,7 +73,8 @@ private:
     const Editors editors_; ///< in the order in which they are asked
     const std::shared_ptr<Editor> lastResort_;
     const std::shared_ptr<DispatchQueue> requests_;
-    /// What was told last: it stands while folders are too slow to tell. Main thread.
+    ActiveProject projects_; ///< main thread
+    /// The last answer, which stands while folders are too slow for another. Main thread.
     QString activeProject_ = QStringLiteral("");
     QString name_; ///< of the editor that answered or moved last; main thread
     std::shared_ptr<RunningEditor> named_;   ///< that editor; null for none; main thread
