@@ -11,6 +11,7 @@
 #include "tests/endtoend/NavrelProcess.h"
 #include "tests/endtoend/StandInTools.h"
 
+#include <QDir>
 #include <QProcess>
 #include <QSettings>
 #include <gtest/gtest.h>
@@ -105,6 +106,17 @@ TEST_F(NeovimTest, theProjectOfTheEditorsFileIsFollowedAndRemembered) {
     tap(first_.folder() + QStringLiteral("/a.m"), 1);
     EXPECT_TRUE(waitUntil([this] { return shownFiles() == 1; }));
     EXPECT_TRUE(waitUntil([this] { return rememberedProject() == first_.bundle(); }));
+}
+
+TEST_F(NeovimTest, theProjectThatListsTheEditorsFileComesBeforeTheNearest) {
+    const QString library = second_.folder() + QStringLiteral("/Library");
+    ASSERT_TRUE(QDir().mkpath(library));
+    second_.writeFile(QStringLiteral("Library/c.m"), "\n");
+    second_.addEntry("C", "Library/c.m");
+    ScratchEnvironment::write(library.toUtf8() + "/Library.xcodeproj/project.pbxproj", "");
+    tap(library + QStringLiteral("/c.m"), 1);
+    EXPECT_TRUE(waitUntil([this] { return rememberedProject() == second_.bundle(); }));
+    EXPECT_TRUE(waitUntil([this] { return shownFiles() == 3; }));
 }
 
 TEST_F(NeovimTest, theElementsOfTheEditorsFileAreShown) {
