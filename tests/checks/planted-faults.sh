@@ -88,12 +88,12 @@ plant_file desktop/Reply.cpp '' 'reply.value(QStringLiteral("items"));'
 expect_fault check-keys "desktop/Reply.cpp:2: write key::items"
 rm "$tree/desktop/Reply.cpp"
 
-plant_file desktop/Window.h '/// What is on the main thread is no contract.' '/// A window. Main thread; shows' '/// itself.' 'class Window {};'
+plant_file desktop/Window.h '/// What is on the main thread is no contract.' '/// A window. Main' '/// thread; shows itself.' 'class Window {};'
 "$scripts/check-threads" "$tree" # an interface
 plant_file desktop/Window.cpp '#include "desktop/Window.h"' 'void Window::show() { NAVREL_ASSERT_MAIN_THREAD(); }'
 "$scripts/check-threads" "$tree"
 sed -i 's/NAVREL_ASSERT_MAIN_THREAD();//' "$tree/desktop/Window.cpp"
-expect_fault check-threads "desktop/Window.h:2: no assertion holds it to the main thread"
+expect_fault check-threads "desktop/Window.h:1: no assertion holds it to the main thread"
 rm "$tree"/desktop/Window.*
 
 touch "$tree/tests/support/text/ForgottenTests.cpp"
