@@ -309,12 +309,8 @@ CodeAnswer Commands::wholeTree() {
 
 CodeAnswer Commands::shownTree() {
     CodeAnswer tree = wholeTree();
-    if (!tree.isView() || !tree.view.contains("root")) {
-        return tree.isView()
-                   ? CodeAnswer::failure(CommandResult::notFound,
-                                         QStringLiteral("No project is loaded."),
-                                         QStringLiteral("\"state\" says why, and what to do."))
-                   : tree;
+    if (!tree.isView()) {
+        return tree;
     }
     std::set<std::string> hidden;
     const CodeAnswer types = world_.source.fileTypes();
