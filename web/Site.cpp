@@ -119,6 +119,31 @@ HTTPResponse nothingThere() {
     return errorResponse(404, "There is nothing here.");
 }
 
+/// Names the methods that are allowed, in the order of a list.
+HTTPResponse notByThisMethod(std::string_view error, const std::string& allowed) {
+    HTTPResponse response = errorResponse(405, error);
+    response.fields.emplace_back("Allow", allowed);
+    return response;
+}
+
+std::string_view nameOf(Method method) {
+    switch (method) {
+    case Method::get:
+        return "GET";
+    case Method::head:
+        return "HEAD";
+    case Method::post:
+        return "POST";
+    case Method::patch:
+        return "PATCH";
+    case Method::remove:
+        return "DELETE";
+    case Method::other:
+        break;
+    }
+    return {};
+}
+
 HTTPResponse accepted(std::uint64_t request) {
     return jsonResponse(202, json::serialize(json::object{{"request", request}}));
 }
@@ -152,6 +177,11 @@ struct Site::Route {
     Right right;
     Runs runs;
     HTTPResponse (Site::*answer)(const Visit& visit, const HTTPRequest& request);
+
+    /// Where something may be read, its head may be as well; but a stream has no end.
+    std::string_view allowedMethods() const {
+        return method == Method::get && runs != Runs::stream ? "GET, HEAD" : nameOf(method);
+    }
 };
 
 const std::vector<Site::Route>& Site::routes() {
@@ -223,9 +253,10 @@ std::variant<HTTPResponse, Site::Visit> Site::admit(const HTTPRequest& head, con
     visit.target = std::move(*target);
     visit.way = caller.way;
     if (!visit.target.path.starts_with(kAPI)) {
-        return changesSomething(head.method) ? std::variant<HTTPResponse, Visit>(errorResponse(
-                                                   405, "This can only be looked at."))
-                                             : std::move(visit);
+        if (changesSomething(head.method)) {
+            return notByThisMethod("This can only be looked at.", "GET, HEAD");
+        }
+        return visit;
     }
     for (auto refusal : {refuseStranger(head, caller, visit), refuseForgery(head, caller),
                          chooseRoute(head, caller, visit)}) {
@@ -297,21 +328,25 @@ Site::Refusal Site::refuseForgery(const HTTPRequest& head, const Caller& caller)
 
 Site::Refusal Site::chooseRoute(const HTTPRequest& head, const Caller& caller, Visit& visit) const {
     const Method method = head.method == Method::head ? Method::get : head.method;
-    bool isKnown = false;
+    std::string allowed;
     for (const Route& route : routes()) {
         const auto part = variablePart(route.path, visit.target.path);
         const bool isThere =
             part && (route.right != Route::Right::owner || caller.way == Caller::Way::owner);
-        isKnown = isKnown || isThere;
+        if (!isThere) {
+            continue;
+        }
         const bool isHeadOfStream = head.method == Method::head && route.runs == Runs::stream;
-        if (isThere && route.method == method && !isHeadOfStream) {
+        if (route.method == method && !isHeadOfStream) {
             visit.route = &route;
             visit.identifier = *part;
             break;
         }
+        allowed.append(allowed.empty() ? "" : ", ").append(route.allowedMethods());
     }
     if (visit.route == nullptr) {
-        return isKnown ? errorResponse(405, "This cannot be done here.") : nothingThere();
+        return allowed.empty() ? nothingThere()
+                               : notByThisMethod("This cannot be done here.", allowed);
     }
     if (visit.route->right == Route::Right::change && visit.readOnly) {
         return errorResponse(403, "This device may look, not open.",

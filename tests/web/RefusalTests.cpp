@@ -239,6 +239,31 @@ TEST_F(RefusalTests, routesTakeIdentifiersAndNoPaths) {
     });
 }
 
+TEST_F(RefusalTests, anotherMethodIsToldTheAllowedOnes) {
+    struct Refused {
+        const char* line;
+        const char* allowed;
+    };
+    for (const auto& [line, allowed] : std::vector<Refused>{
+             {"POST / HTTP/1.1", "GET, HEAD"},
+             {"DELETE /api/state HTTP/1.1", "GET, HEAD"},
+             {"GET /api/open HTTP/1.1", "POST"},
+             {"HEAD /api/events HTTP/1.1", "GET"},
+             {"PATCH /api/filetypes HTTP/1.1", "GET, HEAD, POST"},
+         }) {
+        WebClient client(port());
+        client.send(
+            bytesOf({"",
+                     std::string(line) + "\r\nHost: {host}\r\nOrigin: {origin}\r\nX-Navrel: 1\r\n"
+                                         "Cookie: {cookie}\r\n\r\n",
+                     0}));
+        const std::string head = client.readUntil("\r\n\r\n");
+        EXPECT_THAT(head, ::testing::StartsWith("HTTP/1.1 405 ")) << line;
+        EXPECT_THAT(head, ::testing::HasSubstr(std::string("\r\nAllow: ") + allowed + "\r\n"))
+            << line;
+    }
+}
+
 TEST_F(RefusalTests, everyRouteIsClosedToStrangers) {
     const std::string forgotten = pair("old phone");
     service_->forget(service_->devices().back().number);
