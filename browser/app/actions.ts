@@ -109,6 +109,8 @@ function copySelected(text: string): boolean {
   document.body.append(field);
   field.select();
   try {
+    // Deprecated, and all that there is over plain HTTP.
+    // eslint-disable-next-line @typescript-eslint/no-deprecated
     return document.execCommand("copy");
   } catch {
     return false;

@@ -22,7 +22,7 @@ function moveInList(event: KeyboardEvent): boolean {
 
 function goUp(): void {
   if (now().place.look) closeLook();
-  else (document.querySelector(".navigator .up, .pane .up") as HTMLElement | null)?.click();
+  else document.querySelector<HTMLElement>(".navigator .up, .pane .up")?.click();
 }
 
 function onKeyDown(event: KeyboardEvent): void {

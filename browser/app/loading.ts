@@ -25,7 +25,7 @@ async function loaded<Value>(before: Loaded<Value>, request: Promise<Value>): Pr
 export async function loadList(name: ListName): Promise<void> {
   const before: Loaded<unknown> = now()[name];
   const answer = await loaded(before, wire[name]() as Promise<unknown>);
-  update({ [name]: answer } as Partial<State>);
+  update({ [name]: answer });
 }
 
 export async function loadState(): Promise<void> {

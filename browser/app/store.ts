@@ -130,7 +130,7 @@ export function update(change: Partial<State>): void {
 
 export function forget(key: "menu" | "message" | "revealed" | "state" | "outlineFile"): void {
   const { [key]: _, ...rest } = current;
-  current = rest as State;
+  current = rest;
   update({});
 }
 

@@ -59,26 +59,26 @@ export function lookOf(kind: string): Look {
   return (kLooks as Record<string, Look>)[kind] ?? look("·", "plain", kind);
 }
 
-const kLanguages: Record<Shape.Language, string> = {
+const kLanguages: Readonly<Record<string, string>> = {
   swift: "Swift",
   objc: "Objective-C",
   c: "C",
   cpp: "C++",
   objcpp: "Objective-C++",
   header: "header",
-};
+} satisfies Record<Shape.Language, string>;
 export function languageName(language: Shape.Language | undefined): string {
   return language ? (kLanguages[language] ?? language) : "";
 }
 
-const kFileLetters: Record<Shape.Language, string> = {
+const kFileLetters: Readonly<Record<string, string>> = {
   swift: "S",
   objc: "m",
   c: "c",
   cpp: "++",
   objcpp: "mm",
   header: "h",
-};
+} satisfies Record<Shape.Language, string>;
 export function fileLook(language: Shape.Language | undefined): Look {
   const letter = language ? (kFileLetters[language] ?? "·") : "·";
   return look(letter, language === "header" ? "extension" : language ? "data" : "plain", languageName(language) || "file");

@@ -4,7 +4,7 @@ interface Properties<Value extends string> {
   name: string;
   values: readonly { value: Value; text: string }[];
   chosen: Value;
-  onChoose(value: Value): void;
+  onChoose: (value: Value) => void;
 }
 
 export function Choice<Value extends string>({ name, values, chosen, onChoose }: Properties<Value>) {

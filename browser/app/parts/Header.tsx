@@ -4,7 +4,7 @@ import type { ComponentChildren } from "preact";
 interface Properties {
   title: string;
   below?: string | undefined;
-  up?: { name: string; onTap(): void } | undefined;
+  up?: { name: string; onTap: () => void } | undefined;
   children?: ComponentChildren;
 }
 

@@ -78,7 +78,7 @@ function Marked({ text, positions }: { text: string; positions?: readonly number
   const pieces: { text: string; isHit: boolean }[] = [];
   for (let index = 0; index < text.length; index++) {
     const last = pieces[pieces.length - 1];
-    if (last && last.isHit === isHit.has(index)) last.text += text[index];
+    if (last && last.isHit === isHit.has(index)) last.text += text[index]!;
     else pieces.push({ text: text[index]!, isHit: isHit.has(index) });
   }
   return <>{pieces.map((piece) => (piece.isHit ? <b>{piece.text}</b> : piece.text))}</>;

@@ -22,11 +22,11 @@ interface Properties<Row> {
   /** Where the list was scrolled to is remembered by this. */
   memory: string;
   rows: readonly Row[];
-  keyOf(row: Row): string;
-  draw(row: Row, place: RowPlace): ComponentChildren;
+  keyOf: (row: Row) => string;
+  draw: (row: Row, place: RowPlace) => ComponentChildren;
   /** The rows whose text stays at the top while those after it are scrolled through, ascending. */
   headings?: readonly number[];
-  drawHeading?(row: Row): ComponentChildren;
+  drawHeading?: (row: Row) => ComponentChildren;
   /** Scrolled into sight whenever it becomes another one: unless the user is busy with the list. */
   follow?: number | undefined;
   /** The same, but whatever the user does. */
@@ -219,7 +219,7 @@ function middleOf(values: readonly number[]): number | undefined {
 
 interface DrawnProperties<Row> extends RowPlace {
   row: Row;
-  draw(row: Row, place: RowPlace): ComponentChildren;
+  draw: (row: Row, place: RowPlace) => ComponentChildren;
 }
 
 /** Stays as it was while the list is only scrolled: the list's owner draws with another function when it is drawn again. */

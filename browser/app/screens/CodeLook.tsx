@@ -31,7 +31,7 @@ const isSame = (a: Lines | undefined, b: Lines) => a?.from === b.from && a.total
 
 const loadedOf = (value: Lines | undefined): Loaded<Lines> => (value ? { value } : {});
 
-export function CodeLook({ look, onClose }: { look: Look; onClose(): void }) {
+export function CodeLook({ look, onClose }: { look: Look; onClose: () => void }) {
   const [loaded, setLoaded] = useState<Loaded<Lines>>(() => loadedOf(kept.get(look)));
   const load = async (from: number, to: number) => {
     try {
@@ -70,7 +70,7 @@ function openLine(look: Look, line: number): void {
 
 type Entry = { key: string; line: number; text: string } | { key: string; from: number; to: number };
 
-function Code({ look, value, load }: { look: Look; value: Lines; load(from: number, to: number): void }) {
+function Code({ look, value, load }: { look: Look; value: Lines; load: (from: number, to: number) => void }) {
   const { from, total, lines } = value;
   const entries = useMemo((): Entry[] => {
     const end = from + lines.length;
@@ -104,7 +104,7 @@ function Code({ look, value, load }: { look: Look; value: Lines; load(from: numb
   );
 }
 
-function CodeLine({ entry, place, isLit, onTap }: { entry: { line: number; text: string }; place: RowPlace; isLit: boolean; onTap(): void }) {
+function CodeLine({ entry, place, isLit, onTap }: { entry: { line: number; text: string }; place: RowPlace; isLit: boolean; onTap: () => void }) {
   return (
     <li class={`code-line${isLit ? " lit" : ""}`} aria-setsize={place.count} aria-posinset={place.index + 1} data-row={place.index} aria-current={isLit ? "location" : undefined}>
       <button type="button" tabIndex={place.isCursor ? 0 : -1} aria-label={`Open line ${entry.line}`} onClick={onTap}>

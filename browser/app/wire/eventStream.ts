@@ -38,7 +38,7 @@ const kNames: Record<EventName, true> = {
 export function parseEvent(name: string, data: string): AnyEvent | undefined {
   if (!Object.prototype.hasOwnProperty.call(kNames, name)) return undefined;
   try {
-    return { name, data: JSON.parse(data) } as AnyEvent;
+    return { name, data: JSON.parse(data) as unknown } as AnyEvent;
   } catch {
     return undefined;
   }
@@ -73,7 +73,7 @@ export function openEventStream(observer: StreamObserver): Stream {
       listen();
       for (const { name, data } of events.take(text.decode(value, { stream: true }))) {
         const event = parseEvent(name, data);
-        if (event && !closed) observer.onEvent(event);
+        if (event && !controller.signal.aborted) observer.onEvent(event);
       }
     }
   };

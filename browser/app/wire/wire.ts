@@ -108,6 +108,10 @@ export const wire = {
   changes: () => get<Shape.Changes>("/api/changes"),
   open: (body: Shape.OpenRequest) => postForRequest("/api/open", body),
   back: () => postForRequest("/api/back", {}),
-  switchFileTypes: async (body: Shape.FileTypes) => void (await post("/api/filetypes", body)),
-  pair: async (body: Shape.PairRequest) => void (await post("/api/pair", body)),
+  switchFileTypes: async (body: Shape.FileTypes): Promise<void> => {
+    await post("/api/filetypes", body);
+  },
+  pair: async (body: Shape.PairRequest): Promise<void> => {
+    await post("/api/pair", body);
+  },
 };

@@ -51,7 +51,7 @@ function weights(): void {
 const many = Array.from({ length: kRows }, (_, index) => ({ id: idOf(`many ${index}`), name: `File ${index + 1}.swift`, kind: "file" as const, path: `Many/File ${index + 1}.swift` }));
 
 /** A paired page; as slow as a phone, unless something else is what is measured. */
-async function slowPage(link: string, slowdown = kSlowdown): Promise<{ page: Page; close(): Promise<void> }> {
+async function slowPage(link: string, slowdown = kSlowdown): Promise<{ page: Page; close: () => Promise<void> }> {
   const browser = await chromium.launch({ executablePath: kProgram, args: ["--no-sandbox", "--disable-dev-shm-usage"] });
   const context = await browser.newContext({ viewport: { width: 390, height: 844 }, hasTouch: true, isMobile: true });
   const page = await context.newPage();
@@ -123,7 +123,7 @@ async function measureTaps(page: Page): Promise<void> {
   const ofTabs = await taps(page, (round) => tapTab(page, round));
   await page.setContent('<meta name="viewport" content="width=device-width"><button>one</button>');
   const ofButton = await taps(page, async () => {
-    await page.evaluate(() => (document.querySelector("button")!.onclick = (event) => void (event.target as Element).append(".")));
+    await page.evaluate(() => (document.querySelector("button")!.onclick = (event) => (event.target as Element).append(".")));
     await page.locator("button").tap();
   });
   report("ms for the slowest tap on a tab (INP)", Math.max(...ofTabs), 100);
@@ -183,7 +183,7 @@ async function measureRows(server: MockServer): Promise<void> {
         () =>
           new Promise<number>((done) => {
             const start = performance.now();
-            const row = [...document.querySelectorAll<HTMLElement>(".row-main")].find((each) => each.textContent!.includes("Many"));
+            const row = [...document.querySelectorAll<HTMLElement>(".row-main")].find((each) => each.textContent.includes("Many"));
             const look = () => (document.querySelector('[aria-label="Files in Many"] .row') ? requestAnimationFrame(() => done(performance.now() - start)) : requestAnimationFrame(look));
             row!.click();
             look();
@@ -215,7 +215,7 @@ async function measureChange(server: MockServer): Promise<void> {
     const seen = page.evaluate(
       (wanted) =>
         new Promise<number>((done) => {
-          const look = () => (document.body.textContent!.includes(wanted) ? done(Date.now()) : requestAnimationFrame(look));
+          const look = () => (document.body.textContent.includes(wanted) ? done(Date.now()) : requestAnimationFrame(look));
           look();
         }),
       text,
@@ -261,7 +261,7 @@ async function measureSave(navrel: Navrel, page: Page): Promise<void> {
     const seen = page.evaluate(
       (wanted) =>
         new Promise<number>((done) => {
-          const look = () => (document.body.textContent!.includes(wanted) ? done(Date.now()) : requestAnimationFrame(look));
+          const look = () => (document.body.textContent.includes(wanted) ? done(Date.now()) : requestAnimationFrame(look));
           look();
         }),
       name,
@@ -281,11 +281,11 @@ async function measureTap(page: Page): Promise<void> {
       await page.evaluate(
         (wanted) =>
           new Promise<number>((done) => {
-            const row = [...document.querySelectorAll<HTMLElement>(".row-main")].find((each) => each.textContent!.includes(wanted))!;
+            const row = [...document.querySelectorAll<HTMLElement>(".row-main")].find((each) => each.textContent.includes(wanted))!;
             const place = document.querySelector(".message-place")!;
             const start = performance.now();
             new MutationObserver((_, observer) => {
-              if (!place.textContent!.includes("is open in Neovim")) return;
+              if (!place.textContent.includes("is open in Neovim")) return;
               observer.disconnect();
               done(performance.now() - start);
             }).observe(place, { childList: true, subtree: true, characterData: true });

@@ -30,9 +30,9 @@ export class Hand {
   }
 
   /** A failure says what there is instead. */
-  private async orSay(done: Promise<void | true>): Promise<void> {
-    await done.catch(async (error: Error) => {
-      throw new Error(`${error.message}. There is:\n${await this.text()}`);
+  private async orSay(done: Promise<unknown>): Promise<void> {
+    await done.catch(async (error: unknown) => {
+      throw new Error(`${(error as Error).message}. There is:\n${await this.text()}`);
     });
   }
 

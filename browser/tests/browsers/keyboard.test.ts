@@ -70,7 +70,7 @@ for (const device of ["phone", "tablet"] as const satisfies readonly Device[]) {
 const focused = (view: View) =>
   view.run(() => {
     const at = document.activeElement;
-    return at === null || at === document.body ? "" : (at.getAttribute("aria-label") ?? at.textContent!);
+    return at === null || at === document.body ? "" : (at.getAttribute("aria-label") ?? at.textContent);
   });
 
 class Keys {
@@ -84,8 +84,8 @@ class Keys {
   }
 
   async isAt(name: string): Promise<void> {
-    await until(`the focus at ${name}`, async () => (await focused(this.view)).includes(name)).catch(async (error: Error) => {
-      throw new Error(`${error.message}. It is at ${await focused(this.view)}`);
+    await until(`the focus at ${name}`, async () => (await focused(this.view)).includes(name)).catch(async (error: unknown) => {
+      throw new Error(`${(error as Error).message}. It is at ${await focused(this.view)}`);
     });
   }
 

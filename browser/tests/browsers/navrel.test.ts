@@ -17,6 +17,8 @@ if (program === undefined) console.error("There is no Navrel built: the journeys
 const skip = program === undefined;
 let navrel: Navrel;
 let neovim: Neovim;
+/** What was started, from the last to the first. */
+const toEnd: (() => Promise<unknown>)[] = [];
 /** Why there is nothing to make a journey with. */
 let failure: Error | undefined;
 
@@ -24,17 +26,17 @@ if (!skip) {
   useEngine();
   before(async () => {
     try {
-      navrel = await Navrel.prepare(program!);
+      navrel = await Navrel.prepare(program);
+      toEnd.unshift(() => navrel.remove());
       neovim = await Neovim.start(navrel.runtimeFolder, navrel.environment);
+      toEnd.unshift(() => neovim.stop());
       await navrel.start();
     } catch (error) {
       failure = error as Error;
     }
   });
   after(async () => {
-    await line?.close();
-    await neovim?.stop();
-    await navrel?.remove();
+    for (const end of toEnd) await end();
   });
 }
 
@@ -148,6 +150,7 @@ let line: Line;
 const throughALine: World = {
   link: async () => {
     line = await Line.to(navrel.port);
+    toEnd.unshift(() => line.close());
     return (await navrel.link()).replace(`:${navrel.port}/`, `:${line.port}/`);
   },
 };
@@ -203,7 +206,10 @@ test("what Navrel says has the shapes that the page expects", { skip }, async (c
   };
   const tree = await navrel.asOwner<Shape.Tree>("GET", "/api/tree");
   const files: Shape.Node[] = [];
-  const gather = (node: Shape.Node) => void (node.kind === "file" ? files.push(node) : node.children?.forEach(gather));
+  const gather = (node: Shape.Node) => {
+    if (node.kind === "file") files.push(node);
+    node.children?.forEach(gather);
+  };
   gather(tree.root!);
   for (const [shape, path] of [["state", "state"], ["tree", "tree"], ["types", "types"], ["notes", "notes"], ["fileTypes", "filetypes"], ["changes", "changes"], ["search", "search?q=tide"], ["devices", "devices"]]) {
     await check(shape!, `/api/${path}`);

@@ -135,7 +135,7 @@ journey("arrows move through a list", "phone", async ({ hand, view }) => {
   await hand.sees("Resources");
   await view.press("ArrowDown");
   await view.press("ArrowDown");
-  await until("the second row", () => view.run(() => document.activeElement?.textContent?.includes("Views") === true));
+  await until("the second row", () => view.run(() => document.activeElement?.textContent.includes("Views") === true));
   await view.press("Enter");
   await hand.sees("TideListController.m");
 });
@@ -172,7 +172,7 @@ journey("file types are switched", "phone", async ({ hand, view, server }) => {
   await hand.row(".swift");
   await hand.sees(".swift files are left out");
   assert.deepEqual(server.fileTypes.items.find(({ extension }) => extension === "swift"), { extension: "swift", allowed: false });
-  await until("the switch", () => view.run(() => [...document.querySelectorAll("[role=switch]")].find((each) => each.textContent?.includes(".swift"))?.getAttribute("aria-checked") === "false"));
+  await until("the switch", () => view.run(() => [...document.querySelectorAll("[role=switch]")].find((each) => each.textContent.includes(".swift"))?.getAttribute("aria-checked") === "false"));
 });
 
 journey("the outline follows the editor", "phone", async ({ hand, server }) => {

@@ -15,7 +15,7 @@ class ChromiumView implements View {
 
   run<Answer, Arguments extends unknown[]>(body: (...args: Arguments) => Answer | Promise<Answer>, ...args: Arguments): Promise<Answer> {
     const call = `(${body.toString()})(...${JSON.stringify(args)})`;
-    return this.page.evaluate(call) as Promise<Answer>;
+    return this.page.evaluate<Answer>(call);
   }
 
   async script(source: string): Promise<void> {

@@ -50,7 +50,7 @@ export class Hopeless extends Error {}
 
 export async function until<Answer>(what: string, look: () => Promise<Answer | undefined | false>): Promise<Answer> {
   const deadline = Date.now() + kDeadlineMilliseconds;
-  let last: unknown;
+  let last: Error | undefined;
   while (Date.now() < deadline) {
     try {
       const answer = await look();
@@ -58,7 +58,7 @@ export async function until<Answer>(what: string, look: () => Promise<Answer | u
       last = undefined;
     } catch (error) {
       if (error instanceof Hopeless) throw error;
-      last = error;
+      last = error as Error;
     }
     await new Promise((done) => setTimeout(done, kPauseMilliseconds));
   }
@@ -67,7 +67,7 @@ export async function until<Answer>(what: string, look: () => Promise<Answer | u
 
 /** In the page: the middle of what a selector and a text find. */
 export function middleOf(selector: string, text: string): { x: number; y: number } | null {
-  const found = [...document.querySelectorAll(selector)].find((each) => each.textContent!.includes(text));
+  const found = [...document.querySelectorAll(selector)].find((each) => each.textContent.includes(text));
   if (!found) return null;
   const { left, top, width, height } = found.getBoundingClientRect();
   return { x: Math.round(left + width / 2), y: Math.round(top + height / 2) };

@@ -20,7 +20,7 @@ function start(): Promise<Driver> {
   }
 }
 
-let driver: Driver;
+let driver: Driver | undefined;
 
 /** Starts the engine for the tests of a file, and ends it after them. */
 export function useEngine(): void {
@@ -30,7 +30,7 @@ export function useEngine(): void {
 
 /** A device of its own for one test. The page must have nothing to complain about. */
 export async function withView(device: Device, colours: Colours, test: (view: View) => Promise<void>): Promise<void> {
-  const view = await driver.open(device, colours);
+  const view = await driver!.open(device, colours);
   try {
     await test(view);
     const complaints = await view.complaints();

@@ -24,9 +24,9 @@ class FirefoxView implements View {
   }
 
   async tap(selector: string, text?: string): Promise<void> {
-    const find = (wanted: string, held: string | null) => [...document.querySelectorAll(wanted)].find((each) => held === null || each.textContent!.includes(held));
+    const find = (wanted: string, held: string | null) => [...document.querySelectorAll(wanted)].find((each) => held === null || each.textContent.includes(held));
     await until(`${selector} ${text ?? ""}`, async () => {
-      const element = (await this.page.evaluateHandle(find, selector, text ?? null)).asElement() as ElementHandle<Element> | null;
+      const element = (await this.page.evaluateHandle(find, selector, text ?? null)).asElement() as ElementHandle | null;
       if (!element) return false;
       await element.click();
       return true;
@@ -62,7 +62,7 @@ class FirefoxView implements View {
   }
 
   async picture(path: string): Promise<void> {
-    await this.page.screenshot({ path: path as `${string}.png` });
+    await this.page.screenshot({ path });
   }
 
   complaints(): Promise<string[]> {

@@ -79,7 +79,7 @@ class WebKitView implements View {
   async tap(selector: string, text?: string): Promise<void> {
     const find = (wanted: string, held: string | null) => {
       const page = window as unknown as { isTapped?: boolean };
-      const found = [...document.querySelectorAll(wanted)].find((each) => held === null || each.textContent!.includes(held));
+      const found = [...document.querySelectorAll(wanted)].find((each) => held === null || each.textContent.includes(held));
       found?.scrollIntoView({ block: "nearest" });
       page.isTapped = false;
       found?.addEventListener("click", () => (page.isTapped = true), { capture: true, once: true });
@@ -88,7 +88,7 @@ class WebKitView implements View {
     // On a busy machine the element may move between the driver's look at it and its click, which then meets nothing.
     const hasMissed = () => (window as unknown as { isTapped?: boolean }).isTapped === false;
     await until(`${selector} ${text ?? ""}`, async () => {
-      const element = (await this.run(find as never, selector as never, (text ?? null) as never)) as Record<string, string> | null;
+      const element = await this.run<Record<string, string> | null, never[]>(find as never, selector as never, (text ?? null) as never);
       if (!element) throw new Error("it is not there");
       await this.post(`element/${element[kElement]}/click`, {});
       if (await this.run(hasMissed)) throw new Error("the tap missed it");

@@ -209,7 +209,7 @@ export class MockServer {
     const items = this.hits.flatMap((hit) => {
       const at = hit.name.toLowerCase().indexOf(query.toLowerCase());
       if (at < 0 || (wanted && !wanted.includes(hit.kind))) return [];
-      return [{ ...hit, positions: [...query].map((_, index) => at + index) }];
+      return [{ ...hit, positions: Array.from(query, (_, index) => at + index) }];
     });
     return { query, revision: this.revision, truncated: items.length > 60, items: items.slice(0, 60) };
   }
@@ -229,6 +229,6 @@ function fail(response: ServerResponse, status: number, error: string, hint?: st
 
 async function bodyOf(request: IncomingMessage): Promise<Body> {
   let text = "";
-  for await (const piece of request) text += piece;
+  for await (const piece of request) text += String(piece);
   return JSON.parse(text || "{}") as Body;
 }

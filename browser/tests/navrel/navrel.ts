@@ -75,8 +75,8 @@ export class Navrel {
     await until("Navrel", async () => {
       if (problem !== "") throw new Hopeless(`Navrel does not run. ${problem}`);
       return (await this.asOwner<Shape.State>("GET", "/api/state")).project.state === "loaded";
-    }).catch((error: Error) => {
-      throw new Error(`${error.message}\n${this.log}`);
+    }).catch((error: unknown) => {
+      throw new Error(`${(error as Error).message}\n${this.log}`);
     });
   }
 

@@ -40,8 +40,8 @@ export class Neovim {
 
   async isAt(place: string): Promise<void> {
     let last = "";
-    await until(`Neovim at ${place}`, async () => (last = await this.place()) === place).catch((error: Error) => {
-      throw new Error(`${error.message}; it is at ${last}`);
+    await until(`Neovim at ${place}`, async () => (last = await this.place()) === place).catch((error: unknown) => {
+      throw new Error(`${(error as Error).message}; it is at ${last}`);
     });
   }
 
