@@ -106,10 +106,4 @@ QByteArray DispatchData::toByteArray() const {
     return bytes;
 }
 
-DispatchData concatenated(const DispatchData& first, const DispatchData& second) {
-    DispatchData both = first;
-    both.append(second);
-    return both;
-}
-
 } // namespace navrel

@@ -102,7 +102,4 @@ private:
     size_t size_ = 0;
 };
 
-/// The bytes of `first`, then those of `second`; no byte is copied.
-DispatchData concatenated(const DispatchData& first, const DispatchData& second);
-
 } // namespace navrel

@@ -1,4 +1,5 @@
 #include "support/core/Log.h"
+#include "tests/ConcatenatedData.h"
 #include "tests/WaitUntil.h"
 #include "transport/frames/PTData.h"
 #include "transport/frames/PTPayload.h"

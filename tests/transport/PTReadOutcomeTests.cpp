@@ -1,3 +1,4 @@
+#include "tests/ConcatenatedData.h"
 #include "transport/frames/PTReadOutcome.h"
 
 #include <gtest/gtest.h>

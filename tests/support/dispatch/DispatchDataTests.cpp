@@ -1,5 +1,6 @@
 #include "support/dispatch/DispatchData.h"
 #include "support/dispatch/DispatchQueue.h"
+#include "tests/ConcatenatedData.h"
 #include "tests/WaitUntil.h"
 
 #include <gtest/gtest.h>

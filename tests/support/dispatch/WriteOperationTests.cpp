@@ -1,4 +1,5 @@
 #include "support/dispatch/WriteOperation.h"
+#include "tests/ConcatenatedData.h"
 
 #include <gtest/gtest.h>
 
