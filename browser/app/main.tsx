@@ -3,6 +3,7 @@ import { render } from "preact";
 import { App } from "./App";
 import { holdStillUnderFingers } from "./finger";
 import { focusLater, watchForKeys } from "./focus";
+import { drawHarmlessly } from "./harmless";
 import { listenToKeys } from "./keyboard";
 import { setWide, startHistory } from "./places";
 import { restoreSettings } from "./settings";
@@ -36,6 +37,7 @@ async function start(): Promise<void> {
   watchForKeys();
   holdStillUnderFingers();
   stayAwakeAgain();
+  drawHarmlessly();
   render(<App />, document.getElementById("app")!);
   if (ticket !== undefined) await pair({ ticket });
   keepConnected();
