@@ -72,6 +72,8 @@ export interface State {
   changes: Loaded<Shape.Changes>;
 
   place: Place;
+  /** How often the file that is looked at has changed, or may have. */
+  lookChanges: number;
   isWide: boolean;
   search: { text: string; chip: SearchChip; selected: number; result: Loaded<Shape.Search> };
   stop: StopKind;
@@ -104,6 +106,7 @@ export const kInitialState: State = {
   fileTypes: {},
   changes: {},
   place: { tab: "files" },
+  lookChanges: 0,
   isWide: false,
   search: { text: "", chip: "all", selected: 0, result: {} },
   stop: "symbol",

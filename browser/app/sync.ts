@@ -77,13 +77,20 @@ function everything(): void {
   void loadState();
   void loadTree();
   outlinesChanged("all");
+  lookChanged();
   reloadLists();
 }
 
 function changed({ files, tree }: Shape.Events["revision"]): void {
   if (tree) void loadTree();
   outlinesChanged(files);
+  const { look } = now().place;
+  if (look && files.includes(look.file)) lookChanged();
   reloadLists();
+}
+
+function lookChanged(): void {
+  update({ lookChanges: now().lookChanges + 1 });
 }
 
 /** Only lists that were asked for before; what nobody looks at is not fetched. */

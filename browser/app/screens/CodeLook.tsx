@@ -5,7 +5,7 @@ import { problemOf } from "../messages";
 import { Empty } from "../parts/Empty";
 import { Header } from "../parts/Header";
 import { type RowPlace, WindowedList } from "../parts/WindowedList";
-import { type Loaded, type Look, now } from "../store";
+import { type Loaded, type Look, now, useStore } from "../store";
 import { type Shape, wire } from "../wire/wire";
 
 /** Around the line that is looked at; what is further away comes with a tap. */
@@ -27,6 +27,9 @@ function linesOf({ from, to, total, text }: Shape.Source): Lines {
   return { from, total, text, lines: to < from ? [] : text.split("\n") };
 }
 
+/** What was read to its end is read to its end again, wherever that is now. */
+const lastWanted = ({ from, total, lines }: Lines) => from + lines.length - 1 + (from + lines.length > total ? kLinesMore : 0);
+
 const isSame = (a: Lines | undefined, b: Lines) => a?.from === b.from && a.total === b.total && a.text === b.text;
 
 const loadedOf = (value: Lines | undefined): Loaded<Lines> => (value ? { value } : {});
@@ -42,11 +45,12 @@ export function CodeLook({ look, onClose }: { look: Look; onClose: () => void })
       setLoaded((before) => ({ ...before, problem: problemOf(error) }));
     }
   };
+  const changes = useStore((state) => state.lookChanges);
   useEffect(() => {
     const before = kept.get(look);
     setLoaded(loadedOf(before));
-    void (before ? load(before.from, before.from + before.lines.length - 1) : load(look.line - kLinesBefore, look.line + kLinesAfter));
-  }, [look]);
+    void (before ? load(before.from, lastWanted(before)) : load(look.line - kLinesBefore, look.line + kLinesAfter));
+  }, [look, changes]);
 
   const { value, problem } = loaded;
   return (
