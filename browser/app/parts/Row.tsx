@@ -23,7 +23,10 @@ interface Properties {
   below?: string | undefined;
   end?: ComponentChildren;
   depth?: number;
+  /** The editor is there. */
   isLit?: boolean;
+  /** What it stands for is shown beside the list. */
+  isShown?: boolean;
   isDim?: boolean;
   isSelected?: boolean;
   id?: string;
@@ -36,7 +39,7 @@ export function Row(properties: Properties) {
   const { place, look, name, positions, beside, below, end, depth = 0, target, onTap } = properties;
   const press = useLongPress(target);
   const tabIndex = place.isCursor ? 0 : -1;
-  const classes = ["row", properties.isLit && "lit", properties.isDim && "dim", properties.isSelected && "selected"];
+  const classes = ["row", properties.isLit && "lit", properties.isShown && "shown", properties.isDim && "dim", properties.isSelected && "selected"];
   const tap = () => {
     if (press.wasLong()) return;
     touched();
@@ -47,7 +50,7 @@ export function Row(properties: Properties) {
       class={classes.filter(Boolean).join(" ")}
       aria-setsize={place.count}
       aria-posinset={place.index + 1}
-      aria-current={properties.isLit ? "location" : undefined}
+      aria-current={properties.isLit ? "location" : properties.isShown || undefined}
       data-row={place.index}
       id={properties.id}
     >

@@ -17,6 +17,7 @@ export function Files() {
   const group = useStore(() => placeOf("files").group);
   const activeID = useStore((state) => state.active.file?.id);
   const revealed = useStore((state) => state.revealed);
+  const beside = useStore((state) => (state.isWide ? state.outlineFile : undefined));
   const shown = tree.node(group) ?? tree.root;
   const rows = useMemo(() => (shown ? tree.children(shown.id) : []), [tree, shown?.id]);
   const lit = useMemo(() => {
@@ -37,7 +38,7 @@ export function Files() {
           memory={`files ${shown.id}`}
           rows={rows}
           keyOf={(row) => row.id}
-          draw={(row, place) => <NodeRow node={row} place={place} isLit={place.index === lit || row.id === revealed} />}
+          draw={(row, place) => <NodeRow node={row} place={place} isLit={place.index === lit || row.id === revealed} isShown={row.id === beside} />}
           follow={lit}
           show={revealed === undefined ? undefined : rows.findIndex((row) => row.id === revealed)}
         />
@@ -59,7 +60,7 @@ export function targetOfNode({ id, name, path = "" }: TreeNode): Target {
   return { kind: "file", name, file: { id, name, path } };
 }
 
-function NodeRow({ node, place, isLit }: { node: TreeNode; place: RowPlace; isLit: boolean }) {
+function NodeRow({ node, place, isLit, isShown }: { node: TreeNode; place: RowPlace; isLit: boolean; isShown: boolean }) {
   const isFile = node.kind === "file";
   return (
     <Row
@@ -69,6 +70,7 @@ function NodeRow({ node, place, isLit }: { node: TreeNode; place: RowPlace; isLi
       below={node.missing ? "is missing on disk" : undefined}
       end={isFile ? undefined : <Count of={node.children.length} />}
       isLit={isLit}
+      isShown={isShown}
       isDim={node.missing === true}
       target={isFile ? targetOfNode(node) : undefined}
       onTap={() => (isFile ? showFile(node.id) : showGroup(node))}
