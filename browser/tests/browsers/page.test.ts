@@ -1,6 +1,7 @@
 // What a user does with the page, against a server that plays Navrel and can fall into any state.
 import assert from "node:assert/strict";
 import { test } from "node:test";
+import type * as Shape from "../../app/wire/shapes";
 import { type Device, until, type View } from "../drivers/driver";
 import { useEngine, withView } from "../drivers/engine";
 import { idOf } from "../mock/sample";
@@ -149,6 +150,74 @@ journey("a look at the code leaves the editor alone", "phone", async ({ hand, se
   await hand.button("Open line 20");
   await hand.sees("TideView.m:20 is open");
 });
+
+journey("the code that is looked at is that of the file as it was saved last", "phone", async ({ hand, server }) => {
+  server.sources.set(kView, ["// as it was", "int tide;"]);
+  await hand.goToFile("Views", "TideView.m");
+  await hand.more("-drawRect:");
+  await hand.button("Look at the code");
+  await hand.sees("// as it was");
+  server.sources.set(kView, ["// as it is now", "int tide;", "int wave;"]);
+  server.change([kTable]);
+  server.change([kView]);
+  await hand.sees("// as it is now");
+  await hand.sees("int wave;");
+  await hand.sees("Lines 1 to 3 of 3");
+});
+
+journey("a tablet marks the file that is shown beside its list", "tablet", async ({ hand, view }) => {
+  await hand.goToFile("Views", "TideView.m");
+  await hand.row("TideView.h");
+  await until("the mark", () =>
+    view.run(() => [...document.querySelectorAll('[aria-label="Files in Views"] [aria-current=true]')].map((each) => each.querySelector(".row-name")!.textContent).join() === "TideView.h"),
+  );
+});
+
+const kOverride = "\u202E";
+
+/** Gives a file and what it declares names that turn what stands behind them. */
+function deceive(server: MockServer): void {
+  const name = `View${kOverride}m.txt`;
+  const reference = { id: kView, name, path: `Tidewatch/Views/${name}` };
+  const rename = (node: Shape.Node): Shape.Node => ({
+    ...node,
+    ...(node.kind === "group" ? { name: `${kOverride}${node.name}` } : node.id === kView ? { name } : {}),
+    children: (node.children ?? []).map(rename),
+  });
+  server.root = rename(server.root!);
+  const outline = server.outlines.get(kView)!;
+  server.outlines.set(kView, { ...outline, ...reference, items: [{ kind: "class", name: `Tide${kOverride}View`, line: 3, endLine: 9, inherits: [`UI${kOverride}View`] }] });
+  server.sources.set(kView, [`int a; ${kOverride}// b`]);
+  server.notes = [{ kind: "todo", text: `later${kOverride}!`, line: 1, file: reference }];
+  server.outcome = { outcome: "refused", reason: `${name} is not on disk any more.` };
+  server.active = { file: null };
+}
+
+journey(
+  "names that turn the writing direction are shown for what they are",
+  "tablet",
+  async ({ hand, view }) => {
+    const looks = async (shown: string) => {
+      await hand.sees(shown);
+      assert.ok(!(await view.run(() => document.documentElement.outerHTML)).includes(kOverride), shown);
+    };
+    await hand.row("Tidewatch");
+    await looks("‹U+202E›Views");
+    await hand.row("Views");
+    await hand.row("View‹U+202E›m.txt");
+    await looks(": UI‹U+202E›View");
+    await hand.more("Tide‹U+202E›View");
+    await looks("Open View‹U+202E›m.txt:3");
+    await hand.button("Open View");
+    await looks("View‹U+202E›m.txt is not on disk");
+    await hand.more("Tide‹U+202E›View");
+    await hand.button("Look at the code");
+    await looks("int a; ‹U+202E›// b");
+    await hand.tab("Notes");
+    await looks("later‹U+202E›!");
+  },
+  deceive,
+);
 
 journey("counterparts and places are a tap away", "phone", async ({ hand, view }) => {
   await hand.goToFile("Views", "TideView.m");

@@ -49,6 +49,8 @@ class Turner extends Hand {
   }
 }
 
+const kNarrowest: Size = { width: 320, height: 568 };
+
 function turning(name: string, device: Device, from: Size, body: (hand: Turner, view: View, server: MockServer) => Promise<void>, prepare: (server: MockServer) => void = () => {}): void {
   test(name, async () => {
     const server = new MockServer(kAssets);
@@ -167,4 +169,18 @@ turning("a low page leaves room for the outline", "phone", kUpright, async (hand
   await hand.goToFile("Views", "TideListController.m");
   await hand.turn({ width: 500, height: 195 });
   await until("a row", async () => (await heightOf(view, "Outline of TideListController.m")) >= kRow);
+});
+
+turning("on the narrowest phone the steps and Back share a line, and Back is never broken", "phone", kUpright, async (hand, view) => {
+  await hand.tab("Outline");
+  await hand.turn(kNarrowest);
+  const tops = () => view.run(() => [...document.querySelectorAll(".steps > *")].map((each) => Math.round(each.getBoundingClientRect().top + each.getBoundingClientRect().height / 2)));
+  assert.equal(new Set(await tops()).size, 1, String(await tops()));
+  await view.run(() => void (document.documentElement.style.fontSize = "200%"));
+  const lines = await view.run(() => {
+    const text = document.createRange();
+    text.selectNodeContents(document.querySelector(".steps .back")!);
+    return new Set([...text.getClientRects()].map(({ bottom }) => Math.round(bottom / 10))).size;
+  });
+  assert.equal(lines, 1);
 });
