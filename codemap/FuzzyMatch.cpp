@@ -5,12 +5,15 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <climits>
 #include <utility>
 
 // The best placement is found by dynamic programming: the score of the query's first r characters
 // with the last of them at or before column c follows from the scores of one character fewer. That
-// takes (length of the query) x (length of the name) steps, whatever the texts are.
+// takes (length of the query) x (length of the name) steps, whatever the texts are. In a short name
+// only the columns that hold a character of the query are looked at: what is between two of them
+// lowers a score by its width.
 
 namespace navrel {
 
@@ -122,6 +125,16 @@ bool isASCII(std::string_view text) {
     return all < kASCII.size();
 }
 
+/// The bonus of a place in ASCII.
+int bonusAt(std::string_view ascii, int place) {
+    const auto classAt = [ascii](int index) {
+        const auto byte = static_cast<unsigned char>(ascii[static_cast<std::size_t>(index)]);
+        return static_cast<std::size_t>(kASCII[byte].kind);
+    };
+    const auto before = place == 0 ? static_cast<std::size_t>(Class::blank) : classAt(place - 1);
+    return kBonus[before][classAt(place)];
+}
+
 /// Whether a text may hold a word's characters in their order: true also where it is not ASCII.
 bool mayHoldInOrder(std::string_view text, std::u32string_view word) {
     std::size_t found = 0;
@@ -202,6 +215,9 @@ std::optional<int> FuzzyMatch::score(std::string_view name, int atLeast) {
     if (words_.size() == 1 && words_.front().size() == 1 && isASCII(name)) {
         return scoreOfCharacter(name);
     }
+    if (short_.set(name)) {
+        return scoreOfShortName(name);
+    }
     for (const Characters& word : words_) {
         if (!mayHoldInOrder(name, word)) {
             return std::nullopt;
@@ -259,8 +275,95 @@ std::optional<int> FuzzyMatch::scoreOfCharacter(std::string_view name) const {
     return best < 0 ? std::nullopt : std::optional(kMatch + best * kFirstCharacterFactor);
 }
 
+std::optional<int> FuzzyMatch::scoreOfShortName(std::string_view name) {
+    if (words_.empty()) {
+        return std::nullopt;
+    }
+    int sum = 0;
+    for (const Characters& word : words_) {
+        if (!findPlaces(word)) {
+            return std::nullopt;
+        }
+        sum += scoreOfPlaces(name, word.size());
+    }
+    return sum;
+}
+
+/// The places of a word's characters from which all others can be reached, to the left and to the
+/// right. False where there are none.
+bool FuzzyMatch::findPlaces(const Characters& word) {
+    std::uint64_t mayFollow = UINT64_MAX;
+    for (std::size_t row = 0; row < word.size(); ++row) {
+        const std::uint64_t places = short_.placesOf(word[row]) & mayFollow;
+        if (places == 0) {
+            return false;
+        }
+        places_[row] = places;
+        mayFollow = ~(places ^ (places - 1)); // what is above the lowest bit
+    }
+    for (std::size_t row = word.size() - 1; row > 0; --row) {
+        places_[row - 1] &= std::bit_floor(places_[row]) - 1;
+    }
+    return true;
+}
+
+int FuzzyMatch::scoreOfPlaces(std::string_view name, std::size_t length) {
+    matchFirst(name);
+    for (std::size_t row = 1; row < length; ++row) {
+        matchNext(name, row);
+    }
+    int best = 0;
+    for (const Match& match : matches_[(length - 1) % 2]) {
+        best = std::max(best, match.score);
+    }
+    return best;
+}
+
+/// The matches of a word's first character.
+void FuzzyMatch::matchFirst(std::string_view name) {
+    matches_[0].clear();
+    for (std::uint64_t rest = places_[0]; rest != 0; rest &= rest - 1) {
+        const int column = std::countr_zero(rest);
+        const int score = kMatch + bonusAt(name, column) * kFirstCharacterFactor;
+        matches_[0].push_back({column, score, score + kGapStart - kGapExtension, 1});
+    }
+}
+
+/// The matches of another one, from those of the one before.
+void FuzzyMatch::matchNext(std::string_view name, std::size_t row) {
+    const std::vector<Match>& before = matches_[(row - 1) % 2];
+    std::vector<Match>& here = matches_[row % 2];
+    here.clear();
+    auto last = before.begin(); // the nearest one to the left
+    for (std::uint64_t rest = places_[row]; rest != 0; rest &= rest - 1) {
+        const int column = std::countr_zero(rest);
+        while (last + 1 != before.end() && (last + 1)->column < column) {
+            ++last;
+        }
+        const Match match = matchAfter(name, *last, column);
+        const int skipped = here.empty() ? 0 : here.back().scoreAt(column);
+        here.push_back(match.score < skipped ? Match{column, skipped, skipped, 0} : match);
+    }
+}
+
+/// Goes on from a match of the character before.
+FuzzyMatch::Match FuzzyMatch::matchAfter(std::string_view name, const Match& last, int column) {
+    const int own = bonusAt(name, column);
+    int run = last.column + 1 == column ? last.run + 1 : 1;
+    int bonus = own;
+    if (run > 1) {
+        // A run keeps the bonus of its first character, unless a better one begins here.
+        const int first = bonusAt(name, column + 1 - run);
+        const bool beginsRun = own >= kBoundary && own > first;
+        run = beginsRun ? 1 : run;
+        bonus = beginsRun ? own : std::max({own, kInARow, first});
+    }
+    const int score = last.scoreAt(column - 1) + kMatch + bonus;
+    return {column, score, score + kGapStart - kGapExtension, run};
+}
+
 int FuzzyMatch::bound(std::string_view name, const NameLetters& letters) const {
-    static const LetterSet kBlank = letterSetOf(" ");
+    constexpr LetterSet kBlank = letterBitOf(' ');
     const char first = name.empty() ? '\0' : name.front();
     const bool mayFollowBlank = mayHold(letters.all, kBlank) || (first & '\x80') != 0;
     const char32_t begin = kASCII[static_cast<unsigned char>(first) & 0x7F].folded;

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "codemap/NameLetters.h"
+#include "codemap/ShortName.h"
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -54,7 +56,27 @@ private:
         std::uint32_t wordLetter;
     };
 
+    /// A place of a short name that holds a character of a word.
+    struct Match {
+        int column = 0;
+        int score = 0; ///< the best one that ends here or before
+        int later = 0; ///< that score for what is to the right: each column there takes one more
+        int run = 0;   ///< how many characters in a row end here
+
+        /// The best score up to a column to the right, or up to this one.
+        int scoreAt(int other) const {
+            const int lowered = later - (other - column);
+            return other == column ? score : lowered < 0 ? 0 : lowered;
+        }
+    };
+
     std::optional<int> scoreOfCharacter(std::string_view name) const;
+    std::optional<int> scoreOfShortName(std::string_view name);
+    bool findPlaces(const Characters& word);
+    int scoreOfPlaces(std::string_view name, std::size_t length);
+    void matchFirst(std::string_view name);
+    void matchNext(std::string_view name, std::size_t row);
+    static Match matchAfter(std::string_view name, const Match& last, int column);
     bool prepare(std::string_view name);
     void prepareOther(std::string_view name);
     void findBonuses();
@@ -71,7 +93,12 @@ private:
     std::vector<std::vector<Sought>> sought_;
     LetterSet letters_ = 0;
 
-    // Of the name at hand.
+    // Of the name at hand, if it is short.
+    ShortName short_;
+    std::array<std::uint64_t, kMaximumQueryLength> places_{}; // of a word's characters
+    std::array<std::vector<Match>, 2> matches_; // of a character, and of the one before
+
+    // Of any other one.
     std::size_t length_ = 0;
     bool hasBonuses_ = false;
     std::vector<char32_t> folded_;
