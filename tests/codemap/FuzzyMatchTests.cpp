@@ -86,6 +86,29 @@ TEST(FuzzyMatchTests, theLettersHoldWhateverIsFound) {
     EXPECT_TRUE(mayHold(letterSetOf("Über"), FuzzyMatch("ü").letters()));
 }
 
+// Short names are scored by the places of the query's characters alone. What is behind the last of
+// them costs nothing, and makes a name long.
+TEST(FuzzyMatchTests, shortNamesScoreAsLongOnesDo) {
+    constexpr std::string_view kCharacters = "abcABC12_/( ";
+    std::mt19937 random(11);
+    const auto textOf = [&](std::size_t length) {
+        std::string text;
+        while (text.size() < length) {
+            text += kCharacters[random() % kCharacters.size()];
+        }
+        return text;
+    };
+    int found = 0;
+    for (int round = 0; round < 20'000; ++round) {
+        const std::string name = textOf(1 + random() % ShortName::kMaximumLength);
+        FuzzyMatch match(textOf(2 + random() % 6));
+        const std::optional<int> score = match.score(name);
+        ASSERT_EQ(score, match.score(name + std::string(ShortName::kMaximumLength, '~'))) << name;
+        found += score ? 1 : 0;
+    }
+    EXPECT_GT(found, 4000);
+}
+
 // Few characters, so that queries are found often, at each kind of place.
 TEST(FuzzyMatchTests, noScoreIsAboveItsBound) {
     constexpr std::string_view kCharacters = "abcABC12_/( \xC3";
