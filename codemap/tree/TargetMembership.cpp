@@ -13,6 +13,13 @@ void addOnce(std::string_view target, std::vector<std::string_view>& targets) {
     }
 }
 
+// Takes files from a target that has the group, and gives them to any other.
+constexpr std::string_view kTargetExceptions = "PBXFileSystemSynchronizedBuildFileExceptionSet";
+// Puts files into one phase: of a target that has them anyway, or of another one, which then has
+// them, too.
+constexpr std::string_view kPhaseExceptions =
+    "PBXFileSystemSynchronizedGroupBuildPhaseMembershipExceptionSet";
+
 } // namespace
 
 TargetMembership::TargetMembership(const XcodeProject& project) : project_(project) {
@@ -36,7 +43,7 @@ std::vector<std::string> TargetMembership::targetsInFolder(std::string_view grou
         }
         const auto member =
             std::find(folder.targets.begin(), folder.targets.end(), exceptions.target);
-        if (member == folder.targets.end()) {
+        if (exceptions.isOfPhase || member == folder.targets.end()) {
             addOnce(exceptions.target, targets);
         } else {
             std::erase(targets, exceptions.target);
@@ -54,6 +61,7 @@ bool TargetMembership::Exceptions::hold(std::string_view path) const {
 
 void TargetMembership::addTarget(std::string_view identifier, Value target) {
     for (const Value phase : target["buildPhases"].elements()) {
+        phaseTargets_.try_emplace(phase.utf8(), identifier);
         addBuildFiles(identifier, project_.object(phase.utf8()));
     }
     for (const Value group : target["fileSystemSynchronizedGroups"].elements()) {
@@ -81,11 +89,10 @@ const TargetMembership::Folder& TargetMembership::folderOf(std::string_view grou
     }
     for (const Value identifier : project_.object(group)["exceptions"].elements()) {
         const Value set = project_.object(identifier.utf8());
-        // Other sets move files to another phase of the same target.
-        if (set["isa"].utf8() != "PBXFileSystemSynchronizedBuildFileExceptionSet") {
+        Exceptions exceptions{targetOf(set), set["isa"].utf8() == kPhaseExceptions, {}};
+        if (exceptions.target.empty()) {
             continue;
         }
-        Exceptions exceptions{set["target"].utf8(), {}};
         for (const Value path : set["membershipExceptions"].elements()) {
             if (!path.utf8().empty()) {
                 exceptions.paths.push_back(path.utf8());
@@ -93,7 +100,20 @@ const TargetMembership::Folder& TargetMembership::folderOf(std::string_view grou
         }
         folder.exceptions.push_back(std::move(exceptions));
     }
+    // What a target leaves out may be in one of its phases all the same.
+    std::stable_partition(folder.exceptions.begin(), folder.exceptions.end(),
+                          [](const Exceptions& exceptions) { return !exceptions.isOfPhase; });
     return folder;
+}
+
+/// Empty for a set of another kind, or of a phase that no target has.
+std::string_view TargetMembership::targetOf(Value exceptions) const {
+    const std::string_view isa = exceptions["isa"].utf8();
+    if (isa == kPhaseExceptions) {
+        const auto found = phaseTargets_.find(exceptions["buildPhase"].utf8());
+        return found == phaseTargets_.end() ? std::string_view() : found->second;
+    }
+    return isa == kTargetExceptions ? exceptions["target"].utf8() : std::string_view();
 }
 
 std::vector<std::string> TargetMembership::namesOf(const Targets& targets) const {

@@ -18,7 +18,8 @@ public:
     std::vector<std::string> targetsOf(std::string_view identifier) const;
 
     /// The targets of a file in a folder-synchronised group, by its path from there: those that
-    /// have the group, without those that except the file, and those that only the exceptions name.
+    /// have the group, without those that except the file, and those that only the exceptions name,
+    /// or one of whose build phases they name.
     std::vector<std::string> targetsInFolder(std::string_view group, std::string_view path) const;
 
 private:
@@ -27,6 +28,7 @@ private:
 
     struct Exceptions {
         std::string_view target;
+        bool isOfPhase = false; ///< names files of one phase instead of the target's as a whole
         std::vector<std::string_view> paths;
 
         bool hold(std::string_view path) const;
@@ -38,12 +40,14 @@ private:
 
     void addTarget(std::string_view identifier, Value target);
     void addBuildFiles(std::string_view target, Value phase);
+    std::string_view targetOf(Value exceptions) const;
     const Folder& folderOf(std::string_view group) const;
     std::vector<std::string> namesOf(const Targets& targets) const;
 
     const XcodeProject& project_;
     std::unordered_map<std::string_view, Targets> targets_;
     std::unordered_map<std::string_view, Targets> folderTargets_;
+    std::unordered_map<std::string_view, std::string_view> phaseTargets_;
     mutable std::unordered_map<std::string_view, Folder> folders_;
 };
 
