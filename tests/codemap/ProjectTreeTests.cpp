@@ -112,6 +112,34 @@ TEST_F(ProjectTreeTests, synchronizedFoldersShowWhatIsOnDisk) {
               "      Shared.swift [App] [Tests]\n");
 }
 
+TEST_F(ProjectTreeTests, aTargetBuildsFilesOfAnotherOnesFolderInAPhase) {
+    for (const char* file : {"App/A.swift", "App/Left.txt", "App/run.js"}) {
+        scratch_.write(file);
+    }
+    const std::string phaseSet =
+        " = {isa = PBXFileSystemSynchronizedGroupBuildPhaseMembershipExceptionSet; ";
+    EXPECT_EQ(
+        treeOf(scratch_.writeProject(
+            "App.xcodeproj",
+            group("MAIN", "S") + synchronizedGroup("S", "App", "exceptions = (E1, E2, E3, E4);") +
+                "E1" + phaseSet + "buildPhase = COPY1; membershipExceptions = (run.js);};\n" +
+                "E2" + phaseSet + "buildPhase = COPY2; membershipExceptions = (A.swift);};\n" +
+                "E3" + phaseSet + "buildPhase = NONE; membershipExceptions = (Left.txt);};\n" +
+                "E4 = {isa = PBXFileSystemSynchronizedBuildFileExceptionSet; target = T1; "
+                "membershipExceptions = (run.js, Left.txt);};\n"
+                "COPY1 = {isa = PBXCopyFilesBuildPhase;};\n"
+                "COPY2 = {isa = PBXCopyFilesBuildPhase;};\n"
+                "T1 = {isa = PBXNativeTarget; name = App; buildPhases = (COPY1); "
+                "fileSystemSynchronizedGroups = (S);};\n"
+                "T2 = {isa = PBXNativeTarget; name = Tool; buildPhases = (COPY2);};\n",
+            "targets = (T1, T2);")),
+        "App (project)\n"
+        "  App (folder)\n"
+        "    A.swift [App] [Tool]\n"
+        "    Left.txt\n"
+        "    run.js [App]\n");
+}
+
 TEST_F(ProjectTreeTests, referencedFoldersShowWhatIsInThem) {
     scratch_.write("Data/Inner/a.json");
     EXPECT_EQ(

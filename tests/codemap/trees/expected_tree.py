@@ -119,6 +119,7 @@ class _Project:
         self.seen = {self.project["mainGroup"]}
         self.targets_of_file = {}
         self.targets_of_folder = {}
+        self.target_of_phase = {}
         self._read_targets()
 
     def _read_targets(self):
@@ -127,6 +128,7 @@ class _Project:
             for group in target.get("fileSystemSynchronizedGroups", []):
                 self.targets_of_folder.setdefault(group, []).append(identifier)
             for phase in target.get("buildPhases", []):
+                self.target_of_phase[phase] = identifier
                 for build_file in self.objects.get(phase, {}).get("files", []):
                     file = self.objects.get(build_file, {}).get("fileRef")
                     names = self.targets_of_file.setdefault(file, [])
@@ -190,11 +192,18 @@ class _Project:
         for identifier in self.objects[group].get("exceptions", []):
             exception = self.objects[identifier]
             if "buildPhase" in exception:
-                continue  # the same target builds the files in another phase
+                continue
             members = exception.get("membershipExceptions", [])
             if any(path == member or path.startswith(member + "/") for member in members):
                 if exception["target"] in own:
                     targets.remove(exception["target"])
                 else:
                     targets.append(exception["target"])
+        for identifier in self.objects[group].get("exceptions", []):
+            exception = self.objects[identifier]
+            owner = self.target_of_phase.get(exception.get("buildPhase"))
+            members = exception.get("membershipExceptions", [])
+            is_member = any(path == member or path.startswith(member + "/") for member in members)
+            if owner and is_member and owner not in targets:
+                targets.append(owner)
         return [self.objects[target]["name"] for target in targets]

@@ -164,10 +164,11 @@ def _both_kinds_of_exception_sets(folder):
     folder.write("App/Kit/Sources/Kit/k.swift", "App/Kit/Tests/KitTests/t.swift", "App/Shared/Deep/d.swift")
     folder.write("App/Kit/Package.swift", text='let package = Package(name: "Kit")')
     isa = "PBXFileSystemSynchronizedGroupBuildPhaseMembershipExceptionSet"
-    sets = "exceptions = (E1, E2, E3); explicitFileTypes = {}; explicitFolders = (Scripts);"
+    sets = "exceptions = (E1, E2, E3, E4); explicitFileTypes = {}; explicitFolders = (Scripts);"
     objects = _group("MAIN", ["S", "W"]) + _synchronized("S", "App", more=sets)
     objects += _exception("E1", "T1", "Info.plist, Helper") + _exception("E2", "T2", "Shared, App.swift")
     objects += f'E3 = {{isa = {isa}; buildPhase = T1_COPY; membershipExceptions = ("Scripts/run.js"); }};\n'
+    objects += f'E4 = {{isa = {isa}; buildPhase = T2_PHASE; membershipExceptions = ("Helper/helper.c"); }};\n'
     objects += _synchronized("W", "Not there") + _target("T1", "App", (), ["S"]) + _target("T2", "Widget")
     objects += "T1_COPY = {isa = PBXCopyFilesBuildPhase; files = (); };\n"
     objects += "R1 = {isa = XCLocalSwiftPackageReference; relativePath = App/Kit; };\n"
