@@ -19,6 +19,24 @@ constexpr std::size_t kMaximumRawDelimiter = 16;
 /// A digit separator's number is looked back at so far: no number is longer.
 constexpr std::size_t kMaximumNumber = 128;
 
+/// "decltype(…)" as the name of an operator: what is in the group is that short, so that time stays
+/// linear.
+constexpr std::string_view kTypeOf = "decltype";
+constexpr std::size_t kMaximumTypeGroup = 256;
+
+/// The place behind the group that a place opens; the place itself where it does not end soon.
+std::size_t afterShortGroup(std::string_view text, std::size_t opening) {
+    const std::size_t last = std::min(text.size(), opening + kMaximumTypeGroup);
+    std::size_t depth = 0;
+    for (std::size_t place = opening; place < last; ++place) {
+        depth += text[place] == '(' ? 1 : 0;
+        if (text[place] == ')' && --depth == 0) {
+            return place + 1;
+        }
+    }
+    return opening;
+}
+
 bool isOperatorByte(char byte) {
     return byte != 0 && std::string_view("+-*/%^&|~!=<>,").find(byte) != std::string_view::npos;
 }
@@ -190,6 +208,20 @@ std::size_t Lexer::beforeBlanks(std::size_t position) const {
     return position;
 }
 
+std::size_t Lexer::afterBlanks(std::size_t position) const {
+    while (position < text_.size() && isBlank(text_[position])) {
+        ++position;
+    }
+    return position;
+}
+
+std::size_t Lexer::afterName(std::size_t position) const {
+    while (position < text_.size() && isNameByte(text_[position])) {
+        ++position;
+    }
+    return position;
+}
+
 bool Lexer::isFirstOnLine(std::size_t position) const {
     return position == 0 || text_[position - 1] == '\n';
 }
@@ -239,15 +271,16 @@ Token Lexer::lexAt() {
         skipQuoted('"');
         return token(TokenKind::string, begin);
     }
-    while (position_ < text_.size() && isNameByte(text_[position_])) {
-        ++position_;
-    }
-    if (position_ == begin + 1) {
+    // "@ class" is rare, but one word: "@" alone has a meaning only before other signs.
+    const std::size_t word = afterBlanks(position_);
+    position_ = afterName(word);
+    const AtWord meaning = atWordOf(text_.substr(word, position_ - word));
+    if (position_ == word || (word > begin + 1 && meaning == AtWord::other)) {
         position_ = begin;
         return signToken('@', 1);
     }
     Token result = token(TokenKind::atWord, begin);
-    result.atWord = atWordOf(text_.substr(begin + 1, position_ - begin - 1));
+    result.atWord = meaning;
     return result;
 }
 
@@ -379,13 +412,22 @@ Token Lexer::operatorName(const Token& word) {
             ++position_;
         }
     } else {
-        while (position_ < text_.size() && text_[position_] != '(' && text_[position_] != ';' &&
-               text_[position_] != '{' && text_[position_] != '}') {
-            ++position_;
-        }
+        skipConversionType();
     }
     result.end = static_cast<std::uint32_t>(position_);
     return result;
+}
+
+/// The type that an operator converts to, up to the parameters.
+void Lexer::skipConversionType() {
+    const std::size_t begin = position_;
+    position_ = std::min(text_.find_first_of("(;{}", position_), text_.size());
+    if (beforeBlanks(position_) >= begin + kTypeOf.size() &&
+        text_.substr(0, beforeBlanks(position_)).ends_with(kTypeOf) && startsWith("(")) {
+        const std::size_t after = afterShortGroup(text_, position_);
+        position_ =
+            after == position_ ? after : std::min(text_.find_first_of("(;{}", after), text_.size());
+    }
 }
 
 BodyEvent Lexer::nextInBody(bool withLineStarts) {
@@ -461,11 +503,9 @@ bool Lexer::isContainerWord() const {
     if (position_ > 0 && text_[position_ - 1] != '\n') {
         return false;
     }
-    std::size_t end = position_ + 1;
-    while (end < text_.size() && isNameByte(text_[end])) {
-        ++end;
-    }
-    switch (atWordOf(text_.substr(position_ + 1, end - position_ - 1))) {
+    const std::size_t word = afterBlanks(position_ + 1);
+    const std::size_t end = afterName(word);
+    switch (atWordOf(text_.substr(word, end - word))) {
     case AtWord::interfaceType:
     case AtWord::implementation:
     case AtWord::end:

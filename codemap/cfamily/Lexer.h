@@ -66,6 +66,8 @@ private:
     /// Whether only blanks and a comment stand before a place in its line.
     bool isAtLineStart(std::size_t position) const;
     std::size_t beforeBlanks(std::size_t position) const;
+    std::size_t afterBlanks(std::size_t position) const;
+    std::size_t afterName(std::size_t position) const;
     bool isFirstOnLine(std::size_t position) const;
     bool startsWith(std::string_view prefix) const;
 
@@ -92,6 +94,7 @@ private:
 
     void skipDirective();
     bool skipContinuation();
+    void skipConversionType();
     void skipQuoted(char quote);
     void skipRawString();
     bool isRawStringAt(std::size_t quote) const;
