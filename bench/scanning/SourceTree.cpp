@@ -96,6 +96,9 @@ private:
         for (unsigned count = 6 + choice(42); count > 0; --count) {
             text += line();
         }
+        for (; open_ > 0; --open_) {
+            text += "    }\n";
+        }
         return text;
     }
 
@@ -104,8 +107,13 @@ private:
         case 0:
             return "    // " + sentence() + "\n";
         case 1:
+            ++open_;
             return "    if (" + word() + " != nil && [" + word() + " " + word() + "]) {\n";
         case 2:
+            if (open_ == 0) {
+                return "\n";
+            }
+            --open_;
             return "    }\n\n";
         case 3:
             return "        " + word() + " = " + word() + "->" + word() +
@@ -117,6 +125,7 @@ private:
             return "    NSString *" + word() + " = [NSString stringWithFormat:@\"%@-%d\", " +
                    word() + ", " + word() + (choice(6) == 0 ? " - 1];\n" : "];\n");
         case 6:
+            ++open_;
             return "    for (int i = 0; i < " + word() + "; i++) {\n        " + word() +
                    "[i] = " + word() + "(i);\n";
         default:
@@ -142,6 +151,7 @@ private:
     }
 
     std::mt19937 random_{kSeed};
+    unsigned open_ = 0; ///< braces of the body at hand: those of real sources are closed
 };
 
 bool isSource(const QString& path) {
