@@ -93,10 +93,11 @@ function lookChanged(): void {
   update({ lookChanges: now().lookChanges + 1 });
 }
 
-/** Only lists that were asked for before; what nobody looks at is not fetched. */
+/** Only lists that were asked for before, and came or failed; what nobody looks at is not fetched. */
 function reloadLists(): void {
   for (const name of ["notes", "types", "fileTypes", "changes"] as const) {
-    if (now()[name].value) void loadList(name);
+    const { value, problem } = now()[name];
+    if (value || problem) void loadList(name);
   }
   searchAgain();
 }
