@@ -299,6 +299,15 @@ journey("after a loss the page comes back, and no tap was kept for later", "phon
   assert.deepEqual(server.opened, [{ file: kTable, line: 14 }]);
 });
 
+journey("a list that failed while Navrel was away comes with it", "phone", async ({ hand, server }) => {
+  await server.stop();
+  await hand.sees("Navrel is away.");
+  await hand.tab("Notes");
+  await hand.sees("Navrel does not answer.");
+  await server.start();
+  await hand.sees("reuse the cells");
+});
+
 journey("waking opens a new stream", "phone", async ({ view, server }) => {
   const before = server.streams;
   await view.run(() => void dispatchEvent(new Event("online")));
