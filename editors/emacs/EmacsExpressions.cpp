@@ -5,8 +5,9 @@ namespace navrel {
 namespace {
 
 // Evaluated with lexical scope: the names below must not meet variables of the user's own.
-constexpr char kBegin[] = "(progn (require 'cl-lib) (require 'seq) (eval '(let* (";
-constexpr char kEnd[] = ") t))";
+// No library is loaded: that would take long the first time.
+constexpr char kBegin[] = "(eval '(let* (";
+constexpr char kEnd[] = ") t)";
 
 // The window that the user looks at. A daemon's first frame is seen by nobody, and the minibuffer
 // holds no file.
@@ -14,7 +15,9 @@ constexpr char kBindWindow[] = R"lisp(
 (coding (or file-name-coding-system default-file-name-coding-system))
 (is-seen (lambda (frame) (not (equal (terminal-name frame) "initial_terminal"))))
 (frame (if (funcall is-seen (selected-frame)) (selected-frame)
-         (or (seq-find is-seen (frame-list)) (selected-frame))))
+         (or (car (delq nil (mapcar (lambda (each) (and (funcall is-seen each) each))
+                                    (frame-list))))
+             (selected-frame))))
 (selected (frame-selected-window frame))
 (window (if (window-minibuffer-p selected)
             (or (minibuffer-selected-window) (frame-first-window frame))
@@ -42,7 +45,9 @@ constexpr char kPlace[] = R"lisp()
 
 // The way back: the mark ring of the buffer that is left, and the global one. A path that looks
 // like one of a remote file is quoted, so that it is none. Whatever would ask a question is
-// answered with no, or fails: nobody may sit at this Emacs.
+// answered with no, or fails: nobody may sit at this Emacs. yes-or-no-p stays as it is where a
+// variable makes it ask by y-or-n-p: to redefine what is written in C loads Emacs's compiler, which
+// takes a second.
 constexpr char kOpen[] = R"lisp(
 (bytes (base64-decode-string "PATH"))
 (plain (if coding (decode-coding-string bytes coding) bytes))
@@ -54,12 +59,18 @@ constexpr char kOpen[] = R"lisp(
 (enable-local-eval nil)
 (find-file-suppress-same-file-warnings t)
 (create-lockfiles nil)
-(inhibit-interaction t))
-(cl-letf (((symbol-function 'yes-or-no-p) #'ignore)
-          ((symbol-function 'y-or-n-p) #'ignore)
-          ((symbol-function 'ask-user-about-lock) #'ignore)
-          ((symbol-function 'ask-user-about-supersession-threat) #'ignore)
-          ((symbol-function 'sit-for) #'ignore))
+(inhibit-interaction t)
+(use-dialog-box nil)
+(use-short-answers t)
+(asking (mapcar (lambda (name) (cons name (symbol-function name)))
+                (append (unless (and (boundp 'use-short-answers)
+                                     (subrp (symbol-function 'yes-or-no-p)))
+                          '(yes-or-no-p))
+                        '(y-or-n-p ask-user-about-lock ask-user-about-supersession-threat
+                          sit-for)))))
+(unwind-protect
+ (progn
+  (mapc (lambda (each) (fset (car each) #'ignore)) asking)
   (condition-case failure
       (let ((open-already (find-buffer-visiting path)) buffer)
         (select-frame frame)
@@ -88,6 +99,7 @@ constexpr char kOpen[] = R"lisp(
             (ignore-errors (recenter))))
         'opened)
     (error (error-message-string failure))))
+ (mapc (lambda (each) (fset (car each) (cdr each))) asking))
 )lisp";
 
 } // namespace

@@ -239,6 +239,42 @@ TEST_F(EmacsEditorTest, nothingIsAskedOfThePerson) {
     EXPECT_EQ(log.messages(), QStringList());
 }
 
+/// What asks the user in Emacs, each function as it is defined now.
+constexpr char kWhatAsks[] = "(mapcar #'symbol-function '(yes-or-no-p y-or-n-p ask-user-about-lock "
+                             "ask-user-about-supersession-threat sit-for))";
+
+TEST_F(EmacsEditorTest, whatAsksIsAnsweredWithNoDuringAJumpAndLeftAsItWas) {
+    ASSERT_NO_FATAL_FAILURE(start(fileA()));
+    valueOf(QByteArray("(setq asking-before ") + kWhatAsks + ')');
+    valueOf("(setq answers nil)");
+    valueOf("(add-hook 'find-file-hook (lambda () "
+            "(push (list (yes-or-no-p \"Sure?\") (y-or-n-p \"Sure?\")) answers)))");
+    EXPECT_TRUE(open(fileB(), 3));
+    EXPECT_EQ(valueOf("answers"), "((nil nil))");
+    EXPECT_EQ(valueOf(QByteArray("(equal asking-before ") + kWhatAsks + ')'), "t");
+    EXPECT_EQ(log.messages(), QStringList());
+}
+
+TEST_F(EmacsEditorTest, whatAsksIsLeftAsItWasAlsoByAJumpThatIsQuit) {
+    ASSERT_NO_FATAL_FAILURE(start(fileA()));
+    valueOf("(defalias 'yes-or-no-p (lambda (prompt) (y-or-n-p prompt)))");
+    valueOf("(fmakunbound 'ask-user-about-lock)");
+    valueOf(QByteArray("(setq asking-before ") + kWhatAsks + ')');
+    valueOf("(add-hook 'find-file-hook (lambda () (signal 'quit nil)))");
+    open(fileB(), 3);
+    EXPECT_EQ(valueOf(QByteArray("(equal asking-before ") + kWhatAsks + ')'), "t");
+    EXPECT_EQ(valueOf("(fboundp 'ask-user-about-lock)"), "nil");
+}
+
+TEST_F(EmacsEditorTest, aJumpLoadsNoLibrary) {
+    ASSERT_NO_FATAL_FAILURE(start(fileA()));
+    valueOf("(setq features-before features)");
+    EXPECT_TRUE(open(fileB(), 3));
+    EXPECT_EQ(activeFile(), fileB());
+    EXPECT_EQ(valueOf("(equal features-before features)"), "t")
+        << valueOf("(format \"%S\" features)").constData();
+}
+
 TEST_F(EmacsEditorTest, aPathThatLooksRemoteIsALocalOne) {
     ASSERT_NO_FATAL_FAILURE(start(fileA()));
     EXPECT_TRUE(open("/ssh:nowhere:/etc/x.m", 1));
