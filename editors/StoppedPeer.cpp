@@ -11,13 +11,15 @@ namespace navrel {
 #ifdef __linux__
 
 bool isPeerStopped(int socket) {
-    constexpr qint64 kLongestState = 512; // a number, a name of 15 bytes, the state, more numbers
     ucred peer = {};
     socklen_t length = sizeof peer;
-    if (::getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &length) != 0 || peer.pid <= 0) {
-        return false;
-    }
-    QFile file(QStringLiteral("/proc/%1/stat").arg(peer.pid));
+    return ::getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &length) == 0 && peer.pid > 0 &&
+           isProcessStopped(peer.pid);
+}
+
+bool isProcessStopped(qint64 process) {
+    constexpr qint64 kLongestState = 512; // a number, a name of 15 bytes, the state, more numbers
+    QFile file(QStringLiteral("/proc/%1/stat").arg(process));
     if (!file.open(QIODevice::ReadOnly)) {
         return false;
     }
@@ -30,6 +32,10 @@ bool isPeerStopped(int socket) {
 #else
 
 bool isPeerStopped(int) {
+    return false;
+}
+
+bool isProcessStopped(qint64) {
     return false;
 }
 

@@ -1,6 +1,7 @@
 #include "editors/emacs/EmacsEditor.h"
 
 #include "editors/Deadlines.h"
+#include "editors/StoppedPeer.h"
 #include "editors/emacs/EmacsClient.h"
 #include "editors/emacs/EmacsExpressions.h"
 #include "editors/emacs/EmacsFollower.h"
@@ -22,6 +23,23 @@ std::optional<QByteArray> unquoted(const QByteArray& printed) {
         return std::nullopt;
     }
     return printed.mid(1, printed.size() - 2);
+}
+
+struct Showing {
+    qint64 process = 0;
+    QByteArray file;
+};
+
+/// What Emacs printed for `emacsActiveFileExpression`; nil where it printed something else.
+std::optional<Showing> showingFrom(const QByteArray& printed) {
+    const QByteArray text = unquoted(printed).value_or(QByteArray());
+    const qsizetype space = text.indexOf(' ');
+    if (space < 0) {
+        return std::nullopt;
+    }
+    const auto file = QByteArray::fromBase64Encoding(text.mid(space + 1),
+                                                     QByteArray::AbortOnBase64DecodingErrors);
+    return file ? std::optional(Showing{text.left(space).toLongLong(), *file}) : std::nullopt;
 }
 
 /// What Emacs printed for an expression; nil when no Emacs answered.
@@ -56,12 +74,11 @@ std::optional<ActiveFile> EmacsEditor::activeFile(const QDeadlineTimer& deadline
         return answers_.of(kTheServer);
     }
     const bool wasLate = std::exchange(wasLate_, false);
-    const auto text = unquoted(answer.output.trimmed());
-    const auto file = QByteArray::fromBase64Encoding(text.value_or(QByteArray()),
-                                                     QByteArray::AbortOnBase64DecodingErrors);
-    if (answer.kind == Kind::Output && text && file) {
+    const auto showing = showingFrom(answer.output.trimmed());
+    if (answer.kind == Kind::Output && showing) {
         silent_.remove(kTheServer);
-        answers_.add(kTheServer, *file);
+        process_ = showing->process;
+        answers_.add(kTheServer, showing->file);
     } else if (!wasLate || answer.kind == Kind::Output) {
         answers_.forget(kTheServer);
     }
@@ -70,6 +87,10 @@ std::optional<ActiveFile> EmacsEditor::activeFile(const QDeadlineTimer& deadline
 }
 
 EmacsEditor::~EmacsEditor() = default;
+
+bool EmacsEditor::isSuspended() const {
+    return isProcessStopped(process_);
+}
 
 /// What Emacs says of where its user is; nil when it says nothing. One that is there and keeps
 /// silent until the deadline is left alone for a while then; without one, its client fails at once.

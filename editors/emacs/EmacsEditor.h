@@ -32,6 +32,7 @@ public:
     bool open(const QByteArray& path, std::optional<int> line,
               const QDeadlineTimer& deadline) override;
     QString name() const override { return QStringLiteral("Emacs"); }
+    bool isSuspended() const override;
     /// Likewise.
     JumpResult jump(const EditorPlace& place, const QDeadlineTimer& deadline) override;
     /// Asks twice a second while there is an observer.
@@ -45,6 +46,7 @@ private:
     // Main thread.
     ToolQuestion activeFileQuestion_;
     bool wasLate_ = false; ///< the next answer is to a question that timed out
+    qint64 process_ = 0;   ///< that answered last; 0 for none
     LastAnswers answers_;
     std::unique_ptr<EmacsFollower> follower_; // null while nobody follows
 };

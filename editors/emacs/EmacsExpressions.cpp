@@ -26,7 +26,9 @@ constexpr char kBindWindow[] = R"lisp(
 
 constexpr char kActiveFile[] = R"lisp()
 (let ((name (buffer-file-name (window-buffer window))))
-  (if name (base64-encode-string (encode-coding-string (file-name-unquote name) coding) t) ""))
+  (format "%d %s" (emacs-pid)
+          (if name (base64-encode-string (encode-coding-string (file-name-unquote name) coding) t)
+            "")))
 )lisp";
 
 constexpr char kPlace[] = R"lisp()

@@ -8,8 +8,8 @@
 /// character of it can end a string or begin an expression. Pure.
 namespace navrel {
 
-/// Name of the file in the selected window, as base64 in quotes; the empty text in quotes when that
-/// window shows none.
+/// "PROCESS PATH" in quotes: the number of its process, and the name of the file in the selected
+/// window as base64; empty when that window shows none.
 QByteArray emacsActiveFileExpression();
 
 /// Opens a file and selects a line: one operation. Its value is `opened`, or a text in quotes that

@@ -384,7 +384,7 @@ class EditorChoice : public ::testing::Test {
 protected:
     EditorChoice() {
         ScratchEnvironment::write(environment.bytesOf("bin/emacsclient"),
-                                  "#!/bin/sh\necho '\"" +
+                                  "#!/bin/sh\necho '\"1 " +
                                       QByteArrayLiteral("/of/emacs.m").toBase64() + "\"'\n");
         QFile(environment.pathOf(QStringLiteral("bin/emacsclient")))
             .setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
