@@ -1,5 +1,6 @@
 #include "editors/hooks/HookSocket.h"
 
+#include "editors/StoppedPeer.h"
 #include "project/EditorRefusal.h"
 #include "support/core/Log.h"
 #include "support/core/MainThread.h"
@@ -197,6 +198,11 @@ void HookSocket::disconnect(Connection& connection) {
 
 QString HookSocket::latestEditor() const {
     return connections_.empty() ? QString() : connections_.front()->editor;
+}
+
+bool HookSocket::isLatestEditorStopped() const {
+    return !connections_.empty() &&
+           isPeerStopped(static_cast<int>(connections_.front()->socket->socketDescriptor()));
 }
 
 /// The window that spoke last, of those that take requests.

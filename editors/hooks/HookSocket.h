@@ -41,6 +41,9 @@ public:
     /// The name of that editor; empty where it has not said hello.
     QString latestEditor() const;
 
+    /// Whether the process of that editor is suspended. False where none has spoken.
+    bool isLatestEditorStopped() const;
+
     /// Called when a plug-in says that its user has moved; null for nobody.
     using Observer = std::function<void(const EditorPlace& place)>;
     void setObserver(Observer observer) { observer_ = std::move(observer); }

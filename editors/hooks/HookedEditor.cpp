@@ -73,6 +73,10 @@ QString HookedEditor::name() const {
     return state_->name;
 }
 
+bool HookedEditor::isSuspended() const {
+    return state_->socket->isLatestEditorStopped();
+}
+
 JumpResult HookedEditor::jump(const EditorPlace& place, const QDeadlineTimer& deadline) {
     return resultOf(
         [place](HookSocket& socket, HookSocket::Reply reply) {

@@ -29,6 +29,7 @@ public:
               const QDeadlineTimer& deadline) override;
     /// The name of the plug-in that answered or moved last.
     QString name() const override;
+    bool isSuspended() const override;
     JumpResult jump(const EditorPlace& place, const QDeadlineTimer& deadline) override;
     JumpResult goBack(const QDeadlineTimer& deadline) override;
     void follow(PlaceObserver observer) override;
