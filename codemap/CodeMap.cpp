@@ -82,6 +82,7 @@ public:
     }
 
     bool isWatching() const { return isWatching_; }
+    std::size_t filesMapped() const { return filesMapped_; }
 
 private:
     void run() {
@@ -160,6 +161,7 @@ private:
 
     void openBundle(const std::string& bundlePath) {
         builder_.reset();
+        filesMapped_ = 0;
         CodeMapSnapshot::Content content;
         content.revision = revision_ + 1;
         if (!bundlePath.empty()) {
@@ -170,7 +172,8 @@ private:
         publish(MapBuilder::Update{std::make_shared<const CodeMapSnapshot>(std::move(content)),
                                    std::move(change)});
         if (!bundlePath.empty()) {
-            builder_ = std::make_unique<MapBuilder>(resolvedPath("/", bundlePath), watch_.get());
+            builder_ = std::make_unique<MapBuilder>(resolvedPath("/", bundlePath), watch_.get(),
+                                                    &filesMapped_);
             publish(builder_->build(revision_ + 1));
         }
     }
@@ -207,6 +210,7 @@ private:
     std::uint64_t lastToken_ = 0;
 
     std::atomic<bool> isWatching_ = true;
+    std::atomic<std::size_t> filesMapped_ = 0;
 
     // Of the thread alone.
     std::uint64_t revision_ = 0;
@@ -245,6 +249,10 @@ void CodeMap::removeObserver(std::uint64_t token) {
 
 bool CodeMap::isWatching() const {
     return worker_->isWatching();
+}
+
+std::size_t CodeMap::filesMapped() const {
+    return worker_->filesMapped();
 }
 
 } // namespace navrel

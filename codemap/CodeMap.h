@@ -52,6 +52,9 @@ public:
     /// map looks at the disk once a second instead.
     bool isWatching() const;
 
+    /// How many files of the bundle that was opened last were mapped so far.
+    std::size_t filesMapped() const;
+
 private:
     class Worker;
     std::unique_ptr<Worker> worker_;

@@ -48,9 +48,10 @@ bool isSame(const CodeMapSnapshot& left, const CodeMapSnapshot::Content& right) 
 
 } // namespace
 
-MapBuilder::MapBuilder(std::string bundlePath, FolderWatch* watch)
+MapBuilder::MapBuilder(std::string bundlePath, FolderWatch* watch,
+                       std::atomic<std::size_t>* filesMapped)
     : bundlePath_(std::move(bundlePath)), disk_(watch, std::string(parentFolder(bundlePath_))),
-      last_(std::make_shared<CodeMapSnapshot>()) {}
+      last_(std::make_shared<CodeMapSnapshot>()), filesMapped_(filesMapped) {}
 
 MapBuilder::Update MapBuilder::build(std::uint64_t revision) {
     std::optional<Update> update = rebuild({}, revision);
@@ -144,6 +145,10 @@ CodeMapSnapshot::Content MapBuilder::contentOf(ProjectTree&& tree, const Paths& 
     for (MapNode& node : tree.nodes) {
         if (isSource(node)) {
             attachOutline(node, changed, symbols);
+        }
+        if (node.kind == NodeKind::file && !node.missing && filesMapped_ != nullptr &&
+            last_->state() == MapState::none) {
+            ++*filesMapped_;
         }
         content.nodes.push_back(shared(std::move(node), revision));
     }

@@ -6,6 +6,8 @@
 #include "codemap/tree/ProjectFiles.h"
 #include "codemap/tree/ProjectTree.h"
 
+#include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -28,8 +30,10 @@ public:
         CodeMap::Change change;
     };
 
-    /// `watch` may be null, and must outlive the builder.
-    explicit MapBuilder(std::string bundlePath, FolderWatch* watch = nullptr);
+    /// `watch` may be null, and must outlive the builder. So may `filesMapped`, which counts the
+    /// files while the first snapshot is built.
+    explicit MapBuilder(std::string bundlePath, FolderWatch* watch = nullptr,
+                        std::atomic<std::size_t>* filesMapped = nullptr);
 
     /// The first snapshot.
     Update build(std::uint64_t revision);
@@ -78,6 +82,7 @@ private:
     Paths treeSources_;
     std::unordered_map<std::string, Source> sources_;
     CodeMapSnapshotPtr last_;
+    std::atomic<std::size_t>* const filesMapped_;
 };
 
 } // namespace navrel

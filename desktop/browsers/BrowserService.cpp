@@ -119,9 +119,10 @@ ProgramFacts BrowserService::facts() {
     const AccessStatus access = access_.status();
     const std::vector<PairedDevice> devices = access_.devices();
     const CodeMapSnapshotPtr snapshot = map_.snapshot();
-    ProgramFacts facts = gatherFacts({collaborators_.delegate, collaborators_.dataManager,
-                                      collaborators_.editor, *snapshot, access_.settings(), access,
-                                      devices, isEditorFollowed_, map_.isWatching()});
+    ProgramFacts facts =
+        gatherFacts({collaborators_.delegate, collaborators_.dataManager, collaborators_.editor,
+                     *snapshot, access_.settings(), access, devices, isEditorFollowed_,
+                     map_.isWatching(), map_.filesMapped()});
     if (facts.device.state != ProgramFacts::Device::State::connected) {
         deviceSince_.clear();
     } else if (deviceSince_.isEmpty()) {

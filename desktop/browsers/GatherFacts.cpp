@@ -27,7 +27,8 @@ ProgramFacts::Project projectOf(const FactSources& sources) {
     project.name = textOf(snapshot.projectName());
     project.reason = textOf(snapshot.reason());
     project.line = snapshot.reasonLine();
-    project.files = static_cast<qint64>(snapshot.fileCount());
+    const bool isLoading = snapshot.state() == MapState::loading;
+    project.files = static_cast<qint64>(isLoading ? sources.filesMapped : snapshot.fileCount());
     project.state = snapshot.state() == MapState::loaded       ? State::loaded
                     : snapshot.state() == MapState::unreadable ? State::unreadable
                                                                : State::loading;

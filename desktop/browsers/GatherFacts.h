@@ -25,6 +25,7 @@ struct FactSources {
     const std::vector<PairedDevice>& devices;
     bool isEditorFollowed = false; ///< a client listens
     bool isMapWatching = true;     ///< CodeMap::isWatching
+    std::size_t filesMapped = 0;   ///< CodeMap::filesMapped
 };
 
 /// Collects the facts, as last known: asks no editor or device, and never blocks. Main thread.

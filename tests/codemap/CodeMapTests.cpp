@@ -87,6 +87,7 @@ TEST_F(CodeMapTests, loadsAProjectAndLeavesIt) {
     map.open(bundle_);
     EXPECT_TRUE(waitUntil([&] { return map.snapshot()->state() == MapState::loaded; }));
     EXPECT_EQ(contentOf(*map.snapshot()), fresh());
+    EXPECT_EQ(map.filesMapped(), map.snapshot()->fileCount());
     map.open({});
     EXPECT_TRUE(waitUntil([&] { return map.snapshot()->state() == MapState::none; }));
 }
