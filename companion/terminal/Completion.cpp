@@ -28,14 +28,28 @@ QStringList commandNames() {
     return names;
 }
 
+/// Methods without their - or +, as they are found too, for a user who types none.
+QStringList asTyped(const QString& part, QStringList symbols) {
+    const auto isSign = [](const QString& text) {
+        return text.startsWith(u'-') || text.startsWith(u'+');
+    };
+    if (!part.isEmpty() && !isSign(part)) {
+        for (QString& symbol : symbols) {
+            symbol = isSign(symbol) ? symbol.sliced(1) : symbol;
+        }
+    }
+    return symbols;
+}
+
 Completion placeCompletion(const QString& line, qsizetype begin, const CompletionWords& words) {
     const QString part = line.sliced(begin);
     const qsizetype colon = part.indexOf(u':');
     if (colon <= 0) {
         return {begin, beginningWith(part, words.files())};
     }
+    const QString symbol = part.sliced(colon + 1);
     return {begin + colon + 1,
-            beginningWith(part.sliced(colon + 1), words.symbols(part.first(colon)))};
+            beginningWith(symbol, asTyped(symbol, words.symbols(part.first(colon))))};
 }
 
 Completion argumentCompletion(const CommandInfo& command, const QString& line, qsizetype begin,

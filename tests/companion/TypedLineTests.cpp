@@ -48,6 +48,8 @@ TEST(Completion, symbolsFollowTheFile) {
     const Completion completion = completionOf(text("open b.m:-r"), words());
     EXPECT_EQ(completion.begin, 9);
     EXPECT_EQ(completion.candidates, QStringList{text("-rise")});
+    EXPECT_EQ(candidates("open b.m:r"), QStringList{text("rise")});
+    EXPECT_EQ(candidates("open b.m:+"), QStringList());
 }
 
 TEST(Completion, whatAllCandidatesShareIsTyped) {
