@@ -1,10 +1,15 @@
 // What the real program says about itself, with USB daemons and editors that come and go.
 
+#include "app/ProgramVersion.h"
+#include "support/process/ToolRunner.h"
 #include "tests/FakeUSBDaemon.h"
+#include "tests/ForeignListener.h"
 #include "tests/RealUSBDaemon.h"
+#include "tests/SessionBus.h"
 #include "tests/SmallProject.h"
 #include "tests/StopProcess.h"
 #include "tests/TestDevice.h"
+#include "tests/TestWebServer.h"
 #include "tests/WaitUntil.h"
 #include "tests/editors/ScratchEnvironment.h"
 #include "tests/endtoend/HeadlessNeovim.h"
@@ -12,11 +17,13 @@
 #include "tests/web/WebClient.h"
 
 #include <QFile>
+#include <QProcess>
 #include <gtest/gtest.h>
 
 #include <csignal>
 #include <regex>
 #include <sys/types.h>
+#include <unistd.h>
 
 namespace navrel {
 namespace {
@@ -86,6 +93,47 @@ TEST_F(StateTest, followsDebiansUSBDaemon) {
     EXPECT_TRUE(waitForSentence(kNoDevice)) << state();
 }
 
+TEST_F(StateTest, saysThatTheCompanionIsOnThisMachine) {
+    TestDevice device;
+    ASSERT_TRUE(device.listen());
+    ASSERT_TRUE(navrel_.start());
+    ASSERT_TRUE(device.waitForConnection());
+    EXPECT_TRUE(waitForSentence("A companion app on this machine is connected since "
+                                "[0-2][0-9]:[0-5][0-9]\\."))
+        << state();
+}
+
+TEST_F(StateTest, saysThatAnotherUserIsInTheCompanionsPlace) {
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "only root can become another user";
+    }
+    const ForeignListener listener;
+    if (!listener.isReady()) {
+        GTEST_SKIP() << "this namespace knows no other user";
+    }
+    ASSERT_TRUE(navrel_.start());
+    EXPECT_TRUE(waitForSentence("Port 2345 of this machine belongs to another user \\([^)]+\\), "
+                                "who is not shown your project\\."))
+        << state();
+}
+
+TEST_F(StateTest, saysWhatTheUpdateServerAnswered) {
+    const auto waitForAnswer = [this](const QString& server, const std::string& pattern) {
+        navrel_.kill();
+        navrel_.setEnvironment(QStringLiteral("NAVREL_SERVER"), server);
+        return navrel_.start() && waitForSentence(pattern);
+    };
+    const TestWebServer current(TestWebServer::text(programVersion().toUtf8()));
+    EXPECT_TRUE(waitForAnswer(current.url().toString(), "This is the latest version\\."))
+        << state();
+    const TestWebServer newer(TestWebServer::text("99.0"));
+    EXPECT_TRUE(waitForAnswer(newer.url().toString(), "Another version is available: 99\\.0\\."))
+        << state();
+    EXPECT_TRUE(waitForAnswer(QStringLiteral("http://127.0.0.1:9"),
+                              "The update server did not answer at start-up\\."))
+        << state();
+}
+
 TEST_F(StateTest, followsTheProjectAndItsSources) {
     project_.writeFile(QStringLiteral("a.m"), "@interface Tide : NSObject\n@end\n");
     ASSERT_TRUE(navrel_.start());
@@ -109,6 +157,11 @@ TEST_F(StateTest, saysThatThereIsNoProject) {
         << state();
     EXPECT_TRUE(waitForSentence("No browser can reach Navrel\\.")) << state();
     EXPECT_TRUE(waitForSentence("Navrel asks no server for updates\\.")) << state();
+    EXPECT_TRUE(waitForSentence("There are no sources to search\\.")) << state();
+    navrel_.kill();
+    navrel_.writeDefaults("[General]\nautomaticProjectSelection=true\n");
+    ASSERT_TRUE(navrel_.start());
+    EXPECT_TRUE(waitForSentence("The editor shows no project\\.")) << state();
 }
 
 TEST_F(StateTest, saysWhereBrowsersReachIt) {
@@ -123,28 +176,36 @@ TEST_F(StateTest, saysWhereBrowsersReachIt) {
 class EditorStateTest : public StateTest {
 protected:
     void SetUp() override {
-        if (!HeadlessNeovim::isAvailable()) {
-            GTEST_SKIP() << "needs nvim";
-        }
         ASSERT_NO_FATAL_FAILURE(StateTest::SetUp());
-        environment_.set("NVIM", socket().toUtf8());
         navrel_.writeDefaults("[General]\nautomaticProjectSelection=true\nlastKnownProject=\"" +
                               project_.bundle().toUtf8() + "\"\n");
     }
 
-    QString socket() const { return environment_.pathOf(QStringLiteral("neovim")); }
-    [[nodiscard]] bool startNeovim() {
-        return neovim_.start(socket(), project_.folder() + QStringLiteral("/a.m"));
-    }
+    QString file() const { return project_.folder() + QStringLiteral("/a.m"); }
 
     ScratchEnvironment environment_;
+};
+
+class NeovimStateTest : public EditorStateTest {
+protected:
+    void SetUp() override {
+        if (!HeadlessNeovim::isAvailable()) {
+            GTEST_SKIP() << "needs nvim";
+        }
+        ASSERT_NO_FATAL_FAILURE(EditorStateTest::SetUp());
+        environment_.set("NVIM", socket().toUtf8());
+    }
+
+    QString socket() const { return environment_.pathOf(QStringLiteral("neovim")); }
+    [[nodiscard]] bool startNeovim() { return neovim_.start(socket(), file()); }
+
     HeadlessNeovim neovim_;
 };
 
 constexpr char kNoEditor[] = "No editor answers\\.";
 constexpr char kNeovimAnswers[] = "Neovim answers\\.";
 
-TEST_F(EditorStateTest, followsAnEditorThatStartsAndDies) {
+TEST_F(NeovimStateTest, followsAnEditorThatStartsAndDies) {
     ASSERT_TRUE(navrel_.start());
     EXPECT_TRUE(waitForSentence(kNoEditor)) << state();
     ASSERT_TRUE(startNeovim());
@@ -153,7 +214,7 @@ TEST_F(EditorStateTest, followsAnEditorThatStartsAndDies) {
     EXPECT_TRUE(waitForSentence(kNoEditor)) << state();
 }
 
-TEST_F(EditorStateTest, followsAnEditorThatIsStopped) {
+TEST_F(NeovimStateTest, followsAnEditorThatIsStopped) {
     ASSERT_TRUE(startNeovim());
     ASSERT_TRUE(navrel_.start());
     ASSERT_TRUE(waitForSentence(kNeovimAnswers)) << state();
@@ -163,13 +224,108 @@ TEST_F(EditorStateTest, followsAnEditorThatIsStopped) {
     EXPECT_TRUE(waitForSentence(kNeovimAnswers)) << state();
 }
 
-TEST_F(EditorStateTest, followsAnEditorThatIsBusy) {
+TEST_F(NeovimStateTest, followsAnEditorThatIsBusy) {
     ASSERT_TRUE(startNeovim());
     ASSERT_TRUE(navrel_.start());
     ASSERT_TRUE(waitForSentence(kNeovimAnswers)) << state();
     // Half a command: the name of a register is to follow.
     neovim_.valueOf(QStringLiteral("feedkeys('\"')"));
     EXPECT_TRUE(waitForSentence("Neovim does not answer\\.")) << state();
+}
+
+/// Any other editor, with the same runtime folder as the program.
+class OtherEditorStateTest : public EditorStateTest {
+protected:
+    ~OtherEditorStateTest() override {
+        goOn();
+        endEditor();
+    }
+
+    [[nodiscard]] bool startEditor(const QString& program, const QStringList& arguments) {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), navrel_.runtimeFolder());
+        editor_.setProcessEnvironment(environment);
+        editor_.setStandardOutputFile(QProcess::nullDevice());
+        editor_.setStandardErrorFile(QProcess::nullDevice());
+        editor_.start(program, arguments + QStringList{file()});
+        return editor_.waitForStarted();
+    }
+    void goOn() const {
+        if (editor_.processId() > 0) {
+            ::kill(static_cast<pid_t>(editor_.processId()), SIGCONT);
+        }
+    }
+    void endEditor() {
+        editor_.kill();
+        editor_.waitForFinished();
+    }
+
+    QProcess editor_;
+};
+
+TEST_F(OtherEditorStateTest, followsEmacs) {
+    if (!findTool(QStringLiteral("emacs"))) {
+        GTEST_SKIP() << "needs emacs";
+    }
+    ASSERT_TRUE(navrel_.start());
+    EXPECT_TRUE(waitForSentence(kNoEditor)) << state();
+    ASSERT_TRUE(startEditor(QStringLiteral("emacs"),
+                            {QStringLiteral("-Q"), QStringLiteral("--fg-daemon")}));
+    EXPECT_TRUE(waitForSentence("Emacs answers\\.")) << state();
+    ASSERT_TRUE(stopProcess(editor_.processId()));
+    EXPECT_TRUE(waitForSentence("Emacs is stopped\\.")) << state();
+    goOn();
+    EXPECT_TRUE(waitForSentence("Emacs answers\\.")) << state();
+
+    // Busy for as long as it runs.
+    const QString waiting = QStringLiteral("(call-process \"tail\" nil nil nil \"-f\" "
+                                           "(format \"--pid=%d\" (emacs-pid)) \"/dev/null\")");
+    QProcess client;
+    client.setProcessEnvironment(editor_.processEnvironment());
+    client.start(QStringLiteral("emacsclient"), {QStringLiteral("--eval"), waiting});
+    EXPECT_TRUE(waitForSentence("Emacs does not answer\\.")) << state();
+    endEditor();
+    EXPECT_TRUE(waitForSentence(kNoEditor)) << state();
+    client.waitForFinished();
+}
+
+TEST_F(OtherEditorStateTest, followsVim) {
+    if (!findTool(QStringLiteral("vim"))) {
+        GTEST_SKIP() << "needs vim";
+    }
+    ASSERT_TRUE(navrel_.start());
+    EXPECT_TRUE(waitForSentence(kNoEditor)) << state();
+    ASSERT_TRUE(startEditor(QStringLiteral("vim"),
+                            {QStringLiteral("--not-a-term"), QStringLiteral("--clean"),
+                             QStringLiteral("-S"),
+                             QStringLiteral(NAVREL_SOURCE_DIR "/editors/vim/plugin/navrel.vim")}));
+    EXPECT_TRUE(waitForSentence("Vim answers\\.")) << state();
+    ASSERT_TRUE(stopProcess(editor_.processId()));
+    EXPECT_TRUE(waitForSentence("Vim is stopped\\.")) << state();
+    goOn();
+    EXPECT_TRUE(waitForSentence("Vim answers\\.")) << state();
+    endEditor();
+    EXPECT_TRUE(waitForSentence(kNoEditor)) << state();
+}
+
+TEST_F(OtherEditorStateTest, followsKate) {
+    if (!findTool(QStringLiteral("kate")) || !SessionBus::isAvailable()) {
+        GTEST_SKIP() << "needs kate and dbus-daemon";
+    }
+    const SessionBus bus;
+    environment_.set("DBUS_SESSION_BUS_ADDRESS", bus.address().toUtf8());
+    environment_.set("QT_QPA_PLATFORM", "offscreen");
+    navrel_.setEnvironment(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), bus.address());
+    ASSERT_TRUE(navrel_.start());
+    EXPECT_TRUE(waitForSentence(kNoEditor)) << state();
+    ASSERT_TRUE(startEditor(QStringLiteral("kate"), {QStringLiteral("-n")}));
+    EXPECT_TRUE(waitForSentence("Kate answers\\.")) << state();
+    ASSERT_TRUE(stopProcess(editor_.processId()));
+    EXPECT_TRUE(waitForSentence("Kate does not answer\\.")) << state();
+    goOn();
+    EXPECT_TRUE(waitForSentence("Kate answers\\.")) << state();
+    endEditor();
+    EXPECT_TRUE(waitForSentence(kNoEditor)) << state();
 }
 
 } // namespace
