@@ -1,9 +1,10 @@
 // How soon a client knows which file Kate shows, and how soon Kate answers a jump: the real one on
-// an X server of its own, 200 changes of file by keys and 200 jumps. Kate does not say where its
-// cursor is.
+// an X server of its own, 200 changes of file by keys and 200 jumps; or how soon a jump ends
+// whatever its user is in the middle of. Kate does not say where its cursor is.
 //
-// usage: bench_kate
+// usage: bench_kate [--states]
 
+#include "bench/Ratio.h"
 #include "bench/editors/Latencies.h"
 #include "editors/FollowedEditor.h"
 #include "editors/kate/KateEditor.h"
@@ -12,8 +13,10 @@
 
 #include <QCoreApplication>
 #include <QDBusConnection>
+#include <QDir>
 #include <QProcess>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
@@ -35,6 +38,34 @@ constexpr int kPauseSpread = 97;
 constexpr std::chrono::seconds kStartAtMost{60};
 /// It is on the bus before its window is drawn.
 constexpr std::chrono::seconds kUntilItTakesKeys{5};
+
+/// What a user may be in the middle of, and the keys that lead there.
+struct State {
+    const char* name;
+    std::vector<const char*> keys;
+    bool changesFile = false; ///< another program writes the file that the jump leads to
+};
+
+// clang-format off
+const std::vector<State> kStates = {
+    {"normal", {}},
+    {"selection", {"shift+Down", "shift+Down"}},
+    {"unsaved", {"h", "e", "l", "l", "o"}},
+    {"completion", {"l", "i", "ctrl+space"}},
+    {"find", {"ctrl+f", "l"}},
+    {"replace", {"ctrl+r"}},
+    {"goToLine", {"ctrl+g"}},
+    {"commandLine", {"F7", "h"}},
+    {"quickOpen", {"ctrl+alt+o"}},
+    {"menu", {"alt+f"}},
+    {"openDialog", {"ctrl+o"}},
+    {"question", {"h", "ctrl+w"}},
+    {"halfACommand", {"ctrl+alt+v", "d"}},
+    {"changedOnDisk", {}, true},
+};
+// clang-format on
+constexpr int kTimes = 3;
+constexpr double kGoal = 500;
 
 /// A process that ends with this object. Its first line is what it offers.
 class Server {
@@ -60,7 +91,8 @@ class Kate {
 public:
     Kate() {
         environment_.set("DISPLAY", ':' + display_.firstLine().toUtf8());
-        environment_.set("DBUS_SESSION_BUS_ADDRESS", bus_.firstLine().toUtf8());
+        const QString busAddress = bus_.firstLine();
+        environment_.set("DBUS_SESSION_BUS_ADDRESS", busAddress.toUtf8());
         environment_.set("QT_QPA_PLATFORM", "xcb");
         for (const QString& file : {first(), second()}) {
             ScratchEnvironment::write(file.toUtf8(), ScratchEnvironment::lines(kLines));
@@ -68,8 +100,8 @@ public:
         process_.setStandardErrorFile(QProcess::nullDevice());
         process_.start(QStringLiteral("kate"), {QStringLiteral("-n"), first(), second()});
         editor_ = std::make_unique<FollowedEditor>(
-            std::vector<std::shared_ptr<RunningEditor>>{
-                std::make_shared<KateEditor>(QDBusConnection::sessionBus())},
+            std::vector<std::shared_ptr<RunningEditor>>{std::make_shared<KateEditor>(
+                QDBusConnection::connectToBus(busAddress, busAddress))},
             nullptr);
         editor_->onMove([this](const EditorPosition& position) {
             shown_ = position.path;
@@ -126,10 +158,56 @@ public:
         reportLatencies(QStringLiteral("Kate"), "tap to answer", latencies, 0);
     }
 
+    /// Types what leads to the state. False where nothing of it shows.
+    bool enter(const State& state) {
+        const QByteArray before = screen();
+        for (const char* const key : state.keys) {
+            xdotool({QStringLiteral("key"), QString::fromUtf8(key)});
+        }
+        if (state.changesFile) {
+            ScratchEnvironment::write(first().toUtf8(), ScratchEnvironment::lines(kLines + 1));
+        }
+        return state.keys.empty() || waitUntil([&] { return differs(before, screen()); });
+    }
+
+    /// Leads it to the other file; the time until that ended, and how.
+    double jump(EditorOutcome& outcome) {
+        const auto ended = std::make_shared<std::atomic<bool>>(false);
+        const auto shared = std::make_shared<EditorOutcome>();
+        const auto begin = Clock::now();
+        editor_->open(first(), kLines / 2, 0, [=](const EditorOutcome& result) {
+            *shared = result;
+            *ended = true;
+        });
+        waitUntil([&] { return ended->load(); });
+        const double taken = Milliseconds(Clock::now() - begin).count();
+        outcome = *shared;
+        return taken;
+    }
+
 private:
+    QByteArray screen() const {
+        return ScratchEnvironment::read(environment_.bytesOf("screen/Xvfb_screen0"));
+    }
+    /// By more than a cursor that blinks.
+    static bool differs(const QByteArray& before, const QByteArray& after) {
+        constexpr int kBytesOfACursor = 400;
+        int different = 0;
+        for (qsizetype byte = 0; byte < std::min(before.size(), after.size()); ++byte) {
+            different += before[byte] != after[byte] ? 1 : 0;
+        }
+        return different > kBytesOfACursor;
+    }
+
     // Kate asks whether it may start a language server for sources.
     QString first() const { return environment_.pathOf(QStringLiteral("work/a.txt")); }
     QString second() const { return environment_.pathOf(QStringLiteral("work/b.txt")); }
+
+    static QString folderFor(const ScratchEnvironment& environment, const char* name) {
+        const QString folder = environment.pathOf(QString::fromUtf8(name));
+        QDir().mkpath(folder);
+        return folder;
+    }
 
     /// There is no window manager to give the window the keys.
     static bool focus() {
@@ -144,8 +222,9 @@ private:
     ScratchEnvironment environment_;
     Server display_{QStringLiteral("Xvfb"),
                     {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
-                     QStringLiteral("0"), QStringLiteral("1000x700x24"),
-                     QStringLiteral("-nolisten"), QStringLiteral("tcp")}};
+                     QStringLiteral("0"), QStringLiteral("1000x700x24"), QStringLiteral("-fbdir"),
+                     folderFor(environment_, "screen"), QStringLiteral("-nolisten"),
+                     QStringLiteral("tcp")}};
     Server bus_{QStringLiteral("dbus-daemon"),
                 {QStringLiteral("--session"), QStringLiteral("--nofork"),
                  QStringLiteral("--nopidfile"), QStringLiteral("--print-address=1")}};
@@ -166,10 +245,43 @@ int measure() {
     return 0;
 }
 
+/// The longest of some jumps, in milliseconds; 0 where there was none.
+double measureState(const State& state) {
+    std::vector<double> times;
+    EditorOutcome outcome;
+    for (int time = 0; time < kTimes; ++time) {
+        Kate kate;
+        if (kate.isReady() && kate.enter(state)) {
+            times.push_back(kate.jump(outcome));
+        }
+    }
+    if (times.empty()) {
+        std::printf("STATE | Kate | %s | was not reached\n", state.name);
+        return 0;
+    }
+    std::sort(times.begin(), times.end());
+    std::printf("STATE | Kate | %s | median %.0f ms | longest %.0f ms | %s\n", state.name,
+                times[times.size() / 2], times.back(),
+                outcome.isOpen() ? "opened" : qPrintable(outcome.reason));
+    std::fflush(stdout);
+    return times.back();
+}
+
+int measureStates() {
+    double longest = 0;
+    for (const State& state : kStates) {
+        longest = std::max(longest, measureState(state));
+    }
+    printRatio("Kate: longest jump from any state, in 500 ms", longest / kGoal, 1);
+    return 0;
+}
+
 } // namespace
 } // namespace navrel::bench
 
 int main(int argumentCount, char** arguments) {
     const QCoreApplication application(argumentCount, arguments);
-    return navrel::bench::measure();
+    return QCoreApplication::arguments().contains(QStringLiteral("--states"))
+               ? navrel::bench::measureStates()
+               : navrel::bench::measure();
 }
