@@ -147,6 +147,35 @@ TEST_F(StateTest, followsTheProjectAndItsSources) {
     EXPECT_TRUE(waitForSentence("App is loaded: 2 files\\.")) << state();
 }
 
+TEST_F(StateTest, countsTheFilesWhileItReadsThem) {
+    QByteArray methods;
+    for (int method = 0; method < 300; ++method) {
+        methods += "- (void)rise" + QByteArray::number(method) + " {\n}\n";
+    }
+    for (int file = 0; file < 300; ++file) {
+        const QByteArray name = "f" + QByteArray::number(file);
+        project_.writeFile(QString::fromUtf8(name) + QStringLiteral(".m"), methods);
+        project_.addEntry(name.toUpper(), name + ".m");
+    }
+    const std::regex isReading("\"text\":\"Navrel is reading App: [1-9][0-9]* files? so far\\.\"");
+    const auto isSeen = [&](const std::string& text) {
+        return std::regex_search(text, isReading) &&
+               text.find("Navrel is reading the sources.") != std::string::npos;
+    };
+    // It may be over before it was looked at: then once more.
+    bool wasSeen = false;
+    for (int start = 0; start < 20 && !wasSeen; ++start) {
+        navrel_.kill();
+        ASSERT_TRUE(navrel_.start());
+        EXPECT_TRUE(waitUntil([&] {
+            const std::string text = state();
+            wasSeen = wasSeen || isSeen(text);
+            return wasSeen || text.find("App is loaded: 301 files.") != std::string::npos;
+        }));
+    }
+    EXPECT_TRUE(wasSeen);
+}
+
 TEST_F(StateTest, saysThatThereIsNoProject) {
     // No editor that happens to run on this machine.
     navrel_.setEnvironment(QStringLiteral("NAVREL_EDITOR"), QStringLiteral("desktop"));
@@ -159,7 +188,7 @@ TEST_F(StateTest, saysThatThereIsNoProject) {
     EXPECT_TRUE(waitForSentence("Navrel asks no server for updates\\.")) << state();
     EXPECT_TRUE(waitForSentence("There are no sources to search\\.")) << state();
     navrel_.kill();
-    navrel_.writeDefaults("[General]\nautomaticProjectSelection=true\n");
+    navrel_.writeDefaults("[General]\nautomaticProjectSelection=true\nlastKnownProject=\n");
     ASSERT_TRUE(navrel_.start());
     EXPECT_TRUE(waitForSentence("The editor shows no project\\.")) << state();
 }
