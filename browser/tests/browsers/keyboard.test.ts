@@ -43,7 +43,11 @@ function unreached(): string[] {
   return groups.filter((group) => !group.querySelector("button:not([tabindex='-1'])")).map((group) => `no row of ${group.getAttribute("aria-label")} is reached`);
 }
 
+/** In the page: whether the row that a tap brought the focus to is a stop by now, which the next drawing makes it. */
+const isDrawn = () => document.activeElement?.getAttribute("tabindex") !== "-1";
+
 async function faultsOf(view: View): Promise<string[]> {
+  await until("the row that was tapped to be a stop", () => view.run(isDrawn));
   const expected = new Set(await view.run(stops));
   const faults = new Set(await view.run(unreached));
   for (let presses = 0; presses < kMostStops && expected.size > 0; presses++) {
