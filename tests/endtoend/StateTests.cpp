@@ -148,14 +148,15 @@ TEST_F(StateTest, followsTheProjectAndItsSources) {
 }
 
 TEST_F(StateTest, countsTheFilesWhileItReadsThem) {
-    QByteArray methods;
-    for (int method = 0; method < 300; ++method) {
-        methods += "- (void)rise" + QByteArray::number(method) + " {\n}\n";
+    // Of a kind that the store does not read, so that Navrel answers meanwhile.
+    QByteArray functions;
+    for (int function = 0; function < 2000; ++function) {
+        functions += "void rise" + QByteArray::number(function) + "() {\n    tide += 1;\n}\n";
     }
     for (int file = 0; file < 300; ++file) {
         const QByteArray name = "f" + QByteArray::number(file);
-        project_.writeFile(QString::fromUtf8(name) + QStringLiteral(".m"), methods);
-        project_.addEntry(name.toUpper(), name + ".m");
+        project_.writeFile(QString::fromUtf8(name) + QStringLiteral(".cc"), functions);
+        project_.addEntry(name.toUpper(), name + ".cc");
     }
     const std::regex isReading("\"text\":\"Navrel is reading App: [1-9][0-9]* files? so far\\.\"");
     const auto isSeen = [&](const std::string& text) {
