@@ -577,10 +577,12 @@ HTTPResponse Site::answerSwitches(const Visit& visit, const HTTPRequest& request
 
 HTTPResponse Site::answerOffer(const Visit&, const HTTPRequest&) {
     if (access_.addresses.empty()) {
-        return errorResponse(409,
-                             access_.problem.empty() ? "Browsers are not let in."
-                                                     : std::string_view(access_.problem),
-                             "Set browserAccess to machine or network.");
+        return errorResponse(
+            409,
+            access_.problem.empty() ? "Browsers are not let in."
+                                    : std::string_view(access_.problem),
+            "Choose \"Phone or Tablet…\" in Navrel's menu, or set browserAccess to "
+            "machine or network in Navrel.conf.");
     }
     const PairingOffer offer = parts_.pairing.offer();
     json::object view = {{"url", pairingURL(access_.addresses.front(), offer)},
