@@ -86,18 +86,20 @@ TEST(FuzzyMatchTests, theLettersHoldWhateverIsFound) {
     EXPECT_TRUE(mayHold(letterSetOf("Über"), FuzzyMatch("ü").letters()));
 }
 
+std::string randomText(std::mt19937& random, std::string_view characters, std::size_t length) {
+    std::string text;
+    while (text.size() < length) {
+        text += characters[random() % characters.size()];
+    }
+    return text;
+}
+
 // Short names are scored by the places of the query's characters alone. What is behind the last of
 // them costs nothing, and makes a name long.
 TEST(FuzzyMatchTests, shortNamesScoreAsLongOnesDo) {
     constexpr std::string_view kCharacters = "abcABC12_/( ";
     std::mt19937 random(11);
-    const auto textOf = [&](std::size_t length) {
-        std::string text;
-        while (text.size() < length) {
-            text += kCharacters[random() % kCharacters.size()];
-        }
-        return text;
-    };
+    const auto textOf = [&](std::size_t length) { return randomText(random, kCharacters, length); };
     int found = 0;
     for (int round = 0; round < 20'000; ++round) {
         const std::string name = textOf(1 + random() % ShortName::kMaximumLength);
@@ -113,13 +115,7 @@ TEST(FuzzyMatchTests, shortNamesScoreAsLongOnesDo) {
 TEST(FuzzyMatchTests, noScoreIsAboveItsBound) {
     constexpr std::string_view kCharacters = "abcABC12_/( \xC3";
     std::mt19937 random(7);
-    const auto textOf = [&](std::size_t length) {
-        std::string text;
-        while (text.size() < length) {
-            text += kCharacters[random() % kCharacters.size()];
-        }
-        return text;
-    };
+    const auto textOf = [&](std::size_t length) { return randomText(random, kCharacters, length); };
     int found = 0;
     for (int round = 0; round < 20'000; ++round) {
         const std::string name = textOf(1 + random() % 16);
