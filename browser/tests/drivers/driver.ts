@@ -48,12 +48,25 @@ const kPauseMilliseconds = 50;
 /** Thrown by what is waited for where waiting longer is of no use. */
 export class Hopeless extends Error {}
 
+/** What a promise comes to, or an error when that takes too long: a browser that hangs must not hang the run. */
+export async function within<Answer>(milliseconds: number, what: string, promise: Promise<Answer>): Promise<Answer> {
+  let timer: NodeJS.Timeout | undefined;
+  const late = new Promise<never>((_, fail) => {
+    timer = setTimeout(() => fail(new Error(`${what} took more than ${milliseconds / 1000} s`)), milliseconds);
+  });
+  try {
+    return await Promise.race([promise, late]);
+  } finally {
+    clearTimeout(timer);
+  }
+}
+
 export async function until<Answer>(what: string, look: () => Promise<Answer | undefined | false>): Promise<Answer> {
   const deadline = Date.now() + kDeadlineMilliseconds;
   let last: Error | undefined;
-  while (Date.now() < deadline) {
+  for (let left = kDeadlineMilliseconds; left > 0; left = deadline - Date.now()) {
     try {
-      const answer = await look();
+      const answer = await within(left, "one look", look());
       if (answer !== undefined && answer !== false) return answer;
       last = undefined;
     } catch (error) {

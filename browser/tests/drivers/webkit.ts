@@ -3,12 +3,14 @@
 import { type ChildProcess, spawn } from "node:child_process";
 import { existsSync, readdirSync, writeFileSync } from "node:fs";
 import type { Readable } from "node:stream";
-import { type Colours, complaintsOfPage, type Device, type Driver, kSizes, type Key, listenForComplaints, middleOf, type Size, until, type View } from "./driver";
+import { type Colours, complaintsOfPage, type Device, type Driver, kDeadlineMilliseconds, kSizes, type Key, listenForComplaints, middleOf, type Size, until, type View } from "./driver";
 import { freePort } from "./ports";
+import { end } from "./processes";
 
 const kLibraries = "/usr/lib";
 /** Its buttons keep the window from becoming as narrow as a phone's. */
 const kNarrowestWindow = 480;
+const kAttempts = 3;
 const kElement = "element-6066-11e4-a52e-4f735466cecf";
 const kShift = "\uE008";
 const kKeys: Partial<Record<Key, string>> = { Tab: "\uE004", Enter: "\uE007", Escape: "\uE00C", ArrowDown: "\uE015", ArrowUp: "\uE013" };
@@ -21,13 +23,6 @@ function findBrowser(): string {
     }
   }
   throw new Error("There is no MiniBrowser: install webkit2gtk-driver");
-}
-
-async function end(process: ChildProcess): Promise<void> {
-  if (process.exitCode !== null || process.signalCode !== null) return;
-  const ended = new Promise((done) => process.once("exit", done));
-  process.kill();
-  await ended;
 }
 
 /** An X server on a display of its own choice. */
@@ -45,7 +40,8 @@ class WebDriver {
   constructor(private readonly root: string) {}
 
   async ask<Answer>(method: "GET" | "POST" | "DELETE", path: string, body?: unknown): Promise<Answer> {
-    const response = await fetch(this.root + path, { method, ...(method === "POST" ? { body: JSON.stringify(body ?? {}) } : {}) });
+    const signal = AbortSignal.timeout(kDeadlineMilliseconds);
+    const response = await fetch(this.root + path, { method, signal, ...(method === "POST" ? { body: JSON.stringify(body ?? {}) } : {}) });
     const { value } = (await response.json()) as { value: Answer & { error?: string; message?: string } };
     if (!response.ok) throw new Error(`${value.error}: ${value.message}`);
     return value;
@@ -145,6 +141,14 @@ class WebKitView implements View {
   }
 }
 
+async function session(driver: WebDriver): Promise<string> {
+  await until("WebKitWebDriver", () => driver.ask<{ ready: boolean }>("GET", "/status").then(({ ready }) => ready));
+  const options = { binary: findBrowser(), args: ["--automation"] };
+  const capabilities = { alwaysMatch: { acceptInsecureCerts: true, "webkitgtk:browserOptions": options } };
+  const { sessionId } = await driver.ask<{ sessionId: string }>("POST", "/session", { capabilities });
+  return sessionId;
+}
+
 export class WebKitDriver implements Driver {
   private constructor(private readonly display: { process: ChildProcess; name: string }) {}
 
@@ -152,9 +156,24 @@ export class WebKitDriver implements Driver {
     return new WebKitDriver(await startDisplay());
   }
 
+  /** Now and then the driver waits for ever for the browser that it starts: another one is started in its place. */
   async open(device: Device, colours: Colours): Promise<View> {
-    const port = await freePort();
-    const program = spawn("WebKitWebDriver", [`--port=${port}`], {
+    for (let attempt = 1; ; attempt += 1) {
+      const port = await freePort();
+      const program = this.start(port, colours);
+      const driver = new WebDriver(`http://127.0.0.1:${port}`);
+      try {
+        return new WebKitView(driver, program, await session(driver), device);
+      } catch (error) {
+        await end(program);
+        if (attempt === kAttempts) throw error;
+        console.error(`WebKitWebDriver started no browser (${String(error)})`);
+      }
+    }
+  }
+
+  private start(port: number, colours: Colours): ChildProcess {
+    return spawn("WebKitWebDriver", [`--port=${port}`], {
       stdio: "ignore",
       env: {
         ...process.env,
@@ -165,12 +184,6 @@ export class WebKitDriver implements Driver {
         NO_AT_BRIDGE: "1",
       },
     });
-    const driver = new WebDriver(`http://127.0.0.1:${port}`);
-    await until("WebKitWebDriver", () => driver.ask<{ ready: boolean }>("GET", "/status").then(({ ready }) => ready));
-    const options = { binary: findBrowser(), args: ["--automation"] };
-    const capabilities = { alwaysMatch: { acceptInsecureCerts: true, "webkitgtk:browserOptions": options } };
-    const { sessionId } = await driver.ask<{ sessionId: string }>("POST", "/session", { capabilities });
-    return new WebKitView(driver, program, sessionId, device);
   }
 
   async close(): Promise<void> {

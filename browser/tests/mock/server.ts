@@ -5,6 +5,7 @@ import { existsSync, readFileSync } from "node:fs";
 import type { AddressInfo, Socket } from "node:net";
 import { extname, join } from "node:path";
 import type * as Shape from "../../app/wire/shapes";
+import { kDeadlineMilliseconds, within } from "../drivers/driver";
 import { sampleChanges, sampleHits, sampleNotes, sampleOutlines, sampleState, sampleTree, sampleTypes } from "./sample";
 
 export const kTicket = "AAAAAAAAAAAAAAAAAAAAAA";
@@ -72,7 +73,7 @@ export class MockServer {
   async stop(): Promise<void> {
     const closed = new Promise((done) => this.server.close(done));
     for (const socket of this.sockets) socket.destroy();
-    await closed;
+    await within(kDeadlineMilliseconds, "Closing the server", closed);
   }
 
   get url(): string {

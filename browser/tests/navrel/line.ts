@@ -1,5 +1,6 @@
 // The network between the page and Navrel. A test cuts it without a word to either end, as a sleeping device does.
 import { type AddressInfo, connect, createServer, type Server, type Socket } from "node:net";
+import { kDeadlineMilliseconds, within } from "../drivers/driver";
 
 export class Line {
   private readonly server: Server;
@@ -38,7 +39,7 @@ export class Line {
   async close(): Promise<void> {
     const closed = new Promise((done) => this.server.close(done));
     for (const socket of this.sockets) socket.destroy();
-    await closed;
+    await within(kDeadlineMilliseconds, "Closing the line", closed);
   }
 
   private join(near: Socket): void {

@@ -6,6 +6,7 @@ import { tmpdir } from "node:os";
 import { join, resolve } from "node:path";
 import { Hopeless, until } from "../drivers/driver";
 import { freePort } from "../drivers/ports";
+import { end } from "../drivers/processes";
 import type * as Shape from "../../app/wire/shapes";
 
 const kBuilds = ["test", "dev", "debug", "release", "bench"];
@@ -83,10 +84,7 @@ export class Navrel {
   async stop(): Promise<void> {
     const { process } = this;
     this.process = undefined;
-    if (!process?.pid || process.exitCode !== null || process.signalCode !== null) return;
-    const ended = new Promise((done) => process.once("exit", done));
-    process.kill();
-    await ended;
+    if (process) await end(process);
   }
 
   async remove(): Promise<void> {

@@ -3,6 +3,7 @@ import { type ChildProcess, execFile, spawn } from "node:child_process";
 import { join } from "node:path";
 import { promisify } from "node:util";
 import { Hopeless, until } from "../drivers/driver";
+import { end } from "../drivers/processes";
 
 const run = promisify(execFile);
 
@@ -50,8 +51,6 @@ export class Neovim {
   }
 
   async stop(): Promise<void> {
-    const ended = new Promise((done) => this.process.once("exit", done));
-    this.process.kill("SIGKILL");
-    await ended;
+    await end(this.process, "SIGKILL");
   }
 }
