@@ -12,6 +12,9 @@ const patterns = options.name ? [`--test-name-pattern=${options.name}`] : [];
 /** All of them: journeys mostly wait, for the page or for the server. */
 const kFilesAtATime = 4;
 
+/** A suite takes three minutes on two processors; one that takes this long hangs, and fails with what it came to. */
+const kSuiteMilliseconds = 900_000;
+
 const testsOf = (folder) => readdirSync(folder).filter((name) => name.endsWith(".test.ts")).map((name) => join(folder, name));
 
 makeApp();
@@ -21,7 +24,8 @@ let status = 0;
 for (const suite of suites) {
   console.error(`== ${suite}`);
   const files = (suite === "unit" ? programs.unit : programs.browsers).filter((path) => path.includes(options.file ?? ""));
-  const run = spawnSync(process.execPath, ["--test", `--test-concurrency=${kFilesAtATime}`, ...patterns, ...files], { stdio: "inherit", env: { ...process.env, NAVREL_BROWSER_ENGINE: suite } });
+  const run = spawnSync(process.execPath, ["--test", `--test-concurrency=${kFilesAtATime}`, ...patterns, ...files], { stdio: "inherit", timeout: kSuiteMilliseconds, env: { ...process.env, NAVREL_BROWSER_ENGINE: suite } });
+  if (run.error) console.error(`${suite}: ${run.error.message}`);
   if (run.status !== 0) status = 1;
 }
 process.exit(status);
