@@ -1,4 +1,4 @@
-// How each kind looks: a letter, a colour (of styles/kinds.css) and a word for those who hear the page.
+// How each kind looks: a letter, a colour (of styles/rows.css) and a word for those who hear the page.
 import type { Shape } from "../wire/wire";
 
 export type AnyKind = Shape.SymbolKind | Shape.NoteKind | Shape.NodeKind | "mark" | "note";
