@@ -725,6 +725,7 @@ std::string Recogniser::nameAfterBody(std::size_t brace) {
         } else if (token.is('*')) {
             isPointer = isPointer || name.empty();
         } else if (token.kind != TokenKind::word) {
+            name = token.is(kScopeSign) ? "" : name; // "enum { a } A::f() {}"
             break;
         }
         isAfterName = false;
