@@ -230,13 +230,10 @@ private:
         const bool isCalled = head_.is(after, '(') || head_.is(after, '[');
         if (after == index_ + 1) {
             isDone_ = true; // nothing closes it
+        } else if (takesHeldName(after, isCalled)) {
+            index_ = after;
         } else if (isCalled && (name_.isValid() || types_ > 0) && holdsPointer()) {
             readPointer();
-        } else if (holdsName(after) && (isCalled || !name_.isValid()) &&
-                   (types_ > 0 || name_.isValid())) {
-            takeType();
-            name_ = {index_ + 1, after - 2};
-            index_ = after;
         } else if (!name_.isValid()) {
             index_ = after;
         } else if (isMacroBefore(after)) {
@@ -249,13 +246,41 @@ private:
         }
     }
 
-    /// "(name)", "(A::name)".
-    bool holdsName(std::size_t after) const {
-        std::size_t i = index_ + 1;
-        while (i + 3 < after && head_[i].isName() && head_[i + 1].is(kScopeSign)) {
-            i += 2;
+    /// Takes "(name)" for the name where it is that one.
+    bool takesHeldName(std::size_t after, bool isCalled) {
+        const NameRange held = heldName(after);
+        const bool hasMore = types_ > 0 || name_.isValid();
+        const bool isName = hasMore ? isCalled || !name_.isValid() : isConstructor(held);
+        if (!held.isValid() || !isName) {
+            return false;
         }
-        return i + 2 == after && head_[i].isName();
+        takeType();
+        name_ = held;
+        return true;
+    }
+
+    /// "(name)", "((name))", "(A::name)", "(A<int>::name)".
+    NameRange heldName(std::size_t after) const {
+        std::size_t begin = index_ + 1;
+        std::size_t end = after - 1;
+        while (head_.is(begin, '(') && head_.after(begin) == end) {
+            ++begin;
+            --end;
+        }
+        const bool isHeld = begin < end && head_[begin].isName() && head_[end - 1].isName() &&
+                            afterType(begin) == end;
+        return isHeld ? NameRange{begin, end - 1} : NameRange{};
+    }
+
+    /// "A" in the class A, and "A::A".
+    bool isConstructor(NameRange name) const {
+        const std::string text = name.isValid() ? textOfName(head_, name) : "";
+        const std::size_t sign = text.rfind("::");
+        if (sign == std::string::npos) {
+            return !text.empty() && text == className_;
+        }
+        const std::string scope = "::" + text.substr(0, sign);
+        return scope.ends_with(text.substr(sign));
     }
 
     /// "(*name", "(WINAPI *name", "(Class::*name", "(^name", and "(POINTER name" with a macro.
@@ -452,10 +477,16 @@ bool isCallWithLiteral(const Head& head, std::size_t name) {
     return head.is(name + 1, '(') && name + 2 < head.size() && isLiteral(head[name + 2]);
 }
 
+/// "L'a'", "u8"a"".
+bool isPrefixedLiteral(const Head& head, std::size_t first) {
+    return first + 1 < head.size() && isLiteral(head[first + 1]);
+}
+
 /// Whether what stands between parentheses begins with a value: "1", "-a", "A('a')", "{}".
 bool beginsValue(const Head& head, std::size_t first) {
     if (head[first].kind == TokenKind::word) {
-        return isValueWord(head.textOf(first)) || isCallWithLiteral(head, first);
+        return isValueWord(head.textOf(first)) || isPrefixedLiteral(head, first) ||
+               isCallWithLiteral(head, first);
     }
     if (head[first].is(kScopeSign)) {
         return isCallWithLiteral(head, first + 1);
@@ -482,7 +513,9 @@ bool isQualified(const Head& head, NameRange name) {
 
 bool looksLikeArguments(const Head& head, const Declarator& declarator) {
     const std::size_t first = declarator.parameters + 1;
-    return first < head.size() && beginsValue(head, first);
+    const bool isAfterName = first == declarator.name.last + 2; // not "f PARAMS((int a))"
+    const bool mayNest = declarator.hasType && isAfterName;
+    return first < head.size() && (beginsValue(head, first) || (mayNest && head[first].is('(')));
 }
 
 bool isOldStyleParameter(const Head& head) {
