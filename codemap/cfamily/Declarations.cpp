@@ -127,6 +127,10 @@ void Declarations::addAll(std::size_t end, bool isFirstTaken) {
         addAlias(end);
         return;
     }
+    if (const std::size_t opening = bindings(); opening < head_.size()) {
+        addBindings(opening, end);
+        return;
+    }
     bool hasType = false;
     for (std::size_t begin = 0; begin < head_.size(); ++begin) {
         const Declarator declarator = readDeclarator(head_, begin, hasType, scopes_.current().name);
@@ -137,6 +141,33 @@ void Declarations::addAll(std::size_t end, bool isFirstTaken) {
         begin = declarator.end;
         while (begin < head_.size() && !head_.is(begin, ',')) {
             begin = head_.after(begin);
+        }
+    }
+}
+
+/// The index of the bracket in "auto [a, b] = f();"; the head's size in other declarations.
+std::size_t Declarations::bindings() const {
+    bool isAuto = false;
+    for (std::size_t index = 0; index < head_.size(); index = head_.after(index)) {
+        const Token& token = head_[index];
+        const bool isAttribute = token.is('[') && head_.is(index + 1, '[');
+        if (token.is('[') && !isAttribute) {
+            return isAuto ? index : head_.size();
+        }
+        const bool isAutoWord = token.is(Word::builtInType) && head_.textOf(index) == "auto";
+        isAuto = isAuto || isAutoWord;
+        if (!isAutoWord && !isAttribute && !token.is(Word::specifier) && !token.is('&') &&
+            !token.is(kLogicalSign)) {
+            return head_.size();
+        }
+    }
+    return head_.size();
+}
+
+void Declarations::addBindings(std::size_t opening, std::size_t end) {
+    for (std::size_t index = opening; index < head_.after(opening); ++index) {
+        if (head_[index].isName()) {
+            add(found(SymbolKind::variable, {index, index}, head_.back().end), end);
         }
     }
 }
@@ -282,7 +313,8 @@ bool Declarations::isToBeShown(const Declarator& declarator) const {
     if (declarator.isFunction && !isVariable(declarator)) {
         return isFunctionToBeShown(declarator);
     }
-    const bool isExternal = contains(Word::externName) && !head_.is(declarator.end, '=');
+    const bool isExternal =
+        contains(Word::externName) && !declarator.isFunction && !head_.is(declarator.end, '=');
     return declarator.hasType && !declarator.isOperator && (!isExternal || isHeader_);
 }
 

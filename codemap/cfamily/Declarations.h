@@ -94,6 +94,8 @@ private:
     bool isToBeShown(const Declarator& declarator) const;
     bool isFunctionToBeShown(const Declarator& declarator) const;
     bool isVariable(const Declarator& declarator) const;
+    std::size_t bindings() const;
+    void addBindings(std::size_t opening, std::size_t end);
     SymbolKind kindOf(const Declarator& declarator) const;
     bool contains(Word word) const;
     bool isSpecialMember(const Declarator& declarator) const;
