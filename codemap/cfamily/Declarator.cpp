@@ -337,7 +337,10 @@ private:
         for (; i < after; ++i) {
             const Token& token = head_[i];
             if (token.isName()) {
-                name = {i, i};
+                const bool isJoined = head_[i - 1].is(kScopeSign) && name.isValid();
+                name = {isJoined ? name.first : i, i};
+            } else if (token.is('<')) {
+                i = head_.afterAngles(i) - 1;
             } else if (isPointerSign(token)) {
                 name = {};
             } else if (token.is('(') && name.isValid()) {
