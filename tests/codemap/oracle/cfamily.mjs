@@ -19,10 +19,22 @@ function textOf(node) {
     }
     if (node.type === "qualified_identifier") {
         const scope = node.childForFieldName("scope");
-        return (scope ? textOf(scope) + "::" : "") + textOf(node.childForFieldName("name"));
+        const name = node.childForFieldName("name");
+        if (name.type === "pointer_type_declarator" && !name.text.includes("(")) {
+            return name.text.replace(/^.*\*\s*/, ""); // "int A::*b"
+        }
+        return (scope ? textOf(scope) + "::" : "") + textOf(name);
     }
     const text = node.text.replaceAll(/\s+/g, " ");
-    return text.startsWith("operator") ? text.replace(/^operator (?=\W)/, "operator") : text.replaceAll(" ", "");
+    if (node.type === "operator_cast") {
+        return conversionOf(text);
+    }
+    return text.startsWith("operator") ? text.replace(/^operator (?=\W)/, "operator").replace(/"" /, '""') : text.replaceAll(" ", "");
+}
+
+/** "operator const char*" of "operator const char *() const". */
+function conversionOf(text) {
+    return text.replace(/ ?\([^()]*\)[^()]*$/, "").replaceAll(/ ?([*&]+) ?/g, "$1");
 }
 
 function isOperator(name) {
@@ -45,8 +57,7 @@ function readDeclarator(node) {
             case "primitive_type":
                 return { node, name: textOf(node), isFunction };
             case "operator_cast": {
-                const type = node.text.replaceAll(/\s+/g, " ").split("(")[0].trim();
-                return { node, name: type, isFunction: true };
+                return { node, name: textOf(node), isFunction: true };
             }
             case "function_declarator":
                 isFunction = true;
@@ -93,6 +104,7 @@ class Reader {
     constructor(isHeader) {
         this.isHeader = isHeader;
         this.found = [];
+        this.classes = []; // around the place that is read
     }
 
     add(kind, name, node) {
@@ -176,7 +188,9 @@ class Reader {
             this.add(shown, names[0].name, node);
             taken = true;
         }
+        this.classes.push(name ? textOf(name) : "");
         this.readAll(body, kind === "enum" ? place : "type");
+        this.classes.pop();
         return taken;
     }
 
@@ -193,14 +207,19 @@ class Reader {
         const declarators = declaratorsOf(node);
         const names = declarators.map((one) => readDeclarator(one)).filter((one) => one);
         const taken = this.readType(type, place, names);
-        const isExternal = node.namedChildren.some((one) => one.type === "storage_class_specifier" && one.text === "extern");
+        const isExternal = node.parent?.type === "linkage_specification" || node.namedChildren.some((one) => one.type === "storage_class_specifier" && one.text === "extern");
         declarators.forEach((declarator, index) => {
+            if (declarator.type === "init_declarator" && declarator.namedChildren[0].type === "structured_binding_declarator") {
+                declarator.namedChildren[0].namedChildren.filter((name) => name.type === "identifier").forEach((name) => this.add("variable", name.text, name));
+                return;
+            }
             const one = readDeclarator(declarator);
             if (!one || (taken && index === 0)) {
                 return;
             }
             if (one.isFunction) {
-                this.readFunction(declarator, place, false, /=\s*(default|delete)\s*;$/.test(node.text));
+                const hasBody = declarator.type === "init_declarator" && declarator.childForFieldName("value")?.type === "initializer_list"; // "void f() {};"
+                this.readFunction(declarator, place, hasBody, /=\s*(default|delete)\s*;$/.test(node.text));
             } else if (!isExternal || this.isHeader || declarator.type === "init_declarator") {
                 this.add(place === "type" ? "field" : "variable", one.name, one.node);
             }
@@ -214,7 +233,7 @@ class Reader {
         if (!one || !isShown) {
             return;
         }
-        const isCall = hasBody && !declarator.parent.childForFieldName("type") && /^[A-Z_0-9]{2,}$/.test(one.name);
+        const isCall = hasBody && one.name !== this.classes.at(-1) && !declarator.parent.childForFieldName("type") && /^[A-Z_0-9]{2,}$/.test(one.name);
         if (isCall) {
             const call = declarator.text.replaceAll(/\s+/g, " ");
             this.add(place === "type" ? "method" : "function", call, one.node); // a macro with a body
