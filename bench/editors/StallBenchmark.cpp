@@ -10,6 +10,7 @@
 #include "editors/neovim/NeovimConnection.h"
 #include "editors/neovim/NeovimEditor.h"
 #include "support/process/ToolRunner.h"
+#include "tests/StopProcess.h"
 #include "tests/WaitUntil.h"
 #include "tests/editors/FakeServer.h"
 #include "tests/editors/ScratchEnvironment.h"
@@ -27,7 +28,6 @@
 #include <memory>
 #include <string>
 #include <sys/socket.h>
-#include <sys/types.h>
 #include <sys/un.h>
 #include <thread>
 #include <unistd.h>
@@ -56,7 +56,7 @@ class Editors {
 public:
     ~Editors() {
         for (const auto& process : processes_) {
-            ::kill(pid(*process), SIGCONT);
+            continueProcess(process->processId());
             process->kill();
             process->waitForFinished();
         }
@@ -86,12 +86,13 @@ public:
         EmacsEditor emacs;
         return waitUntil([&] { return emacs.activeFile(QDeadlineTimer(5000)).has_value(); });
     }
-    void stop(std::size_t process) const { ::kill(pid(*processes_.at(process)), SIGSTOP); }
+    void stop(std::size_t process) const {
+        signalProcess(processes_.at(process)->processId(), SIGSTOP);
+    }
 
     QString pathOf(const char* name) const { return environment_.pathOf(QString::fromUtf8(name)); }
 
 private:
-    static pid_t pid(const QProcess& process) { return static_cast<pid_t>(process.processId()); }
     void start(const QString& program, const QStringList& arguments) {
         processes_.push_back(std::make_unique<QProcess>());
         processes_.back()->setStandardOutputFile(QProcess::nullDevice());

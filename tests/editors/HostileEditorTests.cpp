@@ -18,7 +18,6 @@
 #include <QProcess>
 #include <gtest/gtest.h>
 
-#include <csignal>
 #include <memory>
 #include <poll.h>
 #include <sys/socket.h>
@@ -350,17 +349,18 @@ TEST_F(HostileNeovim, theSocketOfAnotherUserIsNotUsed) {
     EXPECT_TRUE(waitUntil([&] { return server.connections() == 2; })) << "it did not get so far";
 }
 
+TEST(StopProcess, noProcessIsNotEveryProcess) {
+    EXPECT_FALSE(continueProcess(QProcess().processId()));
+    EXPECT_FALSE(stopProcess(-1));
+}
+
 /// A real editor, stopped.
 class StoppedEditor : public ::testing::Test {
 protected:
     ~StoppedEditor() override {
-        ::kill(static_cast<pid_t>(process.processId()), SIGCONT);
+        continueProcess(process.processId());
         process.kill();
         process.waitForFinished();
-    }
-
-    void signal(int number) const {
-        ASSERT_EQ(::kill(static_cast<pid_t>(process.processId()), number), 0);
     }
 
     /// That an editor that shows a file goes on showing it while it is stopped, and that one which
@@ -381,7 +381,7 @@ protected:
         EXPECT_TRUE(waitUntil([&] { return later.hasExpired() || !showsTheFile(); }));
         EXPECT_TRUE(later.hasExpired());
 
-        signal(SIGCONT);
+        ASSERT_TRUE(continueProcess(process.processId()));
         EXPECT_TRUE(waitUntil(showsTheFile));
         process.kill();
         process.waitForFinished();

@@ -14,10 +14,8 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <csignal>
 #include <memory>
 #include <optional>
-#include <sys/types.h>
 
 namespace navrel {
 namespace {
@@ -60,7 +58,7 @@ protected:
     }
     ~Kate() override {
         editor = nullptr;
-        ::kill(static_cast<pid_t>(kate.processId()), SIGCONT);
+        continueProcess(kate.processId());
         kate.kill();
         kate.waitForFinished();
     }
@@ -140,7 +138,7 @@ TEST_F(Kate, oneThatIsStoppedShowsWhatItShowedAndIsNotAskedToOpen) {
     FollowedEditor hasty({std::make_shared<KateEditor>(bus->connect(), enoughToFindIt)}, nullptr);
     EXPECT_EQ(outcomeOf([&](const auto& done) { hasty.open(fileB(), 3, 0, done); }),
               Kind::asksUser);
-    ::kill(static_cast<pid_t>(kate.processId()), SIGCONT);
+    ASSERT_TRUE(continueProcess(kate.processId()));
     EXPECT_FALSE(sessionAfterQuitting().contains("b:")) << "it opened the file all the same";
 }
 

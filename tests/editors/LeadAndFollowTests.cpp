@@ -21,12 +21,10 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <csignal>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <poll.h>
-#include <sys/types.h>
 #include <vector>
 
 namespace navrel {
@@ -369,7 +367,7 @@ TEST_F(SilentEmacs, oneThatIsStoppedOpensNothingWhenItGoesOn) {
     ASSERT_TRUE(stopProcess(emacs.processId()));
     expectTheMainThreadToGoOn();
     expectCallsToEnd();
-    ::kill(static_cast<pid_t>(emacs.processId()), SIGCONT);
+    ASSERT_TRUE(continueProcess(emacs.processId()));
     EXPECT_TRUE(waitUntil([&] { return valueOf("(+ 1 1)") == "2"; }));
     EXPECT_EQ(valueOf("(get-file-buffer \"" + fileB() + "\")"), "nil");
     EmacsEditor patient(kSilentEditorLeftAlone, kPatience);

@@ -17,8 +17,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <csignal>
-#include <sys/types.h>
 
 namespace navrel {
 namespace {
@@ -128,7 +126,7 @@ TEST_F(NeovimTest, theElementsOfTheEditorsFileAreShown) {
 
 TEST_F(NeovimTest, whileTheEditorIsStoppedRequestsGoOnBeingAnswered) {
     ASSERT_TRUE(waitUntil([this] { return shownFiles() == 1; }));
-    const auto process = static_cast<pid_t>(neovim_.processID());
+    const qint64 process = neovim_.processID();
     ASSERT_TRUE(stopProcess(process));
     for (int request = 0; request < 20; ++request) {
         const auto elements = elementsOfActiveFile();
@@ -137,7 +135,7 @@ TEST_F(NeovimTest, whileTheEditorIsStoppedRequestsGoOnBeingAnswered) {
         EXPECT_EQ(shownFiles(), 1);
     }
 
-    ASSERT_EQ(::kill(process, SIGCONT), 0);
+    ASSERT_TRUE(continueProcess(process));
     EXPECT_TRUE(elementsOfActiveFile().has_value());
 }
 

@@ -20,9 +20,7 @@
 #include <QProcess>
 #include <gtest/gtest.h>
 
-#include <csignal>
 #include <regex>
-#include <sys/types.h>
 #include <unistd.h>
 
 namespace navrel {
@@ -250,7 +248,7 @@ TEST_F(NeovimStateTest, followsAnEditorThatIsStopped) {
     ASSERT_TRUE(waitForSentence(kNeovimAnswers)) << state();
     ASSERT_TRUE(stopProcess(neovim_.processID()));
     EXPECT_TRUE(waitForSentence("Neovim is stopped\\.")) << state();
-    ASSERT_EQ(::kill(static_cast<pid_t>(neovim_.processID()), SIGCONT), 0);
+    ASSERT_TRUE(continueProcess(neovim_.processID()));
     EXPECT_TRUE(waitForSentence(kNeovimAnswers)) << state();
 }
 
@@ -280,11 +278,7 @@ protected:
         editor_.start(program, arguments + QStringList{file()});
         return editor_.waitForStarted();
     }
-    void goOn() const {
-        if (editor_.processId() > 0) {
-            ::kill(static_cast<pid_t>(editor_.processId()), SIGCONT);
-        }
-    }
+    void goOn() const { continueProcess(editor_.processId()); }
     void endEditor() {
         editor_.kill();
         editor_.waitForFinished();
