@@ -5,6 +5,7 @@
 #include <QProcess>
 #include <gmock/gmock.h>
 
+#include <boost/json.hpp>
 #include <mutex>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -156,6 +157,25 @@ TEST_F(ShapeTests, sourcesAreRegularFilesOfTheProject) {
     ASSERT_EQ(::unlink(path("Notes.txt").c_str()), 0);
     ASSERT_EQ(::mkfifo(path("Notes.txt").c_str(), 0600), 0);
     EXPECT_EQ(get("/api/files/0000000000000003/source", cookie).status, 404);
+}
+
+TEST_F(ShapeTests, aSearchHasFiftyMatchesUnlessAskedForMoreAndFiveHundredAtMost) {
+    project.addFile("Many.swift", [](OutlineBuilder& outline) {
+        for (std::uint32_t line = 1; line <= 600; ++line) {
+            outline.add(declaration(SymbolKind::function, line, "harbour" + std::to_string(line)),
+                        line);
+        }
+    });
+    map.publish(project.build(2), {});
+    const auto matches = [this](const std::string& limit) {
+        const auto answer =
+            boost::json::parse(get("/api/search?q=harbour&kinds=function" + limit, cookie).body);
+        return answer.at("items").as_array().size();
+    };
+    EXPECT_EQ(matches(""), 50U);
+    EXPECT_EQ(matches("&limit=7"), 7U);
+    EXPECT_EQ(matches("&limit=501"), 500U);
+    EXPECT_EQ(matches("&limit=18446744073709551615"), 500U);
 }
 
 TEST_F(ShapeTests, aRepositoryThatIsSlowHoldsUpNoOtherRequest) {
