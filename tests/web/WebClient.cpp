@@ -1,13 +1,12 @@
 #include "tests/web/WebClient.h"
 
 #include <algorithm>
-#include <arpa/inet.h>
 #include <array>
 #include <cctype>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <netinet/in.h>
+#include <netdb.h>
 #include <openssl/err.h>
 #include <openssl/ssl.h>
 #include <poll.h>
@@ -22,22 +21,30 @@ namespace {
 
 constexpr int kDeadlineMilliseconds = 20'000;
 
-sockaddr_in addressOf(const std::string& text, std::uint16_t port) {
-    sockaddr_in address = {};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(port);
-    ::inet_pton(AF_INET, text.c_str(), &address.sin_addr);
-    return address;
+struct FreeAddress {
+    void operator()(addrinfo* address) const { ::freeaddrinfo(address); }
+};
+
+/// Of IPv4 or IPv6, in numbers.
+std::unique_ptr<addrinfo, FreeAddress> addressOf(const std::string& text, std::uint16_t port) {
+    addrinfo hints = {};
+    hints.ai_flags = AI_NUMERICHOST | AI_NUMERICSERV;
+    hints.ai_socktype = SOCK_STREAM;
+    addrinfo* address = nullptr;
+    ::getaddrinfo(text.c_str(), std::to_string(port).c_str(), &hints, &address);
+    return std::unique_ptr<addrinfo, FreeAddress>(address);
 }
 
 int connectedTo(std::uint16_t port, const std::string& address, const std::string& from) {
-    const int descriptor = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (!from.empty()) {
-        const sockaddr_in source = addressOf(from, 0);
-        ::bind(descriptor, reinterpret_cast<const sockaddr*>(&source), sizeof source);
+    const auto target = addressOf(address, port);
+    if (target == nullptr) {
+        return -1;
     }
-    const sockaddr_in target = addressOf(address, port);
-    if (::connect(descriptor, reinterpret_cast<const sockaddr*>(&target), sizeof target) != 0) {
+    const int descriptor = ::socket(target->ai_family, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (const auto source = from.empty() ? nullptr : addressOf(from, 0)) {
+        ::bind(descriptor, source->ai_addr, source->ai_addrlen);
+    }
+    if (::connect(descriptor, target->ai_addr, target->ai_addrlen) != 0) {
         ::close(descriptor);
         return -1;
     }
