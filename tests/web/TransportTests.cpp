@@ -1,12 +1,16 @@
 #include "tests/web/ServedSite.h"
 #include "web/Certificate.h"
+#include "web/HostNames.h"
 #include "web/NetworkAddresses.h"
 
 #include <QProcess>
 #include <gmock/gmock.h>
 
 #include <arpa/inet.h>
+#include <atomic>
 #include <cstring>
+#include <deque>
+#include <memory>
 #include <net/if.h>
 #include <netinet/in.h>
 #include <sys/ioctl.h>
@@ -30,6 +34,39 @@ void addAddress(const std::string& name, const std::string& address) {
     ::close(control);
 }
 
+/// Whether programs can listen on ::1 at all.
+bool hasIPv6() {
+    const int listener = ::socket(AF_INET6, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in6 address = {};
+    address.sin6_family = AF_INET6;
+    address.sin6_addr = in6addr_loopback;
+    const auto* const name = reinterpret_cast<const sockaddr*>(&address);
+    const bool isThere = listener >= 0 && ::bind(listener, name, sizeof address) == 0;
+    ::close(listener);
+    return isThere;
+}
+
+/// Another program that has a port of this machine.
+class Occupier {
+public:
+    explicit Occupier(std::uint16_t port)
+        : listener_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+        sockaddr_in address = {};
+        address.sin_family = AF_INET;
+        address.sin_port = htons(port);
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        const auto* const name = reinterpret_cast<const sockaddr*>(&address);
+        EXPECT_EQ(::bind(listener_, name, sizeof address), 0) << std::strerror(errno);
+        EXPECT_EQ(::listen(listener_, 1), 0);
+    }
+    ~Occupier() { ::close(listener_); }
+    Occupier(const Occupier&) = delete;
+    Occupier& operator=(const Occupier&) = delete;
+
+private:
+    int listener_;
+};
+
 constexpr const char* kPrivate = "10.11.12.13";
 constexpr const char* kForeign = "203.0.113.5";
 
@@ -44,6 +81,10 @@ protected:
 
     static std::string request(const std::string& name) {
         return "GET /nothing HTTP/1.1\r\nHost: " + name + "\r\n\r\n";
+    }
+    bool isServedAt(const std::string& address) const {
+        const std::string name = hostOfAddress(address) + ':' + std::to_string(port());
+        return WebClient(port(), WebClient::Kind::plain, address).ask(request(name)).status == 404;
     }
     std::string privateHost() const { return std::string(kPrivate) + ':' + std::to_string(port()); }
 
@@ -159,6 +200,16 @@ TEST_F(TransportTests, thisMachineAloneIsServedWithoutTheNetwork) {
     EXPECT_EQ(service_->status().fingerprint, "");
 }
 
+TEST_F(TransportTests, bothLoopbackAddressesAreServed) {
+    settings.mode = AccessSettings::Mode::machine;
+    start();
+    EXPECT_TRUE(isServedAt("127.0.0.1"));
+    if (!WebClient(port(), WebClient::Kind::plain, "::1").isConnected() && !hasIPv6()) {
+        GTEST_SKIP() << "needs IPv6";
+    }
+    EXPECT_TRUE(isServedAt("::1"));
+}
+
 TEST_F(TransportTests, plainHTTPInTheNetworkIsTheUsersChoice) {
     settings.plainHTTP = true;
     start();
@@ -216,6 +267,46 @@ TEST_F(TransportTests, theNextPortsAreTriedWhereOneIsTaken) {
     EXPECT_TRUE(waitUntil([&] { return other.status().port == 2347; })) << other.status().port;
 }
 
+TEST_F(TransportTests, whereElevenPortsAreTakenItSaysSoAndTriesThemAgain) {
+    settings.mode = AccessSettings::Mode::machine;
+    settings.port = 2346;
+    std::deque<Occupier> others;
+    for (std::uint16_t port = 2346; port <= 2356; ++port) {
+        others.emplace_back(port);
+    }
+    service_ = std::make_unique<WebService>(settings, map.source(), host, world);
+    const std::string problem = "Port 2346 and the ten after it are taken.";
+    EXPECT_TRUE(waitUntil([&] { return service_->status().problem == problem; }));
+    EXPECT_EQ(port(), 0);
+    const WebAnswer offer = asOwner("POST", "/api/pairing");
+    EXPECT_EQ(offer.status, 409);
+    EXPECT_EQ(valueAt(offer.body, "error"), problem);
+    others.pop_back();
+    EXPECT_TRUE(waitUntil([&] { return port() == 2356; })) << port();
+    EXPECT_EQ(service_->status().problem, "");
+}
+
+TEST_F(TransportTests, addressesAreFollowedAsTheyComeAndGo) {
+    const auto isThere = std::make_shared<std::atomic<bool>>(false); // the server outlives this
+    world.privateAddresses = [isThere] {
+        return *isThere ? std::vector<std::string>{kPrivate} : std::vector<std::string>();
+    };
+    start();
+    EXPECT_EQ(service_->status().problem, "This machine has no address in a private network.");
+    const std::string before = service_->status().fingerprint;
+    *isThere = true;
+    EXPECT_TRUE(waitUntil(
+        [&] { return service_->status().addresses.front() == "https://" + privateHost(); }));
+    EXPECT_EQ(service_->status().problem, "");
+    EXPECT_NE(service_->status().fingerprint, before); // the certificate names the address, too
+    EXPECT_EQ(WebClient(port(), WebClient::Kind::tls, kPrivate).ask(request(privateHost())).status,
+              404);
+    *isThere = false;
+    EXPECT_TRUE(waitUntil([&] { return service_->status().addresses.size() == 1; }));
+    EXPECT_FALSE(WebClient(port(), WebClient::Kind::plain, kPrivate).isConnected());
+    EXPECT_TRUE(isServedAt("127.0.0.1"));
+}
+
 TEST_F(TransportTests, theUsersCertificateIsReadAgainWhenItChanges) {
     const auto now = std::chrono::system_clock::now();
     const auto keep = [this, now](const std::string& name) {
@@ -270,6 +361,30 @@ TEST_F(TransportTests, theOwnersSocketIsTheUsersAlone) {
     EXPECT_EQ(status.st_mode & 0777U, 0600U);
     stop();
     EXPECT_NE(::stat(settings.socketPath.c_str(), &status), 0);
+}
+
+/// Even where the system's rights let another user in.
+TEST_F(TransportTests, anotherUserOfTheOwnersSocketIsClosedUnread) {
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "needs the superuser, to be another user";
+    }
+    start();
+    ASSERT_TRUE(waitUntil([this] { return WebClient(settings.socketPath).isConnected(); }));
+    ASSERT_EQ(::chmod(folder_.path().toStdString().c_str(), 0755), 0);
+    ASSERT_EQ(::chmod(settings.socketPath.c_str(), 0666), 0);
+    const auto curlAs = [this](const QString& user) {
+        QProcess curl;
+        curl.start(QStringLiteral("setpriv"),
+                   {QStringLiteral("--reuid=") + user, QStringLiteral("--clear-groups"),
+                    QStringLiteral("curl"), QStringLiteral("--silent"),
+                    QStringLiteral("--unix-socket"), QString::fromStdString(settings.socketPath),
+                    QStringLiteral("http://localhost/api/state")});
+        EXPECT_TRUE(curl.waitForFinished(60'000));
+        return curl.readAllStandardOutput();
+    };
+    EXPECT_THAT(curlAs(QStringLiteral("0")).toStdString(),
+                ::testing::HasSubstr(R"("program":"Navrel")"));
+    EXPECT_EQ(curlAs(QStringLiteral("65534")), QByteArray());
 }
 
 TEST_F(TransportTests, theOwnerPairsListsAndForgets) {
