@@ -1,6 +1,7 @@
 // The real program with a device on the cable and a browser at the same time: neither keeps the
 // other waiting, and what one changes the other sees.
 
+#include "tests/SessionBus.h"
 #include "tests/SmallProject.h"
 #include "tests/TestDevice.h"
 #include "tests/WaitUntil.h"
@@ -12,7 +13,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace navrel {
@@ -21,6 +24,7 @@ namespace {
 constexpr std::uint16_t kPort = 2346;
 constexpr quint32 kMainGroup = 202;
 constexpr quint32 kFileTypes = 205;
+const QString kNotificationsPath = QStringLiteral("/org/freedesktop/Notifications");
 
 class BrowserTest : public ::testing::Test {
 protected:
@@ -128,6 +132,56 @@ TEST_F(BrowserTest, aBrowserThatReadsNothingKeepsTheDeviceWaitingForNothing) {
     for (int round = 0; round < 20; ++round) {
         ASSERT_TRUE(device_.ask(kMainGroup).has_value()) << round;
     }
+}
+
+/// The desktop's own notifications, as far as programs see them.
+class Notifications final : public QDBusVirtualObject {
+public:
+    explicit Notifications(QDBusConnection bus) : bus_(std::move(bus)) {}
+    ~Notifications() override { bus_.unregisterObject(kNotificationsPath); }
+
+    [[nodiscard]] bool appear() {
+        return bus_.registerVirtualObject(kNotificationsPath, this) &&
+               bus_.registerService(QStringLiteral("org.freedesktop.Notifications"));
+    }
+
+    QStringList summaries;
+
+    QString introspect(const QString&) const override { return {}; }
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
+        constexpr int kSummary = 3;
+        if (message.member() != QStringLiteral("Notify")) {
+            return false;
+        }
+        summaries.append(message.arguments().value(kSummary).toString());
+        return connection.send(message.createReply(1U));
+    }
+
+private:
+    QDBusConnection bus_;
+};
+
+class PairingNoticeTest : public BrowserTest {
+protected:
+    void SetUp() override {
+        if (!SessionBus::isAvailable()) {
+            GTEST_SKIP() << "needs dbus-daemon";
+        }
+        bus_ = std::make_unique<SessionBus>();
+        notifications_ = std::make_unique<Notifications>(bus_->connect());
+        ASSERT_TRUE(notifications_->appear());
+        navrel_.setEnvironment(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), bus_->address());
+        BrowserTest::SetUp();
+    }
+
+    std::unique_ptr<SessionBus> bus_;
+    std::unique_ptr<Notifications> notifications_;
+};
+
+TEST_F(PairingNoticeTest, theDesktopSaysWhichDeviceWasPaired) {
+    EXPECT_TRUE(waitUntil([this] { return !notifications_->summaries.isEmpty(); }));
+    EXPECT_EQ(notifications_->summaries, QStringList{QStringLiteral("Paired: iPad")});
+    EXPECT_TRUE(navrel_.waitForLog("paired the browser \"iPad\""));
 }
 
 } // namespace
