@@ -35,8 +35,6 @@ std::string_view reasonOf(int status) {
         return "Not Found";
     case 405:
         return "Method Not Allowed";
-    case 408:
-        return "Request Timeout";
     case 409:
         return "Conflict";
     case 413:
@@ -51,8 +49,6 @@ std::string_view reasonOf(int status) {
         return "Request Header Fields Too Large";
     case 501:
         return "Not Implemented";
-    case 503:
-        return "Service Unavailable";
     case 505:
         return "HTTP Version Not Supported";
     default:
