@@ -1,5 +1,5 @@
 // What taps and keys do.
-import { loadList, showOutline } from "./loading";
+import { loadList, loadOutline, showOutline } from "./loading";
 import { say, sayProblem, sayWhatIsAmiss } from "./messages";
 import { neighbour, outlineRows, type StopKind } from "./model/outlineRows";
 import { atOutline, go } from "./places";
@@ -121,6 +121,8 @@ function copySelected(text: string): boolean {
 
 export function openMenu(target: Target): void {
   update({ menu: target });
+  // Its counterparts stand there.
+  if (!now().outlines.has(target.file.id)) void loadOutline(target.file.id);
 }
 
 export function closeMenu(): void {
