@@ -61,11 +61,31 @@ test("six digits pair, and wrong ones say so", async () => {
   }
 });
 
-journey("a tap on a symbol opens its line", "phone", async ({ hand, server }) => {
+journey("a tap on a symbol opens its line", "phone", async ({ hand, view, server }) => {
   await hand.goToFile("Model", "TideTable.swift");
   await hand.row("next(after:)");
   await hand.sees("TideTable.swift:14 is open in Neovim");
   assert.deepEqual(server.opened, [{ file: kTable, line: 14 }]);
+  const spoken = await view.run(() => [...document.querySelectorAll("[aria-live], [role=status], [role=alert]")].map((each) => `${each.getAttribute("aria-live")}: ${each.textContent}`));
+  assert.deepEqual(spoken, ["polite: TideTable.swift:14 is open in Neovim"]);
+});
+
+journey("those who hear the page hear five tabs and a search", "tablet", async ({ view }) => {
+  const tabs = await view.run(() => [...document.querySelectorAll("[role=tablist] [role=tab]")].map((each) => each.textContent));
+  assert.deepEqual(tabs, ["Files", "Outline", "Search", "Notes", "More"]);
+  const fields = await view.run(() => [...document.querySelectorAll("input")].map((each) => `${each.type}: ${each.getAttribute("aria-label")}`));
+  assert.deepEqual(fields, ["search: Search"]);
+});
+
+journey("the menu of a file that was not looked at has its counterpart, too", "phone", async ({ hand, view, server }) => {
+  await hand.row("Tidewatch");
+  await hand.row("Model");
+  server.outlines.set(kTable, { ...server.outlines.get(kTable)!, counterparts: [{ id: kView, name: "TideView.m", path: "Tidewatch/Views/TideView.m" }] });
+  await hand.more("TideTable.swift");
+  await hand.button("Counterpart: TideView.m");
+  await hand.sees("TideView.m is open in Neovim");
+  assert.deepEqual(server.opened, [{ file: kView }]);
+  await until("the menu to go", () => view.run(() => document.querySelector("dialog") === null));
 });
 
 journey("the browser's own Back leads up", "phone", async ({ hand, view }) => {
@@ -89,6 +109,25 @@ journey("a tablet shows the outline beside the files", "tablet", async ({ hand, 
   await view.run(() => (document.querySelector("[role=separator]") as HTMLElement).focus());
   await view.run(() => void document.activeElement!.dispatchEvent(new KeyboardEvent("keydown", { key: "ArrowRight", bubbles: true })));
   await until("a wider navigator", async () => (await view.run(() => document.querySelector(".navigator")!.getBoundingClientRect().width)) === before + 20);
+});
+
+journey("the divider is dragged, and stays there", "tablet", async ({ view }) => {
+  const width = () => view.run(() => Math.round(document.querySelector(".navigator")!.getBoundingClientRect().width));
+  const before = await width();
+  await view.run(() => {
+    const divider = document.querySelector("[role=separator]") as HTMLElement;
+    divider.setPointerCapture = () => {}; // there is no such pointer
+    const { x } = divider.getBoundingClientRect();
+    for (const [type, moved] of [["pointerdown", 0], ["pointermove", 30], ["pointerup", 30], ["pointermove", 90]] as const) {
+      divider.dispatchEvent(new PointerEvent(type, { bubbles: true, pointerId: 1, clientX: x + moved }));
+    }
+  });
+  await until("a wider navigator", async () => (await width()) === before + 30);
+  await view.run(() => {
+    document.documentElement.dataset["before"] = "reload";
+    location.reload();
+  });
+  await until("the same width again", async () => (await view.run(() => document.documentElement.dataset["before"] === undefined)) && (await width()) === before + 30);
 });
 
 journey("from the keyboard to the editor's line", "tablet", async ({ hand, view, server }) => {
@@ -219,6 +258,66 @@ journey(
   deceive,
 );
 
+/** Says what a finger does on a row; a driver without touch has only a mouse. */
+function pressAsFinger(view: View, kind: "pointerdown" | "pointerup"): Promise<void> {
+  return view.run((type: string) => {
+    const row = [...document.querySelectorAll(".row-main")].find((each) => each.textContent.includes("-drawRect:"))!;
+    row.dispatchEvent(new PointerEvent(type, { bubbles: true, isPrimary: true, pointerType: "touch" }));
+    if (type === "pointerup") (row as HTMLElement).click();
+  }, kind);
+}
+
+journey("a long press offers what ⋯ does, and opens nothing", "phone", async ({ hand, view, server }) => {
+  await hand.goToFile("Views", "TideView.m");
+  await pressAsFinger(view, "pointerdown");
+  await until("the menu", () => view.run(() => document.querySelector("dialog[open]") !== null));
+  await pressAsFinger(view, "pointerup");
+  await hand.sees("Look at the code here");
+  await hand.sees("Counterpart: TideView.h");
+  await hand.sees("Reveal in Files");
+  assert.deepEqual(server.opened, []);
+  await view.run(() => {
+    const writeText = async (text: string) => void (document.body.dataset["copied"] = text);
+    Object.defineProperty(navigator, "clipboard", { value: { writeText }, configurable: true });
+  });
+  await hand.button("Copy TideView.m:20");
+  await hand.sees("Copied Tidewatch/Views/TideView.m:20");
+  assert.equal(await view.run(() => document.body.dataset["copied"]), "Tidewatch/Views/TideView.m:20");
+});
+
+journey("two big buttons step through symbols, marks and notes", "phone", async ({ hand, view, server }) => {
+  const kList = idOf("Tidewatch/Views/TideListController.m");
+  await hand.goToFile("Views", "TideListController.m");
+  const step = async (button: string, line: number) => {
+    const steps = server.opened.length + 1;
+    await view.tap(`[aria-label="${button}"]`);
+    await until(button, async () => server.opened.length === steps);
+    assert.deepEqual(server.opened.at(-1), { file: kList, line });
+  };
+  await step("Next symbol", 5);
+  await step("Next symbol", 6);
+  await view.tap(".steps [aria-pressed]", "Mark");
+  await step("Next mark", 11);
+  await step("Next mark", 23);
+  await view.tap(".steps [aria-pressed]", "Note");
+  await step("Next note", 31);
+  await step("Previous note", 18);
+  const sizes = await view.run(() => [...document.querySelectorAll(".steps .big")].map((each) => Math.round(Math.min(each.getBoundingClientRect().width, each.getBoundingClientRect().height))));
+  assert.ok(sizes.every((size) => size >= 48), String(sizes));
+});
+
+journey("rows have room for a finger", "phone", async ({ hand, view }) => {
+  const lowRows = () =>
+    view.run(() => {
+      const least = matchMedia("(pointer: fine)").matches ? 40 : 48;
+      return [...document.querySelectorAll(".row")].filter((each) => each.getBoundingClientRect().height < least).map((each) => each.textContent);
+    });
+  assert.deepEqual(await lowRows(), []);
+  await hand.goToFile("Views", "TideListController.m");
+  await hand.sees("Table view");
+  assert.deepEqual(await lowRows(), []);
+});
+
 journey("counterparts and places are a tap away", "phone", async ({ hand, view }) => {
   await hand.goToFile("Views", "TideView.m");
   await view.tap("[aria-label='Counterpart: TideView.h']");
@@ -251,6 +350,22 @@ journey("the outline follows the editor", "phone", async ({ hand, server }) => {
   await hand.isLit("Outline of TideView.m", "-drawRect:");
   server.emit("active", { file: { id: kTable, name: "TideTable.swift", path: "Tidewatch/Model/TideTable.swift", line: 22 } });
   await hand.isLit("Outline of TideTable.swift", "load(_:)");
+});
+
+journey("without following, nothing is lit", "phone", async ({ hand, server }) => {
+  await hand.tab("More");
+  await hand.button("Off");
+  await hand.tab("Outline");
+  server.emit("active", { file: { ...server.active.file!, line: 21 } });
+  const outline = server.outlines.get(kView)!;
+  server.outlines.set(kView, { ...outline, items: [{ kind: "function", name: "written just now", line: 3, endLine: 3 }, ...outline.items] });
+  server.change([kView]);
+  await hand.sees("written just now");
+  assert.equal(await hand.lit("Outline of TideView.m"), undefined);
+  await hand.tab("More");
+  await hand.button("Highlight");
+  await hand.tab("Outline");
+  await hand.isLit("Outline of TideView.m", "-drawRect:");
 });
 
 journey("a changed file changes its outline", "phone", async ({ hand, server }) => {
@@ -286,14 +401,17 @@ journey("a changed tree changes the files", "phone", async ({ hand, server }) =>
   await hand.sees("Fresh group");
 });
 
-journey("after a loss the page comes back, and no tap was kept for later", "phone", async ({ hand, server }) => {
+journey("after a loss the page comes back, and no tap was kept for later", "phone", async ({ hand, view, server }) => {
   await hand.goToFile("Model", "TideTable.swift");
   await server.stop();
-  await hand.sees("Navrel is away.");
+  await hand.sees("Navrel is away. Last up to date");
+  const filter = () => view.run(() => getComputedStyle(document.querySelector(".panes")!).filter);
+  await until("the page without its colours", async () => (await filter()).startsWith("grayscale(1)"));
   await hand.row("load(_:)");
   await hand.sees("nothing was opened");
   await server.start();
   await hand.seesNoMore("Navrel is away.");
+  await until("its colours again", async () => (await filter()) === "none");
   await hand.row("next(after:)");
   await hand.sees("TideTable.swift:14 is open");
   assert.deepEqual(server.opened, [{ file: kTable, line: 14 }]);
@@ -308,10 +426,17 @@ journey("a list that failed while Navrel was away comes with it", "phone", async
   await hand.sees("reuse the cells");
 });
 
-journey("waking opens a new stream", "phone", async ({ view, server }) => {
-  const before = server.streams;
-  await view.run(() => void dispatchEvent(new Event("online")));
-  await until("a new stream", async () => server.streams === before + 1);
+journey("each way of waking opens a new stream", "phone", async ({ view, server }) => {
+  const wakes: Record<string, () => void> = {
+    online: () => void dispatchEvent(new Event("online")),
+    visibilitychange: () => void document.dispatchEvent(new Event("visibilitychange")),
+    pageshow: () => void dispatchEvent(new PageTransitionEvent("pageshow", { persisted: true })),
+  };
+  for (const [event, wake] of Object.entries(wakes)) {
+    const before = server.streams;
+    await view.run(wake);
+    await until(`a new stream after ${event}`, async () => server.streams === before + 1);
+  }
 });
 
 journey("a device that is forgotten shows nothing more", "phone", async ({ hand, server }) => {
