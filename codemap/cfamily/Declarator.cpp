@@ -84,6 +84,7 @@ private:
         case Word::unionType:
         case Word::classType:
         case Word::enumType:
+            takeType(); // "NAMESPACE_BEGIN class A;"
             isTagNext_ = true;
             isEnumeration_ = token.word == Word::enumType;
             break;
