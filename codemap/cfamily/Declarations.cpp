@@ -327,7 +327,8 @@ bool Declarations::isFunctionToBeShown(const Declarator& declarator) const {
         return false;
     default:
         if (isQualified(head_, declarator.name)) {
-            return head_.back().is('='); // A::A() = default;
+            const bool isSpecialization = head_.is(0, Word::templateHead);
+            return head_.back().is('=') || (isHeader_ && isSpecialization); // A::A() = default;
         }
         return isHeader_ && (declarator.hasType || declarator.isOperator);
     }
