@@ -131,11 +131,14 @@ private:
         ++index_;
     }
 
-    /// "struct A", "struct EXPORT A": a macro in capitals before the tag is not the tag.
+    /// "struct A", "struct EXPORT A *a", "class EXPORT A;": a macro in capitals before the tag is
+    /// not the tag.
     void readTag() {
-        const bool isMacro = index_ + 1 < head_.size() && head_[index_ + 1].isName() &&
-                             isAllCapitals(head_.textOf(index_)) && index_ + 2 < head_.size() &&
+        const bool isForward = head_.is(index_ - 1, Word::classType) && index_ + 2 == head_.size();
+        const bool hasMore = index_ + 2 < head_.size() &&
                              (head_[index_ + 2].isName() || isPointerSign(head_[index_ + 2]));
+        const bool isMacro = index_ + 1 < head_.size() && head_[index_ + 1].isName() &&
+                             isAllCapitals(head_.textOf(index_)) && (hasMore || isForward);
         if (!isMacro) {
             isTagNext_ = false;
             ++types_;
