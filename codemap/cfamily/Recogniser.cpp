@@ -443,8 +443,11 @@ bool Recogniser::openScope(const Token& brace) {
 }
 
 bool Recogniser::openNamespace(std::size_t end) {
+    // C has no such word, but sources for both languages have it between "#ifdef" and "#endif".
+    const bool isAlone = head_.size() == 2 && head_[0].isName() && head_[1].isName() &&
+                         head_.textOf(0) == "namespace";
     std::size_t word = 0;
-    while (word < head_.size() && !head_.is(word, Word::namespaceScope)) {
+    while (word < head_.size() && !isAlone && !head_.is(word, Word::namespaceScope)) {
         word = head_.after(word);
     }
     if (word >= head_.size()) {
@@ -736,7 +739,7 @@ std::string Recogniser::nameAfterBody(std::size_t brace) {
 
 void Recogniser::closeBrace(const Token& brace) {
     head_.abandonGroups();
-    if (holdsMacrosAlone()) {
+    if (holdsMacrosAlone() || holdsMacroCallsAlone()) {
         clearHead();
     }
     endHead(brace.begin);

@@ -1,0 +1,13 @@
+#ifdef NAMESPACE
+namespace NAMESPACE
+{
+#endif
+
+static int tide(void) {
+    return 1;
+}
+int namespace;
+
+#ifdef NAMESPACE
+}
+#endif
