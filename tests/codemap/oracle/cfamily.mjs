@@ -100,6 +100,12 @@ function declaratorsOf(node) {
     return found;
 }
 
+/** "template <> void A::f<int>();" */
+function isSpecialization(declarator) {
+    const declaration = declarator.parent?.type === "declaration" ? declarator.parent : declarator.parent?.parent;
+    return declaration?.parent?.type === "template_declaration";
+}
+
 class Reader {
     constructor(isHeader) {
         this.isHeader = isHeader;
@@ -229,7 +235,7 @@ class Reader {
     readFunction(declarator, place, hasBody, isDefaulted = false) {
         const one = readDeclarator(declarator);
         const isQualified = one?.node.type === "qualified_identifier";
-        const isShown = hasBody || place === "type" || (isQualified ? isDefaulted : this.isHeader);
+        const isShown = hasBody || place === "type" || (isQualified ? isDefaulted || (this.isHeader && isSpecialization(declarator)) : this.isHeader);
         if (!one || !isShown) {
             return;
         }

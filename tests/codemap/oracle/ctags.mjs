@@ -13,6 +13,7 @@ const C_KINDS = {
     class: "class",
     enum: "enum",
     enumerator: "case",
+    externvar: "variable",
     function: "function",
     macro: "macro",
     member: "field",
@@ -46,8 +47,11 @@ const LANGUAGES = {
 function plainName(name) {
     const isOperator = /(^|::)operator\b/.test(name);
     const plain = isOperator ? name.replace(/^.*?(?=operator\b)/, "") : name.replace(/^.*::/, "");
+    if (isOperator) {
+        return plain.replaceAll(/\s/g, "");
+    }
     const own = plain.replace(/^[-+]/, "").replace(/^.* \((.*)\)$/, "$1").replaceAll(/\s/g, "");
-    return isOperator ? own : own.replace(/\(.*/, ""); // TEST(a, b)
+    return own.replace(/\(.*/, ""); // TEST(a, b)
 }
 
 /** In C and C++, what the two have different words for counts alike. */
@@ -77,22 +81,37 @@ function isOfCategory(tag, tags) {
 function tagsOf(files, { name, kinds }) {
     const run = spawnSync(
         "ctags",
-        [`--language-force=${name}`, "--kinds-C++=+p", "--kinds-C=+p", "--fields=+nK", "--output-format=json", "-f", "-", "-L", "-"],
+        [`--language-force=${name}`, "--kinds-C++=+px", "--kinds-C=+px", "--fields=+nK", "--output-format=json", "-f", "-", "-L", "-"],
         { input: files.join("\n") + "\n", maxBuffer: LARGEST_OUTPUT },
     );
     if (run.status !== 0) {
         throw new Error(`ctags failed: ${run.error ?? run.stderr}`);
     }
     const tags = new Map(files.map((file) => [file, []]));
+    const anonymous = new Map();
     for (const line of run.stdout.toString().trimEnd().split("\n")) {
         const tag = JSON.parse(line);
         const isNamed = !/^__anon/.test(tag.name);
-        const isHidden = tag.kind === "prototype" && !/\.(h|hpp)$/.test(tag.path); // as the code map has it
-        if (tag.kind in kinds && isNamed && !isHidden) {
+        const isMember = /class|struct|union/.test(tag.scopeKind);
+        const isDeclaration = tag.kind === "externvar" || (tag.kind === "prototype" && !isMember);
+        const isHidden = isDeclaration && !/\.(h|hpp)$/.test(tag.path); // as the code map has it
+        if (!isNamed) {
+            anonymous.set(tag.name, tag);
+        } else if (tag.kind in kinds && !isHidden) {
             tags.get(tag.path).push(tag);
         }
     }
-    return tags;
+    return new Map([...tags].map(([path, all]) => [path, all.flatMap((tag) => asOneType(tag, anonymous))]));
+}
+
+/** "typedef struct {…} A" and "typedef struct A {…} A" are one type, and a type and its name for ctags. */
+function asOneType(tag, anonymous) {
+    const [, kind, name] = /^(struct|enum|union):(.*)$/.exec(tag.typeref ?? "") ?? [];
+    if (tag.kind !== "typedef" || !kind) {
+        return [tag];
+    }
+    const body = anonymous.get(name);
+    return body ? [{ ...tag, kind, line: body.line }] : name === tag.name ? [] : [tag];
 }
 
 /** ctags reads one branch of #if, and the code map all: such files say nothing of either. */
@@ -106,7 +125,8 @@ const files = given.folders
     .flatMap((folder) => filesBelow(folder, language.module.extensions))
     .filter((file) => {
         const text = readFileSync(file, "utf8");
-        return !hasAlternatives(text) && (!language.module.isAbout || language.module.isAbout(text, file));
+        const isMixed = given.language === "cpp" && /^@(interface|protocol|implementation)\b/m.test(text);
+        return !isMixed && !hasAlternatives(text) && (!language.module.isAbout || language.module.isAbout(text, file));
     });
 const outlines = outlinesOf(given.program, files);
 const tags = tagsOf(files, language);
