@@ -90,6 +90,9 @@ std::optional<ActiveFile> KateEditor::activeFile(const QDeadlineTimer& deadline)
 
 bool KateEditor::open(const QByteArray& path, std::optional<int> line,
                       const QDeadlineTimer& deadline) {
+    if (silent_.contains(kKate)) {
+        return false;
+    }
     const JumpResult result = jump({path, line.value_or(0), 0, false}, deadline);
     if (result.isAnswer() && !result.outcome.isOpen()) {
         log(QStringLiteral("Kate did not open %1: %2")
@@ -100,9 +103,7 @@ bool KateEditor::open(const QByteArray& path, std::optional<int> line,
 
 JumpResult KateEditor::jump(const EditorPlace& place, const QDeadlineTimer& deadline) {
     const QDeadlineTimer end = earlierOf(deadline, answerAtMost_);
-    if (silent_.contains(kKate)) {
-        return {};
-    }
+    // Asked also where it was silent just now: its user hears that it is, or it has gone on since.
     const KateReading reading = readKateWindow(bus_, end);
     // Where the bus itself is silent, another editor is asked: nobody knows of a Kate.
     if (reading.outcome == KateOutcome::None || reading.window.service.isEmpty()) {
@@ -113,6 +114,7 @@ JumpResult KateEditor::jump(const EditorPlace& place, const QDeadlineTimer& dead
         silent_.add(kKate);
         return {outcomeOf(EditorRefusal::doesNotAnswer, kKateName), {}};
     }
+    silent_.remove(kKate);
     const auto isOpen =
         openInKate(bus_, reading.window.service, place.path, place.line, place.column, end);
     if (!isOpen) {
