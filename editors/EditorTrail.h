@@ -34,8 +34,21 @@ public:
         return place;
     }
 
+    /// Returns a place that was taken and that no editor went to. One that is refused for the
+    /// second time is dropped: its file may be gone for good, and would be in the way of all places
+    /// before it.
+    void putBack(const EditorPlace& place, bool isRefused) {
+        if (isRefused && refused_ == place) {
+            refused_.reset();
+            return;
+        }
+        refused_ = isRefused ? std::optional(place) : std::nullopt;
+        add(place);
+    }
+
 private:
     std::deque<EditorPlace> places_;
+    std::optional<EditorPlace> refused_; ///< the last one that was put back after a refusal
 };
 
 } // namespace navrel

@@ -140,18 +140,26 @@ struct FollowedEditor::Jump {
     std::shared_ptr<EditorTrail> trail;
 
     void to(const EditorPlace& place, const OutcomeObserver& done) const {
+        const auto result = firstAnswerTo(place);
+        if (!result) {
+            openWithLastResort(place, done);
+            return;
+        }
+        if (result->outcome.isOpen() && result->before) {
+            trail->add(*result->before);
+        }
+        done(result->outcome);
+    }
+    /// Nothing where no editor answers.
+    std::optional<JumpResult> firstAnswerTo(const EditorPlace& place) const {
         const QDeadlineTimer deadline(kJumpAtMost);
         for (const auto& editor : editors) {
             const JumpResult result = editor->jump(place, deadline);
-            if (result.outcome.isOpen() && result.before) {
-                trail->add(*result.before);
-            }
             if (result.isAnswer()) {
-                done(result.outcome);
-                return;
+                return result;
             }
         }
-        openWithLastResort(place, done);
+        return std::nullopt;
     }
     void openWithLastResort(const EditorPlace& place, const OutcomeObserver& done) const {
         if (lastResort != nullptr) {
@@ -166,8 +174,20 @@ struct FollowedEditor::Jump {
             backByItself(done);
             return;
         }
-        // A step back is no jump to go back from.
-        Jump(*this).withoutTrail().to(*place, done);
+        const auto result = firstAnswerTo(*place);
+        if (!result) {
+            if (lastResort == nullptr) {
+                trail->putBack(*place, false);
+            }
+            openWithLastResort(*place, done);
+            return;
+        }
+        // A step back is no jump to go back from. One that was not taken is there to be taken
+        // again, when the user has done what the editor waits for.
+        if (!result->outcome.isOpen()) {
+            trail->putBack(*place, result->outcome.kind == EditorOutcome::Kind::refused);
+        }
+        done(result->outcome);
     }
     /// Navrel led nowhere yet, but an editor has a list of its own.
     void backByItself(const OutcomeObserver& done) const {
@@ -180,10 +200,6 @@ struct FollowedEditor::Jump {
             }
         }
         done(outcomeOf(EditorRefusal::noWayBack));
-    }
-    Jump& withoutTrail() {
-        trail = std::make_shared<EditorTrail>();
-        return *this;
     }
 };
 
