@@ -1,4 +1,5 @@
 #include "editors/EditorChoice.h"
+#include "editors/EditorTrail.h"
 #include "editors/FollowedEditor.h"
 #include "editors/xcode/XcodeEditor.h"
 #include "support/text/FilePath.h"
@@ -49,7 +50,8 @@ public:
         JumpResult result;
         jumpedToColumn = place.column;
         if (open(place.path, place.line, deadline)) {
-            result.outcome.kind = EditorOutcome::Kind::opened;
+            result.outcome.kind = jumpEnds;
+            result.before = EditorPlace{"/was/at.m", place.line, 1, false};
         }
         return result;
     }
@@ -81,6 +83,8 @@ public:
     std::chrono::milliseconds timeGiven{};
     std::chrono::milliseconds timeTaken{};
     std::atomic<bool> answersOpen = true;
+    /// How jumps end where it answers.
+    std::atomic<EditorOutcome::Kind> jumpEnds = EditorOutcome::Kind::opened;
     std::atomic<bool> isHeld = false;
     std::atomic<bool> goesBack = false;
     std::atomic<int> stepsBack = 0;
@@ -101,6 +105,10 @@ public:
     void openFile(const QString& path, std::optional<int>) override {
         const std::lock_guard lock(mutex_);
         opened_.append(path);
+    }
+    void open(const QString& path, int, int, OutcomeObserver done) override {
+        openFile(path, std::nullopt);
+        done({EditorOutcome::Kind::opened, {}, {}, {}});
     }
     QStringList opened() const {
         const std::lock_guard lock(mutex_);
@@ -377,6 +385,78 @@ TEST_F(FocusedEditor, withoutAJumpToGoBackFromTheEditorsOwnListServes) {
     first->goesBack = true;
     EXPECT_EQ(back(), EditorOutcome::Kind::opened);
     EXPECT_EQ(second->stepsBack, 1);
+}
+
+/// An editor that is led to the lines 1, 2 and 3 of a file, each time from the line of that number
+/// in another one, and taken back.
+class WayBack : public FollowedEditorTest {
+protected:
+    using Kind = EditorOutcome::Kind;
+
+    WayBack() {
+        for (int line = 1; line <= 3; ++line) {
+            EXPECT_EQ(outcomeOf([&](const auto& done) {
+                          followed.open(QStringLiteral("/a.m"), line, 0, done);
+                      }),
+                      Kind::opened);
+        }
+    }
+    template <typename Ask>
+    static Kind outcomeOf(Ask ask) {
+        const auto kind = std::make_shared<std::atomic<int>>(-1);
+        ask([kind](const EditorOutcome& outcome) { *kind = static_cast<int>(outcome.kind); });
+        EXPECT_TRUE(waitUntil([&] { return *kind >= 0; }));
+        return static_cast<Kind>(kind->load());
+    }
+    Kind back() {
+        return outcomeOf([&](const auto& done) { followed.back(done); });
+    }
+    Opened lastOpened() const { return first->opened().back(); }
+    static Opened from(int line) { return {"/was/at.m", line}; }
+};
+
+TEST_F(WayBack, aStepIsKeptWhileTheEditorWaitsForItsUser) {
+    first->jumpEnds = Kind::asksUser;
+    EXPECT_EQ(back(), Kind::asksUser);
+    EXPECT_EQ(back(), Kind::asksUser);
+    EXPECT_EQ(back(), Kind::asksUser);
+    first->jumpEnds = Kind::opened;
+    for (int line = 3; line >= 1; --line) {
+        EXPECT_EQ(back(), Kind::opened);
+        EXPECT_EQ(lastOpened(), from(line));
+    }
+    EXPECT_EQ(back(), Kind::refused) << "no step back is a jump to go back from";
+}
+
+TEST_F(WayBack, aPlaceThatIsRefusedTwiceIsNotInTheWayOfOthers) {
+    first->jumpEnds = Kind::refused;
+    EXPECT_EQ(back(), Kind::refused);
+    EXPECT_EQ(lastOpened(), from(3));
+    EXPECT_EQ(back(), Kind::refused);
+    EXPECT_EQ(lastOpened(), from(3));
+    first->jumpEnds = Kind::opened;
+    EXPECT_EQ(back(), Kind::opened);
+    EXPECT_EQ(lastOpened(), from(2));
+}
+
+TEST_F(WayBack, withoutAnEditorTheLastResortTakesTheStep) {
+    first->answersOpen = false;
+    second->answersOpen = false;
+    followed.back([](const EditorOutcome&) {});
+    EXPECT_TRUE(waitUntil([&] { return lastResort->opened().size() == 1; }));
+}
+
+TEST(EditorTrail, theOldestPlacesGoFirst) {
+    EditorTrail trail;
+    constexpr int kPlaces = static_cast<int>(EditorTrail::kMaximumPlaces);
+    for (int line = 1; line <= kPlaces + 1; ++line) {
+        trail.add({"/a.m", line, 1, false});
+    }
+    trail.add({"no path", 1, 1, false});
+    for (int line = kPlaces + 1; line > 1; --line) {
+        EXPECT_EQ(trail.takeLast(), (EditorPlace{"/a.m", line, 1, false}));
+    }
+    EXPECT_EQ(trail.takeLast(), std::nullopt);
 }
 
 /// A Neovim and an Emacs, each with a file; what they open is nobody's here.
