@@ -55,15 +55,18 @@ std::string_view nameOf(NoteKind kind) {
 
 std::size_t Outline::symbolAtLine(std::uint32_t line) const {
     std::size_t found = symbols_.size();
+    bool holds = false;
     std::size_t index = 0;
     std::size_t levelEnd = symbols_.size();
     while (index < levelEnd && symbols_[index].line <= line) {
-        found = index;
         const Symbol& symbol = symbols_[index];
         if (line <= symbol.endLine) {
+            found = index;
+            holds = true;
             levelEnd = symbol.end;
             ++index;
         } else {
+            found = holds ? found : index;
             index = symbol.end;
         }
     }

@@ -122,8 +122,8 @@ public:
     }
     std::string_view nameOf(const Symbol& symbol) const { return text(symbol.name); }
 
-    /// Index of the innermost symbol that holds a line (from 1), or of the last one before it on
-    /// the same level; `symbols().size()` where the line lies before all.
+    /// Index of the innermost symbol that holds a line (from 1), or else of the last one before it
+    /// at file level; `symbols().size()` where the line lies before all.
     std::size_t symbolAtLine(std::uint32_t line) const;
 
     /// Bytes on the heap.

@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
 namespace navrel {
 namespace {
@@ -57,6 +59,45 @@ TEST(OutlineBuilder, aLongSignatureIsCutBetweenCharacters) {
     const Outline outline = builder.finish(1);
     EXPECT_EQ(outline.text(outline.symbols()[0].signature),
               std::string(kMaximumSignatureLength - 1, 'a'));
+}
+
+/// The name of the symbol at a line; empty where there is none.
+std::string symbolAt(const Outline& outline, std::uint32_t line) {
+    const std::size_t index = outline.symbolAtLine(line);
+    return index < outline.symbols().size() ? std::string(outline.nameOf(outline.symbols()[index]))
+                                            : std::string();
+}
+
+TEST(SymbolAtLine, theInnermostThatHoldsTheLineCounts) {
+    const Outline outline = outlineOfSource(Language::swift, "import Foundation\n"
+                                                             "struct Tide {\n"
+                                                             "    func rise() {\n"
+                                                             "        print(1)\n"
+                                                             "    }\n"
+                                                             "\n"
+                                                             "    func fall() {\n"
+                                                             "    }\n"
+                                                             "}\n"
+                                                             "\n"
+                                                             "func wait() {\n"
+                                                             "}\n"
+                                                             "// the end\n");
+    const std::vector<std::string> expected = {"",       "Tide",   "rise()", "rise()", "rise()",
+                                               "Tide",   "fall()", "fall()", "Tide",   "Tide",
+                                               "wait()", "wait()", "wait()"};
+    for (std::size_t line = 1; line <= expected.size(); ++line) {
+        EXPECT_EQ(symbolAt(outline, static_cast<std::uint32_t>(line)), expected[line - 1]) << line;
+    }
+    EXPECT_EQ(symbolAt(outline, 1'000'000), "wait()");
+    EXPECT_EQ(symbolAt(outlineOfSource(Language::swift, ""), 1), "");
+}
+
+TEST(SymbolAtLine, ofSeveralInALineTheFirstCounts) {
+    const Outline outline = outlineOfSource(Language::swift, "enum Kind {\n"
+                                                             "    case spring, neap\n"
+                                                             "}\n");
+    EXPECT_EQ(symbolAt(outline, 2), "spring");
+    EXPECT_EQ(symbolAt(outline, 3), "Kind");
 }
 
 } // namespace
