@@ -45,16 +45,24 @@ export function outlineRows(outline: Shape.Outline): OutlineRow[] {
   return rows;
 }
 
-/** The row of the innermost symbol that holds a line; -1 before all of them. */
+/**
+ * The row of the innermost symbol that holds a line, the first one of several; where none does, of the last one before
+ * it at file level; -1 before all of them. Navrel itself goes by the same rule.
+ */
 export function rowAtLine(rows: readonly OutlineRow[], line: number): number {
   let found = -1;
-  let nearest = -1;
-  rows.forEach((row, index) => {
-    if (row.type !== "symbol" || row.line > line) return;
-    nearest = index;
-    if (row.symbol.endLine >= line) found = index;
-  });
-  return found >= 0 ? found : nearest;
+  let innermost = -1; // the depth of the symbol that holds the line
+  for (const [index, row] of rows.entries()) {
+    if (row.type !== "symbol") continue;
+    if (row.line > line || row.depth <= innermost) break;
+    if (row.symbol.endLine >= line) {
+      found = index;
+      innermost = row.depth;
+    } else if (row.depth === 0) {
+      found = index;
+    }
+  }
+  return found;
 }
 
 export type StopKind = "symbol" | "heading" | "note";

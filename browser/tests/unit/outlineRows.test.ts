@@ -1,6 +1,7 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { neighbour, outlineRows, rowAtLine } from "../../app/model/outlineRows";
+import type * as Shape from "../../app/wire/shapes";
 import { idOf, sampleOutlines } from "../mock/sample";
 
 const rows = outlineRows(sampleOutlines.get(idOf("Tidewatch/Views/TideListController.m"))!);
@@ -36,6 +37,18 @@ test("the innermost symbol around a line is lit", () => {
   assert.equal(nameOf(rowAtLine(rows, 14)), "-viewDidLoad");
   assert.equal(nameOf(rowAtLine(rows, 18)), "TideListController");
   assert.equal(rowAtLine(rows, 1), -1);
+});
+
+test("outside all symbols the last one at file level is lit, and of two in a line the first", () => {
+  const symbol = (name: string, line: number, endLine: number, children: Shape.Symbol[] = []): Shape.Symbol => ({ kind: "class", name, line, endLine, children });
+  const items = [symbol("Tide", 2, 5, [symbol("height", 3, 3), symbol("time", 3, 3)]), symbol("Wave", 8, 9)];
+  const sample = sampleOutlines.get(idOf("Tidewatch/Views/TideListController.m"))!;
+  const few = outlineRows({ ...sample, items, headings: [], notes: [] });
+  const lit = [1, 2, 3, 4, 7, 8, 10].map((line) => {
+    const row = few[rowAtLine(few, line)];
+    return row?.type === "symbol" ? row.symbol.name : "";
+  });
+  assert.deepEqual(lit, ["", "Tide", "height", "Tide", "Tide", "Wave", "Wave"]);
 });
 
 test("steps lead to the next of a kind, and end at the last", () => {
