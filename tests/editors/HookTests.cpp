@@ -11,7 +11,9 @@
 #include "tests/editors/ScratchEnvironment.h"
 #include "tests/editors/Terminal.h"
 
+#include <QDir>
 #include <QFile>
+#include <QLocalServer>
 #include <QLocalSocket>
 #include <QProcess>
 #include <gtest/gtest.h>
@@ -405,6 +407,37 @@ TEST_F(VimPlugIn, keysMoveTheClientAndAJumpLeadsToTheLine) {
 
     editor->back([](const EditorOutcome&) {});
     EXPECT_TRUE(waitUntil([&] { return isAt(fileB(), 42); }));
+}
+
+/// A Vim of which each line is read as it comes.
+TEST(VimPlugInAlone, aFolderThatIsLeftForAnotherIsSaid) {
+    if (!findTool(QStringLiteral("vim")) || !Terminal::isAvailable()) {
+        GTEST_SKIP() << "needs vim and tmux";
+    }
+    const ScratchEnvironment environment;
+    QLocalServer server;
+    ASSERT_TRUE(server.listen(*HookSocket::standardPath()));
+    Terminal terminal(environment.pathOf(QStringLiteral("tmux")));
+    ASSERT_TRUE(
+        terminal.start({QStringLiteral("vim"), QStringLiteral("--clean"), QStringLiteral("-S"),
+                        QStringLiteral(NAVREL_SOURCE_DIR "/editors/vim/plugin/navrel.vim")}));
+    ASSERT_TRUE(waitUntil([&] { return server.hasPendingConnections(); }));
+    const std::unique_ptr<QLocalSocket> vim(server.nextPendingConnection());
+    QStringList folders;
+    const auto saysFolders = [&](const QStringList& wanted) {
+        return waitUntil([&] {
+            while (vim->canReadLine()) {
+                const auto message = hookMessageFrom(vim->readLine());
+                folders = message && message->kind == HookMessage::Kind::Hello ? message->folders
+                                                                               : folders;
+            }
+            return folders == wanted;
+        });
+    };
+    const QString folder = QDir(environment.path()).canonicalPath();
+    ASSERT_TRUE(waitUntil([&] { return vim->canReadLine(); }));
+    terminal.type({QStringLiteral(":cd %1").arg(folder), QStringLiteral("Enter")});
+    EXPECT_TRUE(saysFolders({folder}));
 }
 
 } // namespace

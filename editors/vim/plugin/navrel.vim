@@ -144,6 +144,10 @@ def Hear(_: channel, line: string)
     endtry
 enddef
 
+def SayHello()
+    Send({hello: 'Vim', version: 1, pid: getpid(), folders: [getcwd()]})
+enddef
+
 def Connect()
     if IsConnected()
         return
@@ -156,7 +160,7 @@ def Connect()
     if IsConnected()
         told = {}
         is_pausing = false
-        Send({hello: 'Vim', version: 1, pid: getpid(), folders: [getcwd()]})
+        SayHello()
         Tell()
     endif
 enddef
@@ -165,6 +169,7 @@ augroup navrel
     autocmd!
     autocmd VimEnter,FocusGained * Connect() | Tell()
     autocmd BufEnter,WinEnter,CursorMoved,CursorMovedI,BufWritePost,TextChanged * Tell()
+    autocmd DirChanged * SayHello()
 augroup END
 timer_start(3000, (_) => Connect(), {repeat: -1})
 if v:vim_did_enter
