@@ -15,6 +15,7 @@
 #include "tests/editors/ScratchEnvironment.h"
 #include "tests/editors/Terminal.h"
 
+#include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
 #include <QTimer>
@@ -148,6 +149,26 @@ TEST_P(LeadAndFollow, keysMoveTheClient) {
     EXPECT_FALSE(last->isModified);
     terminal.type(isVi() ? QStringList{QStringLiteral("x")} : QStringList{QStringLiteral("C-d")});
     EXPECT_TRUE(waitUntil([&] { return last->isModified; }));
+}
+
+TEST_P(LeadAndFollow, aUserWhoMovesOnAndOnIsHeardOnlySoOften) {
+    constexpr int kMoves = 80;
+    int heard = 0;
+    QElapsedTimer sinceTheBeginning;
+    sinceTheBeginning.start();
+    editor.onMove([&](const EditorPosition& position) {
+        last = position;
+        ++heard;
+    });
+    ASSERT_TRUE(waitUntil([&] { return isAt(fileA(), 1); }));
+    for (int move = 0; move < kMoves; ++move) {
+        moveDown();
+    }
+    EXPECT_TRUE(waitUntil([&] { return isAt(fileA(), 1 + kMoves); }));
+    // Ten times a second; an editor's clock may stand still while it is busy, and its pauses be
+    // shorter for that. Keys come far more often.
+    constexpr qint64 kShortestPause = 50;
+    EXPECT_LE(heard, 2 + sinceTheBeginning.elapsed() / kShortestPause);
 }
 
 TEST_P(LeadAndFollow, whatIsLedIsFollowedToo) {
