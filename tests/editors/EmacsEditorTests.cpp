@@ -184,6 +184,21 @@ TEST_F(EmacsEditorTest, theWayBackIsOnTheGlobalMarkRing) {
     EXPECT_TRUE(waitForValueThere("(line-number-at-pos (window-point))", "50"));
 }
 
+TEST_F(EmacsEditorTest, aJumpIsGoneBackFromAsFromADefinition) {
+    ASSERT_NO_FATAL_FAILURE(start(fileA()));
+    // A jump does not load it: that would keep the user waiting.
+    ASSERT_EQ(valueOf("(require 'xref)"), "xref");
+    terminal.type({QStringLiteral("M-g"), QStringLiteral("g"), QStringLiteral("50"),
+                   QStringLiteral("Enter")});
+    ASSERT_TRUE(waitForValueThere("(line-number-at-pos (window-point))", "50"));
+    EmacsEditor patient(kSilentEditorLeftAlone, kPatience);
+    EXPECT_TRUE(patient.jump({fileB(), 142, 0, false}, QDeadlineTimer(kPatience)).outcome.isOpen());
+    ASSERT_EQ(shownFile(), quoted(fileB()));
+    terminal.type({QStringLiteral("M-,")});
+    EXPECT_TRUE(waitUntil([&] { return shownFile() == quoted(fileA()); }));
+    EXPECT_TRUE(waitForValueThere("(line-number-at-pos (window-point))", "50"));
+}
+
 TEST_F(EmacsEditorTest, theWayBackWithinAFileIsOnItsMarkRing) {
     ASSERT_NO_FATAL_FAILURE(start(fileA()));
     terminal.type({QStringLiteral("M-g"), QStringLiteral("g"), QStringLiteral("50"),
