@@ -415,11 +415,8 @@ bool Recogniser::isTemplateArgument(const Token& brace) {
         return false;
     }
     const std::size_t closing = matcher_.closingOf(brace.begin, lexer_);
-    if (closing >= text_.size()) {
-        return false;
-    }
-    lexer_.setPosition(closing + 1);
-    const char next = lexer_.peek();
+    lexer_.setPosition(std::min(closing + 1, text_.size()));
+    const char next = closing < text_.size() ? lexer_.peek() : '\0';
     lexer_.setPosition(brace.end);
     return next == ',' || next == '>' || next == '(';
 }

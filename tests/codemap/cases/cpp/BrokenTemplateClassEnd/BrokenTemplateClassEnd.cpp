@@ -1,0 +1,4 @@
+template <class T> class Sea {
+public:
+    void rise();
+    int height;
