@@ -41,17 +41,24 @@ constexpr std::chrono::seconds kUntilItTakesKeys{5};
 
 /// What a user may be in the middle of, and the keys that lead there.
 struct State {
+    enum class Change {
+        None,
+        Text,       ///< the keys type into the file that is shown, which is not saved
+        FileOnDisk, ///< another program writes the file that the jump leads to
+    };
+
     const char* name;
     std::vector<const char*> keys;
-    bool changesFile = false; ///< another program writes the file that the jump leads to
+    Change change = Change::None;
 };
+using Change = State::Change;
 
 // clang-format off
 const std::vector<State> kStates = {
     {"normal", {}},
     {"selection", {"shift+Down", "shift+Down"}},
-    {"unsaved", {"h", "e", "l", "l", "o"}},
-    {"completion", {"l", "i", "ctrl+space"}},
+    {"unsaved", {"h", "e", "l", "l", "o"}, Change::Text},
+    {"completion", {"l", "i", "ctrl+space"}, Change::Text},
     {"find", {"ctrl+f", "l"}},
     {"replace", {"ctrl+r"}},
     {"goToLine", {"ctrl+g"}},
@@ -59,9 +66,9 @@ const std::vector<State> kStates = {
     {"quickOpen", {"ctrl+alt+o"}},
     {"menu", {"alt+f"}},
     {"openDialog", {"ctrl+o"}},
-    {"question", {"h", "ctrl+w"}},
+    {"question", {"h", "ctrl+w"}, Change::Text},
     {"halfACommand", {"ctrl+alt+v", "d"}},
-    {"changedOnDisk", {}, true},
+    {"changedOnDisk", {}, Change::FileOnDisk},
 };
 // clang-format on
 constexpr int kTimes = 3;
@@ -105,6 +112,7 @@ public:
             nullptr);
         editor_->onMove([this](const EditorPosition& position) {
             shown_ = position.path;
+            isModified_ = position.isModified;
             moved_ = Clock::now();
         });
     }
@@ -164,10 +172,21 @@ public:
         for (const char* const key : state.keys) {
             xdotool({QStringLiteral("key"), QString::fromUtf8(key)});
         }
-        if (state.changesFile) {
+        if (state.change == Change::FileOnDisk) {
             ScratchEnvironment::write(first().toUtf8(), ScratchEnvironment::lines(kLines + 1));
         }
         return state.keys.empty() || waitUntil([&] { return differs(before, screen()); });
+    }
+
+    /// Whether it shows the file that it was led to, and has still in the other one what was typed.
+    bool isWhereItWasLed(const State& state) {
+        if (!waitUntil([this] { return shown_ == first(); }, kStartAtMost)) {
+            return false;
+        }
+        editor_->open(second(), 1, 0, [](const EditorOutcome&) {});
+        return waitUntil(
+            [&] { return shown_ == second() && isModified_ == (state.change == Change::Text); },
+            kStartAtMost);
     }
 
     /// Leads it to the other file; the time until that ended, and how.
@@ -231,6 +250,7 @@ private:
     QProcess process_;
     std::unique_ptr<FollowedEditor> editor_;
     QString shown_;
+    bool isModified_ = false;
     Clock::time_point moved_;
 };
 
@@ -249,10 +269,12 @@ int measure() {
 double measureState(const State& state) {
     std::vector<double> times;
     EditorOutcome outcome;
+    int arrived = 0;
     for (int time = 0; time < kTimes; ++time) {
         Kate kate;
         if (kate.isReady() && kate.enter(state)) {
             times.push_back(kate.jump(outcome));
+            arrived += outcome.isOpen() && kate.isWhereItWasLed(state) ? 1 : 0;
         }
     }
     if (times.empty()) {
@@ -260,9 +282,10 @@ double measureState(const State& state) {
         return 0;
     }
     std::sort(times.begin(), times.end());
-    std::printf("STATE | Kate | %s | median %.0f ms | longest %.0f ms | %s\n", state.name,
-                times[times.size() / 2], times.back(),
-                outcome.isOpen() ? "opened" : qPrintable(outcome.reason));
+    std::printf("STATE | Kate | %s | median %.0f ms | longest %.0f ms | %s | %d of %zu arrived and "
+                "lost nothing\n",
+                state.name, times[times.size() / 2], times.back(),
+                outcome.isOpen() ? "opened" : qPrintable(outcome.reason), arrived, times.size());
     std::fflush(stdout);
     return times.back();
 }
