@@ -5,7 +5,7 @@
 namespace navrel {
 
 /// The editor of last resort: the desktop's opener, which opens a file with whatever the user has
-/// chosen for it, and knows of no active file and no line.
+/// chosen for it, and knows of no active file and no line. It has no state: any thread may use it.
 class DesktopEditor final : public Editor {
 public:
     std::optional<QString> activeProjectPath() override;

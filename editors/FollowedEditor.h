@@ -38,8 +38,10 @@ public:
     /// end must not fill the memory.
     static constexpr int kMaximumWaitingRequests = 64;
 
-    /// `lastResort` (may be null) is what is used when none of `editors` answers. `listing` (may be
-    /// null) finds the project that lists a file. Needs a QCoreApplication.
+    /// `lastResort` (may be null) is what is used when none of `editors` answers. Its `open` and
+    /// `openFile` are called on the thread of the requests, as the others wait there for their
+    /// turn: they must allow that. `listing` (may be null) finds the project that lists a file.
+    /// Needs a QCoreApplication.
     FollowedEditor(std::vector<std::shared_ptr<RunningEditor>> editors,
                    std::shared_ptr<Editor> lastResort,
                    ActiveProject::ListingProject listing = nullptr);
