@@ -6,6 +6,9 @@
 #include "support/core/Log.h"
 #include "support/dispatch/DispatchQueue.h"
 
+#include <QFileInfo>
+#include <QThread>
+
 #include <chrono>
 #include <utility>
 
@@ -18,9 +21,37 @@ using KateOutcome = KateReading::Outcome;
 const QByteArray kKate = "Kate";
 const QString kKateName = QStringLiteral("Kate");
 constexpr std::chrono::milliseconds kKateInterval{500};
+/// A document is in front when Kate answers; this is for one that is still on its way.
+constexpr std::chrono::milliseconds kInFrontAtMost{200};
+constexpr unsigned long kPauseMilliseconds = 20;
 
 EditorPlace placeOf(const KateWindow& window) {
     return {window.file, 0, 0, window.isModified};
+}
+
+/// Kate shows the file that symbolic links lead to.
+bool isSameFile(const QByteArray& left, const QByteArray& right) {
+    const QString target = QFileInfo(QString::fromUtf8(left)).canonicalFilePath();
+    return left == right ||
+           (!target.isEmpty() && target == QFileInfo(QString::fromUtf8(right)).canonicalFilePath());
+}
+
+/// Whether a document is in front. One that asks whether to save another says that it has opened
+/// this one, and does not. Nothing when Kate did not answer in time.
+std::optional<bool> isInFront(const QDBusConnection& bus, const QByteArray& path,
+                              const QDeadlineTimer& deadline) {
+    const QDeadlineTimer settled = earlierOf(deadline, kInFrontAtMost);
+    while (true) {
+        const KateReading reading = readKateWindow(bus, deadline);
+        if (reading.outcome != KateOutcome::Window) {
+            return std::nullopt;
+        }
+        const bool isThere = isSameFile(path, reading.window.file);
+        if (isThere || settled.hasExpired()) {
+            return isThere;
+        }
+        QThread::msleep(kPauseMilliseconds);
+    }
 }
 
 } // namespace
@@ -124,6 +155,11 @@ JumpResult KateEditor::jump(const EditorPlace& place, const QDeadlineTimer& dead
         return {
             outcomeOf(EditorRefusal::saysWhy, kKateName, QStringLiteral("it cannot open the file")),
             {}};
+    }
+    if (const auto isThere = isInFront(bus_, place.path, end); !isThere.value_or(false)) {
+        return {outcomeOf(isThere ? EditorRefusal::waitsForAKey : EditorRefusal::answersLate,
+                          kKateName),
+                {}};
     }
     EditorPlace before = placeOf(reading.window);
     if (ledTo_ && ledTo_->path == before.path) {

@@ -9,6 +9,7 @@
 #include "tests/editors/ScratchEnvironment.h"
 
 #include <QDBusMessage>
+#include <QDBusVariant>
 #include <QDBusVirtualObject>
 #include <QDir>
 #include <QProcess>
@@ -50,28 +51,47 @@ TEST(KateEditor, withoutABusOrAKateNoneRuns) {
 }
 
 /// A Kate that is on the bus, counts what it is asked and answers with an error each time: alive as
-/// little as one that is stopped, without anyone waiting for that.
+/// little as one that is stopped, without anyone waiting for that. Or one that shows a file.
 class FakeKate final : public QDBusVirtualObject {
 public:
     explicit FakeKate(const QDBusConnection& bus) : bus_(bus) {}
     bool appear() {
-        bus_.registerVirtualObject(QStringLiteral("/kate"), this, QDBusConnection::SubPath);
+        for (const char* const path : {"/kate", "/MainApplication"}) {
+            bus_.registerVirtualObject(QLatin1String(path), this, QDBusConnection::SubPath);
+        }
         return bus_.registerService(QStringLiteral("org.kde.kate-1"));
     }
     int questions() const { return questions_; }
+    /// From now on it answers, and shows this file whatever it is asked to open, as it does while
+    /// it asks whether to save the file.
+    void show(const QString& file) { file_ = file; }
 
     QString introspect(const QString&) const override { return {}; }
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
         ++questions_;
-        return connection.send(message.createErrorReply(QDBusError::Failed, QString()));
+        return connection.send(file_.isEmpty()
+                                   ? message.createErrorReply(QDBusError::Failed, QString())
+                                   : message.createReply(answerTo(message)));
     }
 
 private:
+    QVariant answerTo(const QDBusMessage& message) const {
+        if (message.member() == QStringLiteral("Introspect")) {
+            return QStringLiteral("<node><node name=\"MainWindow_1\"/></node>");
+        }
+        if (message.member() == QStringLiteral("Get")) {
+            const bool isFile = message.arguments().value(1) == QStringLiteral("windowFilePath");
+            return QVariant::fromValue(QDBusVariant(isFile ? QVariant(file_) : QVariant(true)));
+        }
+        return QStringLiteral("a token");
+    }
+
     QDBusConnection bus_;
     int questions_ = 0;
+    QString file_;
 };
 
-class SilentKate : public ::testing::Test {
+class KateStandIn : public ::testing::Test {
 protected:
     void SetUp() override {
         if (!SessionBus::isAvailable()) {
@@ -98,7 +118,7 @@ protected:
     std::unique_ptr<FollowedEditor> editor;
 };
 
-TEST_F(SilentKate, itIsAskedOnlyWhileSomebodyFollows) {
+TEST_F(KateStandIn, itIsAskedOnlyWhileSomebodyFollows) {
     EXPECT_EQ(questionsMeanwhile(), 0) << "nobody follows";
     editor->onMove([](const EditorPosition&) {});
     EXPECT_TRUE(waitUntil([&] { return kate->questions() >= 3; }));
@@ -106,7 +126,7 @@ TEST_F(SilentKate, itIsAskedOnlyWhileSomebodyFollows) {
     EXPECT_LE(questionsMeanwhile(), 1) << "one may be under way";
 }
 
-TEST_F(SilentKate, eachJumpSaysThatItDoesNotAnswer) {
+TEST_F(KateStandIn, eachJumpSaysThatItDoesNotAnswer) {
     // This thread waits for the answer that it would have to give.
     EXPECT_EQ(editor->activeFileName(), std::nullopt);
     for (int jump = 0; jump < 3; ++jump) {
@@ -115,6 +135,15 @@ TEST_F(SilentKate, eachJumpSaysThatItDoesNotAnswer) {
                   }),
                   Kind::asksUser);
     }
+}
+
+TEST_F(KateStandIn, oneThatStaysAtAnotherFileWaitsForItsUser) {
+    kate->show(QStringLiteral("/b.txt"));
+    const auto jumpTo = [&](const QString& path) {
+        return kateOutcomeOf([&](const auto& done) { editor->open(path, 3, 0, done); });
+    };
+    EXPECT_EQ(jumpTo(QStringLiteral("/a.txt")), Kind::asksUser);
+    EXPECT_EQ(jumpTo(QStringLiteral("/b.txt")), Kind::opened);
 }
 
 class Kate : public ::testing::Test {
