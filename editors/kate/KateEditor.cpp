@@ -156,10 +156,9 @@ JumpResult KateEditor::jump(const EditorPlace& place, const QDeadlineTimer& dead
             outcomeOf(EditorRefusal::saysWhy, kKateName, QStringLiteral("it cannot open the file")),
             {}};
     }
-    if (const auto isThere = isInFront(bus_, place.path, end); !isThere.value_or(false)) {
-        return {outcomeOf(isThere ? EditorRefusal::waitsForAKey : EditorRefusal::answersLate,
-                          kKateName),
-                {}};
+    // Its word counts where it is too busy to be asked again.
+    if (!isInFront(bus_, place.path, end).value_or(true)) {
+        return {outcomeOf(EditorRefusal::waitsForAKey, kKateName), {}};
     }
     EditorPlace before = placeOf(reading.window);
     if (ledTo_ && ledTo_->path == before.path) {
