@@ -69,6 +69,12 @@ const std::vector<State> kStates = {
     {"question", {"h", "ctrl+w"}, Change::Text},
     {"halfACommand", {"ctrl+alt+v", "d"}},
     {"changedOnDisk", {}, Change::FileOnDisk},
+    {"viInsert", {"ctrl+alt+v", "i"}},
+    {"viVisual", {"ctrl+alt+v", "v", "Down"}},
+    {"viCommandLine", {"ctrl+alt+v", "colon", "s"}},
+    {"blockSelection", {"ctrl+shift+b", "shift+Down", "shift+Right"}},
+    {"saveAs", {"ctrl+shift+s"}},
+    {"print", {"ctrl+p"}},
 };
 // clang-format on
 constexpr int kTimes = 3;
