@@ -36,8 +36,8 @@ bool isSameFile(const QByteArray& left, const QByteArray& right) {
            (!target.isEmpty() && target == QFileInfo(QString::fromUtf8(right)).canonicalFilePath());
 }
 
-/// Whether a document is in front. One that asks whether to save another says that it has opened
-/// this one, and does not. Nothing when Kate did not answer in time.
+/// Whether a document is in front. While Kate asks whether to save another one, it says that it has
+/// opened this one, and has not. Nothing when Kate did not answer in time.
 std::optional<bool> isInFront(const QDBusConnection& bus, const QByteArray& path,
                               const QDeadlineTimer& deadline) {
     const QDeadlineTimer settled = earlierOf(deadline, kInFrontAtMost);
