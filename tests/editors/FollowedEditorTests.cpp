@@ -6,6 +6,7 @@
 #include "tests/LogRecorder.h"
 #include "tests/RecordingTool.h"
 #include "tests/WaitUntil.h"
+#include "tests/editors/AwaitOutcome.h"
 #include "tests/editors/FakeServer.h"
 #include "tests/editors/ScratchEnvironment.h"
 
@@ -372,13 +373,8 @@ TEST_F(FocusedEditor, noEditorIsAskedOnceNobodyFollows) {
 }
 
 TEST_F(FocusedEditor, withoutAJumpToGoBackFromTheEditorsOwnListServes) {
-    const auto kind = std::make_shared<std::atomic<int>>(-1);
     const auto back = [&] {
-        *kind = -1;
-        followed.back(
-            [kind](const EditorOutcome& outcome) { *kind = static_cast<int>(outcome.kind); });
-        EXPECT_TRUE(waitUntil([&] { return *kind >= 0; }));
-        return static_cast<EditorOutcome::Kind>(kind->load());
+        return awaitOutcome([&](const auto& done) { followed.back(done); }).kind;
     };
     EXPECT_EQ(back(), EditorOutcome::Kind::refused);
     EXPECT_EQ(second->stepsBack, 1);
@@ -395,21 +391,13 @@ protected:
 
     WayBack() {
         for (int line = 1; line <= 3; ++line) {
-            EXPECT_EQ(outcomeOf([&](const auto& done) {
-                          followed.open(QStringLiteral("/a.m"), line, 0, done);
-                      }),
-                      Kind::opened);
+            const auto outcome = awaitOutcome(
+                [&](const auto& done) { followed.open(QStringLiteral("/a.m"), line, 0, done); });
+            EXPECT_EQ(outcome.kind, Kind::opened);
         }
     }
-    template <typename Ask>
-    static Kind outcomeOf(Ask ask) {
-        const auto kind = std::make_shared<std::atomic<int>>(-1);
-        ask([kind](const EditorOutcome& outcome) { *kind = static_cast<int>(outcome.kind); });
-        EXPECT_TRUE(waitUntil([&] { return *kind >= 0; }));
-        return static_cast<Kind>(kind->load());
-    }
     Kind back() {
-        return outcomeOf([&](const auto& done) { followed.back(done); });
+        return awaitOutcome([&](const auto& done) { followed.back(done); }).kind;
     }
     Opened lastOpened() const { return first->opened().back(); }
     static Opened from(int line) { return {"/was/at.m", line}; }

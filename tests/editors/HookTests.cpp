@@ -8,6 +8,7 @@
 #include "support/process/ToolRunner.h"
 #include "tests/LogRecorder.h"
 #include "tests/WaitUntil.h"
+#include "tests/editors/AwaitOutcome.h"
 #include "tests/editors/ScratchEnvironment.h"
 #include "tests/editors/Terminal.h"
 
@@ -377,12 +378,8 @@ protected:
         return last.path == file && last.line == line;
     }
     bool jump(int line) {
-        const auto kind = std::make_shared<std::atomic<int>>(-1);
-        editor->open(fileB(), line, 0, [kind](const EditorOutcome& outcome) {
-            *kind = static_cast<int>(outcome.kind);
-        });
-        return waitUntil([&] { return *kind >= 0; }) &&
-               *kind == static_cast<int>(EditorOutcome::Kind::opened);
+        return awaitOutcome([&](const auto& done) { editor->open(fileB(), line, 0, done); })
+            .isOpen();
     }
 
     ScratchEnvironment environment;

@@ -6,6 +6,7 @@
 #include "tests/SessionBus.h"
 #include "tests/StopProcess.h"
 #include "tests/WaitUntil.h"
+#include "tests/editors/AwaitOutcome.h"
 #include "tests/editors/ScratchEnvironment.h"
 
 #include <QDBusMessage>
@@ -15,7 +16,6 @@
 #include <QProcess>
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <memory>
 #include <optional>
 
@@ -27,13 +27,9 @@ using Kind = EditorOutcome::Kind;
 /// How a request to it ended.
 template <typename Request>
 Kind kateOutcomeOf(Request request) {
-    const auto kind = std::make_shared<std::atomic<int>>(-1);
-    request([kind](const EditorOutcome& outcome) {
-        EXPECT_TRUE(outcome.editor.isEmpty() || outcome.editor == QStringLiteral("Kate"));
-        *kind = static_cast<int>(outcome.kind);
-    });
-    EXPECT_TRUE(waitUntil([&] { return *kind >= 0; }));
-    return static_cast<Kind>(kind->load());
+    const EditorOutcome outcome = awaitOutcome(request);
+    EXPECT_TRUE(outcome.editor.isEmpty() || outcome.editor == QStringLiteral("Kate"));
+    return outcome.kind;
 }
 
 TEST(KateEditor, withoutABusOrAKateNoneRuns) {

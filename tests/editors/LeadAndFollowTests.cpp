@@ -11,6 +11,7 @@
 #include "tests/RecordingTool.h"
 #include "tests/StopProcess.h"
 #include "tests/WaitUntil.h"
+#include "tests/editors/AwaitOutcome.h"
 #include "tests/editors/FakeServer.h"
 #include "tests/editors/ScratchEnvironment.h"
 #include "tests/editors/Terminal.h"
@@ -23,7 +24,6 @@
 
 #include <atomic>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <poll.h>
 #include <vector>
@@ -91,30 +91,11 @@ protected:
     }
     void moveDown() { terminal.type({isVi() ? QStringLiteral("j") : QStringLiteral("C-n")}); }
 
-    template <typename Request>
-    EditorOutcome outcomeOf(Request request) {
-        struct Shared {
-            std::mutex mutex;
-            std::optional<EditorOutcome> outcome;
-        };
-        const auto shared = std::make_shared<Shared>();
-        request([shared](const EditorOutcome& outcome) {
-            const std::lock_guard lock(shared->mutex);
-            shared->outcome = outcome;
-        });
-        EXPECT_TRUE(waitUntil([&] {
-            const std::lock_guard lock(shared->mutex);
-            return shared->outcome.has_value();
-        }));
-        const std::lock_guard lock(shared->mutex);
-        return shared->outcome.value_or(EditorOutcome());
-    }
     EditorOutcome open(const QString& file, int line, int column = 0) {
-        return outcomeOf(
-            [&](const Editor::OutcomeObserver& done) { editor.open(file, line, column, done); });
+        return awaitOutcome([&](const auto& done) { editor.open(file, line, column, done); });
     }
     EditorOutcome back() {
-        return outcomeOf([&](const Editor::OutcomeObserver& done) { editor.back(done); });
+        return awaitOutcome([&](const auto& done) { editor.back(done); });
     }
     /// What the editor answers to an expression of its own, asked by its own client.
     QByteArray valueOf(const QString& expression) const {
